@@ -1,0 +1,156 @@
+#include "engine/custom_transforms.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <iterator>
+#include <memory>
+
+#include "engine/effect_matrix.h"
+
+namespace tintora {
+
+std::vector<CustomTransform> customTransforms;
+
+namespace {
+
+constexpr std::string_view fileName = "Tintora_custom.txt";
+constexpr std::string_view fieldSeparators = " \t";
+constexpr std::string_view lineEnds{"\n\r\0", 3};
+
+// Takes lines off the front of a text.
+struct LineReader {
+  std::string_view rest;
+  std::size_t lineNumber = 0;
+
+  std::string_view next() {
+    ++lineNumber;
+    const std::size_t end = std::min(rest.find_first_of(lineEnds), rest.size());
+    const std::string_view line = rest.substr(0, end);
+    rest.remove_prefix(end);
+    // A carriage return and the line feed behind it are one end, on every desktop.
+    rest.remove_prefix(rest.starts_with("\r\n") ? 2 : std::min<std::size_t>(1, rest.size()));
+    return line;
+  }
+};
+
+std::vector<std::string> splitFields(std::string_view line) {
+  std::vector<std::string> fields;
+  while (true) {
+    const std::size_t start = line.find_first_not_of(fieldSeparators);
+    if (start == std::string_view::npos) return fields;
+    line.remove_prefix(start);
+    const std::size_t length = std::min(line.find_first_of(fieldSeparators), line.size());
+    fields.emplace_back(line.substr(0, length));
+    line.remove_prefix(length);
+  }
+}
+
+// Reads four numbers into the row; returns what is wrong with the line, or nothing. A field counts
+// for as far as it forms a number. The program never leaves the "C" locale's decimal point.
+std::optional<std::string> parseRow(std::string_view line, std::array<float, 4>& row) {
+  const std::vector<std::string> fields = splitFields(line);
+  if (fields.size() != row.size()) {
+    return "expected 4 numbers, found " + std::to_string(fields.size());
+  }
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    char* end = nullptr;
+    row[i] = std::strtof(fields[i].c_str(), &end);
+    if (end == fields[i].c_str()) return "\"" + fields[i] + "\" is not a number";
+  }
+  return std::nullopt;
+}
+
+bool isBlank(std::string_view text) {
+  constexpr std::string_view blank{" \t\n\r\0", 5};
+  return text.find_first_not_of(blank) == std::string_view::npos;
+}
+
+std::string readTextFile(const std::string& path) {
+  std::string text;
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "r"),
+                                                             &std::fclose);
+  if (!file) return text;
+  for (int c = std::fgetc(file.get()); c != EOF; c = std::fgetc(file.get())) {
+    text.push_back(static_cast<char>(c));
+  }
+  return text;
+}
+
+}  // namespace
+
+CustomTransformFile parseCustomTransforms(std::string_view text) {
+  CustomTransformFile file;
+  LineReader lines{text};
+  while (!lines.rest.empty()) {
+    const std::string_view recordText = lines.rest;
+    const std::size_t nameLine = lines.lineNumber + 1;
+    std::string_view name = lines.next();
+    const std::array<std::string_view, 3> numberLines{lines.next(), lines.next(), lines.next()};
+
+    CustomTransform entry;
+    entry.adjustable = name.starts_with('$');
+    if (entry.adjustable) name.remove_prefix(1);
+    entry.name = name;
+    for (std::size_t i = 0; i < numberLines.size(); ++i) {
+      if (const auto fault = parseRow(numberLines[i], entry.rows[i])) {
+        if (!isBlank(recordText)) file.malformed = {nameLine + 1 + i, *fault};
+        return file;
+      }
+    }
+    file.transforms.push_back(std::move(entry));
+  }
+  return file;
+}
+
+std::string customTransformPath(std::string_view commandLine) {
+  constexpr std::string_view trimmed = " \"\t";
+  const std::size_t start = std::min(commandLine.find_first_not_of(trimmed), commandLine.size());
+  commandLine.remove_prefix(start);
+  commandLine = commandLine.substr(0, commandLine.find_last_not_of(trimmed) + 1);
+  // Without a separator the position is npos, and npos + 1 is no character at all.
+  const std::size_t directoryLength = commandLine.find_last_of("\\/") + 1;
+  return std::string(commandLine.substr(0, directoryLength)).append(fileName);
+}
+
+void loadCustomTransforms() {
+  const std::string path = customTransformPath(transformDisplay.commandLine());
+  std::ranges::move(parseCustomTransforms(readTextFile(path)).transforms,
+                    std::back_inserter(customTransforms));
+}
+
+void applyCustomTransform(std::uint32_t index) {
+  TransformSettings& settings = transformSettings;
+  if (customTransforms.empty()) return;
+  if (index >= customTransforms.size()) index = 0;
+  settings.customIndex = static_cast<std::int32_t>(index);
+
+  const CustomTransform& entry = customTransforms[index];
+  const double strength = entry.adjustable ? settings.severity : 1.0;
+  transformDisplay.showTitle(entry.name);
+
+  // identity + (file value - identity) * strength; at 0 nothing is left of the file, be it
+  // infinite.
+  const auto blend = [strength](double identity, float value) {
+    return strength == 0.0 ? identity : identity + (value - identity) * strength;
+  };
+  ColourEffect effect;
+  for (std::size_t row = 0; row < 3; ++row) {
+    for (std::size_t column = 0; column < 3; ++column) {
+      double& coefficient = effect.matrix[3 * row + column];
+      coefficient = blend(coefficient, entry.rows[row][column]);
+    }
+    effect.offset[row] = blend(0.0, entry.rows[row][3]);
+  }
+  storeColourEffect(effect);
+
+  transformDisplay.showEffectMatrix(effectMatrix);
+  settings.transformOff = false;
+  if (entry.adjustable) {
+    transformDisplay.showTitle(entry.name + "   " +
+                               std::to_string(wholePercent(settings.severity)) +
+                               "% (mouse-wheel adjusts %)");
+  }
+}
+
+}  // namespace tintora

@@ -1,0 +1,55 @@
+// The user's own matrices, read from a text file beside the program.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tintora {
+
+struct CustomTransform {
+  std::string name;         // as in the file, without a leading "$"
+  bool adjustable = false;  // the severity setting is its strength
+  // Output red, green, blue; in each the coefficients of red, green and blue and an offset.
+  std::array<std::array<float, 4>, 3> rows{{
+      {1.0F, 0.0F, 0.0F, 0.0F},
+      {0.0F, 1.0F, 0.0F, 0.0F},
+      {0.0F, 0.0F, 1.0F, 0.0F},
+  }};
+};
+
+// Where and why the reading of a custom transform file ended early.
+struct MalformedLine {
+  std::size_t number;  // from 1
+  std::string reason;
+};
+
+struct CustomTransformFile {
+  std::vector<CustomTransform> transforms;  // the whole entries before the malformed one
+  std::optional<MalformedLine> malformed;   // blank lines at the very end are not worth a word
+};
+
+// The entries in file order: filled at start-up, unchanged afterwards.
+extern std::vector<CustomTransform> customTransforms;
+
+// Reads the text of a custom transform file: records of a name line ("$" first: adjustable) and
+// three lines of four numbers. The first malformed record ends the reading.
+CustomTransformFile parseCustomTransforms(std::string_view text);
+
+// "Tintora_custom.txt" in the directory of the last path on the command line, so that a file
+// dropped on the program moves the search to its own directory.
+std::string customTransformPath(std::string_view commandLine);
+
+// Appends the entries of the file that belongs to the display's command line; a file that is
+// missing or malformed adds none, or those before its first fault.
+void loadCustomTransforms();
+
+// Applies an entry, the first where there is none of that index; nothing at all where there are no
+// entries. Leaves the index used in the settings and turns the transform on.
+void applyCustomTransform(std::uint32_t index);
+
+}  // namespace tintora

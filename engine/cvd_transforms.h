@@ -1,0 +1,21 @@
+// The matrices of the colour vision deficiency modes: five published simulations, and what is made
+// of them for viewers with the deficiency. Column-vector convention, on screen values.
+#pragma once
+
+#include "spectral/simulation_matrix.h"
+
+namespace tintora {
+
+// Computes the simulation matrix of a type and severity (0..1), keeps it as the model context's
+// uninvertedMatrix and makes of it what is shown: its daltonization, its inverse or itself;
+// daltonize wins when both are asked for. Stores the inputs and the result in the context and
+// returns the result. An unknown algorithm starts from the previous result; a singular matrix that
+// should be inverted is shown as it is.
+Matrix3x3 computeSimulationMatrix(CvdType modelCvdType, double modelSeverity,
+                                  SimulationAlgorithm Option, bool Inversion, bool Daltonize);
+
+// The correction for a viewer who sees through the given simulation: what is lost in red and in
+// green and blue themselves is moved to where the viewer can see it.
+Matrix3x3 daltonize(const Matrix3x3& simulation);
+
+}  // namespace tintora

@@ -1,0 +1,42 @@
+// The inner loops of the pixel filter, one for each kind of processor; all give the same bytes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "engine/pixel_filter.h"
+
+namespace tintora {
+
+struct PixelKernel {
+  std::string_view name;
+  std::size_t pixelsAtOnce;
+  // Filters blocks of pixelsAtOnce pixels. With streaming the destination is aligned to a block and
+  // written past the caches.
+  void (*filterBlocks)(const FixedPointMatrix& matrix, const std::uint8_t* source,
+                       std::uint8_t* destination, std::size_t blocks, bool streaming);
+};
+
+inline constexpr std::size_t bytesPerPixel = 4;
+inline constexpr std::size_t mostPixelsAtOnce = 16;
+
+// For any processor.
+void filterBlocksPortably(const FixedPointMatrix& matrix, const std::uint8_t* source,
+                          std::uint8_t* destination, std::size_t blocks, bool streaming);
+inline constexpr PixelKernel portableKernel{"portable", 1, &filterBlocksPortably};
+
+// Those that run on this processor, the fastest first and the portable one last.
+std::span<const PixelKernel> pixelKernels();
+
+// Filters any number of pixels with one kernel.
+void filterWithKernel(const PixelKernel& kernel, const FixedPointMatrix& matrix,
+                      const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels,
+                      bool streaming);
+
+// The loop in double precision, for any matrix and any processor.
+void filterExactly(const ExactMatrix& matrix, const std::uint8_t* source, std::uint8_t* destination,
+                   std::size_t pixels);
+
+}  // namespace tintora

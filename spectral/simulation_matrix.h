@@ -1,0 +1,62 @@
+// The spectral model's record, and the simulation matrix derived from the cones of two observers.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "spectral/cone_model.h"
+#include "spectral/matrix3x3.h"
+#include "spectral/spectral_tables.h"
+
+namespace tintora {
+
+// The published simulation algorithms, by the value that is stored. Any other value computes
+// nothing.
+enum class SimulationAlgorithm : std::uint32_t {
+  Judd1948 = 0,
+  Yang2008 = 1,  // the spectral one
+  Machado2009 = 2,
+  Vienot1997Approximated = 3,
+  Vienot1999 = 4,
+};
+
+struct ModelContext {
+  ConeModel normalObserver;
+  ConeModel anomalousObserver;
+  std::array<double, 297> machadoTable{};  // [type][severity 0.0 to 1.0 by 0.1][row][column]
+  CvdType modelCvdType = CvdType::Protan;
+  double modelSeverity = 1.0;  // 0..1
+  SimulationAlgorithm Option = SimulationAlgorithm::Judd1948;
+  bool Inversion = false;
+  bool Daltonize = false;
+  // Before daltonize or inversion: what the colour space window shows.
+  Matrix3x3 uninvertedMatrix{0.12, 0.88, 0.0, 0.12, 0.88, 0.0, 0.0, 0.0, 1.0};
+  Matrix3x3 simulationMatrix = uninvertedMatrix;
+};
+
+// The one model of the program.
+extern ModelContext modelContext;
+
+// Fills the constants of the record: the prereceptoral filter of both observers and the Machado
+// table. Once, before the first matrix is computed.
+void initialiseModelContext(ModelContext& context);
+
+// RGB to LMS and back, for an observer and the spectra of the display's primaries. Each row of RGB
+// to LMS sums to 1, so that display white gives (1, 1, 1) for every observer. Where RGB to LMS has
+// no inverse, LMS to RGB is all 0.
+void integrateConeMatrix(ConeModel& model, const SpectralCurve& red, const SpectralCurve& green,
+                         const SpectralCurve& blue);
+
+// The same for the opponent curves: achromatic, yellow-blue, red-green.
+void integrateOpponentMatrix(ConeModel& model, const SpectralCurve& red, const SpectralCurve& green,
+                             const SpectralCurve& blue);
+
+// The colour that gives the normal observer the anomalous observer's cone responses: LMS to RGB of
+// the one times RGB to LMS of the other, stored as the normal observer's simulation result.
+void composeAnomalousMatrix(ConeModel& normal, const ConeModel& anomalous);
+
+// Yang, Ro, Wong & Lee 2008: rebuilds both observers for the context's type and severity and
+// returns the simulation matrix.
+Matrix3x3 deriveSpectralMatrix(ModelContext& context);
+
+}  // namespace tintora

@@ -33,11 +33,6 @@ constexpr std::array<AlgorithmItem, 5> algorithmItems{{
 // The "Normal" mode shows the mildest fifth of protan vision.
 constexpr double normalVariationShare = 5.0;
 
-bool isDeficiency(TransformMode mode) {
-  return mode == TransformMode::Protan || mode == TransformMode::Deutan ||
-         mode == TransformMode::Tritan;
-}
-
 void checkMainItem(int position, bool checked) {
   transformDisplay.checkMenuItem(TransformMenu::Main, position, checked);
 }
@@ -129,8 +124,6 @@ ColourEffect effectOf(const TransformSettings& settings) {
 
 void applyTransform() {
   TransformSettings& settings = transformSettings;
-  const bool deficiency = isDeficiency(settings.Selected);
-
   clearCheckMarks();
   checkAlgorithmItem();
   checkMainItem(viewerItemPosition(settings), true);
@@ -140,13 +133,11 @@ void applyTransform() {
   }
 
   storeColourEffect(effectOf(settings));
-  if (deficiency) checkMainItem(static_cast<int>(settings.Selected), true);
+  if (isDeficiency(settings.Selected)) checkMainItem(static_cast<int>(settings.Selected), true);
   transformDisplay.showTitle(transformTitle(settings));
   transformDisplay.showEffectMatrix(effectMatrix);
   settings.transformOff = false;
-  if (deficiency || settings.Selected == TransformMode::Normal) {
-    transformDisplay.refreshTransformViews();
-  }
+  if (isSimulation(settings.Selected)) transformDisplay.refreshTransformViews();
 }
 
 void transformOffApply() {

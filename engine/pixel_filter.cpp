@@ -94,7 +94,7 @@ void filterRows(const PixelFilter& filter, const std::uint8_t* source, std::ptrd
     if (filter.fixedPoint) {
       filterWithKernel(kernel, *filter.fixedPoint, from, to, width, streaming);
     } else {
-      filterExactly(filter.exact, from, to, width);
+      kernel.filterExactly(filter.exact, from, to, width);
     }
   }
 }

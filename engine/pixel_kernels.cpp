@@ -8,10 +8,11 @@ namespace tintora {
 
 namespace {
 
-// What is not a number compares false and becomes 0.
-std::uint8_t toChannel(double value) {
+// A channel in double precision, on 0..255, as the nearest step. What is not a number compares
+// false and becomes 0.
+int toStep(double value) {
   const double atMost = value < 255.0 ? value : 255.0;
-  return static_cast<std::uint8_t>((value > 0.0 ? atMost : 0.0) + 0.5);
+  return static_cast<int>((value > 0.0 ? atMost : 0.0) + 0.5);
 }
 
 // Filters fewer pixels than the kernel takes at once, by way of a block of its size.
@@ -67,8 +68,8 @@ void filterWithKernel(const PixelKernel& kernel, const FixedPointMatrix& matrix,
   if (pixels > 0) filterPartOfBlock(kernel, matrix, source, destination, pixels);
 }
 
-void filterExactly(const ExactMatrix& matrix, const std::uint8_t* source, std::uint8_t* destination,
-                   std::size_t pixels) {
+void filterExactlyPortably(const ExactMatrix& matrix, const std::uint8_t* source,
+                           std::uint8_t* destination, std::size_t pixels) {
   for (std::size_t i = 0; i < pixels * bytesPerPixel; i += bytesPerPixel) {
     const double blue = source[i];
     const double green = source[i + 1];
@@ -76,8 +77,8 @@ void filterExactly(const ExactMatrix& matrix, const std::uint8_t* source, std::u
     const std::uint8_t alpha = source[i + 3];
     for (std::size_t channel = 0; channel < 3; ++channel) {
       const ExactMatrix::Channel& c = matrix.channels[channel];
-      destination[i + channel] =
-          toChannel(red * c.red + green * c.green + blue * c.blue + c.offset);
+      destination[i + channel] = static_cast<std::uint8_t>(
+          toStep(red * c.red + green * c.green + blue * c.blue + c.offset));
     }
     destination[i + 3] = alpha;
   }

@@ -10,6 +10,10 @@
 
 namespace tintora {
 
+// Filters any number of pixels by a matrix in double precision.
+using FilterExactly = void(const ExactMatrix& matrix, const std::uint8_t* source,
+                           std::uint8_t* destination, std::size_t pixels);
+
 struct PixelKernel {
   std::string_view name;
   std::size_t pixelsAtOnce;
@@ -17,6 +21,7 @@ struct PixelKernel {
   // written past the caches.
   void (*filterBlocks)(const FixedPointMatrix& matrix, const std::uint8_t* source,
                        std::uint8_t* destination, std::size_t blocks, bool streaming);
+  FilterExactly* filterExactly;
 };
 
 inline constexpr std::size_t bytesPerPixel = 4;
@@ -25,7 +30,9 @@ inline constexpr std::size_t mostPixelsAtOnce = 16;
 // For any processor.
 void filterBlocksPortably(const FixedPointMatrix& matrix, const std::uint8_t* source,
                           std::uint8_t* destination, std::size_t blocks, bool streaming);
-inline constexpr PixelKernel portableKernel{"portable", 1, &filterBlocksPortably};
+FilterExactly filterExactlyPortably;
+inline constexpr PixelKernel portableKernel{"portable", 1, &filterBlocksPortably,
+                                            &filterExactlyPortably};
 
 // Those that run on this processor, the fastest first and the portable one last.
 std::span<const PixelKernel> pixelKernels();
@@ -34,9 +41,5 @@ std::span<const PixelKernel> pixelKernels();
 void filterWithKernel(const PixelKernel& kernel, const FixedPointMatrix& matrix,
                       const std::uint8_t* source, std::uint8_t* destination, std::size_t pixels,
                       bool streaming);
-
-// The loop in double precision, for any matrix and any processor.
-void filterExactly(const ExactMatrix& matrix, const std::uint8_t* source, std::uint8_t* destination,
-                   std::size_t pixels);
 
 }  // namespace tintora

@@ -125,9 +125,51 @@ __m128i load16(const std::array<char, 16>& bytes) {
   if (streaming) _mm_sfence();
 }
 
+// One output channel of four pixels.
+[[gnu::target("avx2")]] inline __m128i exactChannel(const ExactMatrix::Channel& c, __m256d red,
+                                                    __m256d green, __m256d blue) {
+  const __m256d redGreen = _mm256_add_pd(_mm256_mul_pd(red, _mm256_set1_pd(c.red)),
+                                         _mm256_mul_pd(green, _mm256_set1_pd(c.green)));
+  const __m256d sum =
+      _mm256_add_pd(_mm256_add_pd(redGreen, _mm256_mul_pd(blue, _mm256_set1_pd(c.blue))),
+                    _mm256_set1_pd(c.offset));
+  // Of a number and what is not one, the maximum is its second operand.
+  const __m256d atLeast = _mm256_max_pd(sum, _mm256_setzero_pd());
+  const __m256d clamped = _mm256_min_pd(atLeast, _mm256_set1_pd(255.0));
+  return _mm256_cvttpd_epi32(_mm256_add_pd(clamped, _mm256_set1_pd(0.5)));
+}
+
+[[gnu::target("avx2")]] void filterExactlyAvx2(const ExactMatrix& matrix,
+                                               const std::uint8_t* source,
+                                               std::uint8_t* destination, std::size_t pixels) {
+  const auto [toBlue, toGreen, toRed] = matrix.channels;
+  constexpr std::size_t atOnce = 4;
+  const __m128i channelMask = _mm_set1_epi32(0xFF);
+  const __m128i alphaMask = _mm_slli_epi32(channelMask, 24);
+  const std::size_t blocks = pixels / atOnce;
+  for (std::size_t i = 0; i < blocks; ++i) {
+    const __m128i words = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source) + i);
+    const __m128i greenUp = _mm_srli_epi32(words, 8);
+    const __m128i redUp = _mm_srli_epi32(words, 16);
+    const __m256d blue = _mm256_cvtepi32_pd(_mm_and_si128(words, channelMask));
+    const __m256d green = _mm256_cvtepi32_pd(_mm_and_si128(greenUp, channelMask));
+    const __m256d red = _mm256_cvtepi32_pd(_mm_and_si128(redUp, channelMask));
+
+    const __m128i shownBlue = exactChannel(toBlue, red, green, blue);
+    const __m128i shownGreen = _mm_slli_epi32(exactChannel(toGreen, red, green, blue), 8);
+    const __m128i shownRed = _mm_slli_epi32(exactChannel(toRed, red, green, blue), 16);
+    const __m128i filtered = _mm_or_si128(_mm_or_si128(shownBlue, shownGreen),
+                                          _mm_or_si128(shownRed, _mm_and_si128(words, alphaMask)));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(destination) + i, filtered);
+  }
+  const std::size_t done = blocks * atOnce;
+  filterExactlyPortably(matrix, source + done * bytesPerPixel, destination + done * bytesPerPixel,
+                        pixels - done);
+}
+
 constexpr std::array<PixelKernel, 3> kernels{{
-    {"AVX-512 VNNI", 16, &filterBlocksAvx512},
-    {"AVX2", 8, &filterBlocksAvx2},
+    {"AVX-512 VNNI", 16, &filterBlocksAvx512, &filterExactlyAvx2},
+    {"AVX2", 8, &filterBlocksAvx2, &filterExactlyAvx2},
     portableKernel,
 }};
 

@@ -65,6 +65,15 @@ std::string swapTitle(const TransformSettings& settings) {
 
 }  // namespace
 
+bool isDeficiency(TransformMode mode) {
+  return mode == TransformMode::Protan || mode == TransformMode::Deutan ||
+         mode == TransformMode::Tritan;
+}
+
+bool isSimulation(TransformMode mode) {
+  return isDeficiency(mode) || mode == TransformMode::Normal;
+}
+
 std::int32_t wholePercent(double value) {
   const double spare = value >= 0.0 ? 0.001 : -0.001;
   return static_cast<std::int32_t>(value * 100.0 + spare);

@@ -57,6 +57,12 @@ struct TransformSettings {
 // The one set of choices of the program.
 extern TransformSettings transformSettings;
 
+// Protan, Deutan or Tritan.
+bool isDeficiency(TransformMode mode);
+
+// One of the modes whose matrix the model computes: a deficiency, or Normal.
+bool isSimulation(TransformMode mode);
+
 // A fraction as the whole percentage that titles and the stored severity carry: value * 100 cut
 // towards zero, with 0.001 to spare for what repeated steps of 0.01 lose. For |value| below 1e7.
 std::int32_t wholePercent(double value);

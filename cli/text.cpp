@@ -1,0 +1,89 @@
+#include "cli/text.h"
+
+#include <array>
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+namespace tintora::cli {
+
+namespace {
+
+template <typename Number>
+std::string shortestDecimal(Number value) {
+  std::array<char, 32> digits;
+  const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+  return {digits.data(), end};
+}
+
+// What Windows-1252 has at 0x80 to 0x9F; its five gaps stay the control characters they are in
+// Latin-1. All else is the code point of its own number.
+constexpr std::array<char16_t, 32> windows1252High{
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
+};
+
+void appendUtf8(std::string& text, char32_t codePoint) {
+  const auto byte = [&](char32_t value) { text.push_back(static_cast<char>(value)); };
+  if (codePoint < 0x80) {
+    byte(codePoint);
+  } else if (codePoint < 0x800) {
+    byte(0xC0 | codePoint >> 6);
+    byte(0x80 | (codePoint & 0x3F));
+  } else {
+    byte(0xE0 | codePoint >> 12);
+    byte(0x80 | (codePoint >> 6 & 0x3F));
+    byte(0x80 | (codePoint & 0x3F));
+  }
+}
+
+// The length of the UTF-8 sequence at the front of the text; none where there is no valid one.
+std::optional<std::size_t> sequenceLength(std::string_view text) {
+  const auto at = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
+  const std::uint8_t lead = at(0);
+  if (lead < 0x80) return 1;
+  const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+  if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return std::nullopt;
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((at(i) & 0xC0) != 0x80) return std::nullopt;
+  }
+  // Longer than need be, a surrogate, or past the last code point.
+  const bool invalid = (lead == 0xE0 && at(1) < 0xA0) || (lead == 0xED && at(1) > 0x9F) ||
+                       (lead == 0xF0 && at(1) < 0x90) || (lead == 0xF4 && at(1) > 0x8F);
+  if (invalid) return std::nullopt;
+  return length;
+}
+
+bool isUtf8(std::string_view text) {
+  while (!text.empty()) {
+    const auto length = sequenceLength(text);
+    if (!length) return false;
+    text.remove_prefix(*length);
+  }
+  return true;
+}
+
+}  // namespace
+
+std::string shortest(float value) {
+  return shortestDecimal(value);
+}
+
+std::string shortest(double value) {
+  return shortestDecimal(value);
+}
+
+std::string toUtf8(std::string_view text) {
+  if (isUtf8(text)) return std::string(text);
+  std::string converted;
+  for (const char c : text) {
+    const auto byte = static_cast<std::uint8_t>(c);
+    const bool high = byte >= 0x80 && byte < 0xA0;
+    appendUtf8(converted, high ? windows1252High[byte - 0x80U] : byte);
+  }
+  return converted;
+}
+
+}  // namespace tintora::cli

@@ -1,0 +1,219 @@
+#include "cli/transform_options.h"
+
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <string>
+
+#include "cli/output_file.h"
+#include "cli/text.h"
+#include "engine/custom_transforms.h"
+#include "engine/effect_matrix.h"
+
+namespace tintora::cli {
+
+namespace {
+
+constexpr std::array<NamedValue<TransformMode>, 14> modes{{
+    {"protan", TransformMode::Protan, "long-wave deficient"},
+    {"deutan", TransformMode::Deutan, "medium-wave deficient"},
+    {"tritan", TransformMode::Tritan, "short-wave deficient"},
+    {"normal", TransformMode::Normal, "variation of normal colour vision"},
+    {"filter", TransformMode::ColourFilter, "colour filter; --filter-colour, strength --severity"},
+    {"greyscale", TransformMode::Greyscale, "greyscale"},
+    {"invert", TransformMode::Invert, "inverted channels"},
+    {"brightness", TransformMode::Brightness, "brightness; --brightness"},
+    {"contrast", TransformMode::Contrast, "lowered contrast; --contrast"},
+    {"saturation", TransformMode::Saturation, "lowered saturation; --saturation"},
+    {"swap", TransformMode::ColourSwap, "exchanged channels; --swap, strength --severity"},
+    {"circadian", TransformMode::CircadianLightBlock, "no blue light; brightness --severity"},
+    {"red-filter", TransformMode::RedFilter, "red light only"},
+    {"custom", TransformMode::Custom, "from --custom-file, entry --custom-index"},
+}};
+
+constexpr std::array<NamedValue<SimulationAlgorithm>, 5> algorithms{{
+    {"judd", SimulationAlgorithm::Judd1948,
+     "Judd 1948, Color perceptions of deuteranopic and protanopic observers, Journal of Research "
+     "of "
+     "the National Bureau of Standards 41, 247-271"},
+    {"yang", SimulationAlgorithm::Yang2008,
+     "Yang, Ro, Wong & Lee 2008, Quantification and standardized description of color vision "
+     "deficiency caused by anomalous trichromats - Part I: Simulation and measurement, EURASIP "
+     "Journal on Image and Video Processing 2008, 487618"},
+    {"machado", SimulationAlgorithm::Machado2009,
+     "Machado, Oliveira & Fernandes 2009, A physiologically-based model for simulation of color "
+     "vision deficiency, IEEE Transactions on Visualization and Computer Graphics 15, 1291-1298"},
+    {"vienot1997", SimulationAlgorithm::Vienot1997Approximated,
+     "Viénot, Brettel & Mollon 1997, approximated: Computerized simulation of color appearance for "
+     "dichromats, Journal of the Optical Society of America A 14, 2647-2655"},
+    {"vienot1999", SimulationAlgorithm::Vienot1999,
+     "Viénot, Brettel & Mollon 1999, Digital video colourmaps for checking the legibility of "
+     "displays by dichromats, Color Research & Application 24, 243-252"},
+}};
+
+constexpr std::array<NamedValue<ColourSwap>, 3> swaps{{
+    {"red-blue", ColourSwap::RedBlue, "red and blue"},
+    {"red-green", ColourSwap::RedGreen, "red and green"},
+    {"green-blue", ColourSwap::GreenBlue, "green and blue"},
+}};
+
+[[noreturn]] void refuse(std::string_view option, const std::string& reason) {
+  throw CLI::ValidationError(std::string(option), reason);
+}
+
+// The entry of a table that bears the name, by what nameOf makes of it.
+template <typename Table, typename NameOf>
+const auto& choose(std::string_view option, const std::string& text, const Table& table,
+                   NameOf nameOf) {
+  std::string known;
+  for (const auto& entry : table) {
+    if (nameOf(entry) == text) return entry;
+    known += (known.empty() ? "" : ", ") + std::string(nameOf(entry));
+  }
+  refuse(option, "\"" + text + "\" is none of " + known);
+}
+
+// A whole argument as a decimal number between two bounds.
+double parseNumber(std::string_view option, const std::string& text, double least, double most) {
+  double value = 0.0;
+  const char* const end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, value);
+  if (error == std::errc::invalid_argument || rest != end) {
+    refuse(option, "\"" + text + "\" is not a number");
+  }
+  const bool inRange = error == std::errc() && value >= least && value <= most;
+  if (!inRange) {
+    refuse(option, text + " is not between " + shortest(least) + " and " + shortest(most));
+  }
+  return value;
+}
+
+void addPercentage(CLI::App& command, const std::string& name, double& fraction, double least,
+                   const std::string& description) {
+  constexpr double whole = 100.0;
+  command
+      .add_option_function<std::string>(
+          name,
+          [name, &fraction, least](const std::string& text) {
+            fraction = parseNumber(name, text, least, whole) / whole;
+          },
+          description + ", " + shortest(least) + " to 100 percent")
+      ->type_name("PERCENT");
+}
+
+template <typename Table, typename Value>
+void addNamed(CLI::App& command, const std::string& name, const Table& table, Value& value,
+              const std::string& description) {
+  command
+      .add_option_function<std::string>(
+          name,
+          [name, &table, &value](const std::string& text) {
+            value = choose(name, text, table, [](const auto& entry) { return entry.name; }).value;
+          },
+          description)
+      ->type_name("NAME");
+}
+
+constexpr std::uint64_t mostCustomFileBytes = std::uint64_t{16} << 20;
+
+void readCustomFile(const TransformOptions& options) {
+  if (!options.customFile) throw UsageError("--mode custom needs --custom-file");
+  const std::string path = options.customFile->string();
+  const auto bytes = readFileWhole(*options.customFile, mostCustomFileBytes);
+  CustomTransformFile file = parseCustomTransforms(std::string(bytes.begin(), bytes.end()));
+  if (file.malformed) {
+    throw RunError(path + ": line " + std::to_string(file.malformed->number) + ": " +
+                   toUtf8(file.malformed->reason));
+  }
+  if (file.transforms.empty()) throw RunError(path + ": holds no transform");
+  if (options.customIndex >= file.transforms.size()) {
+    throw UsageError("--custom-index: " + std::to_string(options.customIndex) + " is not below " +
+                     std::to_string(file.transforms.size()) + ", the number of transforms in " +
+                     path);
+  }
+  customTransforms = std::move(file.transforms);
+}
+
+}  // namespace
+
+std::span<const NamedValue<TransformMode>> modeNames() {
+  return modes;
+}
+
+std::span<const NamedValue<SimulationAlgorithm>> algorithmNames() {
+  return algorithms;
+}
+
+std::span<const NamedValue<ColourSwap>> swapNames() {
+  return swaps;
+}
+
+std::string colourFilterOption(const ColourFilter& filter) {
+  std::string name(filter.name);
+  name.front() = static_cast<char>(name.front() - 'A' + 'a');
+  return name;
+}
+
+void addTransformOptions(CLI::App& command, TransformOptions& options) {
+  TransformSettings& settings = options.settings;
+  addNamed(command, "--mode", modes, settings.Selected, "Transform (default deutan); see list");
+  addPercentage(command, "--severity", settings.severity, 0.0,
+                "Severity of the deficiency or strength of the effect (default 100)");
+  addNamed(command, "--algorithm", algorithms, settings.Option,
+           "Simulation algorithm (default judd); see list");
+  command.add_flag("--daltonize", settings.Daltonize, "Correct for the deficiency");
+  command.add_flag("--inverse", settings.Inversion, "Invert the simulation");
+  command
+      .add_option_function<std::string>(
+          "--filter-colour",
+          [&settings](const std::string& text) {
+            chooseColourFilter(settings,
+                               choose("--filter-colour", text, colourFilters, colourFilterOption));
+          },
+          "Colour that the filter passes (default none: all); see list")
+      ->type_name("NAME");
+  addNamed(command, "--swap", swaps, settings.Swap,
+           "Channels to exchange (default red-blue); see list");
+  addPercentage(command, "--brightness", settings.brightness, -100.0, "Brightness (default 0)");
+  addPercentage(command, "--contrast", settings.contrast, 0.0, "Contrast (default 100)");
+  addPercentage(command, "--saturation", settings.saturation, 0.0, "Saturation (default 100)");
+  command
+      .add_option_function<std::string>(
+          "--custom-file", [&options](const std::string& path) { options.customFile = path; },
+          "File of custom transforms")
+      ->type_name("PATH");
+  command
+      .add_option_function<std::string>(
+          "--custom-index",
+          [&options](const std::string& text) {
+            constexpr double mostIndex = 4294967295.0;
+            const double index = parseNumber("--custom-index", text, 0.0, mostIndex);
+            options.customIndex = static_cast<std::uint32_t>(index);
+            if (options.customIndex != index) {
+              refuse("--custom-index", text + " is not a whole number");
+            }
+          },
+          "Entry of the custom transform file, from 0 (default 0)")
+      ->type_name("N");
+}
+
+std::string applyOptions(const TransformOptions& options) {
+  static std::string title;
+
+  transformSettings = options.settings;
+  if (options.settings.Selected == TransformMode::Custom) {
+    readCustomFile(options);
+    transformSettings.customIndex = static_cast<std::int32_t>(options.customIndex);
+  }
+  if (options.settings.Selected == TransformMode::RedFilter) {
+    chooseColourFilter(transformSettings, fullRedFilter);
+  }
+  initialiseModelContext(modelContext);
+  transformDisplay.showTitle = [](std::string_view text) { title = text; };
+  applyTransform();
+  return toUtf8(title);
+}
+
+}  // namespace tintora::cli

@@ -1,0 +1,56 @@
+// The options that choose a transform, shared by the tool's commands.
+#pragma once
+
+#include <CLI/App.hpp>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "engine/colour_effects.h"
+
+namespace tintora::cli {
+
+// Something went wrong in the doing: one line, exit status 1.
+struct RunError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+// The command line asks for something that is not there: one line, exit status 2.
+struct UsageError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+struct TransformOptions {
+  TransformSettings settings;
+  std::optional<std::filesystem::path> customFile;
+  std::uint32_t customIndex = 0;
+};
+
+// What stands for a value on the command line.
+template <typename Value>
+struct NamedValue {
+  std::string_view name;
+  Value value;
+  std::string_view description;
+};
+
+std::span<const NamedValue<TransformMode>> modeNames();
+std::span<const NamedValue<SimulationAlgorithm>> algorithmNames();
+std::span<const NamedValue<ColourSwap>> swapNames();
+
+// The name of a colour filter as an option: its colour word in lower case.
+std::string colourFilterOption(const ColourFilter& filter);
+
+// Adds the options to a command; parsing it fills the given record, which must outlive the command.
+void addTransformOptions(CLI::App& command, TransformOptions& options);
+
+// Applies the chosen transform, so that effectMatrix and modelContext hold it, and returns its
+// title in UTF-8. Reads the custom transform file where the mode asks for it. Throws UsageError and
+// RunError.
+std::string applyOptions(const TransformOptions& options);
+
+}  // namespace tintora::cli

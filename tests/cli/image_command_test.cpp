@@ -1,0 +1,206 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "cli/image_file.h"
+#include "tests/cli/tool_run.h"
+
+namespace tintora {
+namespace {
+
+using cli::Image;
+using cli::ImageFormat;
+using Words = std::vector<std::string>;
+
+Image colourfulImage(bool hasAlpha) {
+  Image image;
+  image.width = 33;
+  image.height = 20;
+  image.hasAlpha = hasAlpha;
+  for (unsigned y = 0; y < image.height; ++y) {
+    for (unsigned x = 0; x < image.width; ++x) {
+      const auto byte = [](unsigned value) { return static_cast<std::uint8_t>(value % 256); };
+      image.pixels.insert(image.pixels.end(), {byte(x * 7), byte(y * 12), byte(x * 3 + y * 5),
+                                               hasAlpha ? byte(x * y) : std::uint8_t{255}});
+    }
+  }
+  return image;
+}
+
+std::string encoded(const Image& image, ImageFormat format) {
+  const auto bytes = cli::encodeImage(image, format);
+  return {bytes.begin(), bytes.end()};
+}
+
+Image decoded(const std::string& file) {
+  return cli::decodeImage(
+      std::span(reinterpret_cast<const std::uint8_t*>(file.data()), file.size()));
+}
+
+void expectSwapped(const Image& result, const Image& source) {
+  ASSERT_EQ(result.width, source.width);
+  ASSERT_EQ(result.height, source.height);
+  ASSERT_EQ(result.hasAlpha, source.hasAlpha);
+  for (std::size_t i = 0; i < source.pixels.size(); i += 4) {
+    ASSERT_EQ(result.pixels[i], source.pixels[i + 2]);
+    ASSERT_EQ(result.pixels[i + 1], source.pixels[i + 1]);
+    ASSERT_EQ(result.pixels[i + 2], source.pixels[i]);
+    ASSERT_EQ(result.pixels[i + 3], source.pixels[i + 3]);
+  }
+}
+
+void expectRunError(const ToolRun& run, const std::string& mention) {
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.output, "");
+  EXPECT_EQ(std::count(run.error.begin(), run.error.end(), '\n'), 1) << run.error;
+  EXPECT_NE(run.error.find(mention), std::string::npos) << run.error;
+}
+
+const Words swapCommand{"filter", "--mode", "swap"};
+
+Words operator+(Words words, const Words& more) {
+  words.insert(words.end(), more.begin(), more.end());
+  return words;
+}
+
+TEST(FilterCommand, PutsEveryPixelThroughTheMatrixAndKeepsAlpha) {
+  for (const bool hasAlpha : {false, true}) {
+    const TemporaryFolder folder;
+    const Image image = colourfulImage(hasAlpha);
+    const std::string in = folder.write("in.png", encoded(image, ImageFormat::Png));
+    const std::string out = folder / "out.png";
+    const ToolRun run = runTool(swapCommand + Words{in, out});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.error + run.output, "");
+    expectSwapped(decoded(readFile(out)), image);
+  }
+}
+
+TEST(FilterCommand, ReadsAndWritesJpeg) {
+  const TemporaryFolder folder;
+  const std::string in = folder.write("in.jpg", encoded(colourfulImage(false), ImageFormat::Jpeg));
+  EXPECT_EQ(runTool(swapCommand + Words{in, folder / "out.png"}).status, 0);
+  expectSwapped(decoded(readFile(folder / "out.png")), decoded(readFile(in)));
+
+  EXPECT_EQ(runTool(swapCommand + Words{in, folder / "out.JPEG"}).status, 0);
+  const std::string out = readFile(folder / "out.JPEG");
+  EXPECT_EQ(out.substr(0, 2), "\xFF\xD8");
+  const Image exact = decoded(readFile(folder / "out.png"));
+  const Image lossy = decoded(out);
+  double difference = 0;
+  for (std::size_t i = 0; i < exact.pixels.size(); ++i) {
+    difference += std::abs(exact.pixels[i] - lossy.pixels[i]);
+  }
+  EXPECT_LT(difference / static_cast<double>(exact.pixels.size()), 4.0);
+}
+
+TEST(FilterCommand, ReadsStandardInputAndWritesPngToStandardOutput) {
+  const Image image = colourfulImage(true);
+  const ToolRun run = runTool(swapCommand + Words{"-", "-"}, encoded(image, ImageFormat::Png));
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.error, "");
+  expectSwapped(decoded(run.output), image);
+
+  const ToolRun jpeg = runTool(swapCommand + Words{"-", "-", "--output-format", "jpeg"},
+                               encoded(colourfulImage(false), ImageFormat::Png));
+  EXPECT_EQ(jpeg.output.substr(0, 2), "\xFF\xD8");
+}
+
+TEST(FilterCommand, FiltersManyInputsIntoADirectoryItMakes) {
+  const TemporaryFolder folder;
+  const Image image = colourfulImage(false);
+  const std::string a = folder.write("a.png", encoded(image, ImageFormat::Png));
+  const std::string b = folder.write("b.png", encoded(image, ImageFormat::Png));
+  const ToolRun run = runTool(swapCommand + Words{a, b, "--output-dir", folder / "x/y"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.error, "") << "no progress bar where standard error is no terminal";
+  for (const std::string name : {"x/y/a.png", "x/y/b.png"}) {
+    expectSwapped(decoded(readFile(folder / name)), image);
+  }
+}
+
+TEST(FilterCommand, OneBadInputDoesNotKeepTheOthersBack) {
+  const TemporaryFolder folder;
+  const Image image = colourfulImage(false);
+  const std::string bad = folder.write("bad.png", "no picture");
+  const std::string good = folder.write("good.png", encoded(image, ImageFormat::Png));
+  expectRunError(runTool(swapCommand + Words{bad, good, "--output-dir", folder / "out"}),
+                 "bad.png");
+  expectSwapped(decoded(readFile(folder / "out/good.png")), image);
+  EXPECT_FALSE(std::filesystem::exists(folder / "out/bad.png"));
+}
+
+TEST(FilterCommand, NeverOverwritesAnInputByWayOfTheDirectory) {
+  const TemporaryFolder folder;
+  const std::string contents = encoded(colourfulImage(false), ImageFormat::Png);
+  const std::string in = folder.write("in.png", contents);
+  const ToolRun run = runTool(swapCommand + Words{in, "--output-dir", folder.path});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(readFile(in), contents);
+}
+
+TEST(FilterCommand, ReplacesAFileThatIsNamedAsBothInputAndOutput) {
+  const TemporaryFolder folder;
+  const Image image = colourfulImage(false);
+  const std::string in = folder.write("in.png", encoded(image, ImageFormat::Png));
+  EXPECT_EQ(runTool(swapCommand + Words{in, in}).status, 0);
+  expectSwapped(decoded(readFile(in)), image);
+}
+
+TEST(FilterCommand, RefusesWhatIsNoWholeImageAndWritesNothing) {
+  const std::string png = encoded(colourfulImage(true), ImageFormat::Png);
+  const std::string jpeg = encoded(colourfulImage(false), ImageFormat::Jpeg);
+  std::string huge = png;
+  // Width and height 2^30; the check sum that follows is wrong as well, whichever is seen first.
+  huge.replace(16, 8, std::string("\x40\0\0\0\x40\0\0\0", 8));
+  const struct {
+    const char* description;
+    std::string contents;
+  } cases[] = {
+      {"empty", ""},
+      {"text", "hello"},
+      {"truncated PNG", png.substr(0, png.size() / 2)},
+      {"truncated JPEG", jpeg.substr(0, jpeg.size() / 2)},
+      {"huge PNG", huge},
+  };
+  for (const auto& [description, contents] : cases) {
+    SCOPED_TRACE(description);
+    const TemporaryFolder folder;
+    const std::string in = folder.write("in", contents);
+    expectRunError(runTool(swapCommand + Words{in, folder / "out.png"}), "in: ");
+    expectRunError(runTool(swapCommand + Words{"-", "-"}, contents), "");
+    EXPECT_EQ(folder.names(), Words{"in"});
+  }
+}
+
+TEST(FilterCommand, RefusesTransparencyInJpegAndLeavesTheOldOutput) {
+  const TemporaryFolder folder;
+  const std::string in = folder.write("in.png", encoded(colourfulImage(true), ImageFormat::Png));
+  const std::string out = folder.write("out.jpg", "old");
+  expectRunError(runTool(swapCommand + Words{in, out}), "out.jpg");
+  EXPECT_EQ(readFile(out), "old");
+}
+
+TEST(FilterCommand, NamesTheFileThatCannotBeReadOrWritten) {
+  const TemporaryFolder folder;
+  const std::string in = folder.write("in.png", encoded(colourfulImage(false), ImageFormat::Png));
+  expectRunError(runTool(swapCommand + Words{folder / "none.png", folder / "out.png"}), "none.png");
+  expectRunError(runTool(swapCommand + Words{in, folder / "none/out.png"}), "none/out.png");
+  EXPECT_EQ(folder.names(), Words{"in.png"});
+}
+
+TEST(FilterCommand, RefusesABadTransformBeforeItTouchesAnything) {
+  const TemporaryFolder folder;
+  const std::string in = folder.write("in.png", encoded(colourfulImage(false), ImageFormat::Png));
+  const std::string custom = folder.write("c.txt", "broken\n1 0 0\n");
+  expectRunError(runTool({"filter", "--mode", "custom", "--custom-file", custom, in, "--output-dir",
+                          folder / "out"}),
+                 "c.txt: line 2");
+  EXPECT_EQ(folder.names(), (Words{"c.txt", "in.png"}));
+}
+
+}  // namespace
+}  // namespace tintora

@@ -1,0 +1,35 @@
+// Runs the real command-line tool.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tintora {
+
+struct ToolRun {
+  int status = -1;  // exit status; 128 and the signal where a signal ended it
+  std::string output;
+  std::string error;
+};
+
+ToolRun runTool(const std::vector<std::string>& arguments, const std::string& input = "");
+
+// A folder of its own for each test, removed at its end.
+class TemporaryFolder {
+ public:
+  TemporaryFolder();
+  ~TemporaryFolder();
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  std::filesystem::path operator/(const std::string& name) const { return path / name; }
+  std::string write(const std::string& name, const std::string& contents) const;
+  std::vector<std::string> names() const;  // sorted
+
+  std::filesystem::path path;
+};
+
+std::string readFile(const std::filesystem::path& path);
+
+}  // namespace tintora

@@ -1,0 +1,30 @@
+// Places and sizes in pixels; x to the right, y downwards.
+#pragma once
+
+namespace tintora::platform {
+
+struct Point {
+  int x = 0;
+  int y = 0;
+  bool operator==(const Point&) const = default;
+};
+
+struct Size {
+  int width = 0;
+  int height = 0;
+  bool operator==(const Size&) const = default;
+};
+
+// Right and bottom are the first column and row outside.
+struct Rect {
+  int left = 0;
+  int top = 0;
+  int right = 0;
+  int bottom = 0;
+  bool operator==(const Rect&) const = default;
+
+  int width() const { return right - left; }
+  int height() const { return bottom - top; }
+};
+
+}  // namespace tintora::platform

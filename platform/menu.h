@@ -1,0 +1,29 @@
+// Popup menus. An item's text may hold an accelerator column behind a tab; "&&" shows one "&".
+#pragma once
+
+#include <string>
+
+#include "platform/geometry.h"
+#include "platform/window.h"
+
+namespace tintora::platform {
+
+struct Menu;
+
+Menu* createMenu();
+void destroyMenu(Menu* menu);
+
+void appendItem(Menu* menu, int command, const std::string& text);
+
+// An item that cannot be chosen, without being greyed.
+void appendLabel(Menu* menu, int command, const std::string& text);
+void appendSeparator(Menu* menu);
+void appendSubmenu(Menu* menu, Menu* submenu, const std::string& text);
+
+// Sets or clears the check mark of the item at a position from 0; nothing where there is none.
+void checkMenuItem(Menu* menu, int position, bool checked);
+
+// Opens the menu at a place on the screen; what is chosen arrives as a command of the window.
+void trackMenu(Menu* menu, const Point& place, Window* window);
+
+}  // namespace tintora::platform

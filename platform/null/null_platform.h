@@ -1,0 +1,97 @@
+// A desktop that is not there: it keeps what it was asked in lists, and plays back scripted events.
+// For tests of the program without a display.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "engine/effect_matrix.h"
+#include "platform/canvas.h"
+#include "platform/geometry.h"
+#include "platform/menu.h"
+#include "platform/value_store.h"
+#include "platform/window.h"
+
+namespace tintora::platform {
+
+struct Window {
+  std::string name;  // "main", "control", "colour space" or "magnifier"
+  std::string title;
+  Rect bounds;  // of the magnifier: in its parent's client area
+  WindowForm form = WindowForm::Framed;
+  ShowState shown = ShowState::Hidden;
+  bool hitTransparent = false;
+  bool maximised = false;
+  bool acceptsFiles = false;
+  std::optional<int> timer;  // milliseconds
+};
+
+struct MenuEntry {
+  enum class Kind { Item, Label, Separator, Submenu };
+  Kind kind;
+  int command = 0;
+  std::string text{};
+  const Menu* submenu = nullptr;
+  bool checked = false;
+};
+
+struct Menu {
+  std::vector<MenuEntry> entries;
+};
+
+struct PaintedText {
+  Point place;
+  Colour colour;
+  std::string text;
+};
+
+struct Canvas {
+  Window* window = nullptr;
+  std::optional<Colour> filled;
+  std::vector<PaintedText> texts;
+};
+
+// All that the desktop knows. A test sets it up, runs the program or parts of it, and reads it.
+struct NullDesktop {
+  // Before a run.
+  std::string commandLine = "C:\\Tintora\\Tintora.exe";
+  std::string arguments;
+  Size screen{1920, 1080};
+  bool hasMagnifier = true;
+  std::string windowThatFails;  // the name of one that cannot be created
+  std::optional<std::map<std::string, std::uint32_t>> store;
+  // Each step returns the event to handle next; after the last the loop ends.
+  std::deque<std::function<Event()>> script;
+
+  // After it. Every call that changes something, as its function's name and arguments.
+  std::vector<std::string> calls;
+  std::vector<std::unique_ptr<Window>> windows;
+  std::vector<std::unique_ptr<Menu>> menus;  // those not destroyed
+  EventHandler handler = nullptr;
+  EffectMatrix colourEffect{};
+  Rect magnifierSource;
+  Canvas painted;  // the last painting that was ended
+  Point cursor;
+  bool cursorShown = true;
+  bool shiftDown = false;
+  bool controlDown = false;
+  int picturesTaken = 0;
+  int picturesHeld = 0;
+  std::vector<std::string> writtenNames;  // in the order of the last writing
+  std::optional<int> quitResult;
+
+  Window* window(const std::string& name) const;  // null where there is none
+};
+
+NullDesktop& nullDesktop();
+
+// Forgets everything, as if the process had just started.
+void resetNullDesktop();
+
+}  // namespace tintora::platform

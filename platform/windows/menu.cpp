@@ -1,0 +1,51 @@
+#include "platform/menu.h"
+
+#include <windows.h>
+
+#include "platform/windows/handles.h"
+
+namespace tintora::platform {
+
+namespace {
+
+// A label is disabled without being greyed.
+void append(Menu* menu, UINT flags, UINT_PTR id, const char* text) {
+  AppendMenuA(native(menu), flags, id, text);
+}
+
+}  // namespace
+
+Menu* createMenu() {
+  return fromNative(CreatePopupMenu());
+}
+
+void destroyMenu(Menu* menu) {
+  DestroyMenu(native(menu));
+}
+
+void appendItem(Menu* menu, int command, const std::string& text) {
+  append(menu, MF_STRING, static_cast<UINT_PTR>(command), text.c_str());
+}
+
+void appendLabel(Menu* menu, int command, const std::string& text) {
+  append(menu, MF_DISABLED, static_cast<UINT_PTR>(command), text.c_str());
+}
+
+void appendSeparator(Menu* menu) {
+  append(menu, MF_SEPARATOR, 0, nullptr);
+}
+
+void appendSubmenu(Menu* menu, Menu* submenu, const std::string& text) {
+  append(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(native(submenu)), text.c_str());
+}
+
+void checkMenuItem(Menu* menu, int position, bool checked) {
+  const UINT mark = checked ? MF_CHECKED : MF_UNCHECKED;
+  CheckMenuItem(native(menu), static_cast<UINT>(position), MF_BYPOSITION | mark);
+}
+
+void trackMenu(Menu* menu, const Point& place, Window* window) {
+  TrackPopupMenu(native(menu), 0, place.x, place.y, 0, native(window), nullptr);
+}
+
+}  // namespace tintora::platform

@@ -1,0 +1,172 @@
+#include "shell/main.h"
+
+#include <array>
+#include <string_view>
+
+#include "colour_space/renderer.h"
+#include "engine/custom_transforms.h"
+#include "engine/cvd_transforms.h"
+#include "engine/effect_matrix.h"
+#include "platform/magnifier.h"
+#include "platform/program.h"
+#include "platform/window.h"
+#include "shell/clipboard_capture.h"
+#include "shell/menus.h"
+#include "shell/settings_store.h"
+#include "shell/shell_state.h"
+#include "shell/view_tracking.h"
+#include "shell/window_procedure.h"
+
+namespace tintora {
+
+ShellState shellState;
+
+namespace {
+
+using platform::Rect;
+using platform::ShowState;
+using platform::WindowKind;
+
+constexpr std::size_t titleLength = 200;
+
+// Letters among the first characters of the arguments switch optional commands on.
+void readArguments() {
+  constexpr std::size_t read = 10;
+  for (const char letter : platform::programArguments().substr(0, read)) {
+    if (letter == 's') shellState.simulationOptionsEnabled = true;
+    if (letter == 't') shellState.tritanEnabled = true;
+  }
+}
+
+void connectEngine() {
+  transformDisplay.showEffectMatrix = [](const EffectMatrix& matrix) {
+    platform::setColourEffect(shellState.magnifier, matrix);
+  };
+  transformDisplay.showTitle = [](std::string_view title) {
+    platform::setTitle(shellState.mainWindow, std::string(title));
+  };
+  transformDisplay.checkMenuItem = [](TransformMenu menu, int position, bool checked) {
+    const ShellMenus& menus = shellState.menus;
+    platform::checkMenuItem(menu == TransformMenu::Main ? menus.main : menus.alternativeTransforms,
+                            position, checked);
+  };
+  transformDisplay.refreshTransformViews = &refreshTransformViews;
+  transformDisplay.commandLine = &platform::commandLine;
+}
+
+// The tables, and a first matrix from the settings as they were loaded.
+void initialiseModel() {
+  initialiseModelContext(modelContext);
+  const TransformSettings& settings = transformSettings;
+  const CvdType type = isDeficiency(settings.Selected) ? static_cast<CvdType>(settings.Selected)
+                                                       : modelContext.modelCvdType;
+  computeSimulationMatrix(type, settings.severity, settings.Option, settings.Inversion,
+                          settings.Daltonize);
+}
+
+bool createWindows() {
+  ShellState& state = shellState;
+  platform::registerWindowKinds(&handleEvent);
+  state.boundsBeforeFullScreen = state.mainBounds;
+  state.mainWindow = platform::createWindow(
+      WindowKind::Main, "Help: Right-click to select; Tab to toggle on/off", state.mainBounds);
+  state.magnifier = platform::createMagnifier(
+      state.mainWindow, "MagnifierWindow",
+      {0, state.magnifierTopOffset, state.mainBounds.width() - state.magnifierRightMargin,
+       state.magnifierTopOffset + state.mainBounds.height()});
+  if (state.magnifier == nullptr) return false;
+  state.controlWindow =
+      platform::createWindow(WindowKind::Control, state.controlText, {0, 0, 400, 120});
+  if (state.controlWindow == nullptr) return false;
+  state.colourSpaceWindow =
+      platform::createWindow(WindowKind::ColourSpace, "Color Space", {0, 0, 400, 400});
+  return state.colourSpaceWindow != nullptr;
+}
+
+void createRenderer() {
+  ShellState& state = shellState;
+  const Rect client = platform::clientArea(state.colourSpaceWindow);
+  state.colourSpaceClientSize = {client.width(), client.height()};
+  createDevice(state.colourSpaceWindow, client.width(), client.height(), true);
+  colourSpaceView.viewCode = state.view;
+}
+
+void applyCurrentTransform() {
+  if (transformSettings.Selected == TransformMode::Custom) {
+    applyCustomTransform(static_cast<std::uint32_t>(transformSettings.customIndex));
+  } else {
+    applyTransform();
+  }
+}
+
+struct ViewCaption {
+  ViewCode view;
+  const char* caption;
+};
+constexpr std::array<ViewCaption, 4> viewCaptions{{
+    {ViewCode::ResponseCurves, "Photoreceptor Response Curves"},
+    {ViewCode::RgbCube, "RGB Cube"},
+    {ViewCode::ChromaticityDiagram, "Chromaticity Diagram"},
+    {ViewCode::Help, "Help"},
+}};
+
+// The colour space window repeats the main window's title and names its view.
+void renderColourSpace() {
+  const ShellState& state = shellState;
+  if (!state.colourSpaceVisible) return;
+  const std::string title = platform::windowTitle(state.mainWindow, titleLength);
+  for (const auto& [view, caption] : viewCaptions) {
+    if (view != state.view) continue;
+    platform::setTitle(state.colourSpaceWindow, caption);
+    colourSpaceView.viewCode = view;
+    colourSpaceView.titleText = title;
+  }
+  renderFrame();
+}
+
+bool startUp() {
+  createEmptyMenus();
+  if (!platform::startMagnifier()) return false;
+  readArguments();
+  connectEngine();
+  loadCustomTransforms();
+  loadSettings();
+  initialiseModel();
+  if (!createWindows()) return false;
+  createRenderer();
+  platform::acceptDroppedFiles(shellState.mainWindow, true);
+  platform::setUnmagnified(shellState.magnifier);
+  applyCurrentTransform();
+  buildMenus();
+
+  platform::showWindow(shellState.mainWindow, ShowState::AsStarted);
+  updateSource();
+  applyTransform();
+  if (shellState.colourSpaceVisible) {
+    platform::showWindow(shellState.colourSpaceWindow, ShowState::AsStarted);
+  }
+  return true;
+}
+
+void shutDown() {
+  saveSettings();
+  stopTitleTimer();
+  platform::stopMagnifier();
+  destroyMenus();
+  platform::acceptDroppedFiles(shellState.mainWindow, false);
+  platform::unregisterWindowKinds();
+}
+
+}  // namespace
+
+int runProgram() {
+  if (!startUp()) return 0;
+  while (platform::handleNextEvent()) {
+    updateSource();
+    renderColourSpace();
+  }
+  shutDown();
+  return platform::quitResult();
+}
+
+}  // namespace tintora

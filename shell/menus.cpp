@@ -1,0 +1,265 @@
+#include "shell/menus.h"
+
+#include <array>
+#include <span>
+#include <string>
+
+#include "engine/custom_transforms.h"
+#include "engine/effect_matrix.h"
+#include "platform/menu.h"
+#include "shell/shell_state.h"
+
+namespace tintora {
+
+namespace {
+
+using platform::Menu;
+using MenuSlot = Menu* ShellMenus::*;
+
+constexpr int labelCommand = 99;
+
+// Commands below 100 are counted from the number of custom transforms.
+struct Relative {
+  int offset;
+};
+
+int customCount() {
+  return static_cast<int>(customTransforms.size());
+}
+
+enum class ItemKind { Item, Label, Separator, Submenu };
+enum class Condition { Always, TritanEnabled, SimulationOptionsEnabled };
+
+struct MenuItem {
+  ItemKind kind;
+  const char* text = "";
+  int command = 0;
+  bool relative = false;
+  MenuSlot submenu = nullptr;
+  Condition condition = Condition::Always;
+  // Where the position of the item is recorded for the engine's check marks.
+  int ViewerItemPositions::*position = nullptr;
+};
+
+constexpr MenuItem item(int command, const char* text,
+                        int ViewerItemPositions::*position = nullptr) {
+  return {.kind = ItemKind::Item, .text = text, .command = command, .position = position};
+}
+constexpr MenuItem item(Relative command, const char* text,
+                        Condition condition = Condition::Always) {
+  return {.kind = ItemKind::Item,
+          .text = text,
+          .command = command.offset,
+          .relative = true,
+          .condition = condition};
+}
+constexpr MenuItem label(const char* text) {
+  return {.kind = ItemKind::Label, .text = text, .command = labelCommand};
+}
+constexpr MenuItem separator() {
+  return {.kind = ItemKind::Separator};
+}
+constexpr MenuItem submenu(MenuSlot menu, const char* text, Condition condition = Condition::Always,
+                           int ViewerItemPositions::*position = nullptr) {
+  return {.kind = ItemKind::Submenu,
+          .text = text,
+          .submenu = menu,
+          .condition = condition,
+          .position = position};
+}
+
+constexpr std::array colourFilterItems{
+    item(100, "Red"),    item(101, "Green"),   item(102, "Blue"),
+    item(103, "Yellow"), item(104, "Magenta"), item(105, "Cyan"),
+};
+
+constexpr std::array colourSwapItems{
+    item(201, "Swap Red and Green"),
+    item(202, "Swap Green and Blue"),
+};
+
+constexpr std::array alternativeTransformItems{
+    label("Alternative transforms:"),
+    item(300, "Judd, 1948"),
+    item(303, "Vi\xE9not, Brettel && Mollon, 1997 - Approximated"),
+    item(304, "Vi\xE9not, Brettel && Mollon, 1999"),
+    item(301, "Yang, Ro, Wong && Lee, 2008"),
+    item(302, "Machado, Oliveira && Fernandes, 2009"),
+};
+
+constexpr std::array otherColourEffectItems{
+    submenu(&ShellMenus::colourSwap, "Colour Swap"),
+    submenu(&ShellMenus::colourFilter, "Colour Filter"),
+    item(Relative{5}, "Invert\tI"),
+    item(Relative{4}, "Greyscale\tG"),
+    item(Relative{6}, "Brightness\tB"),
+    item(Relative{7}, "Contrast\tO"),
+    item(Relative{8}, "Saturation\tN"),
+    item(Relative{9}, "Circadian Light Block\tL"),
+};
+
+constexpr std::array helpItems{
+    item(705, "Quick Help\tF1"),
+    item(Relative{55}, "User Guide (Website)"),
+    separator(),
+};
+
+constexpr std::array viewOptionItems{
+    item(Relative{53}, "Hit Transparent\tH"),
+    item(Relative{54}, "Full Screen\tF"),
+    item(Relative{50}, "Toggle Colour Transform\tTab"),
+    item(Relative{51}, "Toggle Window Frame\tSpace"),
+    item(Relative{52}, "Copy to Clipboard (single monitor setup only)\tCtrl C"),
+};
+
+constexpr std::array colourSpaceItems{
+    item(703, "RGB Cube\tR"),
+    item(704, "Chromaticity Diagram\tC"),
+    item(702, "Photoreceptor Response Curves\tE"),
+    separator(),
+    item(700, "Show/Hide Colour Space Window\tW"),
+    item(701, "Dock to Main Window\tK"),
+};
+
+constexpr std::array mainItems{
+    label("Colour Vision Deficiency Type and Severity:\tKey"),
+    item(Relative{1}, "Protan: Long-wave deficient, 2.6% males, 0.04% females\tP"),
+    item(Relative{2}, "Deutan: Medium-wave deficient, 6.2% males, 0.36% females\tD"),
+    item(Relative{3}, "Tritan: Short-wave deficient, 0.001% males, 0.03% females\tT",
+         Condition::TritanEnabled),
+    label("Severity\tmouse-wheel, +-"),
+    separator(),
+    label("For Colour Normal Viewers:\tKey"),
+    item(775, "Simulation\tS", &ViewerItemPositions::simulation),
+    submenu(&ShellMenus::alternativeTransforms, "Simulation Option",
+            Condition::SimulationOptionsEnabled),
+    separator(),
+    label("For Colour Deficient Viewers:\tKey"),
+    item(776, "Daltonize\tA", &ViewerItemPositions::daltonize),
+    item(777, "Inverse Transform", &ViewerItemPositions::inverseTransform),
+    item(200, "Swap Red and Blue", &ViewerItemPositions::swapRedAndBlue),
+    separator(),
+    submenu(&ShellMenus::otherColourEffects, "Other Colour Effects", Condition::Always,
+            &ViewerItemPositions::otherColourEffects),
+    submenu(&ShellMenus::colourSpace, "Colour Space Window"),
+    submenu(&ShellMenus::viewOptions, "View Options"),
+    submenu(&ShellMenus::help, "Help"),
+};
+
+bool isMet(Condition condition) {
+  switch (condition) {
+    case Condition::TritanEnabled:
+      return shellState.tritanEnabled;
+    case Condition::SimulationOptionsEnabled:
+      return shellState.simulationOptionsEnabled;
+    case Condition::Always:
+      break;
+  }
+  return true;
+}
+
+void append(Menu* menu, const MenuItem& entry) {
+  switch (entry.kind) {
+    case ItemKind::Item:
+      platform::appendItem(menu, entry.command + (entry.relative ? customCount() : 0), entry.text);
+      break;
+    case ItemKind::Label:
+      platform::appendLabel(menu, entry.command, entry.text);
+      break;
+    case ItemKind::Separator:
+      platform::appendSeparator(menu);
+      break;
+    case ItemKind::Submenu:
+      platform::appendSubmenu(menu, shellState.menus.*entry.submenu, entry.text);
+      break;
+  }
+}
+
+// Appends the items whose condition is met and records the positions of those that are marked
+// later.
+void append(Menu* menu, std::span<const MenuItem> entries) {
+  int position = 0;
+  for (const MenuItem& entry : entries) {
+    if (!isMet(entry.condition)) continue;
+    append(menu, entry);
+    if (entry.position != nullptr) transformDisplay.positions.*entry.position = position;
+    ++position;
+  }
+}
+
+// A menu is always made anew in place of the one before.
+Menu* renew(MenuSlot slot) {
+  Menu*& menu = shellState.menus.*slot;
+  platform::destroyMenu(menu);
+  menu = platform::createMenu();
+  return menu;
+}
+
+void build(MenuSlot slot, std::span<const MenuItem> entries) {
+  append(renew(slot), entries);
+}
+
+void buildAlternativeTransforms() {
+  build(&ShellMenus::alternativeTransforms, alternativeTransformItems);
+  platform::checkMenuItem(shellState.menus.alternativeTransforms, 1, true);
+}
+
+void buildHelp() {
+  build(&ShellMenus::help, helpItems);
+  Menu* const menu = shellState.menus.help;
+  platform::appendLabel(menu, labelCommand, "Tintora Version " + shellState.versionText);
+  platform::appendLabel(menu, labelCommand, "Tintora contributors");
+}
+
+void buildMain() {
+  Menu* const menu = renew(&ShellMenus::main);
+  if (!customTransforms.empty()) {
+    platform::appendLabel(menu, labelCommand, "Custom Colour Transforms:");
+    for (int i = 0; i < customCount(); ++i) {
+      platform::appendItem(menu, i, customTransforms[static_cast<std::size_t>(i)].name);
+    }
+    platform::appendSeparator(menu);
+  }
+  append(menu, mainItems);
+  platform::checkMenuItem(menu, 1, true);
+}
+
+// In the order in which they are destroyed at the end.
+constexpr std::array<MenuSlot, 9> slots{
+    &ShellMenus::main,
+    &ShellMenus::colourFilter,
+    &ShellMenus::colourSwap,
+    &ShellMenus::alternativeTransforms,
+    &ShellMenus::help,
+    &ShellMenus::viewOptions,
+    &ShellMenus::otherColourEffects,
+    &ShellMenus::spare,
+    &ShellMenus::colourSpace,
+};
+
+}  // namespace
+
+void createEmptyMenus() {
+  for (const MenuSlot slot : slots) shellState.menus.*slot = platform::createMenu();
+}
+
+void buildMenus() {
+  build(&ShellMenus::colourFilter, colourFilterItems);
+  build(&ShellMenus::colourSwap, colourSwapItems);
+  buildAlternativeTransforms();
+  build(&ShellMenus::otherColourEffects, otherColourEffectItems);
+  renew(&ShellMenus::spare);
+  buildHelp();
+  build(&ShellMenus::viewOptions, viewOptionItems);
+  build(&ShellMenus::colourSpace, colourSpaceItems);
+  buildMain();
+}
+
+void destroyMenus() {
+  for (const MenuSlot slot : slots) {
+    platform::destroyMenu(shellState.menus.*slot);
+    shellState.menus.*slot = nullptr;
+  }
+}
+
+}  // namespace tintora

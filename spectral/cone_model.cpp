@@ -24,22 +24,25 @@ const SpectralCurve& logWavelengths() {
   return axis;
 }
 
+// The polynomial of the template in the square of x, the log10 of a wavelength in nm. Its terms
+// reach 4e7 and cancel to about 0, which double precision would answer with an error of 5e-9.
+long double logAbsorbance(long double x2) {
+  constexpr std::array<long double, 8> coefficients{-188862.9708L, 90228.96671L, -2483.531554L,
+                                                    -6675.007924L, 1813.525992L, -215.1778885L,
+                                                    12.48755862L,  -0.289541501L};
+  long double sum = 0.0L;
+  for (std::size_t i = coefficients.size(); i-- > 0;) sum = sum * x2 + coefficients[i];
+  return sum;
+}
+
 }  // namespace
 
 void photopigmentTemplate(SpectralCurve& curve, double peak) {
   const double shift = std::log10(peak / 558.0);
   const SpectralCurve& axis = logWavelengths();
   for (std::size_t i = 0; i < curve.size(); ++i) {
-    const double x = axis[i] - shift;
-    const double x2 = x * x;
-    const double logAbsorbance =
-        -188862.9708 +
-        x2 * (90228.96671 +
-              x2 * (-2483.531554 +
-                    x2 * (-6675.007924 +
-                          x2 * (1813.525992 +
-                                x2 * (-215.1778885 + x2 * (12.48755862 + x2 * -0.289541501))))));
-    curve[i] = powerOfTen(logAbsorbance);
+    const long double x = axis[i] - shift;
+    curve[i] = powerOfTen(static_cast<double>(logAbsorbance(x * x)));
   }
 }
 

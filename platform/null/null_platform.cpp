@@ -31,6 +31,9 @@ std::string text(const char* value) {
 std::string text(const Window* window) {
   return window == nullptr ? "none" : window->name;
 }
+std::string text(const Menu* menu) {
+  return menu == nullptr ? "none" : "menu " + text(menu->number);
+}
 std::string text(const Rect& rect) {
   return text(rect.left) + "," + text(rect.top) + "," + text(rect.right) + "," + text(rect.bottom);
 }
@@ -207,7 +210,7 @@ bool handleNextEvent() {
   if (desktop.quitResult || desktop.script.empty()) return false;
   const auto step = std::move(desktop.script.front());
   desktop.script.pop_front();
-  desktop.handler(step());
+  desktop.handled = desktop.handler(step());
   return true;
 }
 
@@ -225,13 +228,15 @@ int quitResult() {
 }
 
 Menu* createMenu() {
-  record("createMenu");
   desktop.menus.push_back(std::make_unique<Menu>());
-  return desktop.menus.back().get();
+  Menu* const menu = desktop.menus.back().get();
+  menu->number = ++desktop.menusCreated;
+  record("createMenu", menu);
+  return menu;
 }
 
 void destroyMenu(Menu* menu) {
-  record("destroyMenu");
+  record("destroyMenu", menu);
   std::erase_if(desktop.menus, [menu](const auto& each) { return each.get() == menu; });
 }
 
@@ -252,13 +257,13 @@ void appendSubmenu(Menu* menu, Menu* submenu, const std::string& text) {
 }
 
 void checkMenuItem(Menu* menu, int position, bool checked) {
-  record("checkMenuItem", position, checked);
+  record("checkMenuItem", menu, position, checked);
   const auto place = static_cast<std::size_t>(position);
   if (place < menu->entries.size()) menu->entries[place].checked = checked;
 }
 
-void trackMenu(Menu* /*menu*/, const Point& place, Window* window) {
-  record("trackMenu", place, window);
+void trackMenu(Menu* menu, const Point& place, Window* window) {
+  record("trackMenu", menu, place, window);
 }
 
 bool startMagnifier() {
@@ -301,7 +306,9 @@ void invalidateMagnifier(Window* magnifier) {
 bool readValues(std::span<StoredValue> values) {
   record("readValues");
   if (!desktop.store) return false;
+  desktop.readNames.clear();
   for (StoredValue& value : values) {
+    desktop.readNames.emplace_back(value.name);
     const auto stored = desktop.store->find(std::string(value.name));
     if (stored != desktop.store->end()) value.value = stored->second;
   }
@@ -328,7 +335,7 @@ Picture* captureClientArea(Window* window) {
 
 bool putOnClipboard(Window* owner, Picture* /*picture*/) {
   record("putOnClipboard", owner);
-  return true;
+  return desktop.hasClipboard;
 }
 
 void deletePicture(Picture* picture) {

@@ -42,6 +42,7 @@ struct MenuEntry {
 };
 
 struct Menu {
+  int number = 0;  // in the order of creation, from 1
   std::vector<MenuEntry> entries;
 };
 
@@ -64,6 +65,7 @@ struct NullDesktop {
   std::string arguments;
   Size screen{1920, 1080};
   bool hasMagnifier = true;
+  bool hasClipboard = true;
   std::string windowThatFails;  // the name of one that cannot be created
   std::optional<std::map<std::string, std::uint32_t>> store;
   // Each step returns the event to handle next; after the last the loop ends.
@@ -73,7 +75,9 @@ struct NullDesktop {
   std::vector<std::string> calls;
   std::vector<std::unique_ptr<Window>> windows;
   std::vector<std::unique_ptr<Menu>> menus;  // those not destroyed
+  int menusCreated = 0;
   EventHandler handler = nullptr;
+  bool handled = false;  // what the handler said of the last event
   EffectMatrix colourEffect{};
   Rect magnifierSource;
   Canvas painted;  // the last painting that was ended
@@ -83,6 +87,7 @@ struct NullDesktop {
   bool controlDown = false;
   int picturesTaken = 0;
   int picturesHeld = 0;
+  std::vector<std::string> readNames;     // in the order of the last reading
   std::vector<std::string> writtenNames;  // in the order of the last writing
   std::optional<int> quitResult;
 

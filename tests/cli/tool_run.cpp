@@ -13,12 +13,13 @@
 
 namespace tintora {
 
-ToolRun runTool(const std::vector<std::string>& arguments, const std::string& input) {
-  const TemporaryFolder folder;
-  const std::string in = folder.write("in", input);
-  const std::string out = folder / "out";
-  const std::string err = folder / "err";
+namespace {
 
+constexpr int writeWhole = O_WRONLY | O_CREAT | O_TRUNC;
+
+// Runs the tool with these three files and returns its status.
+int runWith(const std::vector<std::string>& arguments, const std::string& in,
+            const std::string& out, const std::string& err) {
   std::vector<std::string> words{TINTORA_CLI};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
@@ -28,9 +29,8 @@ ToolRun runTool(const std::vector<std::string>& arguments, const std::string& in
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, in.c_str(), O_RDONLY, 0);
-  constexpr int write = O_WRONLY | O_CREAT | O_TRUNC;
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), write, 0600);
-  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, err.c_str(), write, 0600);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), writeWhole, 0600);
+  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, err.c_str(), writeWhole, 0600);
   pid_t child = 0;
   const int failure = posix_spawn(&child, TINTORA_CLI, &actions, nullptr, argv.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
@@ -38,8 +38,34 @@ ToolRun runTool(const std::vector<std::string>& arguments, const std::string& in
 
   int status = 0;
   waitpid(child, &status, 0);
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), readFile(out),
-          readFile(err)};
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+}  // namespace
+
+ToolRun runTool(const std::vector<std::string>& arguments, const std::string& input) {
+  const TemporaryFolder folder;
+  const std::string in = folder.write("in", input);
+  const int status = runWith(arguments, in, folder / "out", folder / "err");
+  return {status, readFile(folder / "out"), readFile(folder / "err")};
+}
+
+ToolRun runToolOnTerminal(const std::vector<std::string>& arguments) {
+  const TemporaryFolder folder;
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+  if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) {
+    throw std::runtime_error("no terminal");
+  }
+  // Held open, or what was written would be gone with the tool.
+  const std::string name = ptsname(terminal);
+  const int screen = open(name.c_str(), O_RDWR | O_NOCTTY);
+  const int status = runWith(arguments, "/dev/null", folder / "out", name);
+  std::string shown(1 << 16, '\0');
+  const ssize_t length = read(terminal, shown.data(), shown.size());
+  shown.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+  close(screen);
+  close(terminal);
+  return {status, readFile(folder / "out"), shown};
 }
 
 TemporaryFolder::TemporaryFolder() {

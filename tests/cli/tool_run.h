@@ -15,6 +15,9 @@ struct ToolRun {
 
 ToolRun runTool(const std::vector<std::string>& arguments, const std::string& input = "");
 
+// The same with a terminal as standard error.
+ToolRun runToolOnTerminal(const std::vector<std::string>& arguments);
+
 // A folder of its own for each test, removed at its end.
 class TemporaryFolder {
  public:

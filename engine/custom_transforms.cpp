@@ -46,17 +46,29 @@ std::vector<std::string> splitFields(std::string_view line) {
   }
 }
 
-// Reads four numbers into the row; returns what is wrong with the line, or nothing. A field counts
-// for as far as it forms a number. The program never leaves the "C" locale's decimal point.
+// The number at the front of a field, for as far as it forms one; "inf" and "nan" are words here,
+// not numbers. The program never leaves the "C" locale's decimal point.
+std::optional<float> leadingNumber(const std::string& field) {
+  const std::size_t digits = field.find_first_not_of("+-");
+  if (digits == std::string::npos) return std::nullopt;
+  const char first = field[digits];
+  if (first != '.' && (first < '0' || first > '9')) return std::nullopt;
+  char* end = nullptr;
+  const float number = std::strtof(field.c_str(), &end);
+  if (end == field.c_str()) return std::nullopt;
+  return number;
+}
+
+// Reads four numbers into the row; returns what is wrong with the line, or nothing.
 std::optional<std::string> parseRow(std::string_view line, std::array<float, 4>& row) {
   const std::vector<std::string> fields = splitFields(line);
   if (fields.size() != row.size()) {
     return "expected 4 numbers, found " + std::to_string(fields.size());
   }
   for (std::size_t i = 0; i < row.size(); ++i) {
-    char* end = nullptr;
-    row[i] = std::strtof(fields[i].c_str(), &end);
-    if (end == fields[i].c_str()) return "\"" + fields[i] + "\" is not a number";
+    const std::optional<float> number = leadingNumber(fields[i]);
+    if (!number) return "\"" + fields[i] + "\" is not a number";
+    row[i] = *number;
   }
   return std::nullopt;
 }

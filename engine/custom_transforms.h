@@ -40,8 +40,8 @@ extern std::vector<CustomTransform> customTransforms;
 // three lines of four numbers. The first malformed record ends the reading.
 CustomTransformFile parseCustomTransforms(std::string_view text);
 
-// "Tintora_custom.txt" in the directory of the last path on the command line, so that a file
-// dropped on the program moves the search to its own directory.
+// "Tintora_custom.txt" behind everything up to the last slash or backslash of the command line:
+// beside the program, or where the path of an argument leads.
 std::string customTransformPath(std::string_view commandLine);
 
 // Appends the entries of the file that belongs to the display's command line; a file that is

@@ -3,7 +3,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 
 #include "engine/custom_transforms.h"
 #include "engine/cvd_transforms.h"

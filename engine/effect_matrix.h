@@ -58,7 +58,7 @@ struct TransformDisplay {
 extern TransformDisplay transformDisplay;
 
 // Applies the settings in force: check marks, matrix, title, display, views. Turns the transform
-// on.
+// on, unless it is a custom one and there are none.
 void applyTransform();
 
 // Shows the screen as it is and says so in the title; the settings stay.

@@ -25,7 +25,7 @@ const SpectralCurve& logWavelengths() {
 }
 
 // The polynomial of the template in the square of x, the log10 of a wavelength in nm. Its terms
-// reach 4e7 and cancel to about 0, which double precision would answer with an error of 5e-9.
+// reach 1e7 and cancel to about 0, which double precision would answer with an error of 5e-9.
 long double logAbsorbance(long double x2) {
   constexpr std::array<long double, 8> coefficients{-188862.9708L, 90228.96671L, -2483.531554L,
                                                     -6675.007924L, 1813.525992L, -215.1778885L,

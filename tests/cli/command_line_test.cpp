@@ -218,7 +218,7 @@ TEST(Matrix, SvgEscapesTheTitle) {
 
 TEST(Matrix, EntriesThatAreNotFiniteAreRefusedWhereTheFormatCannotHoldThem) {
   const TemporaryFolder folder;
-  const std::string file = folder.write("c.txt", "far\n1 0 0 0\n0 inf 0 0\n0 0 1 0\n");
+  const std::string file = folder.write("c.txt", "far\n1 0 0 0\n0 1e999 0 0\n0 0 1 0\n");
   const Words options{"--mode", "custom", "--custom-file", file};
   for (const std::string format : {"json", "svg"}) {
     expectRefused(runTool(Words{"matrix", "--format", format} + options), 1, "inf");

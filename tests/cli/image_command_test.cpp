@@ -122,6 +122,21 @@ TEST(FilterCommand, FiltersManyInputsIntoADirectoryItMakes) {
   }
 }
 
+TEST(FilterCommand, ShowsItsProgressOnATerminalAndClearsIt) {
+  const TemporaryFolder folder;
+  const std::string contents = encoded(colourfulImage(false), ImageFormat::Png);
+  const Words inputs{folder.write("a.png", contents), folder.write("b.png", contents)};
+  const ToolRun run =
+      runToolOnTerminal(swapCommand + inputs + Words{"--output-dir", folder / "out"});
+  EXPECT_EQ(run.status, 0);
+  const std::string empty(15, '.');
+  const std::string half(15, '#');
+  EXPECT_NE(run.error.find("[" + empty + empty + "] 0/2 a.png"), std::string::npos) << run.error;
+  EXPECT_NE(run.error.find("[" + half + empty + "] 1/2 b.png"), std::string::npos) << run.error;
+  const std::string clear = "\r\x1b[K";
+  EXPECT_EQ(run.error.substr(run.error.size() - clear.size()), clear);
+}
+
 TEST(FilterCommand, OneBadInputDoesNotKeepTheOthersBack) {
   const TemporaryFolder folder;
   const Image image = colourfulImage(false);

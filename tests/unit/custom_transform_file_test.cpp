@@ -1,0 +1,348 @@
+// Reading the custom transform file: its format, its faults, its place.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include "display_recorder.h"
+#include "engine/custom_transforms.h"
+
+namespace tintora {
+namespace {
+
+using namespace std::string_view_literals;
+using Rows = std::array<std::array<float, 4>, 3>;
+
+constexpr Rows countedRows{{{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}}};
+const std::string countedText = "1 2 3 4\n5 6 7 8\n9 10 11 12\n";
+
+// The rows of a file with this first number line.
+std::array<float, 4> firstRow(const std::string& line) {
+  const CustomTransformFile file = parseCustomTransforms("name\n" + line + "\n0 1 0 0\n0 0 1 0\n");
+  EXPECT_EQ(file.transforms.size(), 1U) << line;
+  return file.transforms.empty() ? std::array<float, 4>{} : file.transforms.front().rows[0];
+}
+
+bool isRead(const std::string& line) {
+  return !parseCustomTransforms("name\n" + line + "\n0 1 0 0\n0 0 1 0\n").transforms.empty();
+}
+
+void expectCounted(const CustomTransform& entry, std::string_view name) {
+  EXPECT_EQ(entry.name, name);
+  EXPECT_FALSE(entry.adjustable);
+  EXPECT_EQ(entry.rows, countedRows);
+}
+
+TEST(CustomTransform, StartsAsTheIdentity) {
+  const CustomTransform entry;
+  constexpr Rows identity{{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
+  EXPECT_EQ(entry.rows, identity);
+  EXPECT_FALSE(entry.adjustable);
+  EXPECT_EQ(entry.name, "");
+}
+
+TEST(CustomFile, IsRecordsOfANameAndThreeRowsInOrder) {
+  const CustomTransformFile file =
+      parseCustomTransforms("first\n" + countedText + "$second\n.5 0 0 0\n0 -2 0 0\n0 0 1 1e-1\n");
+  ASSERT_EQ(file.transforms.size(), 2U);
+  expectCounted(file.transforms[0], "first");
+  EXPECT_EQ(file.transforms[1].name, "second");
+  EXPECT_TRUE(file.transforms[1].adjustable);
+  constexpr Rows second{{{0.5F, 0, 0, 0}, {0, -2, 0, 0}, {0, 0, 1, 0.1F}}};
+  EXPECT_EQ(file.transforms[1].rows, second);
+  EXPECT_FALSE(file.malformed);
+}
+
+TEST(CustomFile, LinesEndAtALineFeedACarriageReturnOrANul) {
+  for (const std::string_view end : {"\n"sv, "\r"sv, "\r\n"sv, "\0"sv}) {
+    std::string text;
+    for (const std::string_view line :
+         {"one", "1 2 3 4", "5 6 7 8", "9 10 11 12", "two", "1 2 3 4", "5 6 7 8", "9 10 11 12"}) {
+      text.append(line).append(end);
+    }
+    for (const bool ended : {true, false}) {
+      SCOPED_TRACE(std::to_string(end.front()) + (ended ? " ended" : " at the end of the file"));
+      const CustomTransformFile file =
+          parseCustomTransforms(ended ? text : text.substr(0, text.size() - end.size()));
+      ASSERT_EQ(file.transforms.size(), 2U);
+      expectCounted(file.transforms[0], "one");
+      expectCounted(file.transforms[1], "two");
+      EXPECT_FALSE(file.malformed);
+    }
+  }
+}
+
+TEST(CustomFile, LineEndsMayBeMixed) {
+  const CustomTransformFile file = parseCustomTransforms(
+      "one\r\n1 2 3 4\r5 6 7 8\0"
+      "9 10 11 12\n"sv);
+  ASSERT_EQ(file.transforms.size(), 1U);
+  expectCounted(file.transforms[0], "one");
+}
+
+TEST(CustomFile, TwoLineEndsThatAreNotOnePairMakeABlankLine) {
+  for (const std::string_view ends : {"\n\n"sv, "\r\r"sv, "\n\r"sv, "\0\0"sv, "\r\0"sv}) {
+    SCOPED_TRACE(std::to_string(ends[0]) + " " + std::to_string(ends[1]));
+    const CustomTransformFile file =
+        parseCustomTransforms(std::string("one").append(ends).append(countedText));
+    EXPECT_TRUE(file.transforms.empty());
+    ASSERT_TRUE(file.malformed);
+    EXPECT_EQ(file.malformed->number, 2U);
+  }
+}
+
+TEST(CustomFile, TheRestOfTheNameLineIsTheNameBlanksIncluded) {
+  const auto nameOf = [](const std::string& line) {
+    const CustomTransformFile file = parseCustomTransforms(line + "\n" + countedText);
+    EXPECT_EQ(file.transforms.size(), 1U) << line;
+    return file.transforms.empty() ? CustomTransform{"none", false, {}} : file.transforms.front();
+  };
+  EXPECT_EQ(nameOf("  two words\t ").name, "  two words\t ");
+  EXPECT_EQ(nameOf("Vi\xE9not & 1 2 3 4").name, "Vi\xE9not & 1 2 3 4");
+  EXPECT_FALSE(nameOf("cost $5").adjustable);
+  EXPECT_EQ(nameOf("cost $5").name, "cost $5");
+  EXPECT_FALSE(nameOf(" $x").adjustable);
+  EXPECT_EQ(nameOf(" $x").name, " $x");
+  EXPECT_TRUE(nameOf("$$x").adjustable);
+  EXPECT_EQ(nameOf("$$x").name, "$x");
+  EXPECT_TRUE(nameOf("$ x").adjustable);
+  EXPECT_EQ(nameOf("$ x").name, " x");
+}
+
+TEST(CustomFile, ADollarSignMarksTheEntryAdjustableAndIsRemoved) {
+  const CustomTransformFile file = parseCustomTransforms("$Deutan correction\n" + countedText);
+  ASSERT_EQ(file.transforms.size(), 1U);
+  EXPECT_EQ(file.transforms[0].name, "Deutan correction");
+  EXPECT_TRUE(file.transforms[0].adjustable);
+}
+
+TEST(CustomFile, AnEmptyNameIsAName) {
+  const CustomTransformFile file = parseCustomTransforms("\n" + countedText + "$\n" + countedText);
+  ASSERT_EQ(file.transforms.size(), 2U);
+  expectCounted(file.transforms[0], "");
+  EXPECT_EQ(file.transforms[1].name, "");
+  EXPECT_TRUE(file.transforms[1].adjustable);
+}
+
+TEST(CustomFile, FieldsStandBetweenAnyBlanksAndTabs) {
+  constexpr std::array<float, 4> expected{0.5F, -1.25F, 3.0F, 0.0F};
+  for (const char* line : {"0.5 -1.25 3 0", "0.5\t-1.25\t3\t0", "  0.5 \t -1.25\t\t3   0",
+                           "0.5 -1.25 3 0 ", "\t 0.5 -1.25 3 0 \t "}) {
+    SCOPED_TRACE(line);
+    EXPECT_EQ(firstRow(line), expected);
+  }
+}
+
+TEST(CustomFile, ATabAfterFourNumbersIsNoFifthField) {
+  constexpr std::array<float, 4> expected{0.5F, -1.25F, 3.0F, 0.0F};
+  EXPECT_EQ(firstRow("0.5 -1.25 3 0\t"), expected);
+}
+
+TEST(CustomFile, ALineOfThreeOrFiveNumbersEndsTheReading) {
+  for (const char* line : {"1 2 3", "1 2 3 4 5", "1", "", "1 2 3 4 x", "1,2,3,4"}) {
+    for (int row = 0; row < 3; ++row) {
+      SCOPED_TRACE(std::string(line) + " in row " + std::to_string(row));
+      std::string text = "kept\n" + countedText + "lost\n";
+      for (int i = 0; i < 3; ++i) text.append(i == row ? line : "1 2 3 4").append("\n");
+      text += "after\n" + countedText;
+      const CustomTransformFile file = parseCustomTransforms(text);
+      ASSERT_EQ(file.transforms.size(), 1U);
+      expectCounted(file.transforms[0], "kept");
+      ASSERT_TRUE(file.malformed);
+      EXPECT_EQ(file.malformed->number, static_cast<std::size_t>(6 + row));
+      EXPECT_FALSE(file.malformed->reason.empty());
+    }
+  }
+}
+
+TEST(CustomFile, AFieldCountsForItsLongestLeadingNumber) {
+  constexpr std::array<float, 4> expected{0.5F, 0.5F, -2.0F, 300.0F};
+  EXPECT_EQ(firstRow("0.5abc 0.5.5 -2- 3e2%"), expected);
+  constexpr std::array<float, 4> others{5.0F, 0.5F, 1.0F, 0.25F};
+  EXPECT_EQ(firstRow("+5 .5 1. 2.5e-1"), others);
+  constexpr std::array<float, 4> cutExponents{0.5F, 1.0F, 2.0F, 3.0F};
+  EXPECT_EQ(firstRow("0.5else 1e 2e+ 3ex"), cutExponents);
+}
+
+TEST(CustomFile, AFieldThatBeginsWithNoNumberEndsTheReading) {
+  for (const char* field : {"a", "abc0.5", "x1", "-", "+", ".", "e5", "-a", "$1", "\"1\"", "--1",
+                            "inf", "infinity", "nan", "nan(1)", "INF", "-inf", "+nan"}) {
+    for (int place = 0; place < 4; ++place) {
+      SCOPED_TRACE(field);
+      std::string line;
+      for (int i = 0; i < 4; ++i) line.append(i == place ? field : "1").append(" ");
+      EXPECT_FALSE(isRead(line));
+    }
+  }
+}
+
+TEST(CustomFile, ValuesAreNeitherCheckedNorClamped) {
+  constexpr std::array<float, 4> expected{-1e30F, 12345.0F, 1e-30F, 3.4e38F};
+  EXPECT_EQ(firstRow("-1e30 12345 1e-30 3.4e38"), expected);
+  EXPECT_TRUE(std::isinf(firstRow("1e99 0 0 0")[0]));
+}
+
+TEST(CustomFile, ARecordWithoutItsThirdRowIsDroppedAndTheEarlierOnesStay) {
+  for (const char* tail : {"last\n1 2 3 4\n5 6 7 8", "last\n1 2 3 4\n5 6 7 8\n"}) {
+    SCOPED_TRACE(tail);
+    const CustomTransformFile file =
+        parseCustomTransforms("one\n" + countedText + "two\n" + countedText + tail);
+    ASSERT_EQ(file.transforms.size(), 2U);
+    expectCounted(file.transforms[0], "one");
+    expectCounted(file.transforms[1], "two");
+    ASSERT_TRUE(file.malformed);
+    EXPECT_EQ(file.malformed->number, 12U);
+  }
+}
+
+TEST(CustomFile, ARecordOfANameAloneIsDropped) {
+  const CustomTransformFile file = parseCustomTransforms("one\n" + countedText + "two");
+  ASSERT_EQ(file.transforms.size(), 1U);
+  ASSERT_TRUE(file.malformed);
+  EXPECT_EQ(file.malformed->number, 6U);
+}
+
+TEST(CustomFile, ABlankLineBetweenRecordsBecomesTheNextName) {
+  const CustomTransformFile file =
+      parseCustomTransforms("one\n" + countedText + "\ntwo\n" + countedText);
+  ASSERT_EQ(file.transforms.size(), 1U);
+  ASSERT_TRUE(file.malformed);
+  EXPECT_EQ(file.malformed->number, 6U);
+}
+
+TEST(CustomFile, BlankLinesAtTheEndAreNotReported) {
+  for (const std::string_view tail : {"\n"sv, "\n\n\n"sv, " \t\n"sv, "\r\n\r\n"sv, "\0\0"sv}) {
+    const CustomTransformFile file =
+        parseCustomTransforms(std::string("one\n" + countedText).append(tail));
+    EXPECT_EQ(file.transforms.size(), 1U);
+    EXPECT_FALSE(file.malformed);
+  }
+}
+
+TEST(CustomFile, WithoutAnyCharacterHasNoEntries) {
+  const CustomTransformFile file = parseCustomTransforms("");
+  EXPECT_TRUE(file.transforms.empty());
+  EXPECT_FALSE(file.malformed);
+}
+
+TEST(CustomFile, TheReportCountsEveryKindOfLineEndOnce) {
+  const CustomTransformFile file = parseCustomTransforms(
+      "one\r\n1 2 3 4\r5 6 7 8\0"
+      "9 10 11 12\ntwo\r\n1 2 3 4\r\n5 6 seven 8\r\n9 10 11 12\r\n"sv);
+  EXPECT_EQ(file.transforms.size(), 1U);
+  ASSERT_TRUE(file.malformed);
+  EXPECT_EQ(file.malformed->number, 7U);
+  EXPECT_NE(file.malformed->reason.find("seven"), std::string::npos);
+}
+
+TEST(CustomFilePath, IsTheDirectoryOnTheCommandLine) {
+  struct Row {
+    const char* commandLine;
+    const char* path;
+  };
+  for (const Row& row : {
+           Row{R"("C:\Program Files\Tintora\tintora.exe")",
+               R"(C:\Program Files\Tintora\Tintora_custom.txt)"},
+           Row{R"(C:\tools\tintora.exe)", R"(C:\tools\Tintora_custom.txt)"},
+           Row{"  \t\"C:\\tools\\tintora.exe\"\t  ", R"(C:\tools\Tintora_custom.txt)"},
+           Row{R"("C:\tools\tintora.exe" -st)", R"(C:\tools\Tintora_custom.txt)"},
+           Row{R"("C:\tools\tintora.exe" "D:\pictures\own.txt")",
+               R"(C:\tools\tintora.exe" "D:\pictures\Tintora_custom.txt)"},
+           Row{"/usr/bin/tintora", "/usr/bin/Tintora_custom.txt"},
+           Row{"bin/a\\b", R"(bin/a\Tintora_custom.txt)"},
+           Row{"a\\bin/b", "a\\bin/Tintora_custom.txt"},
+           Row{"/tools/", "/tools/Tintora_custom.txt"},
+           Row{"/tools/\"", "/tools/Tintora_custom.txt"},
+           Row{"/", "/Tintora_custom.txt"},
+           Row{"tintora.exe", "Tintora_custom.txt"},
+           Row{"\"tintora.exe\" -s", "Tintora_custom.txt"},
+           Row{"", "Tintora_custom.txt"},
+           Row{" \"\t ", "Tintora_custom.txt"},
+       }) {
+    SCOPED_TRACE(row.commandLine);
+    EXPECT_EQ(customTransformPath(row.commandLine), row.path);
+  }
+}
+
+class CustomFileLoading : public EngineTest {
+ protected:
+  CustomFileLoading() {
+    std::filesystem::create_directories(directory);
+    displayRecord.commandLine = "\"" + (directory / "tintora").string() + "\"";
+  }
+  ~CustomFileLoading() override {
+    std::error_code ignored;
+    std::filesystem::remove_all(directory, ignored);
+  }
+
+  void write(std::string_view text) const {
+    std::ofstream(directory / "Tintora_custom.txt", std::ios::binary) << text;
+  }
+
+  // Tests may run side by side.
+  const std::filesystem::path directory = std::filesystem::temp_directory_path() /
+                                          ("tintora " + std::to_string(std::random_device{}()));
+};
+
+TEST_F(CustomFileLoading, FindsTheFileBesideAQuotedProgramPath) {
+  write("one\r\n1 2 3 4\r\n5 6 7 8\r\n9 10 11 12\r\n$two\r\n1 2 3 4\r\n5 6 7 8\r\n9 10 11 12");
+  loadCustomTransforms();
+  ASSERT_EQ(customTransforms.size(), 2U);
+  expectCounted(customTransforms[0], "one");
+  EXPECT_EQ(customTransforms[1].name, "two");
+  EXPECT_TRUE(customTransforms[1].adjustable);
+  EXPECT_EQ(customTransforms[1].rows, countedRows);
+}
+
+TEST_F(CustomFileLoading, FindsTheFileInTheCurrentDirectoryWithoutADirectoryOnTheCommandLine) {
+  write("here\n" + countedText);
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(directory);
+  displayRecord.commandLine = "tintora";
+  loadCustomTransforms();
+  std::filesystem::current_path(before);
+  ASSERT_EQ(customTransforms.size(), 1U);
+  expectCounted(customTransforms[0], "here");
+}
+
+TEST_F(CustomFileLoading, WithoutAFileAddsNothingAndSaysNothing) {
+  loadCustomTransforms();
+  EXPECT_TRUE(customTransforms.empty());
+  EXPECT_TRUE(displayRecord.calls.empty());
+}
+
+TEST_F(CustomFileLoading, KeepsTheEntriesBeforeAMalformedRecordInSilence) {
+  write("one\n" + countedText + "two\n1 2 3\n5 6 7 8\n9 10 11 12\nthree\n" + countedText);
+  loadCustomTransforms();
+  ASSERT_EQ(customTransforms.size(), 1U);
+  expectCounted(customTransforms[0], "one");
+  EXPECT_TRUE(displayRecord.calls.empty());
+}
+
+TEST_F(CustomFileLoading, AppendsToTheList) {
+  customTransforms.push_back({"before", false, {}});
+  write("one\n" + countedText);
+  loadCustomTransforms();
+  ASSERT_EQ(customTransforms.size(), 2U);
+  EXPECT_EQ(customTransforms[0].name, "before");
+  expectCounted(customTransforms[1], "one");
+}
+
+TEST_F(CustomFileLoading, ReadsBytesAboveSevenBitsAndNulsAsTheyStand) {
+  write(
+      "Vi\xE9not\xFF\0"
+      "1 2 3 4\n5 6 7 8\n9 10 11 12"sv);
+  loadCustomTransforms();
+  ASSERT_EQ(customTransforms.size(), 1U);
+  expectCounted(customTransforms[0], "Vi\xE9not\xFF");
+}
+
+}  // namespace
+}  // namespace tintora

@@ -1,0 +1,103 @@
+// A display that writes down what the engine tells it, and a fixture that puts the process-wide
+// records back to what they were when the program started.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/custom_transforms.h"
+#include "engine/effect_matrix.h"
+#include "engine/transform_settings.h"
+#include "spectral/simulation_matrix.h"
+
+namespace tintora {
+
+struct DisplayRecord {
+  std::vector<std::string> calls;  // such as "main 4 on", "title Greyscale", "matrix", "refresh"
+  std::string title;               // the last one
+  EffectMatrix matrix{};           // the last one shown
+  ModelContext modelAtRefresh;
+  std::string commandLine;
+};
+
+inline DisplayRecord displayRecord;
+
+struct ProcessRecords {
+  TransformSettings settings = transformSettings;
+  EffectMatrix effect = effectMatrix;
+  ModelContext model = modelContext;
+  std::vector<CustomTransform> custom = customTransforms;
+  TransformDisplay display = transformDisplay;
+};
+
+// The records as they were before the first test that could change them.
+inline const ProcessRecords& recordsAtStart() {
+  static const ProcessRecords records;
+  return records;
+}
+
+// Unlike each other and unlike the type items 1 to 3.
+inline constexpr ViewerItemPositions testPositions{5, 6, 7, 9, 12};
+
+inline TransformDisplay recordingDisplay() {
+  TransformDisplay display;
+  display.showEffectMatrix = [](const EffectMatrix& matrix) {
+    displayRecord.calls.emplace_back("matrix");
+    displayRecord.matrix = matrix;
+  };
+  display.showTitle = [](std::string_view title) {
+    displayRecord.calls.emplace_back("title ").append(title);
+    displayRecord.title = title;
+  };
+  display.checkMenuItem = [](TransformMenu menu, int position, bool checked) {
+    displayRecord.calls.emplace_back(menu == TransformMenu::Main ? "main " : "alternative ")
+        .append(std::to_string(position))
+        .append(checked ? " on" : " off");
+  };
+  display.refreshTransformViews = [] {
+    displayRecord.calls.emplace_back(transformSettings.transformOff ? "refresh while off"
+                                                                    : "refresh");
+    displayRecord.modelAtRefresh = modelContext;
+  };
+  display.commandLine = [] { return displayRecord.commandLine; };
+  display.positions = testPositions;
+  return display;
+}
+
+// The calls of one application of the settings in force.
+inline std::vector<std::string> callsOfApplication() {
+  displayRecord.calls.clear();
+  applyTransform();
+  return displayRecord.calls;
+}
+
+class EngineTest : public testing::Test {
+ protected:
+  EngineTest() {
+    restoreRecords();
+    initialiseModelContext(modelContext);
+    displayRecord = {};
+    transformDisplay = recordingDisplay();
+  }
+  ~EngineTest() override { restoreRecords(); }
+
+  EngineTest(const EngineTest&) = delete;
+  EngineTest& operator=(const EngineTest&) = delete;
+  EngineTest(EngineTest&&) = delete;
+  EngineTest& operator=(EngineTest&&) = delete;
+
+ private:
+  static void restoreRecords() {
+    const ProcessRecords& start = recordsAtStart();
+    transformSettings = start.settings;
+    effectMatrix = start.effect;
+    modelContext = start.model;
+    customTransforms = start.custom;
+    transformDisplay = start.display;
+  }
+};
+
+}  // namespace tintora

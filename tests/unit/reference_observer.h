@@ -1,0 +1,43 @@
+// The spectral model once more, in extended precision and written another way: explicit powers for
+// the template, Gauss-Jordan elimination for the inverse, densities straight from the published
+// tables.
+#pragma once
+
+#include <array>
+
+#include "spectral/cone_model.h"
+#include "spectral/matrix3x3.h"
+#include "spectral/spectral_tables.h"
+
+namespace tintora {
+
+using ReferenceCurve = std::array<long double, 401>;
+using ReferenceMatrix = std::array<std::array<long double, 3>, 3>;
+using ReferenceCurves = std::array<ReferenceCurve, 3>;
+
+ReferenceCurve referenceLensDensity();
+ReferenceCurve referenceMacularDensity();
+ReferenceCurve referenceTransmittance();
+ReferenceCurve referenceGaussian(long double amplitude, long double peak, long double width);
+
+ReferenceCurve referenceTemplate(long double peak);
+ReferenceCurve referenceAbsorptance(const ReferenceCurve& absorbance, long double density);
+// Through the lens and the macular pigment, largest sample 1.
+ReferenceCurve referenceCone(long double peak, long double density);
+
+// L, M, S.
+ReferenceCurves referenceCones(const ConeValues& peaks, const ConeValues& densities);
+// Achromatic, yellow-blue, red-green.
+ReferenceCurves referenceOpponents(const ReferenceCurves& cones);
+
+// The responses of the curves to the display primaries, rows scaled to sum to 1.
+ReferenceMatrix referenceResponses(const ReferenceCurves& curves);
+ReferenceMatrix referenceProduct(const ReferenceMatrix& a, const ReferenceMatrix& b);
+ReferenceMatrix referenceInverse(ReferenceMatrix matrix);
+
+// The simulation by the peaks of the anomalous observer.
+ReferenceMatrix referenceSimulation(const ConeValues& anomalousPeaks);
+
+Matrix3x3 inDoubles(const ReferenceMatrix& matrix);
+
+}  // namespace tintora

@@ -1,6 +1,7 @@
 #include "platform/null/null_platform.h"
 
 #include <algorithm>
+#include <array>
 
 #include "platform/clipboard.h"
 #include "platform/magnifier.h"
@@ -41,13 +42,13 @@ std::string text(const Point& point) {
   return text(point.x) + "," + text(point.y);
 }
 std::string text(WindowForm form) {
-  constexpr const char* names[] = {"framed", "frameless", "framed maximised", "frameless maximised",
-                                   "full screen"};
-  return names[static_cast<int>(form)];
+  constexpr std::array names{"framed", "frameless", "framed maximised", "frameless maximised",
+                             "full screen"};
+  return names[static_cast<std::size_t>(form)];
 }
 std::string text(ShowState state) {
-  constexpr const char* names[] = {"hidden", "shown", "as started", "normal", "maximised"};
-  return names[static_cast<int>(state)];
+  constexpr std::array names{"hidden", "shown", "as started", "normal", "maximised"};
+  return names[static_cast<std::size_t>(state)];
 }
 
 template <typename... Arguments>
@@ -74,8 +75,8 @@ bool hasFrame(const Window* window) {
 }
 
 const char* nameOf(WindowKind kind) {
-  constexpr const char* names[] = {"main", "control", "colour space"};
-  return names[static_cast<int>(kind)];
+  constexpr std::array names{"main", "control", "colour space"};
+  return names[static_cast<std::size_t>(kind)];
 }
 
 }  // namespace

@@ -223,7 +223,6 @@ void writeFileWhole(const std::filesystem::path& target, std::span<const std::ui
   const bool exists = ::stat(target.c_str(), &status) == 0;
   if (!exists && errno != ENOENT) throwUnwritable(target.string(), errno);
   if (exists) {
-    if (S_ISDIR(status.st_mode)) throwUnwritable(target.string(), EISDIR);
     if (isStandardOutput(status)) return writeStandardOutput(contents);
     if (!S_ISREG(status.st_mode)) return writeDirectly(target, contents);
     // Replacing needs no leave of the file itself, but who protected it meant it.

@@ -199,8 +199,12 @@ void keepRemarks(const PngRemarks& remarks, Image& image) {
 
 void writeColourSpace(const PngWriter& writer, const Image& image) {
   if (!image.iccProfile.empty()) {
-    png_set_iCCP(writer.png, writer.info, "ICC profile", PNG_COMPRESSION_TYPE_BASE,
-                 image.iccProfile.data(), static_cast<png_uint_32>(image.iccProfile.size()));
+    // At its full length of 79 the name keeps libpng, when it reads a very small profile again,
+    // from taking it for cut short.
+    constexpr const char* name =
+        "colour profile, taken over unchanged from the image that this one was made from";
+    png_set_iCCP(writer.png, writer.info, name, PNG_COMPRESSION_TYPE_BASE, image.iccProfile.data(),
+                 static_cast<png_uint_32>(image.iccProfile.size()));
     return;
   }
   const PngColourSpace& space = image.pngColourSpace;

@@ -73,7 +73,7 @@ bool createWindows() {
   state.magnifier = platform::createMagnifier(
       state.mainWindow, "MagnifierWindow",
       {0, state.magnifierTopOffset, state.mainBounds.width() - state.magnifierRightMargin,
-       state.magnifierTopOffset + state.mainBounds.height()});
+       state.mainBounds.height()});
   if (state.magnifier == nullptr) return false;
   state.controlWindow =
       platform::createWindow(WindowKind::Control, state.controlText, {0, 0, 400, 120});

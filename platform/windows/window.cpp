@@ -270,7 +270,11 @@ void showCursor(bool shown) {
 
 bool handleNextEvent() {
   MSG message{};
-  if (GetMessageA(&message, nullptr, 0, 0) <= 0 || message.message == WM_QUIT) {
+  // A timer that is due goes first: while something is always left to paint, as with a view that is
+  // drawn anew after every message, the desktop would never come to it.
+  const bool timerIsDue = PeekMessageA(&message, nullptr, WM_TIMER, WM_TIMER, PM_REMOVE) != 0;
+  const bool ends = !timerIsDue && GetMessageA(&message, nullptr, 0, 0) <= 0;
+  if (ends || message.message == WM_QUIT) {
     result = static_cast<int>(message.wParam);
     return false;
   }

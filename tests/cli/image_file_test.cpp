@@ -56,6 +56,7 @@ std::optional<std::string> refusalOf(const Bytes& file, std::uint64_t limit = ma
   try {
     decodeImage(file, limit);
   } catch (const ImageError& error) {
+    EXPECT_EQ(std::string(error.what()).find('\n'), std::string::npos);
     return error.what();
   }
   return std::nullopt;
@@ -75,7 +76,7 @@ bool contains(const std::optional<std::string>& text, std::string_view part) {
 }
 
 // A profile of a colour space of four letters: a header, no tags, and a filling up to the size.
-Bytes profileOf(std::string_view colourSpace, std::size_t size = 132) {
+Bytes profileOf(std::string_view colourSpace, std::size_t size = 300) {
   Bytes profile(size);
   std::mt19937 random(7);
   for (std::size_t i = 132; i < size; ++i) profile[i] = static_cast<std::uint8_t>(random());
@@ -498,7 +499,8 @@ Bytes smallRichJpeg(bool progressive) {
   spec.chromaSampling = 2;
   spec.restartInterval = 1;
   spec.density = {1, 72, 72};
-  spec.markers = {{JPEG_APP0 + 1, joined(bytesOf("Exif\0\0"s), exifOf())}};
+  spec.markers = {{JPEG_APP0 + 1, joined(bytesOf("Exif\0\0"s), exifOf())},
+                  {JPEG_COM, Bytes(40, 'x')}};
   spec.iccProfile = profileOf("RGB ");
   return jpegFile(randomImage(19, 17, false, 3), spec);
 }
@@ -715,23 +717,26 @@ TEST(DecodeJpeg, RefusesAPictureWhoseDataEndsBeforeItsEndMarker) {
 // ---- Damage
 
 TEST(DecodeImage, RefusesAFileCutShortAtAnyLength) {
+  constexpr std::size_t longestSignature = 8;
+  const Bytes jpeg = smallRichJpeg(false);
+  const std::size_t end = findMarker(jpeg, endMarker, true);
+  // All its pixels are there before its last remark.
+  const Bytes remarkAtEnd = joined(slice(jpeg, 0, end), bytesOf("\xFF\xFE\0\x07hello\xFF\xD9"s));
+  JpegSpec arithmetic;
+  arithmetic.arithmetic = true;
+
   // Up to the last byte: that of a PNG belongs to a checksum, that of a JPEG to the end marker.
-  for (const Bytes& file : {smallRichPng(), pngFile(randomPng(PNG_COLOR_TYPE_RGB_ALPHA, 16)),
-                            smallRichJpeg(false), smallRichJpeg(true)}) {
+  for (const Bytes& file :
+       {smallRichPng(), pngFile(randomPng(PNG_COLOR_TYPE_RGB_ALPHA, 16)), jpeg, smallRichJpeg(true),
+        jpegFile(smoothImage(9, 9), arithmetic), remarkAtEnd}) {
     ASSERT_EQ(refusalOf(file), std::nullopt);
     for (std::size_t length = 0; length < file.size(); ++length) {
       const auto refusal = refusalOf(slice(file, 0, length));
       ASSERT_TRUE(refusal.has_value()) << length << " of " << file.size() << " bytes";
-      EXPECT_EQ(refusal->find('\n'), std::string::npos);
-      EXPECT_FALSE(refusal->empty());
+      if (length >= longestSignature) {
+        ASSERT_TRUE(contains(refusal, "ends too early")) << length << ": " << *refusal;
+      }
     }
-  }
-}
-
-TEST(DecodeImage, SaysThatACutFileEndsTooEarly) {
-  for (const Bytes& file : {smallRichPng(), smallRichJpeg(false), smallRichJpeg(true)}) {
-    EXPECT_TRUE(contains(refusalOf(slice(file, 0, file.size() - 1)), "ends too early"));
-    EXPECT_TRUE(contains(refusalOf(slice(file, 0, 30)), "ends too early"));
   }
 }
 
@@ -859,6 +864,13 @@ TEST(EncodePng, WritesAnAlphaChannelOnlyForAnImageThatHasOne) {
 TEST(EncodePng, HoldsAnImageWiderThanTheLibraryExpects) {
   const Image image = randomImage(1000001, 1, false, 4);
   EXPECT_EQ(decodeImage(encodeImage(image, ImageFormat::Png)).pixels, image.pixels);
+}
+
+TEST(EncodeJpeg, WritesNothingAfterTheEndMarker) {
+  for (const std::uint32_t size : {1U, 50U, 500U}) {
+    const Bytes file = encodeImage(randomImage(size, size, false, size), ImageFormat::Jpeg);
+    EXPECT_EQ(findMarker(file, endMarker), file.size() - 2);
+  }
 }
 
 TEST(EncodeJpeg, KeepsASmoothImageClosely) {
@@ -1046,6 +1058,14 @@ TEST(Carrying, LeavesOutADamagedProfileAndKeepsThePicture) {
   EXPECT_EQ(decodeImage(raw).pixels, decodeImage(plain).pixels);
 }
 
+TEST(Carrying, KeepsAProfileOfNothingButAHeader) {
+  Image image = randomImage(4, 4, false, 1);
+  image.iccProfile = profileOf("RGB ", 132);
+  for (const ImageFormat format : {ImageFormat::Png, ImageFormat::Jpeg}) {
+    EXPECT_EQ(decodeImage(encodeImage(image, format)).iccProfile, image.iccProfile);
+  }
+}
+
 TEST(Carrying, RefusesToWriteAProfileThatPngCannotHold) {
   Image image = randomImage(4, 4, false, 1);
   image.iccProfile = profileOf("RGB ", 200);
@@ -1153,6 +1173,8 @@ TEST(Carrying, KeepsWhatAPngFileSaysOfItsColours) {
   spec.srgbIntent = PNG_sRGB_INTENT_RELATIVE;
   EXPECT_EQ(carried(spec), (PngColourSpace{PNG_sRGB_INTENT_RELATIVE, {}, {}}));
   spec = randomPng(PNG_COLOR_TYPE_RGB, 8);
+  // A profile outranks the rest.
+  spec.gamma = 55556;
   spec.iccProfile = profileOf("RGB ");
   EXPECT_EQ(carried(spec), PngColourSpace{});
 }

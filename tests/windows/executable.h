@@ -1,0 +1,17 @@
+// Facts of the program's file.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tintora::windows_test {
+
+// The names of the libraries that a 64-bit executable cannot be loaded without.
+std::vector<std::string> importedLibraries(const std::string& path);
+
+IMAGE_NT_HEADERS64 headersOf(const std::string& path);
+
+}  // namespace tintora::windows_test

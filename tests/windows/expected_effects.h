@@ -1,0 +1,46 @@
+// The colour effects that the program should ask for, computed from the published matrices and from
+// the plain formulas.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "colour_effect.h"
+
+namespace tintora::windows_test {
+
+// One row for each output channel: the weights of red, green and blue.
+using Weights = std::array<std::array<double, 3>, 3>;
+using Offsets = std::array<double, 3>;
+
+ColourEffect effectOf(const Weights& weights, const Offsets& offsets = {});
+
+// Judd 1948, by severity.
+Weights juddProtan(double severity);
+Weights juddDeutan(double severity);
+Weights juddTritan(double severity);
+
+// At full severity.
+Weights machadoProtan();
+Weights vienot1997Protan();
+Weights vienot1999Protan();
+
+// What a viewer loses by a simulation, spread over green and blue.
+Weights daltonized(const Weights& simulation);
+Weights inverse(const Weights& simulation);
+
+ColourEffect greyscale();
+ColourEffect inverted();
+ColourEffect brightened(double brightness);
+ColourEffect withContrast(double contrast);
+ColourEffect withSaturation(double saturation);
+ColourEffect filtered(const std::array<double, 3>& passed, double strength);
+ColourEffect circadian(double brightness);
+
+// Swaps two channels, counted from red, by a strength.
+ColourEffect swapped(std::size_t one, std::size_t other, double strength);
+
+testing::AssertionResult areEqual(const ColourEffect& actual, const ColourEffect& expected);
+
+}  // namespace tintora::windows_test

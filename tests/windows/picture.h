@@ -1,0 +1,60 @@
+// Pictures: of the screen, of the clipboard, and a known one to put beneath the program.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "colour_effect.h"
+#include "program_run.h"
+
+namespace tintora::windows_test {
+
+using Colour = std::array<std::uint8_t, 3>;  // red, green, blue
+
+struct Picture {
+  int width = 0;
+  int height = 0;
+  std::vector<Colour> pixels;  // rows from the top
+
+  const Colour& at(int x, int y) const {
+    return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+                  static_cast<std::size_t>(x)];
+  }
+};
+
+Picture screenPicture(const Bounds& part);
+
+// What a colour effect makes of a picture, in double precision.
+Picture filteredPicture(const Picture& picture, const ColourEffect& effect);
+
+// Whether no channel of any pixel is further off than a tolerance.
+testing::AssertionResult areAlike(const Picture& actual, const Picture& expected, int tolerance);
+
+// The colour at a place on the screen.
+using Pattern = Colour (*)(int x, int y);
+
+// Every pixel unlike its neighbours.
+Colour mixedColour(int x, int y);
+
+// A window without a frame that shows a pattern. It stands beneath what is started after it.
+class Backdrop {
+ public:
+  explicit Backdrop(const Bounds& bounds, Pattern pattern = &mixedColour);
+  ~Backdrop();
+  Backdrop(const Backdrop&) = delete;
+  Backdrop& operator=(const Backdrop&) = delete;
+
+  // What it shows in a part of the screen, which must lie inside it.
+  Picture picture(const Bounds& part) const;
+
+ private:
+  HANDLE thread_ = nullptr;
+  Bounds bounds_;
+  Pattern pattern_;
+};
+
+}  // namespace tintora::windows_test

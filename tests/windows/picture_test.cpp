@@ -1,0 +1,279 @@
+// What is seen on the screen, and what is put on the clipboard.
+#include <algorithm>
+#include <cstring>
+#include <ostream>
+#include <string>
+
+#include "expected_effects.h"
+#include "picture.h"
+#include "program_run.h"
+#include "stored_values.h"
+
+namespace tintora::windows_test {
+namespace {
+
+constexpr Bounds beneath{100, 50, 1100, 750};
+constexpr const char* copiedTitle = "Image Copied To Clipboard";
+constexpr const char* firstTitle = " Simulation - Protanope 100% severity";
+
+// The program over a picture of which every pixel is known, without the colour space window.
+class OverAPicture : public ProgramTest {
+ protected:
+  void startOver(StoredValues stored = {}) {
+    stored["ColorSpace"] = 0;
+    stored.try_emplace("Selected", 1);
+    storeValues(stored);
+    start();
+  }
+  Bounds client() const { return clientBoundsOf(windows().main); }
+
+  testing::AssertionResult eventuallyShows(const ColourEffect& effect, int tolerance) {
+    const Picture expected = filteredPicture(backdrop_.picture(client()), effect);
+    eventually([&] { return areAlike(screenPicture(client()), expected, tolerance); });
+    return areAlike(screenPicture(client()), expected, tolerance);
+  }
+
+  const Backdrop& backdrop() const { return backdrop_; }
+
+ private:
+  Backdrop backdrop_{beneath};
+};
+
+struct EffectRow {
+  const char* name;
+  int command;
+  ColourEffect effect;
+  int tolerance = 1;  // where a sum falls on the middle between two values
+};
+
+void PrintTo(const EffectRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+const std::array effectRows{
+    EffectRow{"Protan", 1, effectOf(juddProtan(1))},
+    EffectRow{"Greyscale", 4, greyscale()},
+    EffectRow{"Invert", 5, inverted(), 0},
+    EffectRow{"Unchanged", 6, identityEffect, 0},
+    EffectRow{"Circadian", 9, circadian(1)},
+    EffectRow{"YellowFilter", 103, filtered({1, 1, 0}, 1), 0},
+    EffectRow{"SwapGreenAndBlue", 202, swapped(1, 2, 1), 0},
+    EffectRow{"Daltonize", 776, effectOf(daltonized(juddProtan(1)))},
+};
+
+class Effects : public OverAPicture, public testing::WithParamInterface<EffectRow> {};
+
+TEST_P(Effects, ShowWhatLiesBeneathThroughTheirMatrix) {
+  startOver();
+  choose(GetParam().command);
+  EXPECT_TRUE(eventuallyShows(GetParam().effect, GetParam().tolerance));
+}
+
+INSTANTIATE_TEST_SUITE_P(By, Effects, testing::ValuesIn(effectRows),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(OverAPicture, TheViewFollowsTheWindow) {
+  startOver({{"Selected", 5}});
+  SetWindowPos(windows().main, nullptr, 150, 90, 611, 433, SWP_NOZORDER | SWP_NOACTIVATE);
+  settle();
+  EXPECT_TRUE(eventuallyShows(inverted(), 0));
+  press(' ');
+  EXPECT_TRUE(eventuallyShows(inverted(), 0));
+  press(VK_RIGHT);
+  EXPECT_TRUE(eventuallyShows(inverted(), 0));
+}
+
+// The clipboard's bitmap of 24 bits per pixel, rows from the bottom.
+struct ClipboardBitmap {
+  BITMAPINFOHEADER header{};
+  std::size_t bytes = 0;
+  Picture picture;
+};
+
+Picture decode(const BITMAPINFOHEADER& header, const std::uint8_t* rows) {
+  Picture picture{header.biWidth, header.biHeight, {}};
+  const auto stride = static_cast<std::ptrdiff_t>((picture.width * 3 + 3) / 4 * 4);
+  for (int y = picture.height - 1; y >= 0; --y) {
+    const std::uint8_t* const row = rows + y * stride;
+    for (std::ptrdiff_t x = 0; x < picture.width; ++x) {
+      picture.pixels.push_back({row[3 * x + 2], row[3 * x + 1], row[3 * x]});
+    }
+  }
+  return picture;
+}
+
+ClipboardBitmap clipboardBitmap() {
+  ClipboardBitmap bitmap;
+  if (!eventually([] { return OpenClipboard(nullptr) != FALSE; })) return bitmap;
+  const HANDLE block = GetClipboardData(CF_DIB);
+  if (block != nullptr) {
+    const auto* const bytes = static_cast<const std::uint8_t*>(GlobalLock(block));
+    bitmap.bytes = GlobalSize(block);
+    std::memcpy(&bitmap.header, bytes, sizeof bitmap.header);
+    if (bitmap.header.biBitCount == 24) {
+      bitmap.picture = decode(bitmap.header, bytes + sizeof bitmap.header);
+    }
+    GlobalUnlock(block);
+  }
+  CloseClipboard();
+  return bitmap;
+}
+
+void emptyClipboard() {
+  eventually([] { return OpenClipboard(nullptr) != FALSE; });
+  EmptyClipboard();
+  CloseClipboard();
+}
+
+class Clipboard : public OverAPicture {
+ protected:
+  void SetUp() override {
+    OverAPicture::SetUp();
+    emptyClipboard();
+  }
+  bool eventuallyCopied() {
+    return eventually([this] { return title() == copiedTitle; });
+  }
+};
+
+TEST_F(Clipboard, HoldsTheFilteredClientArea) {
+  startOver({{"Selected", 5}});
+  // An odd width, so that the rows have a remainder to be filled.
+  SetWindowPos(windows().main, nullptr, 150, 90, 611, 433, SWP_NOZORDER | SWP_NOACTIVATE);
+  settle();
+  ASSERT_TRUE(eventuallyShows(inverted(), 0));
+  choose(52);
+  ASSERT_TRUE(eventuallyCopied());
+  const ClipboardBitmap bitmap = clipboardBitmap();
+  const BITMAPINFOHEADER& header = bitmap.header;
+  const LONG stride = (24 * client().width() + 31) / 32 * 4;
+  EXPECT_EQ(header.biSize, 40U);
+  EXPECT_EQ(header.biWidth, client().width());
+  EXPECT_EQ(header.biHeight, client().height());
+  EXPECT_EQ(header.biPlanes, 1);
+  EXPECT_EQ(header.biBitCount, 24);
+  EXPECT_EQ(header.biCompression, static_cast<DWORD>(BI_RGB));
+  EXPECT_EQ(header.biSizeImage, static_cast<DWORD>(stride * client().height()));
+  EXPECT_EQ(header.biXPelsPerMeter, 0);
+  EXPECT_EQ(header.biYPelsPerMeter, 0);
+  EXPECT_EQ(header.biClrUsed, 0U);
+  EXPECT_EQ(header.biClrImportant, 0U);
+  EXPECT_GE(bitmap.bytes, 40U + header.biSizeImage);
+  EXPECT_TRUE(
+      areAlike(bitmap.picture, filteredPicture(backdrop().picture(client()), inverted()), 0));
+}
+
+struct CopyRow {
+  const char* name;
+  int held;
+  int key;
+};
+
+void PrintTo(const CopyRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+constexpr std::array copyRows{
+    CopyRow{"LeftControlC", VK_LCONTROL, 'C'},
+    CopyRow{"RightControlC", VK_RCONTROL, 'C'},
+    CopyRow{"LeftControlO", VK_LCONTROL, 'O'},
+    CopyRow{"RightControlO", VK_RCONTROL, 'O'},
+};
+
+class Copying : public Clipboard, public testing::WithParamInterface<CopyRow> {};
+
+TEST_P(Copying, IsDoneByKeysWithControl) {
+  startOver();
+  pressHolding(GetParam().held, GetParam().key);
+  ASSERT_TRUE(eventuallyCopied());
+  EXPECT_EQ(clipboardBitmap().header.biWidth, client().width());
+  EXPECT_FALSE(IsWindowVisible(windows().colourSpace));
+}
+
+INSTANTIATE_TEST_SUITE_P(By, Copying, testing::ValuesIn(copyRows),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+// Keys as the user types them, through all of the desktop.
+TEST_F(Clipboard, IsReachedFromTheKeyboard) {
+  startOver();
+  SetForegroundWindow(windows().main);
+  ASSERT_TRUE(eventually([this] { return GetForegroundWindow() == windows().main; }));
+  std::array<INPUT, 4> inputs{};
+  for (INPUT& input : inputs) input.type = INPUT_KEYBOARD;
+  inputs[0].ki.wVk = inputs[3].ki.wVk = VK_CONTROL;
+  inputs[1].ki.wVk = inputs[2].ki.wVk = 'C';
+  inputs[2].ki.dwFlags = inputs[3].ki.dwFlags = KEYEVENTF_KEYUP;
+  SendInput(inputs.size(), inputs.data(), sizeof(INPUT));
+  EXPECT_TRUE(eventuallyCopied());
+  EXPECT_EQ(clipboardBitmap().header.biWidth, client().width());
+}
+
+TEST_F(Clipboard, ConfirmsForThreeSeconds) {
+  startOver();
+  const ULONGLONG begin = GetTickCount64();
+  choose(52);
+  ASSERT_TRUE(eventuallyCopied());
+  EXPECT_TRUE(eventually([this] { return title() == firstTitle; }));
+  const ULONGLONG taken = GetTickCount64() - begin;
+  EXPECT_GE(taken, 2900U);
+  EXPECT_LE(taken, 6000U);
+}
+
+TEST_F(Clipboard, ConfirmsAnewForASecondCopy) {
+  startOver();
+  choose(52);
+  ASSERT_TRUE(eventuallyCopied());
+  Sleep(2000);
+  choose(52);
+  Sleep(2000);
+  EXPECT_EQ(title(), copiedTitle);
+}
+
+TEST_F(Clipboard, ConfirmsEvenWhereItCannotBeHad) {
+  startOver();
+  ASSERT_TRUE(OpenClipboard(nullptr));
+  choose(52);
+  EXPECT_TRUE(eventuallyCopied());
+  CloseClipboard();
+  EXPECT_EQ(clipboardBitmap().bytes, 0U);
+}
+
+using ControlPicture = OverAPicture;
+
+bool isGrey(const Colour& colour) {
+  return colour[0] == colour[1] && colour[1] == colour[2];
+}
+
+// White text on one colour, over a black copy of itself one pixel further right and down. Where an
+// edge of the white text runs over the black it leaves a grey.
+TEST_F(ControlPicture, IsTextWithAShadow) {
+  startOver();
+  press('H');
+  constexpr Colour background{80, 100, 120};
+  constexpr Colour black{0, 0, 0};
+  constexpr Colour white{255, 255, 255};
+  const Bounds area = clientBoundsOf(windows().control);
+  Picture picture;
+  ASSERT_TRUE(eventually([&] {
+    picture = screenPicture(area);
+    return std::ranges::find(picture.pixels, white) != picture.pixels.end();
+  }));
+  EXPECT_EQ(picture.at(0, 0), background);
+  EXPECT_EQ(picture.at(picture.width - 1, picture.height - 1), background);
+  EXPECT_NE(std::ranges::find(picture.pixels, black), picture.pixels.end());
+  // Three lines, 20 pixels apart from the tenth row on, the first one further left.
+  std::array<int, 3> whites{};
+  for (int y = 0; y + 1 < picture.height; ++y) {
+    for (int x = 0; x + 1 < picture.width; ++x) {
+      if (picture.at(x, y) != white) continue;
+      EXPECT_TRUE(isGrey(picture.at(x + 1, y + 1))) << "at " << x << "," << y;
+      EXPECT_GE(x, y < 30 ? 14 : 17);
+      ASSERT_TRUE(y >= 10 && y < 70) << "row " << y;
+      ++whites[static_cast<std::size_t>((y - 10) / 20)];
+    }
+  }
+  for (const int count : whites) EXPECT_GT(count, 0);
+}
+
+}  // namespace
+}  // namespace tintora::windows_test

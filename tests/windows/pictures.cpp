@@ -1,0 +1,126 @@
+// Saves pictures of the program as it stands on the screen, to be looked at.
+#include <windows.h>
+// The image library's header needs what stands above.
+#include <gdiplus.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "picture.h"
+#include "program_run.h"
+#include "stored_values.h"
+
+namespace tintora::windows_test {
+namespace {
+
+constexpr Bounds area{240, 100, 1040, 720};
+
+// All hues from left to right, from white at the top through the pure colour to black.
+Colour rainbow(int x, int y) {
+  const double hue = 6.0 * (x - area.left) / area.width();
+  const double height = 2.0 * (y - area.top) / area.height();
+  const auto channel = [&](double peak) {
+    const double distance = std::abs(std::remainder(hue - peak, 6.0));
+    const double pure = std::clamp(2.0 - distance, 0.0, 1.0);
+    const double value = height < 1 ? 1 - height * (1 - pure) : pure * (2 - height);
+    return static_cast<std::uint8_t>(std::lround(255 * value));
+  };
+  return {channel(0), channel(2), channel(4)};
+}
+
+class Pictures : public ProgramTest {
+ protected:
+  void SetUp() override {
+    ProgramTest::SetUp();
+    const Gdiplus::GdiplusStartupInput input;
+    Gdiplus::GdiplusStartup(&token_, &input, nullptr);
+  }
+  void TearDown() override {
+    Gdiplus::GdiplusShutdown(token_);
+    ProgramTest::TearDown();
+  }
+
+  void startOverRainbow(const std::string& arguments = "") {
+    storeValues({{"Selected", 2}, {"ColorSpace", 0}});
+    start(arguments);
+  }
+
+  // Once what is on the screen has come to rest.
+  void save(const std::string& name, const Bounds& part) {
+    Picture picture = screenPicture(part);
+    eventually([&] {
+      Sleep(300);
+      Picture next = screenPicture(part);
+      std::swap(picture, next);
+      return picture.pixels == next.pixels;
+    });
+    Gdiplus::Bitmap bitmap(picture.width, picture.height);
+    for (int y = 0; y < picture.height; ++y) {
+      for (int x = 0; x < picture.width; ++x) {
+        const Colour& colour = picture.at(x, y);
+        bitmap.SetPixel(x, y, {colour[0], colour[1], colour[2]});
+      }
+    }
+    const std::string path = std::string(std::getenv("TINTORA_PICTURES")) + "\\" + name + ".png";
+    constexpr CLSID png{
+        0x557cf406, 0x1a04, 0x11d3, {0x9a, 0x73, 0x00, 0x00, 0xf8, 0x1e, 0xf3, 0x2e}};
+    EXPECT_EQ(bitmap.Save(std::wstring(path.begin(), path.end()).c_str(), &png, nullptr), Gdiplus::Ok);
+  }
+
+ private:
+  Backdrop backdrop_{area, &rainbow};
+  ULONG_PTR token_ = 0;
+};
+
+TEST_F(Pictures, OfTheMainWindow) {
+  startOverRainbow();
+  save("main-window", area);
+}
+
+TEST_F(Pictures, OfTheControlWindow) {
+  startOverRainbow();
+  press('H');
+  save("control-window", area);
+}
+
+TEST_F(Pictures, OfFullScreen) {
+  startOverRainbow();
+  press('F');
+  save("full-screen", screenBounds());
+}
+
+TEST_F(Pictures, OfTheMenus) {
+  startOverRainbow("-st");
+  SetCursorPos(250, 110);
+  struct Submenu {
+    const char* name;
+    int ups;  // from the end
+    int rights;
+    int downs;
+  };
+  for (const Submenu& submenu :
+       {Submenu{"menu-help", 1, 1, 0}, Submenu{"menu-view-options", 2, 1, 0},
+        Submenu{"menu-colour-space-window", 3, 1, 0}, Submenu{"menu-colour-swap", 4, 2, 0},
+        Submenu{"menu-colour-filter", 4, 1, 1}, Submenu{"menu-simulation-option", 9, 1, 0}}) {
+    openMenu(windows().main);
+    const auto pressInMenu = [&](int key, int times) {
+      for (int i = 0; i < times; ++i) {
+        PostMessageA(windows().main, WM_KEYDOWN, static_cast<WPARAM>(key), 0);
+      }
+    };
+    pressInMenu(VK_UP, submenu.ups);
+    pressInMenu(VK_RIGHT, submenu.rights);
+    pressInMenu(VK_DOWN, submenu.downs);
+    if (submenu.downs > 0) pressInMenu(VK_RIGHT, 1);
+    settle();
+    save(submenu.name, screenBounds());
+    PostMessageA(windows().main, WM_CANCELMODE, 0, 0);
+    ASSERT_TRUE(eventually([this] { return openMenuWindow() == nullptr; }));
+  }
+}
+
+}  // namespace
+}  // namespace tintora::windows_test

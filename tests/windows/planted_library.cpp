@@ -1,0 +1,25 @@
+// A library with another's name, put where a program must not look for libraries. It notes down
+// that it was loaded.
+#include <windows.h>
+
+#include <array>
+#include <string>
+
+#include "planted_library.h"
+
+using namespace tintora::windows_test;
+
+BOOL WINAPI DllMain(HINSTANCE library, DWORD reason, void* /*reserved*/) {
+  if (reason != DLL_PROCESS_ATTACH) return TRUE;
+  std::array<char, 1024> path{};
+  GetModuleFileNameA(library, path.data(), static_cast<DWORD>(path.size()));
+  std::array<char, 1024> note{};
+  GetEnvironmentVariableA(plantedNoteVariable, note.data(), static_cast<DWORD>(note.size()));
+  const HANDLE file = CreateFileA(note.data(), FILE_APPEND_DATA, FILE_SHARE_READ, nullptr,
+                                  OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  const std::string line = std::string(path.data()) + "\n";
+  DWORD written = 0;
+  WriteFile(file, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+  CloseHandle(file);
+  return TRUE;
+}

@@ -1,0 +1,8 @@
+#pragma once
+
+namespace tintora::windows_test {
+
+// The environment variable that names the file in which a planted library notes its own path.
+constexpr const char* plantedNoteVariable = "TINTORA_PLANTED_NOTE";
+
+}  // namespace tintora::windows_test

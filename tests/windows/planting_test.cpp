@@ -1,0 +1,100 @@
+// Libraries under the names of the desktop's own, put where the program must not look for them.
+#include <windows.h>
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "executable.h"
+#include "planted_library.h"
+#include "program_run.h"
+
+namespace tintora::windows_test {
+namespace {
+
+// Those that the program loads by itself and those that a desktop may load on a program's behalf.
+constexpr std::array names{"magnification.dll", "d3d9.dll",    "d3dx9_43.dll", "version.dll",
+                           "uxtheme.dll",       "dwmapi.dll",  "comctl32.dll", "imm32.dll",
+                           "msimg32.dll",       "winmm.dll",   "propsys.dll",  "winspool.drv",
+                           "wtsapi32.dll",      "urlmon.dll",  "cryptbase.dll", "profapi.dll",
+                           "textshaping.dll",   "winhttp.dll"};
+
+std::string plantedLibrary() {
+  const char* const path = std::getenv("TINTORA_PLANTED_LIBRARY");
+  return path == nullptr ? "planted.dll" : path;
+}
+
+class Planted : public ProgramTest {
+ protected:
+  void SetUp() override {
+    ProgramTest::SetUp();
+    std::filesystem::create_directory(elsewhere());
+    SetEnvironmentVariableA(plantedNoteVariable, note().c_str());
+    DeleteFileA(note().c_str());
+  }
+  void TearDown() override {
+    ProgramTest::TearDown();
+    for (const std::string& path : planted_) DeleteFileA(path.c_str());
+    std::filesystem::remove_all(elsewhere());
+    SetEnvironmentVariableA(plantedNoteVariable, nullptr);
+  }
+
+  static std::string elsewhere() { return programFolder() + "elsewhere\\"; }
+  static std::string note() { return elsewhere() + "note.txt"; }
+
+  // What was loaded, one path in each line.
+  static std::string noted() {
+    std::ifstream file(note());
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  void plant(const std::string& folder, const std::string& name) {
+    planted_.push_back(folder + name);
+    ASSERT_TRUE(CopyFileA(plantedLibrary().c_str(), planted_.back().c_str(), TRUE)) << name;
+  }
+
+  // Start, menu, copy and end: everything that brings libraries in.
+  void run(const std::string& folder) {
+    startIn(folder);
+    menu();
+    choose(703);
+    choose(52);
+    EXPECT_TRUE(eventually([this] { return title() == "Image Copied To Clipboard"; }));
+    press('H');
+    end();
+    EXPECT_EQ(process().result(), 0U);
+  }
+
+ private:
+  std::vector<std::string> planted_;
+};
+
+// Or the other tests could not fail.
+TEST_F(Planted, LibrariesNoteThatTheyWereLoaded) {
+  plant(elsewhere(), "magnification.dll");
+  const std::string path = elsewhere() + "magnification.dll";
+  const HMODULE library = LoadLibraryA(path.c_str());
+  ASSERT_NE(library, nullptr);
+  FreeLibrary(library);
+  EXPECT_NE(noted().find("magnification.dll"), std::string::npos);
+}
+
+TEST_F(Planted, LibrariesBesideTheProgramAreNotLoaded) {
+  for (const char* name : names) plant(programFolder(), name);
+  run(programFolder());
+  EXPECT_EQ(noted(), "");
+}
+
+TEST_F(Planted, LibrariesInTheCurrentFolderAreNotLoaded) {
+  for (const char* name : names) plant(elsewhere(), name);
+  for (const std::string& name : importedLibraries(programPath())) plant(elsewhere(), name);
+  run(elsewhere());
+  EXPECT_EQ(noted(), "");
+}
+
+}  // namespace
+}  // namespace tintora::windows_test

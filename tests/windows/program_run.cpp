@@ -1,0 +1,308 @@
+#include "program_run.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "stored_values.h"
+
+namespace tintora::windows_test {
+
+namespace {
+
+constexpr DWORD bound = 10000;  // milliseconds that anything may take
+
+struct WindowSearch {
+  DWORD process;
+  std::string className;
+  std::vector<HWND> found;
+};
+
+BOOL CALLBACK collect(HWND window, LPARAM parameter) {
+  auto& search = *reinterpret_cast<WindowSearch*>(parameter);
+  DWORD process = 0;
+  GetWindowThreadProcessId(window, &process);
+  std::array<char, 64> name{};
+  GetClassNameA(window, name.data(), static_cast<int>(name.size()));
+  if (process == search.process && search.className == name.data()) search.found.push_back(window);
+  return TRUE;
+}
+
+// The control window is the one that cannot be resized.
+ProgramWindows findWindows(DWORD process) {
+  ProgramWindows windows;
+  for (const HWND window : windowsOf(process, "WindowClassZub")) {
+    windows.main = window;
+    windows.magnifier = FindWindowExA(window, nullptr, "Magnifier", nullptr);
+  }
+  for (const HWND window : windowsOf(process, "WindowClassZub2")) {
+    const bool resizable = (GetWindowLongA(window, GWL_STYLE) & WS_THICKFRAME) != 0;
+    (resizable ? windows.colourSpace : windows.control) = window;
+  }
+  return windows;
+}
+
+}  // namespace
+
+bool eventually(const std::function<bool()>& isTrue, ULONGLONG atMost) {
+  const ULONGLONG end = GetTickCount64() + atMost;
+  while (!isTrue()) {
+    if (GetTickCount64() > end) return false;
+    Sleep(5);
+  }
+  return true;
+}
+
+std::string titleOf(HWND window) {
+  std::array<char, 256> title{};
+  GetWindowTextA(window, title.data(), static_cast<int>(title.size()));
+  return title.data();
+}
+
+std::ostream& operator<<(std::ostream& out, const Bounds& bounds) {
+  return out << bounds.left << "," << bounds.top << "," << bounds.right << "," << bounds.bottom;
+}
+
+Bounds boundsOf(const RECT& rectangle) {
+  return {rectangle.left, rectangle.top, rectangle.right, rectangle.bottom};
+}
+
+Bounds boundsOf(HWND window) {
+  RECT bounds{};
+  GetWindowRect(window, &bounds);
+  return boundsOf(bounds);
+}
+
+Bounds clientBoundsOf(HWND window) {
+  RECT bounds{};
+  GetClientRect(window, &bounds);
+  MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&bounds), 2);
+  return boundsOf(bounds);
+}
+
+Bounds screenBounds() {
+  return {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+}
+
+std::string programPath() {
+  const char* const path = std::getenv("TINTORA_PROGRAM");
+  return path == nullptr ? "Tintora.exe" : path;
+}
+
+std::string programFolder() {
+  return programPath().substr(0, programPath().find_last_of('\\') + 1);
+}
+
+std::string customFile() {
+  return programFolder() + "Tintora_custom.txt";
+}
+
+MagnifierRecord& magnifierRecord() {
+  static MagnifierRecord* const record = [] {
+    const HANDLE section =
+        CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
+                           sizeof(MagnifierRecord), magnifierRecordName);
+    return static_cast<MagnifierRecord*>(MapViewOfFile(section, FILE_MAP_WRITE, 0, 0, 0));
+  }();
+  return *record;
+}
+
+Process::Process(const std::string& arguments, const std::string& folder) {
+  std::string line = '"' + programPath() + "\" " + arguments;
+  STARTUPINFOA startup{};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION started{};
+  if (CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(),
+                     &startup, &started) == 0) {
+    return;
+  }
+  CloseHandle(started.hThread);
+  handle_ = started.hProcess;
+  id_ = started.dwProcessId;
+}
+
+Process::~Process() {
+  if (handle_ == nullptr) return;
+  if (isRunning()) {
+    TerminateProcess(handle_, 1);
+    WaitForSingleObject(handle_, bound);
+  }
+  CloseHandle(handle_);
+}
+
+bool Process::hasEnded() const {
+  return handle_ != nullptr && WaitForSingleObject(handle_, bound) == WAIT_OBJECT_0;
+}
+
+bool Process::isRunning() const {
+  return handle_ != nullptr && WaitForSingleObject(handle_, 0) == WAIT_TIMEOUT;
+}
+
+DWORD Process::result() const {
+  DWORD result = STILL_ACTIVE;
+  GetExitCodeProcess(handle_, &result);
+  return result;
+}
+
+std::vector<HWND> windowsOf(DWORD process, const std::string& className) {
+  WindowSearch search{process, className, {}};
+  EnumWindows(&collect, reinterpret_cast<LPARAM>(&search));
+  return search.found;
+}
+
+void ProgramTest::SetUp() {
+  removeStoredValues();
+  DeleteFileA(customFile().c_str());
+  magnifierRecord().calls = 0;
+  magnifierRecord().marker = 0;
+  magnifierRecord().refusal = Refusal::Nothing;
+}
+
+void ProgramTest::TearDown() {
+  process_.reset();
+  SetUp();
+}
+
+void ProgramTest::start(const std::string& arguments) {
+  startIn(programFolder(), arguments);
+}
+
+void ProgramTest::startIn(const std::string& folder, const std::string& arguments) {
+  menu_ = nullptr;
+  magnifierRecord().calls = 0;
+  process_ = std::make_unique<Process>(arguments, folder);
+  ASSERT_TRUE(eventually([this] {
+    windows_ = findWindows(process_->id());
+    return windows_.magnifier != nullptr && windows_.control != nullptr &&
+           windows_.colourSpace != nullptr && IsWindowVisible(windows_.main);
+  }));
+  settle();
+}
+
+void ProgramTest::end() {
+  PostMessageA(windows_.main, WM_CLOSE, 0, 0);
+  ASSERT_TRUE(process_->hasEnded());
+}
+
+void ProgramTest::settle() {
+  static UINT marker = 0;
+  ++marker;
+  PostMessageA(windows_.magnifier, ReachMarker, marker, 0);
+  ASSERT_TRUE(eventually([] { return magnifierRecord().marker == marker; }));
+}
+
+void ProgramTest::send(HWND window, UINT message, WPARAM first, LPARAM second) {
+  PostMessageA(window, message, first, second);
+  settle();
+}
+
+void ProgramTest::press(int key) {
+  send(windows_.main, WM_KEYDOWN, static_cast<WPARAM>(key));
+}
+
+void ProgramTest::pressHolding(int held, int key) {
+  ask(HoldKey, static_cast<WPARAM>(held));
+  press(key);
+  ask(HoldKey, 0);
+}
+
+void ProgramTest::turnWheel(bool up, int times) {
+  for (int i = 0; i < times; ++i) {
+    PostMessageA(windows_.main, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(up ? WHEEL_DELTA : -WHEEL_DELTA)), 0);
+  }
+  settle();
+}
+
+void ProgramTest::choose(int command) {
+  send(windows_.main, WM_COMMAND, static_cast<WPARAM>(command));
+}
+
+std::vector<RecordedCall> ProgramTest::calls() const {
+  const MagnifierRecord& record = magnifierRecord();
+  const std::uint64_t end = record.calls;
+  std::vector<RecordedCall> calls;
+  for (std::uint64_t n = end > recordedCalls ? end - recordedCalls : 0; n < end; ++n) {
+    calls.push_back(record.call[n % recordedCalls]);
+  }
+  return calls;
+}
+
+RecordedCall ProgramTest::lastCall(MagnifierCall kind) const {
+  const MagnifierRecord& record = magnifierRecord();
+  const std::uint64_t end = record.calls;
+  for (std::uint64_t n = end; n > 0 && end - n < recordedCalls; --n) {
+    const RecordedCall& call = record.call[(n - 1) % recordedCalls];
+    if (call.call == kind) return call;
+  }
+  return {};
+}
+
+HWND ProgramTest::openMenuWindow() const {
+  for (const HWND window : windowsOf(process_->id(), "#32768")) {
+    if (IsWindowVisible(window)) return window;
+  }
+  return nullptr;
+}
+
+HMENU ProgramTest::openMenu(HWND window) {
+  // News of the focus that the display sent earlier can close a menu that has just opened; a user
+  // would click again.
+  constexpr int clicks = 5;
+  constexpr ULONGLONG patience = 1000;
+  for (int click = 0; click < clicks; ++click) {
+    PostMessageA(window, WM_RBUTTONUP, 0, 0);
+    eventually([this] { return openMenuWindow() != nullptr; }, patience);
+    settle();
+    DWORD_PTR menu = 0;
+    SendMessageTimeoutA(openMenuWindow(), MN_GETHMENU, 0, 0, SMTO_NORMAL, bound, &menu);
+    if (menu != 0) return reinterpret_cast<HMENU>(menu);
+  }
+  ADD_FAILURE() << "No menu opened.";
+  return nullptr;
+}
+
+void ProgramTest::closeMenu() {
+  PostMessageA(windows_.main, WM_KEYDOWN, VK_ESCAPE, 0);
+  ASSERT_TRUE(eventually([this] { return openMenuWindow() == nullptr; }));
+  settle();
+}
+
+void ProgramTest::ask(UINT request, WPARAM first) {
+  DWORD_PTR answer = 0;
+  SendMessageTimeoutA(windows_.magnifier, request, first, 0, SMTO_NORMAL, bound, &answer);
+  EXPECT_EQ(answer, 1U);
+}
+
+std::vector<MenuItem> ProgramTest::menu() {
+  // The same menu is opened every time; once known it need not be opened to be read.
+  if (menu_ == nullptr) {
+    menu_ = openMenu(windows_.main);
+    closeMenu();
+  }
+  ask(ReadMenu, reinterpret_cast<WPARAM>(menu_));
+  const MagnifierRecord& record = magnifierRecord();
+  std::vector<MenuItem> items;
+  for (std::size_t i = 0; i < record.menuItems; ++i) {
+    const RecordedMenuItem& item = record.menuItem[i];
+    items.push_back({item.depth, item.type, item.state, item.command, item.submenu,
+                     item.text.data()});
+  }
+  return items;
+}
+
+std::vector<MenuItem> ProgramTest::checkedItems() {
+  std::vector<MenuItem> items = menu();
+  std::erase_if(items, [](const MenuItem& item) { return (item.state & MFS_CHECKED) == 0; });
+  return items;
+}
+
+const RecordedClass& ProgramTest::classOf(HWND window) {
+  ask(ReadClass, reinterpret_cast<WPARAM>(window));
+  return magnifierRecord().windowClass;
+}
+
+ProgramTest::Objects ProgramTest::objects() {
+  ask(CountObjects, 0);
+  return {magnifierRecord().graphicsObjects, magnifierRecord().userObjects};
+}
+
+}  // namespace tintora::windows_test

@@ -1,0 +1,146 @@
+// A run of the program under test: its windows, what is done to it and what it does.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "magnifier_record.h"
+
+namespace tintora::windows_test {
+
+struct ProgramWindows {
+  HWND main = nullptr;
+  HWND magnifier = nullptr;
+  HWND control = nullptr;
+  HWND colourSpace = nullptr;
+};
+
+// Screen pixels; right and bottom are the first column and row outside.
+struct Bounds {
+  LONG left = 0;
+  LONG top = 0;
+  LONG right = 0;
+  LONG bottom = 0;
+  bool operator==(const Bounds&) const = default;
+
+  LONG width() const { return right - left; }
+  LONG height() const { return bottom - top; }
+};
+std::ostream& operator<<(std::ostream& out, const Bounds& bounds);
+
+struct MenuItem {
+  int depth = 0;
+  UINT type = 0;
+  UINT state = 0;
+  UINT command = 0;
+  bool submenu = false;
+  std::string text;
+};
+
+// Waits, as many milliseconds at most, for something to become true.
+bool eventually(const std::function<bool()>& isTrue, ULONGLONG atMost = 10000);
+
+std::string titleOf(HWND window);
+Bounds boundsOf(HWND window);
+Bounds clientBoundsOf(HWND window);
+Bounds boundsOf(const RECT& rectangle);
+Bounds screenBounds();
+
+std::string programPath();
+
+// The folder in which the program under test stands, with a backslash at its end.
+std::string programFolder();
+
+// Where the program looks for the user's own transforms.
+std::string customFile();
+
+// What all programs started by the tests can write to.
+MagnifierRecord& magnifierRecord();
+
+// A process that the tests started; ended with it at the latest.
+class Process {
+ public:
+  explicit Process(const std::string& arguments = "", const std::string& folder = programFolder());
+  ~Process();
+  Process(const Process&) = delete;
+  Process& operator=(const Process&) = delete;
+
+  DWORD id() const { return id_; }
+  // Waits for the end; false where it does not come within bounds.
+  bool hasEnded() const;
+  bool isRunning() const;
+  DWORD result() const;
+
+ private:
+  HANDLE handle_ = nullptr;
+  DWORD id_ = 0;
+};
+
+// The top-level windows of a process with a class name.
+std::vector<HWND> windowsOf(DWORD process, const std::string& className);
+
+// Each test starts the program with an empty store and without custom transforms, unless it
+// provides them before.
+class ProgramTest : public testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  // Starts the program and waits until it handles events.
+  void start(const std::string& arguments = "");
+  void startIn(const std::string& folder, const std::string& arguments = "");
+  // Closes the main window and waits for the end.
+  void end();
+
+  const ProgramWindows& windows() const { return windows_; }
+  const Process& process() const { return *process_; }
+
+  // Posts a message to a window and waits until it was handled.
+  void send(HWND window, UINT message, WPARAM first = 0, LPARAM second = 0);
+  void press(int key);
+  void pressHolding(int held, int key);
+  void turnWheel(bool up, int times = 1);
+  void choose(int command);
+
+  // Waits until everything posted so far was handled.
+  void settle();
+
+  std::string title() const { return titleOf(windows_.main); }
+  // As the program asked for it, the latest and all of them in order.
+  RecordedCall lastCall(MagnifierCall kind) const;
+  std::vector<RecordedCall> calls() const;
+
+  // Opens the popup menu by the mouse, at the cursor.
+  HMENU openMenu(HWND window);
+  HWND openMenuWindow() const;  // null while none is open
+  void closeMenu();
+  // The items of the popup menu and its submenus as they are at the time.
+  std::vector<MenuItem> menu();
+  std::vector<MenuItem> checkedItems();
+
+  const RecordedClass& classOf(HWND window);
+
+  // How many objects of each sort the program holds.
+  struct Objects {
+    std::uint32_t graphics = 0;
+    std::uint32_t user = 0;
+    bool operator==(const Objects&) const = default;
+  };
+  Objects objects();
+
+ private:
+  void ask(UINT request, WPARAM first);
+
+  std::unique_ptr<Process> process_;
+  ProgramWindows windows_;
+  HMENU menu_ = nullptr;
+};
+
+}  // namespace tintora::windows_test

@@ -1,0 +1,169 @@
+#!/usr/bin/env python3
+"""Run the tests of the Windows program under Wine on a display of their own.
+
+Everything that is started here is ended here, and everything that is written
+lies in one work folder.
+"""
+
+import argparse
+import ctypes
+import os
+import shutil
+import subprocess
+import sys
+from contextlib import contextmanager
+from pathlib import Path
+
+SCREEN = "1280x800x24"
+PREFIX_SECONDS = 180
+STRIP = "x86_64-w64-mingw32-strip"
+
+# Wine draws the frames itself, there being no window manager to do it.
+REGISTRY = [("HKCU\\Software\\Wine\\X11 Driver", "Managed", "N")]
+
+
+def parse_arguments():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--program", type=Path, required=True,
+                        help="Tintora.exe")
+    parser.add_argument("--tests", type=Path, required=True,
+                        help="the folder of the test program and its libraries")
+    parser.add_argument("--work", type=Path, required=True,
+                        help="the folder for everything that is written")
+    parser.add_argument("--pictures", type=Path,
+                        help="save pictures of the program in this folder "
+                             "instead of testing it")
+    parser.add_argument("--seconds", type=int, default=900,
+                        help="how long the tests may take")
+    parser.add_argument("rest", nargs="*", metavar="TEST_OPTION",
+                        help="for the test program, after --")
+    return parser.parse_args()
+
+
+@contextmanager
+def display():
+    """An X server on a free display, each window drawn into a pixmap of its
+    own, so that what a window hides of another can still be read."""
+    read_end, write_end = os.pipe()
+    server = subprocess.Popen(
+        ["Xvfb", "-displayfd", str(write_end), "-screen", "0", SCREEN,
+         "-nolisten", "tcp", "+extension", "Composite"],
+        pass_fds=[write_end], stdout=subprocess.DEVNULL,
+        stderr=subprocess.DEVNULL, start_new_session=True)
+    os.close(write_end)
+    try:
+        with os.fdopen(read_end) as pipe:
+            number = pipe.readline().strip()
+        if not number:
+            raise RuntimeError("Xvfb did not start")
+        redirect_windows(f":{number}")
+        yield f":{number}"
+    finally:
+        server.terminate()
+        server.wait()
+
+
+def redirect_windows(name):
+    """Holds for as long as the connection does, which nothing closes."""
+    x11 = ctypes.CDLL("libX11.so.6")
+    composite = ctypes.CDLL("libXcomposite.so.1")
+    x11.XOpenDisplay.restype = ctypes.c_void_p
+    x11.XDefaultRootWindow.argtypes = [ctypes.c_void_p]
+    x11.XDefaultRootWindow.restype = ctypes.c_ulong
+    x11.XSync.argtypes = [ctypes.c_void_p, ctypes.c_int]
+    composite.XCompositeRedirectSubwindows.argtypes = [
+        ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int]
+    automatic = 0
+    connection = x11.XOpenDisplay(name.encode())
+    composite.XCompositeRedirectSubwindows(
+        connection, x11.XDefaultRootWindow(connection), automatic)
+    x11.XSync(connection, 0)
+
+
+def wine_environment(prefix, display_name):
+    return dict(os.environ, DISPLAY=display_name, WINEPREFIX=str(prefix),
+                WINEARCH="win64", WINEDEBUG="-all",
+                WINEDLLOVERRIDES="mscoree,mshtml=d;winemenubuilder.exe=d")
+
+
+def find_wine():
+    wine = shutil.which("wine64", path=os.environ["PATH"] + ":/usr/lib/wine")
+    if wine is None:
+        raise RuntimeError("Wine is not installed")
+    return wine
+
+
+def make_prefix(wine, prefix, environment):
+    """A prefix that was not finished is made anew."""
+    finished = prefix / "finished"
+    if finished.exists():
+        return
+    shutil.rmtree(prefix, ignore_errors=True)
+    prefix.mkdir(parents=True)
+
+    def run(*command):
+        subprocess.run([wine, *command], env=environment, check=True,
+                       timeout=PREFIX_SECONDS, stdin=subprocess.DEVNULL,
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+    run("wineboot", "--init")
+    for key, name, value in REGISTRY:
+        run("reg", "add", key, "/v", name, "/d", value, "/f")
+    finished.touch()
+
+
+def windows_path(path):
+    return "Z:" + str(path.resolve()).replace("/", "\\")
+
+
+def install(options, prefix):
+    """The program stands alone in a folder, as it is handed out."""
+    system = prefix / "drive_c/windows/system32"
+    shutil.copy(options.tests / "magnification.dll", system)
+    folder = options.work / "program"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir()
+    program = folder / "Tintora.exe"
+    subprocess.run([STRIP, "-o", program, options.program], check=True)
+    return program
+
+
+def run_tests(options, wine, environment, program):
+    environment = dict(
+        environment, TINTORA_PROGRAM=windows_path(program),
+        TINTORA_PLANTED_LIBRARY=windows_path(options.tests / "planted.dll"))
+    name = "tintora_windows_tests.exe"
+    if options.pictures:
+        options.pictures.mkdir(parents=True, exist_ok=True)
+        environment["TINTORA_PICTURES"] = windows_path(options.pictures)
+        name = "tintora_windows_pictures.exe"
+    try:
+        return subprocess.run(
+            [wine, options.tests / name, "--gtest_brief=1", *options.rest],
+            env=environment, stdin=subprocess.DEVNULL,
+            timeout=options.seconds).returncode
+    except subprocess.TimeoutExpired:
+        print(f"{name} took more than {options.seconds} seconds.")
+        return 1
+
+
+def main():
+    options = parse_arguments()
+    options.work = options.work.resolve()
+    prefix = options.work / "prefix"
+    wine = find_wine()
+    with display() as name:
+        environment = wine_environment(prefix, name)
+        try:
+            make_prefix(wine, prefix, environment)
+            return run_tests(options, wine, environment,
+                             install(options, prefix))
+        finally:
+            for action in ("--kill", "--wait"):
+                subprocess.run(["wineserver", action], env=environment,
+                               stdout=subprocess.DEVNULL,
+                               stderr=subprocess.DEVNULL)
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,15 @@
+// What only the program's own process can tell, found out from inside it.
+#pragma once
+
+#include <windows.h>
+
+#include "magnifier_record.h"
+
+namespace tintora::windows_test {
+
+void readMenu(MagnifierRecord& record, HMENU menu);
+void readClass(MagnifierRecord& record, HWND window);
+void countObjects(MagnifierRecord& record);
+void holdKey(BYTE key);
+
+}  // namespace tintora::windows_test

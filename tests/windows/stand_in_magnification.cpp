@@ -1,0 +1,138 @@
+// A magnification.dll for desktops without one. It has the entry points and the window class of the
+// documented API, writes every call down for the tests and shows what lies beneath.
+#include <windows.h>
+
+#include <algorithm>
+
+#include "magnifier_record.h"
+#include "stand_in_enquiries.h"
+#include "stand_in_picture.h"
+
+using namespace tintora::windows_test;
+
+namespace {
+
+constexpr const char* className = "Magnifier";
+
+MagnifierRecord* record = nullptr;
+RECT source{};
+ColourEffect effect = identityEffect;
+
+void write(RecordedCall call) {
+  const auto place = static_cast<std::size_t>(record->calls % recordedCalls);
+  record->call[place] = call;
+  ++record->calls;
+}
+
+RecordedCall callOn(MagnifierCall call, HWND window) {
+  RecordedCall recorded{.call = call, .window = reinterpret_cast<std::uintptr_t>(window)};
+  GetWindowTextA(GetAncestor(window, GA_ROOT), recorded.title.data(),
+                 static_cast<int>(recorded.title.size()));
+  return recorded;
+}
+
+// A screen shows no more than so many pictures in a second; a program that asks for the next one as
+// soon as one is drawn is held to that.
+void awaitNextPicture() {
+  constexpr ULONGLONG millisecondsPerPicture = 16;
+  static ULONGLONG last = 0;
+  const ULONGLONG due = last + millisecondsPerPicture;
+  const ULONGLONG now = GetTickCount64();
+  if (now < due) Sleep(static_cast<DWORD>(due - now));
+  last = GetTickCount64();
+}
+
+void paint(HWND window) {
+  awaitNextPicture();
+  PAINTSTRUCT painting{};
+  BeginPaint(window, &painting);
+  showBeneath(window, painting.hdc, source, effect);
+  EndPaint(window, &painting);
+}
+
+LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM second) {
+  switch (message) {
+    case WM_NCCREATE:
+      if (record->refusal == Refusal::MagnifierWindow) return FALSE;
+      return DefWindowProcA(window, message, first, second);
+    case WM_PAINT:
+      paint(window);
+      return 0;
+    case WM_ERASEBKGND:
+      return 1;
+    case WM_NCHITTEST:
+      // The mouse belongs to the window that holds the magnifier.
+      return HTTRANSPARENT;
+    case ReachMarker:
+      record->marker = static_cast<std::uint32_t>(first);
+      return 0;
+    case ReadMenu:
+      readMenu(*record, reinterpret_cast<HMENU>(first));
+      return 1;
+    case ReadClass:
+      readClass(*record, reinterpret_cast<HWND>(first));
+      return 1;
+    case CountObjects:
+      countObjects(*record);
+      return 1;
+    case HoldKey:
+      holdKey(static_cast<BYTE>(first));
+      return 1;
+    default:
+      return DefWindowProcA(window, message, first, second);
+  }
+}
+
+// The section is there already where tests run.
+void openRecord() {
+  const HANDLE section = OpenFileMappingA(FILE_MAP_WRITE, FALSE, magnifierRecordName);
+  if (section == nullptr) return;
+  record = static_cast<MagnifierRecord*>(MapViewOfFile(section, FILE_MAP_WRITE, 0, 0, 0));
+  CloseHandle(section);
+}
+
+}  // namespace
+
+extern "C" {
+
+__declspec(dllexport) BOOL WINAPI MagInitialize() {
+  openRecord();
+  if (record == nullptr || record->refusal == Refusal::Initialize) return FALSE;
+  write({.call = MagnifierCall::Initialize});
+  WNDCLASSA facts{};
+  facts.style = CS_GLOBALCLASS;
+  facts.lpfnWndProc = &procedure;
+  facts.hInstance = GetModuleHandleA("magnification.dll");
+  facts.lpszClassName = className;
+  return RegisterClassA(&facts) != 0 ? TRUE : FALSE;
+}
+
+__declspec(dllexport) BOOL WINAPI MagUninitialize() {
+  write({.call = MagnifierCall::Uninitialize});
+  return UnregisterClassA(className, GetModuleHandleA("magnification.dll"));
+}
+
+__declspec(dllexport) BOOL WINAPI MagSetWindowTransform(HWND window, float (*transform)[3][3]) {
+  RecordedCall call = callOn(MagnifierCall::SetWindowTransform, window);
+  std::copy_n(&(*transform)[0][0], 9, call.values.begin());
+  write(call);
+  return TRUE;
+}
+
+__declspec(dllexport) BOOL WINAPI MagSetWindowSource(HWND window, RECT rectangle) {
+  RecordedCall call = callOn(MagnifierCall::SetWindowSource, window);
+  call.source = rectangle;
+  write(call);
+  source = rectangle;
+  return TRUE;
+}
+
+__declspec(dllexport) BOOL WINAPI MagSetColorEffect(HWND window, float (*matrix)[5][5]) {
+  RecordedCall call = callOn(MagnifierCall::SetColorEffect, window);
+  std::copy_n(&(*matrix)[0][0], effect.size(), call.values.begin());
+  write(call);
+  effect = call.values;
+  return TRUE;
+}
+
+}  // extern "C"

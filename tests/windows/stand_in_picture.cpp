@@ -1,0 +1,94 @@
+#include "stand_in_picture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace tintora::windows_test {
+
+namespace {
+
+struct Pixel {
+  std::uint8_t blue;
+  std::uint8_t green;
+  std::uint8_t red;
+  std::uint8_t unused;
+};
+
+// The visible windows beneath a top-level window, the lowest first.
+std::vector<HWND> windowsBeneath(HWND window) {
+  std::vector<HWND> windows;
+  for (HWND next = GetWindow(window, GW_HWNDNEXT); next != nullptr;
+       next = GetWindow(next, GW_HWNDNEXT)) {
+    if (IsWindowVisible(next) && !IsIconic(next)) windows.push_back(next);
+  }
+  std::ranges::reverse(windows);
+  return windows;
+}
+
+// Copies a window, frame and all, as far as it lies in a part of the screen. The window's own
+// device context also reaches windows of other programs, which a message to print would not.
+void copyWindow(HWND window, HDC target, const RECT& part) {
+  RECT bounds{};
+  RECT shared{};
+  GetWindowRect(window, &bounds);
+  if (IntersectRect(&shared, &bounds, &part) == 0) return;
+  const HDC context = GetWindowDC(window);
+  BitBlt(target, shared.left - part.left, shared.top - part.top, shared.right - shared.left,
+         shared.bottom - shared.top, context, shared.left - bounds.left, shared.top - bounds.top,
+         SRCCOPY);
+  ReleaseDC(window, context);
+}
+
+void copyBeneath(HWND window, HDC target, const RECT& part) {
+  const RECT all{0, 0, part.right - part.left, part.bottom - part.top};
+  FillRect(target, &all, GetSysColorBrush(COLOR_DESKTOP));
+  for (const HWND beneath : windowsBeneath(window)) copyWindow(beneath, target, part);
+}
+
+std::uint8_t output(const ColourEffect& effect, std::size_t channel, const Pixel& in) {
+  const auto row = [&](std::size_t input) { return effect[5 * input + channel]; };
+  const float sum = (in.red * row(0) + in.green * row(1) + in.blue * row(2)) / 255.0F +
+                    row(3) + row(4);
+  return static_cast<std::uint8_t>(std::lround(std::clamp(sum, 0.0F, 1.0F) * 255.0F));
+}
+
+void apply(const ColourEffect& effect, std::span<Pixel> pixels) {
+  for (Pixel& pixel : pixels) {
+    pixel = {output(effect, 2, pixel), output(effect, 1, pixel), output(effect, 0, pixel), 0};
+  }
+}
+
+}  // namespace
+
+void showBeneath(HWND magnifier, HDC target, const RECT& source, const ColourEffect& effect) {
+  RECT client{};
+  GetClientRect(magnifier, &client);
+  if (IsRectEmpty(&client)) return;
+  const RECT part{source.left, source.top, source.left + client.right, source.top + client.bottom};
+
+  BITMAPINFO info{};
+  BITMAPINFOHEADER& header = info.bmiHeader;
+  header.biSize = sizeof header;
+  header.biWidth = client.right;
+  header.biHeight = -client.bottom;
+  header.biPlanes = 1;
+  header.biBitCount = 32;
+  void* bits = nullptr;
+  const HDC memory = CreateCompatibleDC(target);
+  const HBITMAP bitmap = CreateDIBSection(memory, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+  const HGDIOBJ previous = SelectObject(memory, bitmap);
+  copyBeneath(GetAncestor(magnifier, GA_ROOT), memory, part);
+  GdiFlush();
+  apply(effect, {static_cast<Pixel*>(bits), static_cast<std::size_t>(client.right) *
+                                                static_cast<std::size_t>(client.bottom)});
+  BitBlt(target, 0, 0, client.right, client.bottom, memory, 0, 0, SRCCOPY);
+  SelectObject(memory, previous);
+  DeleteObject(bitmap);
+  DeleteDC(memory);
+}
+
+}  // namespace tintora::windows_test

@@ -66,7 +66,7 @@ Image decodeImage(std::span<const std::uint8_t> file, std::uint64_t pixelLimit =
 // profile.
 std::vector<std::uint8_t> encodeImage(const Image& image, ImageFormat format);
 
-// Throws ImageError unless an image of this size has pixels and no more of them than the limit.
+// Throws ImageError if an image of this size has more pixels than the limit.
 void checkImageSize(std::uint32_t width, std::uint32_t height, std::uint64_t pixelLimit);
 
 }  // namespace tintora::cli

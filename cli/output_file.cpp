@@ -5,12 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstddef>
-#include <cstdio>
 #include <random>
 #include <stdexcept>
 #include <string>

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "cli/image_file.h"

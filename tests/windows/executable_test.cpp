@@ -1,4 +1,6 @@
 // The program's file: what it needs of the desktop, how it is protected, and its resources.
+#include "executable.h"
+
 #include <windows.h>
 
 #include <algorithm>
@@ -9,7 +11,6 @@
 #include <string_view>
 #include <vector>
 
-#include "executable.h"
 #include "program_run.h"
 
 namespace tintora::windows_test {
@@ -18,14 +19,15 @@ namespace {
 // Libraries that Windows 10 and 11 take from their own folder alone, whatever stands beside the
 // program.
 constexpr std::array<std::string_view, 24> knownLibraries{
-    "advapi32.dll", "clbcatq.dll", "combase.dll", "comdlg32.dll", "coml2.dll",  "gdi32.dll",
-    "gdiplus.dll",  "imagehlp.dll", "imm32.dll",   "kernel32.dll", "msctf.dll",  "msvcrt.dll",
-    "normaliz.dll", "nsi.dll",      "ole32.dll",   "oleaut32.dll", "psapi.dll",  "rpcrt4.dll",
+    "advapi32.dll", "clbcatq.dll",  "combase.dll", "comdlg32.dll", "coml2.dll",   "gdi32.dll",
+    "gdiplus.dll",  "imagehlp.dll", "imm32.dll",   "kernel32.dll", "msctf.dll",   "msvcrt.dll",
+    "normaliz.dll", "nsi.dll",      "ole32.dll",   "oleaut32.dll", "psapi.dll",   "rpcrt4.dll",
     "sechost.dll",  "setupapi.dll", "shcore.dll",  "shell32.dll",  "shlwapi.dll", "user32.dll"};
 
 std::string lowerCase(std::string text) {
-  std::ranges::transform(text, text.begin(),
-                         [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+  std::ranges::transform(text, text.begin(), [](unsigned char letter) {
+    return static_cast<char>(std::tolower(letter));
+  });
   return text;
 }
 
@@ -72,8 +74,7 @@ class Resources : public testing::Test {
   void TearDown() override { FreeLibrary(file_); }
 
   std::string_view resource(WORD name, WORD type) const {
-    const HRSRC found =
-        FindResourceA(file_, MAKEINTRESOURCEA(name), MAKEINTRESOURCEA(type));
+    const HRSRC found = FindResourceA(file_, MAKEINTRESOURCEA(name), MAKEINTRESOURCEA(type));
     if (found == nullptr) return {};
     return {static_cast<const char*>(LockResource(LoadResource(file_, found))),
             SizeofResource(file_, found)};

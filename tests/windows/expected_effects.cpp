@@ -68,9 +68,8 @@ Weights vienot1997Protan() {
 
 // To cone signals and back, with the long-wave signal made from the other two.
 Weights vienot1999Protan() {
-  constexpr Weights toCones{{{17.8824, 43.5161, 4.11935},
-                             {3.45565, 27.1554, 3.86714},
-                             {0.0299566, 0.184309, 1.46709}}};
+  constexpr Weights toCones{
+      {{17.8824, 43.5161, 4.11935}, {3.45565, 27.1554, 3.86714}, {0.0299566, 0.184309, 1.46709}}};
   constexpr Weights fromCones{{{0.0809444479, -0.130504409, 0.116721066},
                                {-0.0102485335, 0.0540193266, -0.113614708},
                                {-0.000365296938, -0.00412161469, 0.693511405}}};

@@ -22,8 +22,8 @@ struct RecordedCall {
   MagnifierCall call{};
   std::uint64_t window = 0;
   RECT source{};
-  std::array<float, 25> values{};   // of a transform only the first nine
-  std::array<char, 120> title{};    // of the window around the magnifier, at the time of the call
+  std::array<float, 25> values{};  // of a transform only the first nine
+  std::array<char, 120> title{};   // of the window around the magnifier, at the time of the call
 };
 
 // What the stand-in refuses, as a desktop may.

@@ -63,8 +63,8 @@ ExpectedItems expectedMenu(const ExpectedItems& custom, int n, bool simulation, 
       {label(0, "Colour Vision Deficiency Type and Severity:\tKey"),
        item(0, n + 1, "Protan: Long-wave deficient, 2.6% males, 0.04% females\tP"),
        item(0, n + 2, "Deutan: Medium-wave deficient, 6.2% males, 0.36% females\tD")},
-      tritan ? ExpectedItems{item(
-                   0, n + 3, "Tritan: Short-wave deficient, 0.001% males, 0.03% females\tT")}
+      tritan ? ExpectedItems{item(0, n + 3,
+                                  "Tritan: Short-wave deficient, 0.001% males, 0.03% females\tT")}
              : ExpectedItems{},
       {label(0, "Severity\tmouse-wheel, +-"), separator(0),
        label(0, "For Colour Normal Viewers:\tKey"), item(0, 775, "Simulation\tS")},
@@ -219,12 +219,12 @@ const std::array marksRows{
     MarksRow{"Filter", "-t", {101}, {"Other Colour Effects"}},
     MarksRow{"BackFromAnEffect", "", {5, 2}, {deutan, simulation}},
     MarksRow{"Yang", "-s", {301}, {protan, simulation, "Yang, Ro, Wong && Lee, 2008"}},
-    MarksRow{"Machado", "-s", {302},
-             {protan, simulation, "Machado, Oliveira && Fernandes, 2009"}},
-    MarksRow{"Vienot1997", "-s", {303},
+    MarksRow{"Machado", "-s", {302}, {protan, simulation, "Machado, Oliveira && Fernandes, 2009"}},
+    MarksRow{"Vienot1997",
+             "-s",
+             {303},
              {protan, simulation, "Vi\xe9not, Brettel && Mollon, 1997 - Approximated"}},
-    MarksRow{"Vienot1999", "-s", {304},
-             {protan, simulation, "Vi\xe9not, Brettel && Mollon, 1999"}},
+    MarksRow{"Vienot1999", "-s", {304}, {protan, simulation, "Vi\xe9not, Brettel && Mollon, 1999"}},
     MarksRow{"JuddAgain", "-s", {304, 300}, {protan, simulation, judd}},
 };
 

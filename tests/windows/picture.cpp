@@ -71,9 +71,9 @@ DWORD WINAPI runBackdrop(void* parameter) {
   facts.hInstance = GetModuleHandleA(nullptr);
   facts.lpszClassName = "Backdrop";
   RegisterClassA(&facts);
-  const HWND window = CreateWindowExA(WS_EX_NOACTIVATE, "Backdrop", "", WS_POPUP, bounds.left,
-                                      bounds.top, bounds.width(), bounds.height(), nullptr, nullptr,
-                                      facts.hInstance, nullptr);
+  const HWND window =
+      CreateWindowExA(WS_EX_NOACTIVATE, "Backdrop", "", WS_POPUP, bounds.left, bounds.top,
+                      bounds.width(), bounds.height(), nullptr, nullptr, facts.hInstance, nullptr);
   SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(backdrop->pattern));
   ShowWindow(window, SW_SHOWNOACTIVATE);
   MSG message{};
@@ -95,7 +95,8 @@ Picture screenPicture(const Bounds& part) {
   BitBlt(memory, 0, 0, part.width(), part.height(), screen, part.left, part.top, SRCCOPY);
   GdiFlush();
   const auto* const pixels = static_cast<const std::uint32_t*>(bits);
-  const auto count = static_cast<std::size_t>(part.width()) * static_cast<std::size_t>(part.height());
+  const auto count =
+      static_cast<std::size_t>(part.width()) * static_cast<std::size_t>(part.height());
   std::transform(pixels, pixels + count, std::back_inserter(picture.pixels),
                  [](std::uint32_t pixel) -> Colour {
                    return {static_cast<std::uint8_t>(pixel >> 16),

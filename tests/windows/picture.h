@@ -1,8 +1,8 @@
 // Pictures: of the screen, of the clipboard, and a known one to put beneath the program.
 #pragma once
 
-#include <gtest/gtest.h>
 #include <windows.h>
+#include <gtest/gtest.h>
 
 #include <array>
 #include <cstdint>

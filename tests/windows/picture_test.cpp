@@ -1,11 +1,12 @@
 // What is seen on the screen, and what is put on the clipboard.
+#include "picture.h"
+
 #include <algorithm>
 #include <cstring>
 #include <ostream>
 #include <string>
 
 #include "expected_effects.h"
-#include "picture.h"
 #include "program_run.h"
 #include "stored_values.h"
 

@@ -67,7 +67,8 @@ class Pictures : public ProgramTest {
     const std::string path = std::string(std::getenv("TINTORA_PICTURES")) + "\\" + name + ".png";
     constexpr CLSID png{
         0x557cf406, 0x1a04, 0x11d3, {0x9a, 0x73, 0x00, 0x00, 0xf8, 0x1e, 0xf3, 0x2e}};
-    EXPECT_EQ(bitmap.Save(std::wstring(path.begin(), path.end()).c_str(), &png, nullptr), Gdiplus::Ok);
+    EXPECT_EQ(bitmap.Save(std::wstring(path.begin(), path.end()).c_str(), &png, nullptr),
+              Gdiplus::Ok);
   }
 
  private:

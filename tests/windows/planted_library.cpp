@@ -1,11 +1,11 @@
 // A library with another's name, put where a program must not look for libraries. It notes down
 // that it was loaded.
+#include "planted_library.h"
+
 #include <windows.h>
 
 #include <array>
 #include <string>
-
-#include "planted_library.h"
 
 using namespace tintora::windows_test;
 

@@ -17,10 +17,10 @@ namespace tintora::windows_test {
 namespace {
 
 // Those that the program loads by itself and those that a desktop may load on a program's behalf.
-constexpr std::array names{"magnification.dll", "d3d9.dll",    "d3dx9_43.dll", "version.dll",
-                           "uxtheme.dll",       "dwmapi.dll",  "comctl32.dll", "imm32.dll",
-                           "msimg32.dll",       "winmm.dll",   "propsys.dll",  "winspool.drv",
-                           "wtsapi32.dll",      "urlmon.dll",  "cryptbase.dll", "profapi.dll",
+constexpr std::array names{"magnification.dll", "d3d9.dll",   "d3dx9_43.dll",  "version.dll",
+                           "uxtheme.dll",       "dwmapi.dll", "comctl32.dll",  "imm32.dll",
+                           "msimg32.dll",       "winmm.dll",  "propsys.dll",   "winspool.drv",
+                           "wtsapi32.dll",      "urlmon.dll", "cryptbase.dll", "profapi.dll",
                            "textshaping.dll",   "winhttp.dll"};
 
 std::string plantedLibrary() {

@@ -98,9 +98,8 @@ std::string customFile() {
 
 MagnifierRecord& magnifierRecord() {
   static MagnifierRecord* const record = [] {
-    const HANDLE section =
-        CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
-                           sizeof(MagnifierRecord), magnifierRecordName);
+    const HANDLE section = CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
+                                              sizeof(MagnifierRecord), magnifierRecordName);
     return static_cast<MagnifierRecord*>(MapViewOfFile(section, FILE_MAP_WRITE, 0, 0, 0));
   }();
   return *record;
@@ -207,7 +206,8 @@ void ProgramTest::pressHolding(int held, int key) {
 
 void ProgramTest::turnWheel(bool up, int times) {
   for (int i = 0; i < times; ++i) {
-    PostMessageA(windows_.main, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(up ? WHEEL_DELTA : -WHEEL_DELTA)), 0);
+    PostMessageA(windows_.main, WM_MOUSEWHEEL,
+                 MAKEWPARAM(0, static_cast<WORD>(up ? WHEEL_DELTA : -WHEEL_DELTA)), 0);
   }
   settle();
 }
@@ -283,8 +283,8 @@ std::vector<MenuItem> ProgramTest::menu() {
   std::vector<MenuItem> items;
   for (std::size_t i = 0; i < record.menuItems; ++i) {
     const RecordedMenuItem& item = record.menuItem[i];
-    items.push_back({item.depth, item.type, item.state, item.command, item.submenu,
-                     item.text.data()});
+    items.push_back(
+        {item.depth, item.type, item.state, item.command, item.submenu, item.text.data()});
   }
   return items;
 }

@@ -1,8 +1,8 @@
 // A run of the program under test: its windows, what is done to it and what it does.
 #pragma once
 
-#include <gtest/gtest.h>
 #include <windows.h>
+#include <gtest/gtest.h>
 
 #include <array>
 #include <functional>

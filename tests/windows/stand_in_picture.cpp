@@ -51,8 +51,8 @@ void copyBeneath(HWND window, HDC target, const RECT& part) {
 
 std::uint8_t output(const ColourEffect& effect, std::size_t channel, const Pixel& in) {
   const auto row = [&](std::size_t input) { return effect[5 * input + channel]; };
-  const float sum = (in.red * row(0) + in.green * row(1) + in.blue * row(2)) / 255.0F +
-                    row(3) + row(4);
+  const float sum =
+      (in.red * row(0) + in.green * row(1) + in.blue * row(2)) / 255.0F + row(3) + row(4);
   return static_cast<std::uint8_t>(std::lround(std::clamp(sum, 0.0F, 1.0F) * 255.0F));
 }
 
@@ -83,8 +83,8 @@ void showBeneath(HWND magnifier, HDC target, const RECT& source, const ColourEff
   const HGDIOBJ previous = SelectObject(memory, bitmap);
   copyBeneath(GetAncestor(magnifier, GA_ROOT), memory, part);
   GdiFlush();
-  apply(effect, {static_cast<Pixel*>(bits), static_cast<std::size_t>(client.right) *
-                                                static_cast<std::size_t>(client.bottom)});
+  apply(effect, {static_cast<Pixel*>(bits),
+                 static_cast<std::size_t>(client.right) * static_cast<std::size_t>(client.bottom)});
   BitBlt(target, 0, 0, client.right, client.bottom, memory, 0, 0, SRCCOPY);
   SelectObject(memory, previous);
   DeleteObject(bitmap);

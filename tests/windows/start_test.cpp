@@ -52,8 +52,7 @@ TEST_F(StartUp, MagnifiesNothing) {
 TEST_F(StartUp, ShowsAProtanSimulationAtFirst) {
   start();
   EXPECT_EQ(title(), " Simulation - Protanope 100% severity");
-  EXPECT_TRUE(
-      areEqual(lastCall(MagnifierCall::SetColorEffect).values, effectOf(juddProtan(1))));
+  EXPECT_TRUE(areEqual(lastCall(MagnifierCall::SetColorEffect).values, effectOf(juddProtan(1))));
 }
 
 TEST_F(ShutDown, ReleasesTheMagnifierAndReturnsZero) {
@@ -172,15 +171,13 @@ TEST_F(CustomFile, GivesTransformsToChoose) {
   start();
   choose(0);
   EXPECT_EQ(title(), "Night");
-  EXPECT_TRUE(areEqual(
-      lastCall(MagnifierCall::SetColorEffect).values,
-      effectOf({{{0.5, 0, 0}, {0, 0.5, 0}, {0, 0, 0.25}}}, {0.25, 0, 0})));
+  EXPECT_TRUE(areEqual(lastCall(MagnifierCall::SetColorEffect).values,
+                       effectOf({{{0.5, 0, 0}, {0, 0.5, 0}, {0, 0, 0.25}}}, {0.25, 0, 0})));
   choose(1);
   turnWheel(false, 8);
   EXPECT_EQ(title(), "Deutan correction   60% (mouse-wheel adjusts %)");
-  EXPECT_TRUE(areEqual(
-      lastCall(MagnifierCall::SetColorEffect).values,
-      effectOf({{{1, 0, 0}, {-0.3, 1.3, 0}, {0.3, -0.3, 1}}}, {0, 0, 0.06})));
+  EXPECT_TRUE(areEqual(lastCall(MagnifierCall::SetColorEffect).values,
+                       effectOf({{{1, 0, 0}, {-0.3, 1.3, 0}, {0.3, -0.3, 1}}}, {0, 0, 0.06})));
 }
 
 TEST_F(CustomFile, MovesTheCommandsBelowAHundred) {

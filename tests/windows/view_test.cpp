@@ -59,8 +59,8 @@ TEST_F(View, IsTheWholeScreenWhenMaximised) {
   start();
   send(windows().main, WM_SYSCOMMAND, SC_MAXIMIZE);
   const Bounds client = clientBoundsOf(windows().main);
-  EXPECT_EQ(source(), (Bounds{client.left, client.top, screenBounds().right,
-                              screenBounds().bottom}));
+  EXPECT_EQ(source(),
+            (Bounds{client.left, client.top, screenBounds().right, screenBounds().bottom}));
   const Bounds magnifier = boundsOf(windows().magnifier);
   EXPECT_EQ(magnifier.width(), screenBounds().width());
   EXPECT_EQ(magnifier.height(), screenBounds().height());
@@ -155,8 +155,8 @@ TEST_F(Dragging, MovesOnlyTheControlWindow) {
   const Bounds main = boundsOf(windows().main);
   const Bounds before = boundsOf(windows().control);
   drag(windows().control, -50, 40);
-  EXPECT_EQ(boundsOf(windows().control), (Bounds{before.left - 50, before.top + 40,
-                                                 before.right - 50, before.bottom + 40}));
+  EXPECT_EQ(boundsOf(windows().control),
+            (Bounds{before.left - 50, before.top + 40, before.right - 50, before.bottom + 40}));
   EXPECT_EQ(boundsOf(windows().main), main);
 }
 

@@ -134,8 +134,8 @@ TEST_F(ControlWindow, HasItsSizeBeforeItIsShown) {
   EXPECT_EQ(boundsOf(windows().control), (Bounds{0, 0, 400, 120}));
 }
 
-// What leads to a form: 'M' maximises, '^' is command 51, '%' command 54, '!' command 53, 'x' closes
-// the control window and any other letter is a key.
+// What leads to a form: 'M' maximises, '^' is command 51, '%' command 54, '!' command 53, 'x'
+// closes the control window and any other letter is a key.
 struct FormRow {
   const char* name;
   const char* steps;

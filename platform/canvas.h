@@ -18,10 +18,13 @@ struct Colour {
   bool operator==(const Colour&) const = default;
 };
 
-// Between the two the window's client area can be painted.
+// Begins to paint a window's client area.
 Canvas* beginPainting(Window* window);
+
+// Ends it; the canvas is gone then.
 void endPainting(Canvas* canvas);
 
+// Fills the whole client area.
 void fill(Canvas* canvas, Colour colour);
 
 // Text of 16 pixels height with its left top corner at a place.

@@ -14,6 +14,7 @@ Picture* captureClientArea(Window* window);
 // Puts a picture on the clipboard in the name of a window; false where that fails.
 bool putOnClipboard(Window* owner, Picture* picture);
 
+// Gives the picture back to the desktop; the clipboard keeps its own.
 void deletePicture(Picture* picture);
 
 }  // namespace tintora::platform

@@ -11,6 +11,8 @@ namespace tintora::platform {
 
 // Makes the service ready; false where the desktop does not have it.
 bool startMagnifier();
+
+// Lets the service go; once, after it was started.
 void stopMagnifier();
 
 // Creates the view as a child of a window, with bounds in its client area; null where it cannot be

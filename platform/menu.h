@@ -10,14 +10,22 @@ namespace tintora::platform {
 
 struct Menu;
 
+// An empty popup menu.
 Menu* createMenu();
+
+// Destroys a menu with its submenus.
 void destroyMenu(Menu* menu);
 
+// An item that sends its command, 0..65535, when it is chosen.
 void appendItem(Menu* menu, int command, const std::string& text);
 
 // An item that cannot be chosen, without being greyed.
 void appendLabel(Menu* menu, int command, const std::string& text);
+
+// A line between items.
 void appendSeparator(Menu* menu);
+
+// An item that opens another menu, which from then on belongs to this one.
 void appendSubmenu(Menu* menu, Menu* submenu, const std::string& text);
 
 // Sets or clears the check mark of the item at a position from 0; nothing where there is none.

@@ -74,6 +74,7 @@ void setWindowForm(Window* window, WindowForm form);
 // Lets mouse input through to what lies beneath the window, or takes it again.
 void setHitTransparent(Window* window, bool transparent);
 
+// Shows or hides a window.
 void showWindow(Window* window, ShowState state);
 
 // Moves and sizes a window by its outer bounds in screen coordinates.
@@ -88,8 +89,10 @@ Rect clientArea(const Window* window);
 // The screen coordinates of the client area's left top corner.
 Point clientOrigin(const Window* window);
 
+// Whether the window fills the screen in one of the maximised forms.
 bool isMaximised(const Window* window);
 
+// Gives the window its title.
 void setTitle(Window* window, const std::string& title);
 
 // The first characters of the title, as many as are asked for at most.
@@ -98,10 +101,13 @@ std::string windowTitle(const Window* window, std::size_t most);
 // Has the whole window painted again.
 void invalidateWindow(Window* window);
 
+// Takes files that are dropped on the window, or no longer.
 void acceptDroppedFiles(Window* window, bool accept);
 
 // Starts the one timer of a window, which elapses every so many milliseconds until it is stopped.
 void startTimer(Window* window, int milliseconds);
+
+// Stops the timer of a window.
 void stopTimer(Window* window);
 
 // Whether the left or the right of these keys is down, as of the event being handled.
@@ -110,6 +116,8 @@ bool isControlDown();
 
 // The cursor's place on the screen.
 Point cursorPosition();
+
+// Shows the cursor, or hides it while it is over the program's windows.
 void showCursor(bool shown);
 
 // Waits for the next event and has it handled; false when the program was told to end.
@@ -120,6 +128,8 @@ void handleWaitingEvents();
 
 // Ends the loop; its result becomes the program's.
 void quit(int result);
+
+// The result that the loop ended with.
 int quitResult();
 
 }  // namespace tintora::platform

@@ -35,12 +35,13 @@ Rect wholeScreen() {
 }
 
 void moveColourSpaceBesideMain() {
-  const ShellState& state = shellState;
-  const Rect bounds = platform::windowBounds(state.colourSpaceWindow);
-  const int left = state.mainBounds.right + dockingGap;
-  const int top = state.mainBounds.top;
-  platform::setWindowBounds(state.colourSpaceWindow,
-                            {left, top, left + bounds.width(), top + bounds.height()});
+  platform::Window* const window = shellState.colourSpaceWindow;
+  const Rect bounds = platform::windowBounds(window);
+  // As the main window stands now: during a drag the last source update is a move behind.
+  const Rect main = platform::windowBounds(shellState.mainWindow);
+  const int left = main.right + dockingGap;
+  const int top = main.top;
+  platform::setWindowBounds(window, {left, top, left + bounds.width(), top + bounds.height()});
 }
 
 void showControlWindowOverMain() {

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "executable.h"
@@ -16,12 +17,25 @@
 namespace tintora::windows_test {
 namespace {
 
-// Those that the program loads by itself and those that a desktop may load on a program's behalf.
-constexpr std::array names{"magnification.dll", "d3d9.dll",   "d3dx9_43.dll",  "version.dll",
-                           "uxtheme.dll",       "dwmapi.dll", "comctl32.dll",  "imm32.dll",
-                           "msimg32.dll",       "winmm.dll",  "propsys.dll",   "winspool.drv",
-                           "wtsapi32.dll",      "urlmon.dll", "cryptbase.dll", "profapi.dll",
-                           "textshaping.dll",   "winhttp.dll"};
+// Those that the program loads by itself and those that a desktop may load on a program's behalf;
+// not those that Wine's own libraries cannot be loaded without.
+constexpr std::array names{"magnification.dll", "d3d9.dll",      "d3dx9_43.dll", "uxtheme.dll",
+                           "dwmapi.dll",        "comctl32.dll",  "msimg32.dll",  "winmm.dll",
+                           "propsys.dll",       "winspool.drv",  "wtsapi32.dll", "urlmon.dll",
+                           "cryptbase.dll",     "profapi.dll",   "winhttp.dll",  "textshaping.dll"};
+
+// Under Wine its own libraries go first unless it is told otherwise; Windows takes the first that it
+// finds.
+constexpr const char* preferencesKey = "Software\\Wine\\AppDefaults\\Tintora.exe\\DllOverrides";
+
+void preferFoundLibraries() {
+  constexpr std::string_view order = "native,builtin";
+  for (const std::string name : names) {
+    const std::string base = name.ends_with(".dll") ? name.substr(0, name.size() - 4) : name;
+    RegSetKeyValueA(HKEY_CURRENT_USER, preferencesKey, base.c_str(), REG_SZ, order.data(),
+                    static_cast<DWORD>(order.size() + 1));
+  }
+}
 
 std::string plantedLibrary() {
   const char* const path = std::getenv("TINTORA_PLANTED_LIBRARY");
@@ -32,12 +46,14 @@ class Planted : public ProgramTest {
  protected:
   void SetUp() override {
     ProgramTest::SetUp();
+    preferFoundLibraries();
     std::filesystem::create_directory(elsewhere());
     SetEnvironmentVariableA(plantedNoteVariable, note().c_str());
     DeleteFileA(note().c_str());
   }
   void TearDown() override {
     ProgramTest::TearDown();
+    RegDeleteTreeA(HKEY_CURRENT_USER, preferencesKey);
     for (const std::string& path : planted_) DeleteFileA(path.c_str());
     std::filesystem::remove_all(elsewhere());
     SetEnvironmentVariableA(plantedNoteVariable, nullptr);
@@ -93,6 +109,17 @@ TEST_F(Planted, LibrariesInTheCurrentFolderAreNotLoaded) {
   for (const char* name : names) plant(elsewhere(), name);
   for (const std::string& name : importedLibraries(programPath())) plant(elsewhere(), name);
   run(elsewhere());
+  EXPECT_EQ(noted(), "");
+}
+
+// What the desktop lacks could be found nowhere else.
+TEST_F(Planted, LibrariesDoNotStandInForAMissingOne) {
+  const MissingMagnification missing;
+  plant(programFolder(), "magnification.dll");
+  plant(elsewhere(), "magnification.dll");
+  const Process process("", elsewhere());
+  EXPECT_TRUE(process.hasEnded());
+  EXPECT_EQ(process.result(), 0U);
   EXPECT_EQ(noted(), "");
 }
 

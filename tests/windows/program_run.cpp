@@ -11,6 +11,9 @@ namespace {
 
 constexpr DWORD bound = 10000;  // milliseconds that anything may take
 
+constexpr const char* magnificationPath = "C:\\windows\\system32\\magnification.dll";
+constexpr const char* pathAway = "C:\\windows\\system32\\magnification.away";
+
 struct WindowSearch {
   DWORD process;
   std::string className;
@@ -140,6 +143,14 @@ DWORD Process::result() const {
   DWORD result = STILL_ACTIVE;
   GetExitCodeProcess(handle_, &result);
   return result;
+}
+
+MissingMagnification::MissingMagnification() {
+  EXPECT_TRUE(MoveFileA(magnificationPath, pathAway));
+}
+
+MissingMagnification::~MissingMagnification() {
+  EXPECT_TRUE(MoveFileA(pathAway, magnificationPath));
 }
 
 std::vector<HWND> windowsOf(DWORD process, const std::string& className) {

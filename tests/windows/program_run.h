@@ -83,6 +83,15 @@ class Process {
   DWORD id_ = 0;
 };
 
+// For as long as it lives the desktop has no Magnification API.
+class MissingMagnification {
+ public:
+  MissingMagnification();
+  ~MissingMagnification();
+  MissingMagnification(const MissingMagnification&) = delete;
+  MissingMagnification& operator=(const MissingMagnification&) = delete;
+};
+
 // The top-level windows of a process with a class name.
 std::vector<HWND> windowsOf(DWORD process, const std::string& className);
 

@@ -97,14 +97,15 @@ extern "C" {
 
 __declspec(dllexport) BOOL WINAPI MagInitialize() {
   openRecord();
-  if (record == nullptr || record->refusal == Refusal::Initialize) return FALSE;
+  if (record == nullptr) return FALSE;
   write({.call = MagnifierCall::Initialize});
   WNDCLASSA facts{};
   facts.style = CS_GLOBALCLASS;
   facts.lpfnWndProc = &procedure;
   facts.hInstance = GetModuleHandleA("magnification.dll");
   facts.lpszClassName = className;
-  return RegisterClassA(&facts) != 0 ? TRUE : FALSE;
+  // A program that goes on after a refusal finds all it needs, and so gives itself away.
+  return RegisterClassA(&facts) != 0 && record->refusal != Refusal::Initialize ? TRUE : FALSE;
 }
 
 __declspec(dllexport) BOOL WINAPI MagUninitialize() {

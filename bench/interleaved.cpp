@@ -8,6 +8,9 @@ namespace tintora::bench {
 
 namespace {
 
+// So many that what the other left in the caches counts for little.
+constexpr int runsInTurn = 8;
+
 double secondsOf(const std::function<void()>& work) {
   const auto start = std::chrono::steady_clock::now();
   work();
@@ -27,12 +30,14 @@ void compare(benchmark::State& state, const std::function<void()>& candidate,
              const std::function<void()>& baseline) {
   std::vector<double> candidateTimes;
   std::vector<double> baselineTimes;
-  candidate();
-  baseline();
   for (auto iteration : state) {
-    baselineTimes.push_back(secondsOf(baseline));
-    candidateTimes.push_back(secondsOf(candidate));
-    state.SetIterationTime(candidateTimes.back());
+    double seconds = 0.0;
+    for (int i = 0; i < runsInTurn; ++i) baselineTimes.push_back(secondsOf(baseline));
+    for (int i = 0; i < runsInTurn; ++i) {
+      candidateTimes.push_back(secondsOf(candidate));
+      seconds += candidateTimes.back();
+    }
+    state.SetIterationTime(seconds / runsInTurn);
   }
   constexpr double milliseconds = 1e3;
   const double own = median(candidateTimes);

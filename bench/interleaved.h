@@ -12,8 +12,8 @@
 
 namespace tintora::bench {
 
-// Runs one after the other in every iteration. The benchmark's time is the candidate's; counters
-// give the medians of both in milliseconds and their ratio, candidate to baseline.
+// Runs each a few times in turn in every iteration. The benchmark's time is the candidate's;
+// counters give the medians of both in milliseconds and their ratio, candidate to baseline.
 void compare(benchmark::State& state, const std::function<void()>& candidate,
              const std::function<void()>& baseline);
 

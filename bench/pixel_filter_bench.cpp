@@ -26,7 +26,7 @@ void frameToMemcpy(benchmark::State& state) {
       },
       copyFrame);
 }
-BENCHMARK(frameToMemcpy)->UseManualTime()->Iterations(200)->Unit(benchmark::kMillisecond);
+BENCHMARK(frameToMemcpy)->UseManualTime()->Iterations(25)->Unit(benchmark::kMillisecond);
 
 void frameInPlaceToMemcpy(benchmark::State& state) {
   const PixelFilter filter = makePixelFilter(ordinaryMatrix());
@@ -34,7 +34,7 @@ void frameInPlaceToMemcpy(benchmark::State& state) {
   compare(
       state, [&] { filterPixels(filter, frame.data(), frame.data(), framePixels); }, copyFrame);
 }
-BENCHMARK(frameInPlaceToMemcpy)->UseManualTime()->Iterations(200)->Unit(benchmark::kMillisecond);
+BENCHMARK(frameInPlaceToMemcpy)->UseManualTime()->Iterations(25)->Unit(benchmark::kMillisecond);
 
 // As the live view works: strips that stay in the second-level cache.
 void stripsToMemcpy(benchmark::State& state) {
@@ -54,7 +54,7 @@ void stripsToMemcpy(benchmark::State& state) {
         everyStrip([&] { std::memcpy(strip.data(), frames().source.data(), strip.size()); });
       });
 }
-BENCHMARK(stripsToMemcpy)->UseManualTime()->Iterations(200)->Unit(benchmark::kMillisecond);
+BENCHMARK(stripsToMemcpy)->UseManualTime()->Iterations(25)->Unit(benchmark::kMillisecond);
 
 void outOfRangeFrameToMemcpy(benchmark::State& state) {
   const PixelFilter filter = makePixelFilter(outOfRangeMatrix());
@@ -65,7 +65,7 @@ void outOfRangeFrameToMemcpy(benchmark::State& state) {
       },
       copyFrame);
 }
-BENCHMARK(outOfRangeFrameToMemcpy)->UseManualTime()->Iterations(50)->Unit(benchmark::kMillisecond);
+BENCHMARK(outOfRangeFrameToMemcpy)->UseManualTime()->Iterations(8)->Unit(benchmark::kMillisecond);
 
 // Each kernel that this processor runs, by its place from the fastest.
 void kernelToMemcpy(benchmark::State& state) {
@@ -88,7 +88,7 @@ void kernelToMemcpy(benchmark::State& state) {
 BENCHMARK(kernelToMemcpy)
     ->DenseRange(0, 2)
     ->UseManualTime()
-    ->Iterations(50)
+    ->Iterations(8)
     ->Unit(benchmark::kMillisecond);
 
 void preparation(benchmark::State& state) {

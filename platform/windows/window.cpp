@@ -38,9 +38,18 @@ constexpr std::array<DWORD, 5> formStyles{
     WS_POPUP | WS_MAXIMIZE,
 };
 
+// What whoever started the program asked for.
+int startUpShowCommand() {
+  STARTUPINFOA facts{};
+  facts.cb = sizeof facts;
+  GetStartupInfoA(&facts);
+  return (facts.dwFlags & STARTF_USESHOWWINDOW) != 0 ? facts.wShowWindow : SW_SHOWDEFAULT;
+}
+
 // By ShowState.
-constexpr std::array<int, 5> showCommands{SW_HIDE, SW_SHOW, SW_SHOWDEFAULT, SW_SHOWNORMAL,
-                                          SW_SHOWMAXIMIZED};
+std::array<int, 5> showCommands() {
+  return {SW_HIDE, SW_SHOW, startUpShowCommand(), SW_SHOWNORMAL, SW_SHOWMAXIMIZED};
+}
 
 constexpr int iconResource = 101;
 constexpr WPARAM firstKey = 9;
@@ -193,7 +202,7 @@ void setHitTransparent(Window* window, bool transparent) {
 }
 
 void showWindow(Window* window, ShowState state) {
-  ShowWindow(native(window), at(showCommands, state));
+  ShowWindow(native(window), at(showCommands(), state));
 }
 
 void setWindowBounds(Window* window, const Rect& bounds) {

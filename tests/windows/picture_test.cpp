@@ -209,6 +209,25 @@ TEST_F(Clipboard, IsReachedFromTheKeyboard) {
   EXPECT_EQ(clipboardBitmap().header.biWidth, client().width());
 }
 
+// The control window, which paints itself ever anew, holds nothing up.
+TEST_F(Clipboard, IsReachedWhileHitTransparent) {
+  startOver({{"Selected", 5}});
+  press('H');
+  send(windows().control, WM_COMMAND, 52);
+  ASSERT_TRUE(eventuallyCopied());
+  EXPECT_EQ(clipboardBitmap().header.biWidth, client().width());
+  EXPECT_TRUE(eventually([this] { return title() == "Invert "; }));
+}
+
+TEST_F(Clipboard, HoldsTheWholeScreenInFullScreen) {
+  startOver();
+  press('F');
+  choose(52);
+  ASSERT_TRUE(eventuallyCopied());
+  EXPECT_EQ(clipboardBitmap().header.biWidth, screenBounds().width());
+  EXPECT_EQ(clipboardBitmap().header.biHeight, screenBounds().height());
+}
+
 TEST_F(Clipboard, ConfirmsForThreeSeconds) {
   startOver();
   const ULONGLONG begin = GetTickCount64();

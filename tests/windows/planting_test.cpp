@@ -19,13 +19,13 @@ namespace {
 
 // Those that the program loads by itself and those that a desktop may load on a program's behalf;
 // not those that Wine's own libraries cannot be loaded without.
-constexpr std::array names{"magnification.dll", "d3d9.dll",      "d3dx9_43.dll", "uxtheme.dll",
-                           "dwmapi.dll",        "comctl32.dll",  "msimg32.dll",  "winmm.dll",
-                           "propsys.dll",       "winspool.drv",  "wtsapi32.dll", "urlmon.dll",
-                           "cryptbase.dll",     "profapi.dll",   "winhttp.dll",  "textshaping.dll"};
+constexpr std::array names{"magnification.dll", "d3d9.dll",     "d3dx9_43.dll", "uxtheme.dll",
+                           "dwmapi.dll",        "comctl32.dll", "msimg32.dll",  "winmm.dll",
+                           "propsys.dll",       "winspool.drv", "wtsapi32.dll", "urlmon.dll",
+                           "cryptbase.dll",     "profapi.dll",  "winhttp.dll",  "textshaping.dll"};
 
-// Under Wine its own libraries go first unless it is told otherwise; Windows takes the first that it
-// finds.
+// Under Wine its own libraries go first unless it is told otherwise; Windows takes the first that
+// it finds.
 constexpr const char* preferencesKey = "Software\\Wine\\AppDefaults\\Tintora.exe\\DllOverrides";
 
 void preferFoundLibraries() {
@@ -75,7 +75,7 @@ class Planted : public ProgramTest {
 
   // Start, menu, copy and end: everything that brings libraries in.
   void run(const std::string& folder) {
-    startIn(folder);
+    start(Launch{.folder = folder});
     menu();
     choose(703);
     choose(52);
@@ -117,7 +117,7 @@ TEST_F(Planted, LibrariesDoNotStandInForAMissingOne) {
   const MissingMagnification missing;
   plant(programFolder(), "magnification.dll");
   plant(elsewhere(), "magnification.dll");
-  const Process process("", elsewhere());
+  const Process process(Launch{.folder = elsewhere()});
   EXPECT_TRUE(process.hasEnded());
   EXPECT_EQ(process.result(), 0U);
   EXPECT_EQ(noted(), "");

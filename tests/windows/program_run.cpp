@@ -108,13 +108,17 @@ MagnifierRecord& magnifierRecord() {
   return *record;
 }
 
-Process::Process(const std::string& arguments, const std::string& folder) {
-  std::string line = '"' + programPath() + "\" " + arguments;
+Process::Process(const Launch& launch) {
+  const std::string program = programPath();
+  std::string line = launch.pathGiven ? '"' + program + "\" " : "Tintora.exe ";
+  line += launch.arguments;
   STARTUPINFOA startup{};
   startup.cb = sizeof startup;
+  startup.dwFlags = STARTF_USESHOWWINDOW;
+  startup.wShowWindow = launch.show;
   PROCESS_INFORMATION started{};
-  if (CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(),
-                     &startup, &started) == 0) {
+  if (CreateProcessA(program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                     launch.folder.c_str(), &startup, &started) == 0) {
     return;
   }
   CloseHandle(started.hThread);
@@ -173,13 +177,13 @@ void ProgramTest::TearDown() {
 }
 
 void ProgramTest::start(const std::string& arguments) {
-  startIn(programFolder(), arguments);
+  start(Launch{.arguments = arguments});
 }
 
-void ProgramTest::startIn(const std::string& folder, const std::string& arguments) {
+void ProgramTest::start(const Launch& launch) {
   menu_ = nullptr;
   magnifierRecord().calls = 0;
-  process_ = std::make_unique<Process>(arguments, folder);
+  process_ = std::make_unique<Process>(launch);
   ASSERT_TRUE(eventually([this] {
     windows_ = findWindows(process_->id());
     return windows_.magnifier != nullptr && windows_.control != nullptr &&

@@ -64,10 +64,18 @@ std::string customFile();
 // What all programs started by the tests can write to.
 MagnifierRecord& magnifierRecord();
 
+// How the program is started.
+struct Launch {
+  std::string arguments{};
+  std::string folder = programFolder();  // the current one
+  WORD show = SW_SHOWNORMAL;
+  bool pathGiven = true;  // on the command line
+};
+
 // A process that the tests started; ended with it at the latest.
 class Process {
  public:
-  explicit Process(const std::string& arguments = "", const std::string& folder = programFolder());
+  explicit Process(const Launch& launch = {});
   ~Process();
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
@@ -104,7 +112,7 @@ class ProgramTest : public testing::Test {
 
   // Starts the program and waits until it handles events.
   void start(const std::string& arguments = "");
-  void startIn(const std::string& folder, const std::string& arguments = "");
+  void start(const Launch& launch);
   // Closes the main window and waits for the end.
   void end();
 

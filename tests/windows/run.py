@@ -9,6 +9,7 @@ import argparse
 import ctypes
 import os
 import shutil
+import signal
 import subprocess
 import sys
 from contextlib import contextmanager
@@ -20,6 +21,15 @@ STRIP = "x86_64-w64-mingw32-strip"
 
 # Wine draws the frames itself, there being no window manager to do it.
 REGISTRY = [("HKCU\\Software\\Wine\\X11 Driver", "Managed", "N")]
+
+
+LIBC = ctypes.CDLL("libc.so.6")
+
+
+def end_with_parent():
+    """For a process that must not outlive this one, however it ends."""
+    set_parent_death_signal = 1
+    LIBC.prctl(set_parent_death_signal, signal.SIGTERM)
 
 
 def parse_arguments():
@@ -49,7 +59,8 @@ def display():
         ["Xvfb", "-displayfd", str(write_end), "-screen", "0", SCREEN,
          "-nolisten", "tcp", "+extension", "Composite"],
         pass_fds=[write_end], stdout=subprocess.DEVNULL,
-        stderr=subprocess.DEVNULL, start_new_session=True)
+        stderr=subprocess.DEVNULL, start_new_session=True,
+        preexec_fn=end_with_parent)
     os.close(write_end)
     try:
         with os.fdopen(read_end) as pipe:
@@ -141,7 +152,7 @@ def run_tests(options, wine, environment, program):
         return subprocess.run(
             [wine, options.tests / name, "--gtest_brief=1", *options.rest],
             env=environment, stdin=subprocess.DEVNULL,
-            timeout=options.seconds).returncode
+            preexec_fn=end_with_parent, timeout=options.seconds).returncode
     except subprocess.TimeoutExpired:
         print(f"{name} took more than {options.seconds} seconds.")
         return 1
@@ -149,6 +160,8 @@ def run_tests(options, wine, environment, program):
 
 def main():
     options = parse_arguments()
+    # So that what was started is ended then too.
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
     options.work = options.work.resolve()
     prefix = options.work / "prefix"
     wine = find_wine()

@@ -1,5 +1,6 @@
 // How the program starts and ends.
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -72,6 +73,37 @@ TEST_F(ShutDown, EndsFromEveryForm) {
     EXPECT_EQ(process().result(), 0U);
   }
 }
+
+struct ShowRow {
+  const char* name;
+  WORD show;
+  bool maximised;
+  bool minimised;
+};
+
+void PrintTo(const ShowRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+constexpr std::array showRows{
+    ShowRow{"Normal", SW_SHOWNORMAL, false, false},
+    ShowRow{"Maximised", SW_SHOWMAXIMIZED, true, false},
+    ShowRow{"Minimised", SW_SHOWMINIMIZED, false, true},
+};
+
+class ShowCommands : public ProgramTest, public testing::WithParamInterface<ShowRow> {};
+
+TEST_P(ShowCommands, HoldForBothWindows) {
+  start(Launch{.show = GetParam().show});
+  for (const HWND window : {windows().main, windows().colourSpace}) {
+    EXPECT_TRUE(IsWindowVisible(window));
+    EXPECT_EQ(IsZoomed(window) != FALSE, GetParam().maximised);
+    EXPECT_EQ(IsIconic(window) != FALSE, GetParam().minimised);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(By, ShowCommands, testing::ValuesIn(showRows),
+                         [](const auto& row) { return std::string(row.param.name); });
 
 // A start that cannot succeed: nothing may be seen of it, and no message may hold it up.
 class FailingStart : public ProgramTest {
@@ -181,6 +213,17 @@ TEST_F(CustomFile, MovesTheCommandsBelowAHundred) {
   start();
   choose(2 + 5);
   EXPECT_EQ(title(), "Invert ");
+}
+
+TEST_F(CustomFile, IsTakenFromTheCurrentFolderWithoutAPath) {
+  const std::string folder = programFolder() + "elsewhere\\";
+  std::filesystem::create_directory(folder);
+  writeCustomFile(folder + "Tintora_custom.txt");
+  start(Launch{.folder = folder, .pathGiven = false});
+  choose(0);
+  EXPECT_EQ(title(), "Night");
+  end();
+  std::filesystem::remove_all(folder);
 }
 
 // The folder is taken from the whole command line, arguments and all.

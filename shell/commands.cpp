@@ -71,10 +71,8 @@ void chooseInverse() {
 void toggleTransform() {
   if (!transformSettings.transformOff) {
     transformOffApply();
-  } else if (transformSettings.Selected == TransformMode::Custom) {
-    applyCustomTransform(static_cast<std::uint32_t>(transformSettings.customIndex));
   } else {
-    applyTransform();
+    applyCurrentTransform();
   }
   paintControlWindow();
 }
@@ -308,6 +306,14 @@ constexpr std::array<WheelValue, 3> wheelValues{{
 constexpr WheelValue severityValue{{}, &TransformSettings::severity, 0.05, 0.0};
 
 }  // namespace
+
+void applyCurrentTransform() {
+  if (transformSettings.Selected == TransformMode::Custom) {
+    applyCustomTransform(static_cast<std::uint32_t>(transformSettings.customIndex));
+  } else {
+    applyTransform();
+  }
+}
 
 void runCommand(int command) {
   const int customCount = static_cast<int>(customTransforms.size());

@@ -5,6 +5,9 @@
 
 namespace tintora {
 
+// Applies the transform that is chosen, a custom one without touching the check marks.
+void applyCurrentTransform();
+
 // Runs a menu command. Unknown ones are ignored.
 void runCommand(int command);
 

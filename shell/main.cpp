@@ -11,6 +11,7 @@
 #include "platform/program.h"
 #include "platform/window.h"
 #include "shell/clipboard_capture.h"
+#include "shell/commands.h"
 #include "shell/menus.h"
 #include "shell/settings_store.h"
 #include "shell/shell_state.h"
@@ -26,8 +27,6 @@ namespace {
 using platform::Rect;
 using platform::ShowState;
 using platform::WindowKind;
-
-constexpr std::size_t titleLength = 200;
 
 // Letters among the first characters of the arguments switch optional commands on.
 void readArguments() {
@@ -89,14 +88,6 @@ void createRenderer() {
   state.colourSpaceClientSize = {client.width(), client.height()};
   createDevice(state.colourSpaceWindow, client.width(), client.height(), true);
   colourSpaceView.viewCode = state.view;
-}
-
-void applyCurrentTransform() {
-  if (transformSettings.Selected == TransformMode::Custom) {
-    applyCustomTransform(static_cast<std::uint32_t>(transformSettings.customIndex));
-  } else {
-    applyTransform();
-  }
 }
 
 struct ViewCaption {

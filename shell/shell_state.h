@@ -1,6 +1,7 @@
 // What the shell knows of its windows, menus and modes.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "colour_space/renderer.h"
@@ -9,6 +10,11 @@
 #include "platform/window.h"
 
 namespace tintora {
+
+// How much of the main window's title the other windows repeat.
+inline constexpr std::size_t titleLength = 200;
+
+inline constexpr const char* hitTransparentText = "Hit Transparent, Press H to exit";
 
 // The nine popup menus.
 struct ShellMenus {
@@ -54,7 +60,7 @@ struct ShellState {
   bool tritanEnabled = false;
   bool simulationOptionsEnabled = false;
   std::string versionText = "1.1.4 64-bit";
-  std::string controlText = "Hit Transparent, Press H to exit";
+  std::string controlText = hitTransparentText;
 };
 
 extern ShellState shellState;

@@ -22,12 +22,10 @@ using platform::ShowState;
 using platform::Size;
 using platform::WindowForm;
 
-constexpr const char* hitTransparentText = "Hit Transparent, Press H to exit";
 constexpr const char* fullScreenText = "Full screen mode, press F to exit";
 
 constexpr int dockingGap = 4;
 constexpr Size controlWindowSize{400, 120};
-constexpr std::size_t titleLength = 200;
 
 Rect wholeScreen() {
   const Size screen = platform::screenSize();

@@ -5,6 +5,7 @@
 
 #include "platform/clipboard.h"
 #include "platform/magnifier.h"
+#include "platform/null/null_graphics.h"
 #include "platform/program.h"
 
 namespace tintora::platform {
@@ -87,6 +88,7 @@ NullDesktop& nullDesktop() {
 
 void resetNullDesktop() {
   desktop = NullDesktop();
+  resetNullGraphics();
 }
 
 Window* NullDesktop::window(const std::string& name) const {

@@ -1,0 +1,9 @@
+// The page of instructions in the colour space window.
+#pragma once
+
+namespace tintora {
+
+// Draws the page over whatever is in the window.
+void drawHelpPage();
+
+}  // namespace tintora

@@ -1,0 +1,17 @@
+// Text that stands beside what is drawn in space.
+#pragma once
+
+#include <string>
+
+#include "colour_space/matrix4x4.h"
+#include "platform/geometry.h"
+
+namespace tintora {
+
+// The pixel on which the current camera sees a point of the world, moved to the right by an offset.
+platform::Point seenAt(const Vector3& point, int offsetX);
+
+// Draws text from its left top corner, in the colour and font of the labels.
+void drawLabel(const platform::Point& place, const std::string& text);
+
+}  // namespace tintora

@@ -1,0 +1,116 @@
+// Drawing in space with the graphics device of one window: coloured vertices in buffers,
+// transforms, lines and triangles with depth, and lines of text over them. No call reports a
+// failure; where the desktop cannot draw, calls on its devices, buffers and fonts do nothing.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "platform/geometry.h"
+#include "platform/window.h"
+
+namespace tintora::platform {
+
+// All four are made and released one by one; none of the calls returns null.
+struct GraphicsDevice;
+struct VertexBuffer;  // of ColourVertex
+struct IndexBuffer;   // of 16-bit indices
+struct TextFont;
+
+// [row][column]. Points are row vectors, so that transforms apply from left to right; space is
+// left-handed, and depth runs from 0 at the near plane to 1 at the far one.
+using Matrix4x4 = std::array<std::array<float, 4>, 4>;
+
+// 0xAARRGGBB
+using PackedColour = std::uint32_t;
+
+struct ColourVertex {
+  float x = 0.0F;
+  float y = 0.0F;
+  float z = 0.0F;
+  PackedColour colour = 0;
+  bool operator==(const ColourVertex&) const = default;
+};
+
+enum class TransformKind { World, View, Projection };
+
+enum class PrimitiveKind {
+  IndexedTriangles = 0,
+  IndexedLines = 1,
+  LineStrip = 2,
+  Lines = 3,
+  Triangles = 4,
+};
+
+// Where a buffer lives: on the device alone, or also in the program's memory, from where the device
+// takes it when it needs it.
+enum class BufferUse { OnDevice, Managed };
+
+struct TextFontForm {
+  const char* face;
+  int height;         // of a line, in pixels
+  bool outlinesOnly;  // no bitmap font will do
+};
+
+// Makes a device that draws into a window's client area of this size in pixels, at once and without
+// waiting for the screen. Both faces of a triangle show, colours are those of the vertices, unlit,
+// and what is nearer hides what is farther. All transforms are the identity.
+GraphicsDevice* createGraphicsDevice(Window* window, const Size& size);
+
+// Releases a device; its buffers and fonts first.
+void releaseGraphicsDevice(GraphicsDevice* device);
+
+// A font in the weight and width it was designed in.
+TextFont* createTextFont(GraphicsDevice* device, const TextFontForm& form);
+void releaseTextFont(TextFont* font);
+
+// A buffer for so many vertices, or for these indices.
+VertexBuffer* createVertexBuffer(GraphicsDevice* device, std::size_t vertices, BufferUse use);
+IndexBuffer* createIndexBuffer(GraphicsDevice* device, std::span<const std::uint16_t> indices,
+                               BufferUse use);
+void releaseVertexBuffer(VertexBuffer* buffer);
+void releaseIndexBuffer(IndexBuffer* buffer);
+
+// Replaces the contents of a buffer; as many vertices as it was created for.
+void fillVertexBuffer(VertexBuffer* buffer, std::span<const ColourVertex> vertices);
+
+// The transform that what is drawn from now on passes through, and the one last set.
+void setTransform(GraphicsDevice* device, TransformKind kind, const Matrix4x4& matrix);
+Matrix4x4 transform(const GraphicsDevice* device, TransformKind kind);
+
+// The part of the window that is drawn into: all of the size the device was created with.
+Rect viewport(const GraphicsDevice* device);
+
+// Fills the picture with a colour and its depth with 1, or its depth alone.
+void clearPicture(GraphicsDevice* device, PackedColour colour);
+void clearDepth(GraphicsDevice* device);
+
+// Everything that is drawn stands between these two.
+void beginScene(GraphicsDevice* device);
+void endScene(GraphicsDevice* device);
+
+// Shows the picture in the window.
+void present(GraphicsDevice* device);
+
+// Says that vertices are of ColourVertex from now on.
+void setVertexFormat(GraphicsDevice* device);
+
+// The buffers that are drawn from; the indices may be null where none are used.
+void setVertexBuffer(GraphicsDevice* device, VertexBuffer* buffer);
+void setIndexBuffer(GraphicsDevice* device, IndexBuffer* buffer);
+
+// Draws so many primitives, from the start of the indices, which reach that many vertices.
+void drawIndexed(GraphicsDevice* device, PrimitiveKind kind, int vertices, int primitives);
+
+// Draws so many primitives from the start of the vertices.
+void drawUnindexed(GraphicsDevice* device, PrimitiveKind kind, int primitives);
+
+// One line of text from the left top corner of a rectangle, cut off at its edges; returns the
+// line's height in pixels.
+int drawText(GraphicsDevice* device, TextFont* font, const Rect& area, PackedColour colour,
+             const std::string& text);
+
+}  // namespace tintora::platform

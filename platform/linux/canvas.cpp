@@ -1,0 +1,68 @@
+#include "platform/canvas.h"
+
+#include <QFont>
+#include <QFontMetrics>
+#include <QPainter>
+#include <memory>
+
+#include "platform/linux/handles.h"
+#include "platform/linux/text.h"
+
+namespace tintora::platform {
+
+struct Canvas {
+  Window* window;
+  QPainter painter;
+};
+
+namespace {
+
+constexpr int fontHeight = 16;
+
+QRegion areaOf(const Window* window) {
+  return QRect(QPoint(), window->window->size());
+}
+
+// A font whose ascent and descent fill the height, as a cell height is meant.
+QFont fontOfHeight(int height) {
+  QFont font("Microsoft Sans Serif");
+  font.setPixelSize(height);
+  for (int size = height; size > 1 && QFontMetrics(font).height() > height; --size) {
+    font.setPixelSize(size);
+  }
+  return font;
+}
+
+}  // namespace
+
+Canvas* beginPainting(Window* window) {
+  static const QFont font = fontOfHeight(fontHeight);
+  if (!window->surface) window->surface = std::make_unique<QBackingStore>(window->window.get());
+  QBackingStore& surface = *window->surface;
+  surface.resize(window->window->size());
+  surface.beginPaint(areaOf(window));
+  auto* const canvas = new Canvas{window, QPainter(surface.paintDevice())};
+  canvas->painter.setFont(font);
+  return canvas;
+}
+
+void endPainting(Canvas* canvas) {
+  canvas->painter.end();
+  Window* const window = canvas->window;
+  window->surface->endPaint();
+  if (window->window->isExposed()) window->surface->flush(areaOf(window));
+  delete canvas;
+}
+
+void fill(Canvas* canvas, Colour colour) {
+  canvas->painter.fillRect(canvas->painter.viewport(),
+                           QColor(colour.red, colour.green, colour.blue));
+}
+
+void drawText(Canvas* canvas, const Point& place, Colour colour, const std::string& text) {
+  QPainter& painter = canvas->painter;
+  painter.setPen(QColor(colour.red, colour.green, colour.blue));
+  painter.drawText(place.x, place.y + painter.fontMetrics().ascent(), toUnicode(text));
+}
+
+}  // namespace tintora::platform

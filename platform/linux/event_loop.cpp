@@ -1,0 +1,265 @@
+#include "platform/linux/event_loop.h"
+
+#include <QAbstractEventDispatcher>
+#include <QCloseEvent>
+#include <QDropEvent>
+#include <QExposeEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QWheelEvent>
+#include <QWindowStateChangeEvent>
+#include <algorithm>
+#include <vector>
+
+#include "platform/linux/filtered_view.h"
+#include "platform/linux/handles.h"
+#include "platform/linux/keys.h"
+#include "platform/linux/x_server.h"
+
+namespace tintora::platform {
+
+namespace {
+
+constexpr int wheelStep = 120;
+constexpr int firstKey = 9;
+constexpr int lastKey = 189;
+
+EventHandler eventHandler = nullptr;
+std::vector<Window*> translated;
+bool painting = false;
+bool handedOver = false;  // since the loop last looked
+bool ended = false;
+int result = 0;
+
+QAbstractEventDispatcher* dispatcher() {
+  return QAbstractEventDispatcher::instance();
+}
+
+void paint(Window* window) {
+  if (eventHandler == nullptr || !window->window->isExposed()) return;
+  window->stale = false;
+  painting = true;
+  eventHandler({.kind = EventKind::Painting, .window = window});
+  painting = false;
+}
+
+// What was invalidated while it was painted waits for the next event: painted again at once, it
+// would be so forever.
+void paintStaleWindows() {
+  for (Window* const window : translated) {
+    if (window->stale) paint(window);
+  }
+}
+
+Event mouseEvent(EventKind kind, Window* window, const QMouseEvent& mouse) {
+  return {.kind = kind,
+          .window = window,
+          .position = {mouse.position().toPoint().x(), mouse.position().toPoint().y()},
+          .leftHeld = mouse.buttons().testFlag(Qt::LeftButton),
+          .rightHeld = mouse.buttons().testFlag(Qt::RightButton),
+          .shiftHeld = mouse.modifiers().testFlag(Qt::ShiftModifier)};
+}
+
+bool onKey(Window* window, const QKeyEvent& key) {
+  // With these the key is the desktop's.
+  if ((key.modifiers() & (Qt::AltModifier | Qt::MetaModifier)) != 0) return false;
+  const int code = virtualKey(key);
+  if (code < firstKey || code > lastKey) return false;
+  const bool down = key.type() == QEvent::KeyPress;
+  return handOver(
+      {.kind = down ? EventKind::KeyDown : EventKind::KeyUp, .window = window, .key = code});
+}
+
+bool onMouse(Window* window, const QMouseEvent& mouse) {
+  const bool down = mouse.type() != QEvent::MouseButtonRelease;
+  if (mouse.button() == Qt::LeftButton) {
+    return handOver(mouseEvent(down ? EventKind::LeftDown : EventKind::LeftUp, window, mouse));
+  }
+  if (mouse.button() == Qt::RightButton) {
+    return handOver(mouseEvent(down ? EventKind::RightDown : EventKind::RightUp, window, mouse));
+  }
+  return false;
+}
+
+bool onMouseMoved(Window* window, const QMouseEvent& mouse) {
+  // Without a button held only the colour space window cares where the mouse is.
+  if (mouse.buttons() == Qt::NoButton && window->kind != WindowKind::ColourSpace) return true;
+  return handOver(mouseEvent(EventKind::MouseMoved, window, mouse));
+}
+
+// Fine wheels send a step in many pieces.
+bool onWheel(Window* window, const QWheelEvent& wheel) {
+  const int travel = wheel.angleDelta().y();
+  if ((travel > 0) != (window->wheelTravel > 0)) window->wheelTravel = 0;
+  window->wheelTravel += travel;
+  for (; window->wheelTravel >= wheelStep; window->wheelTravel -= wheelStep) {
+    handOver({.kind = EventKind::WheelTurned, .window = window, .wheelUp = true});
+  }
+  for (; window->wheelTravel <= -wheelStep; window->wheelTravel += wheelStep) {
+    handOver({.kind = EventKind::WheelTurned, .window = window, .wheelUp = false});
+  }
+  return true;
+}
+
+bool onSized(Window* window) {
+  return handOver({.kind = EventKind::Sized, .window = window, .maximised = isMaximised(window)});
+}
+
+bool isMouseButtonHeld() {
+  constexpr unsigned int anyButton = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
+  xcb_connection_t* const x = xServer.connection;
+  const Received<xcb_query_pointer_reply_t> pointer(
+      xcb_query_pointer_reply(x, xcb_query_pointer(x, xServer.screen->root), nullptr));
+  return pointer && (pointer->mask & anyButton) != 0;
+}
+
+// The program's own moves come back as events too, some of them late; and a window manager may
+// place a window. Neither is the user's doing.
+bool onMoved(Window* window) {
+  const auto arrived = std::ranges::find(window->movedTo, window->window->framePosition());
+  if (arrived != window->movedTo.end()) {
+    window->movedTo.erase(window->movedTo.begin(), arrived + 1);
+    return false;
+  }
+  if (window->kind != WindowKind::Main && !isMouseButtonHeld()) return false;
+  return handOver({.kind = EventKind::Moving, .window = window});
+}
+
+bool onExposed(Window* window) {
+  if (!window->window->isExposed()) return false;
+  paint(window);
+  // The colour space window's frame is drawn when the loop has gone round.
+  if (window->kind == WindowKind::ColourSpace) handedOver = true;
+  dispatcher()->wakeUp();
+  return false;
+}
+
+bool onClosing(Window* window, QCloseEvent& close) {
+  if (handOver({.kind = EventKind::Closing, .window = window})) {
+    close.ignore();
+    return true;
+  }
+  handOver({.kind = EventKind::Destroyed, .window = window});
+  return false;
+}
+
+bool onDragged(const Window* window, QDropEvent& drag) {
+  if (!window->acceptsFiles || !drag.mimeData()->hasUrls()) return false;
+  drag.acceptProposedAction();
+  return true;
+}
+
+bool onDropped(Window* window, QDropEvent& drop) {
+  return onDragged(window, drop) && handOver({.kind = EventKind::FilesDropped, .window = window});
+}
+
+bool translate(Window* window, QEvent& event) {
+  switch (event.type()) {
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+      return onKey(window, static_cast<QKeyEvent&>(event));
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseButtonRelease:
+      return onMouse(window, static_cast<QMouseEvent&>(event));
+    case QEvent::MouseMove:
+      return onMouseMoved(window, static_cast<QMouseEvent&>(event));
+    case QEvent::Wheel:
+      return onWheel(window, static_cast<QWheelEvent&>(event));
+    case QEvent::Resize:
+    case QEvent::WindowStateChange:
+      return onSized(window);
+    case QEvent::Move:
+      return onMoved(window);
+    case QEvent::Expose:
+      return onExposed(window);
+    case QEvent::UpdateRequest:
+      paint(window);
+      return true;
+    case QEvent::Close:
+      return onClosing(window, static_cast<QCloseEvent&>(event));
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+      return onDragged(window, static_cast<QDropEvent&>(event));
+    case QEvent::Drop:
+      return onDropped(window, static_cast<QDropEvent&>(event));
+    default:
+      return false;
+  }
+}
+
+// Qt's way in.
+class EventFilter : public QObject {
+ public:
+  explicit EventFilter(Window* window) : QObject(window->window.get()), window_(window) {}
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    return translate(window_, *event);
+  }
+
+ private:
+  Window* window_;
+};
+
+}  // namespace
+
+void setEventHandler(EventHandler handler) {
+  eventHandler = handler;
+  if (handler == nullptr) translated.clear();
+}
+
+void translateEvents(Window* window) {
+  translated.push_back(window);
+  window->window->installEventFilter(new EventFilter(window));
+}
+
+bool handOver(const Event& event) {
+  if (eventHandler == nullptr || ended) return false;
+  const bool handled = eventHandler(event);
+  paintStaleWindows();
+  handedOver = true;
+  // For the program's own turn, which follows every event.
+  dispatcher()->wakeUp();
+  return handled;
+}
+
+void invalidateWindow(Window* window) {
+  if (painting) {
+    window->stale = true;
+  } else {
+    window->window->requestUpdate();
+  }
+}
+
+bool isShiftDown() {
+  return QGuiApplication::keyboardModifiers().testFlag(Qt::ShiftModifier);
+}
+
+bool isControlDown() {
+  return QGuiApplication::keyboardModifiers().testFlag(Qt::ControlModifier);
+}
+
+bool handleNextEvent() {
+  handedOver = false;
+  while (!handedOver && !ended) dispatcher()->processEvents(QEventLoop::WaitForMoreEvents);
+  return !ended;
+}
+
+void handleWaitingEvents() {
+  while (dispatcher()->processEvents(QEventLoop::AllEvents)) {
+  }
+  finishView();
+}
+
+void quit(int exitResult) {
+  result = exitResult;
+  ended = true;
+  dispatcher()->wakeUp();
+}
+
+int quitResult() {
+  return result;
+}
+
+}  // namespace tintora::platform

@@ -1,0 +1,17 @@
+// From Qt's events to the program's, and the loop they come in.
+#pragma once
+
+#include "platform/window.h"
+
+namespace tintora::platform {
+
+// Who takes the program's events; nobody while it is null.
+void setEventHandler(EventHandler handler);
+
+// Has what happens to a window handed to the handler from now on.
+void translateEvents(Window* window);
+
+// Hands an event to the program; true where the desktop's own handling must not follow.
+bool handOver(const Event& event);
+
+}  // namespace tintora::platform

@@ -1,0 +1,163 @@
+#include "platform/linux/filtered_view.h"
+
+#include <QAbstractEventDispatcher>
+#include <QRegion>
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/backdrop.h"
+#include "platform/linux/composition.h"
+#include "platform/linux/view_frames.h"
+#include "platform/linux/window_pixels.h"
+#include "platform/linux/window_stack.h"
+#include "platform/linux/x_server.h"
+
+namespace tintora::platform {
+
+namespace {
+
+struct FilteredView {
+  xcb_window_t window = XCB_NONE;
+  QSize size;
+  QPoint origin;
+  PixelFilter filter{};
+  ViewFrames frames;
+  QRegion toCompose;  // parts of the view: to be read and filtered
+  QRegion toFilter;   // to be filtered only
+};
+FilteredView view;
+
+// A part that is filtered while the server is at work on the next; small enough for the caches.
+constexpr int pixelsAtOnce = 128 * 1024;
+
+QRect wholeView() {
+  return {QPoint(), view.size};
+}
+
+void followEventOfView(const xcb_generic_event_t& event) {
+  if ((event.response_type & 0x7F) == XCB_EXPOSE) {
+    const auto& exposed = reinterpret_cast<const xcb_expose_event_t&>(event);
+    view.toFilter += QRect(exposed.x, exposed.y, exposed.width, exposed.height);
+    return;
+  }
+  // Errors come this way too: about windows that are gone, which another event tells of.
+  if (event.response_type != 0) followEvent(event);
+}
+
+// Takes events until there are none; false where there was none at all.
+bool followEvents(xcb_generic_event_t* (*poll)(xcb_connection_t*)) {
+  bool any = false;
+  while (const Received<xcb_generic_event_t> event{poll(xServer.connection)}) {
+    followEventOfView(*event);
+    any = true;
+  }
+  return any;
+}
+
+// What changed on the root, as parts of the view.
+void takeChanges() {
+  if (windowStack.rootPixmapChanged) {
+    windowStack.rootPixmapChanged = false;
+    forgetBackdrop();
+    view.toCompose = wholeView();
+  }
+  view.toCompose += windowStack.changed.translated(-view.origin);
+  windowStack.changed = QRegion();
+  view.toCompose &= wholeView();
+  view.toFilter = (view.toFilter & wholeView()) - view.toCompose;
+}
+
+std::vector<QRect> inParts(const QRegion& region) {
+  std::vector<QRect> parts;
+  for (const QRect& rect : region) {
+    const int rows = std::max(1, pixelsAtOnce / rect.width());
+    for (int top = rect.top(); top <= rect.bottom(); top += rows) {
+      parts.emplace_back(rect.left(), top, rect.width(), std::min(rows, rect.bottom() + 1 - top));
+    }
+  }
+  return parts;
+}
+
+void filterAndShow(const QRect& part) {
+  const ViewFrames& frames = view.frames;
+  const std::ptrdiff_t offset = frames.offset(part.topLeft());
+  filterRows(view.filter, frames.unfiltered.bytes + offset, frames.stride(),
+             frames.filtered.bytes + offset, frames.stride(),
+             static_cast<std::size_t>(part.width()), static_cast<std::size_t>(part.height()));
+  showFiltered(frames, view.window, part);
+  xcb_flush(xServer.connection);
+}
+
+void composeFilterAndShow(const std::vector<QRect>& parts) {
+  std::vector<unsigned int> requests;
+  for (const QRect& part : parts) {
+    compose(view.frames.composed, view.frames.context, view.origin, part.translated(view.origin));
+    requests.push_back(requestPixels(view.frames, part));
+  }
+  xcb_flush(xServer.connection);
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    if (receivePixels(view.frames, parts[i], requests[i])) filterAndShow(parts[i]);
+  }
+}
+
+void filterAgain(const std::vector<QRect>& parts) {
+  // The server may still be at work on the pixels that were filtered before.
+  waitForXServer();
+  for (const QRect& part : parts) filterAndShow(part);
+}
+
+}  // namespace
+
+void startView(xcb_window_t window) {
+  view.window = window;
+}
+
+void stopView() {
+  releaseFrames(view.frames);
+  forgetTarget();
+  forgetBackdrop();
+  xcb_destroy_window(xServer.connection, view.window);
+  view = {};
+}
+
+void setViewSize(const QSize& size) {
+  if (size == view.size) return;
+  view.size = size;
+  if (size.isEmpty()) return;
+  makeRoom(view.frames, size, xServer.sharing);
+  view.toCompose = wholeView();
+}
+
+void setViewOrigin(const QPoint& origin) {
+  if (origin == view.origin) return;
+  view.origin = origin;
+  view.toCompose = wholeView();
+}
+
+void setViewFilter(const PixelFilter& filter) {
+  view.filter = filter;
+  view.toFilter = wholeView();
+}
+
+void updateView() {
+  if (view.window == XCB_NONE) return;
+  followEvents(&xcb_poll_for_event);
+  if (!isOwnWindowShown() || view.size.isEmpty()) return;
+  collectDamage({view.origin, view.size});
+  takeChanges();
+  const QRegion toCompose = std::exchange(view.toCompose, {});
+  const QRegion toFilter = std::exchange(view.toFilter, {});
+  if (!toCompose.isEmpty()) composeFilterAndShow(inParts(toCompose));
+  if (!toFilter.isEmpty()) filterAgain(inParts(toFilter));
+  // What came in between the answers waits in no socket: it would not wake the loop.
+  if (followEvents(&xcb_poll_for_queued_event)) QAbstractEventDispatcher::instance()->wakeUp();
+}
+
+void finishView() {
+  updateView();
+  waitForXServer();
+}
+
+}  // namespace tintora::platform

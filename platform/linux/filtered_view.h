@@ -1,0 +1,33 @@
+// The picture in the magnifier's window: what it shows, when it is made anew, and how much of it.
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <QPoint>
+#include <QSize>
+
+#include "engine/pixel_filter.h"
+
+namespace tintora::platform {
+
+// Begins to show a view in a window of the X server's that belongs to the view from now on.
+void startView(xcb_window_t window);
+
+// Ends it; the window is gone then.
+void stopView();
+
+// Its size, and the place on the root that its left top corner shows.
+void setViewSize(const QSize& size);
+void setViewOrigin(const QPoint& origin);
+
+// What it is seen through. Nothing is read again for that.
+void setViewFilter(const PixelFilter& filter);
+
+// Takes in what the server tells, and brings those parts of the picture up to date that changed:
+// once for each turn of the event loop.
+void updateView();
+
+// Does that and returns when the server shows it.
+void finishView();
+
+}  // namespace tintora::platform

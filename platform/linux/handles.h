@@ -1,0 +1,30 @@
+// The seam's opaque windows are records around Qt's.
+#pragma once
+
+#include <QBackingStore>
+#include <QMargins>
+#include <QPoint>
+#include <QTimer>
+#include <QWindow>
+#include <deque>
+#include <memory>
+#include <optional>
+
+#include "platform/window.h"
+
+namespace tintora::platform {
+
+struct Window {
+  WindowKind kind = WindowKind::Main;
+  std::unique_ptr<QWindow> window = std::make_unique<QWindow>();
+  WindowForm form = WindowForm::Framed;
+  bool acceptsFiles = false;
+  bool stale = false;          // invalidated while it was being painted
+  int wheelTravel = 0;         // what does not make a whole step yet
+  QMargins frame;              // the frame that it had last
+  std::deque<QPoint> movedTo;  // places asked for where it may still have to arrive
+  QTimer timer;
+  std::unique_ptr<QBackingStore> surface;  // once it was painted
+};
+
+}  // namespace tintora::platform

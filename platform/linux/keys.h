@@ -1,0 +1,11 @@
+// From the keys of an X11 keyboard to virtual-key codes.
+#pragma once
+
+class QKeyEvent;
+
+namespace tintora::platform {
+
+// The virtual-key code of a key, or 0 where it has none.
+int virtualKey(const QKeyEvent& key);
+
+}  // namespace tintora::platform

@@ -1,0 +1,118 @@
+#include "platform/magnifier.h"
+
+#include <xcb/xcb.h>
+
+#include <QAbstractEventDispatcher>
+#include <QSocketNotifier>
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <memory>
+
+#include "platform/linux/filtered_view.h"
+#include "platform/linux/handles.h"
+#include "platform/linux/window_stack.h"
+#include "platform/linux/x_server.h"
+
+namespace tintora::platform {
+
+namespace {
+
+// A window of the server's that Qt knows nothing of. It takes no input, so that all input goes to
+// the main window behind it.
+struct Magnifier {
+  xcb_window_t window = XCB_NONE;
+  EffectMatrix shown{};
+  std::unique_ptr<QSocketNotifier> notifier;
+};
+Magnifier theMagnifier;
+
+// The seam's handle of it; there is one only.
+Window* handle() {
+  return reinterpret_cast<Window*>(&theMagnifier);
+}
+
+xcb_window_t createChild(xcb_window_t parent, const Rect& bounds) {
+  const xcb_window_t window = xcb_generate_id(xServer.connection);
+  // What is there stays there until the new picture comes.
+  const std::array<std::uint32_t, 3> looks{XCB_BACK_PIXMAP_NONE, XCB_GRAVITY_NORTH_WEST,
+                                           XCB_EVENT_MASK_EXPOSURE};
+  xcb_create_window(xServer.connection, XCB_COPY_FROM_PARENT, window, parent,
+                    static_cast<std::int16_t>(bounds.left), static_cast<std::int16_t>(bounds.top),
+                    static_cast<std::uint16_t>(std::max(1, bounds.width())),
+                    static_cast<std::uint16_t>(std::max(1, bounds.height())), 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                    XCB_CW_BACK_PIXMAP | XCB_CW_BIT_GRAVITY | XCB_CW_EVENT_MASK, looks.data());
+  xcb_map_window(xServer.connection, window);
+  return window;
+}
+
+// The loop waits on the server's events too, and brings the view up to date before each wait.
+void joinEventLoop() {
+  QAbstractEventDispatcher* const loop = QAbstractEventDispatcher::instance();
+  theMagnifier.notifier = std::make_unique<QSocketNotifier>(
+      xcb_get_file_descriptor(xServer.connection), QSocketNotifier::Read);
+  QObject::connect(theMagnifier.notifier.get(), &QSocketNotifier::activated, [] {
+    if (xcb_connection_has_error(xServer.connection) == 0) return;
+    // Without the server there is nothing left to do.
+    theMagnifier.notifier->setEnabled(false);
+    quit(1);
+  });
+  QObject::connect(loop, &QAbstractEventDispatcher::aboutToBlock, theMagnifier.notifier.get(),
+                   &updateView);
+}
+
+}  // namespace
+
+bool startMagnifier() {
+  return xServer.connection != nullptr;
+}
+
+void stopMagnifier() {
+  theMagnifier = {};
+  stopView();
+  forgetWindows();
+  disconnectFromXServer();
+}
+
+Window* createMagnifier(Window* parent, const std::string& /*title*/, const Rect& bounds) {
+  const auto parentWindow = static_cast<xcb_window_t>(parent->window->winId());
+  watchWindows(parentWindow);
+  theMagnifier.window = createChild(parentWindow, bounds);
+  startView(theMagnifier.window);
+  setViewSize({bounds.width(), bounds.height()});
+  joinEventLoop();
+  return handle();
+}
+
+void setUnmagnified(Window* /*magnifier*/) {
+  // It shows nothing in any other size.
+}
+
+void setMagnifierSource(Window* /*magnifier*/, const Rect& source) {
+  setViewOrigin({source.left, source.top});
+}
+
+void setColourEffect(Window* /*magnifier*/, const EffectMatrix& matrix) {
+  if (matrix == theMagnifier.shown) return;
+  theMagnifier.shown = matrix;
+  setViewFilter(makePixelFilter(matrix));
+}
+
+void fitMagnifier(Window* /*magnifier*/, const Rect& bounds) {
+  const std::array<std::uint32_t, 4> place{
+      static_cast<std::uint32_t>(bounds.left), static_cast<std::uint32_t>(bounds.top),
+      static_cast<std::uint32_t>(std::max(1, bounds.width())),
+      static_cast<std::uint32_t>(std::max(1, bounds.height()))};
+  xcb_configure_window(xServer.connection, theMagnifier.window,
+                       XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                           XCB_CONFIG_WINDOW_HEIGHT,
+                       place.data());
+  setViewSize({bounds.width(), bounds.height()});
+}
+
+void invalidateMagnifier(Window* /*magnifier*/) {
+  // The view is drawn anew where and when something changes.
+}
+
+}  // namespace tintora::platform

@@ -1,0 +1,90 @@
+#include "shell/main.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <QApplication>
+#include <QSocketNotifier>
+#include <array>
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+#include "platform/linux/program.h"
+#include "platform/linux/x_server.h"
+#include "platform/window.h"
+
+namespace {
+
+constexpr const char* help =
+    "Usage: tintora [LETTERS]\n"
+    "\n"
+    "Opens a frame through which the screen beneath is seen through another colour vision. The\n"
+    "right mouse button opens the menu. F1 shows the keys.\n"
+    "\n"
+    "Letters anywhere in the first 10 characters of the arguments, as in -st:\n"
+    "  s    choose among the simulation algorithms in the menu\n"
+    "  t    tritan vision in the menu and with key T\n"
+    "\n"
+    "  --help       show this\n"
+    "  --version    show the version\n"
+    "\n"
+    "Files: tintora/settings.ini and tintora/Tintora_custom.txt in the user's configuration "
+    "folder\n"
+    "(XDG_CONFIG_HOME, else ~/.config); a Tintora_custom.txt beside the program comes first.\n";
+
+// What is told and done instead of opening windows.
+bool answers(std::string_view argument) {
+  if (argument == "--help") return std::fputs(help, stdout) >= 0;
+  if (argument == "--version") return std::puts("tintora " TINTORA_VERSION) >= 0;
+  return false;
+}
+
+// Before Qt starts: windows in pixels of the screen, over X11, with Qt's own event loop.
+void prepareQt() {
+  qputenv("QT_QPA_PLATFORM", "xcb");
+  qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
+  qputenv("QT_NO_GLIB", "1");
+  QCoreApplication::setApplicationName("tintora");
+  QCoreApplication::setApplicationVersion(TINTORA_VERSION);
+  QGuiApplication::setDesktopFileName("tintora");
+}
+
+// Being told to end is no reason to lose the settings: a signal becomes an event of the loop.
+std::array<int, 2> signalPipe{-1, -1};
+
+void onSignal(int /*signal*/) {
+  const char byte = 0;
+  [[maybe_unused]] const ssize_t written = write(signalPipe[1], &byte, 1);
+}
+
+void endOnSignals(QSocketNotifier& notifier) {
+  QObject::connect(&notifier, &QSocketNotifier::activated, [&notifier] {
+    notifier.setEnabled(false);
+    tintora::platform::quit(0);
+  });
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) std::signal(signal, &onSignal);
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  if (count > 1 && answers(arguments[1])) return 0;
+  if (const auto obstacle = tintora::platform::connectToXServer()) {
+    std::fprintf(stderr, "tintora: %s\n", obstacle->c_str());
+    return 1;
+  }
+  prepareQt();
+  tintora::platform::setArguments(count, arguments);
+  // The arguments are the program's, not Qt's.
+  int ownName = 1;
+  const QApplication application(ownName, arguments);
+  // The custom file has decimal points wherever its reader lives.
+  std::setlocale(LC_NUMERIC, "C");
+  if (pipe2(signalPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) return 1;
+  QSocketNotifier signals(signalPipe[0], QSocketNotifier::Read);
+  endOnSignals(signals);
+  return tintora::runProgram();
+}

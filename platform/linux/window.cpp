@@ -1,0 +1,198 @@
+#include "platform/window.h"
+
+#include <xcb/shape.h>
+#include <xcb/xcb.h>
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <array>
+
+#include "platform/linux/event_loop.h"
+#include "platform/linux/handles.h"
+#include "platform/linux/text.h"
+#include "platform/linux/x_server.h"
+
+namespace tintora::platform {
+
+namespace {
+
+// By WindowKind. What is painted needs no surface but the one it is painted on.
+struct WindowKindFacts {
+  Qt::WindowFlags flags;
+  QSurface::SurfaceType surface;
+};
+const std::array<WindowKindFacts, 3> windowKinds{{
+    {Qt::Window | Qt::WindowStaysOnTopHint, QSurface::RasterSurface},
+    {Qt::Window | Qt::WindowStaysOnTopHint | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+         Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint,
+     QSurface::RasterSurface},
+    {Qt::Window | Qt::WindowStaysOnTopHint, QSurface::OpenGLSurface},
+}};
+
+// By WindowForm.
+struct WindowFormFacts {
+  bool framed;
+  Qt::WindowState state;
+};
+constexpr std::array<WindowFormFacts, 5> windowForms{{
+    {true, Qt::WindowNoState},
+    {false, Qt::WindowNoState},
+    {true, Qt::WindowMaximized},
+    {false, Qt::WindowMaximized},
+    {false, Qt::WindowFullScreen},
+}};
+
+template <typename Value, std::size_t size, typename Index>
+const Value& at(const std::array<Value, size>& table, Index index) {
+  return table[static_cast<std::size_t>(index)];
+}
+
+QRect fromProgram(const Rect& rect) {
+  return {rect.left, rect.top, rect.width(), rect.height()};
+}
+Rect toProgram(const QRect& rect) {
+  return {rect.left(), rect.top(), rect.left() + rect.width(), rect.top() + rect.height()};
+}
+
+void setInputShape(xcb_window_t window, bool transparent) {
+  if (transparent) {
+    xcb_shape_rectangles(xServer.connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
+                         XCB_CLIP_ORDERING_UNSORTED, window, 0, 0, 0, nullptr);
+  } else {
+    xcb_shape_mask(xServer.connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, window, 0, 0,
+                   XCB_NONE);
+  }
+}
+
+xcb_window_t parentOf(xcb_window_t window) {
+  xcb_connection_t* const x = xServer.connection;
+  const Received<xcb_query_tree_reply_t> tree(
+      xcb_query_tree_reply(x, xcb_query_tree(x, window), nullptr));
+  return tree ? tree->parent : static_cast<xcb_window_t>(XCB_NONE);
+}
+
+void rememberFrame(Window* window) {
+  const QMargins frame = window->window->frameMargins();
+  if (!frame.isNull()) window->frame = frame;
+}
+
+}  // namespace
+
+void registerWindowKinds(EventHandler handler) {
+  setEventHandler(handler);
+}
+
+void unregisterWindowKinds() {
+  setEventHandler(nullptr);
+}
+
+Window* createWindow(WindowKind kind, const std::string& title, const Rect& bounds) {
+  const WindowKindFacts& facts = at(windowKinds, kind);
+  // Windows live as long as the program.
+  auto* const window = new Window;
+  window->kind = kind;
+  window->window->setSurfaceType(facts.surface);
+  window->window->setFlags(facts.flags);
+  window->window->create();
+  setTitle(window, title);
+  setWindowBounds(window, bounds);
+  translateEvents(window);
+  return window;
+}
+
+void setWindowForm(Window* window, WindowForm form) {
+  const WindowFormFacts& facts = at(windowForms, form);
+  const Rect bounds = windowBounds(window);
+  rememberFrame(window);
+  window->form = form;
+  window->window->setFlag(Qt::FramelessWindowHint, !facts.framed);
+  if (window->window->windowStates() != facts.state) window->window->setWindowStates(facts.state);
+  if (facts.state != Qt::WindowNoState) return;
+  const QRect outer = fromProgram(bounds);
+  window->window->setGeometry(facts.framed ? outer.marginsRemoved(window->frame) : outer);
+}
+
+void setHitTransparent(Window* window, bool transparent) {
+  // The frame of a window manager around it is hit first.
+  const xcb_window_t root = xServer.screen->root;
+  auto part = static_cast<xcb_window_t>(window->window->winId());
+  for (; part != root && part != XCB_NONE; part = parentOf(part)) setInputShape(part, transparent);
+  xcb_flush(xServer.connection);
+}
+
+void showWindow(Window* window, ShowState state) {
+  QWindow& shown = *window->window;
+  if (state == ShowState::Hidden) return shown.setVisible(false);
+  if (state == ShowState::Normal) shown.setWindowStates(Qt::WindowNoState);
+  if (state == ShowState::Maximised && window->form != WindowForm::FullScreen) {
+    shown.setWindowStates(Qt::WindowMaximized);
+  }
+  shown.setVisible(true);
+}
+
+void setWindowBounds(Window* window, const Rect& bounds) {
+  const QRect outer = fromProgram(bounds);
+  if (toProgram(window->window->frameGeometry()) == bounds) return;
+  constexpr std::size_t mostMoves = 64;
+  window->movedTo.push_back(outer.topLeft());
+  if (window->movedTo.size() > mostMoves) window->movedTo.pop_front();
+  window->window->setGeometry(outer.marginsRemoved(window->window->frameMargins()));
+}
+
+Rect windowBounds(const Window* window) {
+  return toProgram(window->window->frameGeometry());
+}
+
+Rect clientArea(const Window* window) {
+  return {0, 0, window->window->width(), window->window->height()};
+}
+
+Point clientOrigin(const Window* window) {
+  const QPoint origin = window->window->geometry().topLeft();
+  return {origin.x(), origin.y()};
+}
+
+bool isMaximised(const Window* window) {
+  return window->form == WindowForm::FullScreen ||
+         window->window->windowStates().testFlag(Qt::WindowMaximized) ||
+         window->window->windowStates().testFlag(Qt::WindowFullScreen);
+}
+
+void setTitle(Window* window, const std::string& title) {
+  window->window->setTitle(toUnicode(title));
+}
+
+std::string windowTitle(const Window* window, std::size_t most) {
+  return fromUnicode(window->window->title()).substr(0, most);
+}
+
+void acceptDroppedFiles(Window* window, bool accept) {
+  window->acceptsFiles = accept;
+}
+
+void startTimer(Window* window, int milliseconds) {
+  window->timer.callOnTimeout(window->window.get(), [window] {
+    handOver({.kind = EventKind::TimerElapsed, .window = window});
+  });
+  window->timer.start(milliseconds);
+}
+
+void stopTimer(Window* window) {
+  window->timer.stop();
+  window->timer.disconnect();
+}
+
+Point cursorPosition() {
+  const QPoint place = QCursor::pos();
+  return {place.x(), place.y()};
+}
+
+void showCursor(bool shown) {
+  if (shown) {
+    QGuiApplication::restoreOverrideCursor();
+  } else {
+    QGuiApplication::setOverrideCursor(Qt::BlankCursor);
+  }
+}
+
+}  // namespace tintora::platform

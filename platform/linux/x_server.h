@@ -1,0 +1,60 @@
+// The program's own connection to the X server, beside Qt's: what the filtered view needs of other
+// programs' windows goes over it.
+#pragma once
+
+#include <xcb/render.h>
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tintora::platform {
+
+// Replies and events come from malloc.
+struct Free {
+  void operator()(void* block) const { std::free(block); }
+};
+template <typename Block>
+using Received = std::unique_ptr<Block, Free>;
+
+// What RENDER reads windows of a visual as.
+struct VisualFormat {
+  xcb_visualid_t visual;
+  xcb_render_pictformat_t format;
+  bool hasAlpha;
+};
+
+// How far pixels can be shared with the server instead of being sent.
+enum class PixelSharing { None, Images, Pixmaps };
+
+struct XServer {
+  xcb_connection_t* connection = nullptr;
+  const xcb_screen_t* screen = nullptr;
+  PixelSharing sharing = PixelSharing::None;
+  std::uint8_t damageNotify = 0;  // event codes
+  std::uint8_t shapeNotify = 0;
+  xcb_atom_t rootPixmap = XCB_NONE;     // the two names under which background setters
+  xcb_atom_t setRootPixmap = XCB_NONE;  // leave their pixmap
+  xcb_atom_t windowOpacity = XCB_NONE;
+  std::vector<VisualFormat> formats;
+};
+
+extern XServer xServer;
+
+// Connects; what stands in the way as one line, or nothing.
+std::optional<std::string> connectToXServer();
+
+// Ends the connection, and with it all that the server holds for it.
+void disconnectFromXServer();
+
+// The format of a visual; null where RENDER has none.
+const VisualFormat* formatOf(xcb_visualid_t visual);
+
+// Returns when the server has done all that was asked so far.
+void waitForXServer();
+
+}  // namespace tintora::platform

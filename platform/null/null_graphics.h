@@ -1,0 +1,92 @@
+// A graphics device that draws nothing: it keeps what it was asked, for tests to read.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/graphics.h"
+
+namespace tintora::platform {
+
+struct GraphicsDevice {
+  int number = 0;  // in the order of creation, from 1
+  Window* window = nullptr;
+  Size size;
+  std::array<Matrix4x4, 3> transforms{};  // by TransformKind
+  VertexBuffer* vertexBuffer = nullptr;   // that is drawn from
+  IndexBuffer* indexBuffer = nullptr;
+};
+
+struct VertexBuffer {
+  int number = 0;
+  BufferUse use = BufferUse::OnDevice;
+  std::size_t capacity = 0;  // vertices
+  std::vector<ColourVertex> vertices;
+};
+
+struct IndexBuffer {
+  int number = 0;
+  BufferUse use = BufferUse::OnDevice;
+  std::vector<std::uint16_t> indices;
+};
+
+struct TextFont {
+  int number = 0;
+  std::string face;
+  int height = 0;
+  bool outlinesOnly = false;
+};
+
+struct DrawnPrimitives {
+  PrimitiveKind kind;
+  int vertices = 0;  // 0 without indices
+  int primitives = 0;
+  Matrix4x4 world;
+  Matrix4x4 view;
+  Matrix4x4 projection;
+  const VertexBuffer* vertexBuffer = nullptr;
+  const IndexBuffer* indexBuffer = nullptr;
+};
+
+struct DrawnText {
+  const TextFont* font = nullptr;
+  Rect area;
+  PackedColour colour = 0;
+  std::string text;
+};
+
+struct NullGraphics {
+  // Set before drawing.
+  bool keepsCalls = false;
+  int spaceBelowLine = 0;  // what a line of text is higher than its font
+
+  // Every call by its name and arguments, while they are kept.
+  std::vector<std::string> calls;
+
+  // What was made and not yet released.
+  std::vector<std::unique_ptr<GraphicsDevice>> devices;
+  std::vector<std::unique_ptr<VertexBuffer>> vertexBuffers;
+  std::vector<std::unique_ptr<IndexBuffer>> indexBuffers;
+  std::vector<std::unique_ptr<TextFont>> fonts;
+  int devicesMade = 0;
+  int vertexBuffersMade = 0;
+  int indexBuffersMade = 0;
+  int fontsMade = 0;
+
+  // The last picture; its primitives can be read as long as their buffers live.
+  PackedColour background = 0;
+  std::vector<DrawnPrimitives> drawn;
+  std::vector<DrawnText> texts;
+  int picturesShown = 0;
+};
+
+NullGraphics& nullGraphics();
+
+// Forgets everything; no device, buffer or font is valid then.
+void resetNullGraphics();
+
+}  // namespace tintora::platform

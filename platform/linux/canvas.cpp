@@ -1,10 +1,9 @@
 #include "platform/canvas.h"
 
-#include <QFont>
-#include <QFontMetrics>
 #include <QPainter>
 #include <memory>
 
+#include "platform/linux/fonts.h"
 #include "platform/linux/handles.h"
 #include "platform/linux/text.h"
 
@@ -21,16 +20,6 @@ constexpr int fontHeight = 16;
 
 QRegion areaOf(const Window* window) {
   return QRect(QPoint(), window->window->size());
-}
-
-// A font whose ascent and descent fill the height, as a cell height is meant.
-QFont fontOfHeight(int height) {
-  QFont font("Microsoft Sans Serif");
-  font.setPixelSize(height);
-  for (int size = height; size > 1 && QFontMetrics(font).height() > height; --size) {
-    font.setPixelSize(size);
-  }
-  return font;
 }
 
 }  // namespace

@@ -21,7 +21,7 @@ struct Window {
   bool acceptsFiles = false;
   bool stale = false;          // invalidated while it was being painted
   int wheelTravel = 0;         // what does not make a whole step yet
-  QMargins frame;              // the frame that it had last
+  QMargins formerFrame;        // that it had when it last had one
   std::deque<QPoint> movedTo;  // places asked for where it may still have to arrive
   QTimer timer;
   std::unique_ptr<QBackingStore> surface;  // once it was painted

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <QIcon>
 #include <QSocketNotifier>
 #include <array>
 #include <clocale>
@@ -81,6 +82,7 @@ int main(int count, char** arguments) {
   // The arguments are the program's, not Qt's.
   int ownName = 1;
   const QApplication application(ownName, arguments);
+  QApplication::setWindowIcon(QIcon(":/tintora.png"));
   // The custom file has decimal points wherever its reader lives.
   std::setlocale(LC_NUMERIC, "C");
   if (pipe2(signalPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) return 1;

@@ -2,9 +2,8 @@
 
 #include <QAction>
 #include <QCoreApplication>
-#include <QLabel>
 #include <QMenu>
-#include <QWidgetAction>
+#include <QPalette>
 #include <vector>
 
 #include "platform/linux/event_loop.h"
@@ -25,6 +24,16 @@ void keepMark(QAction* item) {
   if (item->isCheckable()) item->setChecked(!item->isChecked());
 }
 
+// Labels are items that cannot be chosen; they are not to look it.
+void showLabelsAsItems(QMenu& menu) {
+  QPalette palette = menu.palette();
+  for (const QPalette::ColorRole role :
+       {QPalette::Text, QPalette::WindowText, QPalette::ButtonText}) {
+    palette.setBrush(QPalette::Disabled, role, palette.brush(QPalette::Active, role));
+  }
+  menu.setPalette(palette);
+}
+
 // Once the menu has done with it: the command may destroy the menu.
 void sendCommand(const Menu* menu, const QAction* item) {
   QMetaObject::invokeMethod(
@@ -39,6 +48,7 @@ void sendCommand(const Menu* menu, const QAction* item) {
 
 Menu* createMenu() {
   auto* const menu = new Menu;
+  showLabelsAsItems(menu->menu);
   // Told of the choices in its submenus too.
   QObject::connect(&menu->menu, &QMenu::triggered, &menu->menu, [menu](QAction* item) {
     if (menu->window == nullptr) return;
@@ -58,13 +68,7 @@ void appendItem(Menu* menu, int command, const std::string& text) {
 }
 
 void appendLabel(Menu* menu, int /*command*/, const std::string& text) {
-  auto* const label = new QLabel(toUnicode(text).replace("&&", "&"));
-  // Where the text of the items begins, behind the column of the marks.
-  const int indent = label->fontMetrics().height() + label->fontMetrics().averageCharWidth();
-  label->setContentsMargins(indent, 2, indent, 2);
-  auto* const action = new QWidgetAction(&menu->menu);
-  action->setDefaultWidget(label);
-  menu->menu.addAction(action);
+  menu->menu.addAction(toUnicode(text))->setEnabled(false);
 }
 
 void appendSeparator(Menu* menu) {

@@ -16,18 +16,12 @@ namespace tintora::platform {
 
 namespace {
 
-// By WindowKind. What is painted needs no surface but the one it is painted on.
-struct WindowKindFacts {
-  Qt::WindowFlags flags;
-  QSurface::SurfaceType surface;
-};
-const std::array<WindowKindFacts, 3> windowKinds{{
-    {Qt::Window | Qt::WindowStaysOnTopHint, QSurface::RasterSurface},
-    {Qt::Window | Qt::WindowStaysOnTopHint | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-         Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint,
-     QSurface::RasterSurface},
-    {Qt::Window | Qt::WindowStaysOnTopHint, QSurface::OpenGLSurface},
-}};
+// By WindowKind.
+const std::array<Qt::WindowFlags, 3> windowKinds{
+    Qt::Window | Qt::WindowStaysOnTopHint,
+    Qt::Window | Qt::WindowStaysOnTopHint | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+        Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint,
+    Qt::Window | Qt::WindowStaysOnTopHint};
 
 // By WindowForm.
 struct WindowFormFacts {
@@ -71,9 +65,21 @@ xcb_window_t parentOf(xcb_window_t window) {
   return tree ? tree->parent : static_cast<xcb_window_t>(XCB_NONE);
 }
 
-void rememberFrame(Window* window) {
+// What a window manager puts around a window, or will: it takes its time.
+QMargins frameOf(const Window* window) {
+  if (!at(windowForms, window->form).framed) return {};
   const QMargins frame = window->window->frameMargins();
-  if (!frame.isNull()) window->frame = frame;
+  return frame.isNull() ? window->formerFrame : frame;
+}
+
+QRect outerBounds(const Window* window) {
+  return window->window->geometry().marginsAdded(frameOf(window));
+}
+
+// The control window has no sizing frame.
+void fixSize(Window* window, const QSize& size) {
+  window->window->setMinimumSize(size);
+  window->window->setMaximumSize(size);
 }
 
 }  // namespace
@@ -87,12 +93,10 @@ void unregisterWindowKinds() {
 }
 
 Window* createWindow(WindowKind kind, const std::string& title, const Rect& bounds) {
-  const WindowKindFacts& facts = at(windowKinds, kind);
   // Windows live as long as the program.
   auto* const window = new Window;
   window->kind = kind;
-  window->window->setSurfaceType(facts.surface);
-  window->window->setFlags(facts.flags);
+  window->window->setFlags(at(windowKinds, kind));
   window->window->create();
   setTitle(window, title);
   setWindowBounds(window, bounds);
@@ -102,14 +106,13 @@ Window* createWindow(WindowKind kind, const std::string& title, const Rect& boun
 
 void setWindowForm(Window* window, WindowForm form) {
   const WindowFormFacts& facts = at(windowForms, form);
-  const Rect bounds = windowBounds(window);
-  rememberFrame(window);
+  const QRect outer = outerBounds(window);
+  window->formerFrame = frameOf(window).isNull() ? window->formerFrame : frameOf(window);
   window->form = form;
   window->window->setFlag(Qt::FramelessWindowHint, !facts.framed);
   if (window->window->windowStates() != facts.state) window->window->setWindowStates(facts.state);
   if (facts.state != Qt::WindowNoState) return;
-  const QRect outer = fromProgram(bounds);
-  window->window->setGeometry(facts.framed ? outer.marginsRemoved(window->frame) : outer);
+  window->window->setGeometry(outer.marginsRemoved(frameOf(window)));
 }
 
 void setHitTransparent(Window* window, bool transparent) {
@@ -132,15 +135,17 @@ void showWindow(Window* window, ShowState state) {
 
 void setWindowBounds(Window* window, const Rect& bounds) {
   const QRect outer = fromProgram(bounds);
-  if (toProgram(window->window->frameGeometry()) == bounds) return;
+  if (outerBounds(window) == outer) return;
   constexpr std::size_t mostMoves = 64;
   window->movedTo.push_back(outer.topLeft());
   if (window->movedTo.size() > mostMoves) window->movedTo.pop_front();
-  window->window->setGeometry(outer.marginsRemoved(window->window->frameMargins()));
+  const QRect inner = outer.marginsRemoved(frameOf(window));
+  if (window->kind == WindowKind::Control) fixSize(window, inner.size());
+  window->window->setGeometry(inner);
 }
 
 Rect windowBounds(const Window* window) {
-  return toProgram(window->window->frameGeometry());
+  return toProgram(outerBounds(window));
 }
 
 Rect clientArea(const Window* window) {

@@ -1,8 +1,9 @@
 #include "platform/graphics.h"
 
+#include <bit>
+#include <cstddef>
 #include <vector>
 
-#include "platform/linux/fonts.h"
 #include "platform/linux/graphics_text.h"
 #include "platform/linux/handles.h"
 #include "platform/linux/open_gl.h"
@@ -95,7 +96,7 @@ void bindVertices(OpenGl& gl, VertexBuffer& buffer) {
                     buffer.vertices.data(), GL_DYNAMIC_DRAW);
     buffer.changed = false;
   }
-  const auto* const colour = reinterpret_cast<const void*>(offsetof(ColourVertex, colour));
+  const auto* const colour = std::bit_cast<const void*>(offsetof(ColourVertex, colour));
   gl.glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, sizeof(ColourVertex), nullptr);
   gl.glVertexAttribPointer(1, GL_BGRA, GL_UNSIGNED_BYTE, GL_TRUE, sizeof(ColourVertex), colour);
 }
@@ -162,9 +163,7 @@ void releaseGraphicsDevice(GraphicsDevice* device) {
 }
 
 TextFont* createTextFont(GraphicsDevice* /*device*/, const TextFontForm& form) {
-  auto* const font = new TextFont{.font = fontOfHeight(form.height), .height = form.height};
-  if (form.outlinesOnly) font->font.setStyleStrategy(QFont::ForceOutline);
-  return font;
+  return new TextFont{.height = form.height, .outlinesOnly = form.outlinesOnly};
 }
 
 void releaseTextFont(TextFont* font) {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "platform/linux/fonts.h"
 #include "platform/linux/text.h"
 
 namespace tintora::platform {
@@ -62,6 +63,14 @@ const TextProgram& textProgram(OpenGl& gl) {
   return made;
 }
 
+const QFont& fontOf(TextFont& font) {
+  if (!font.font) {
+    font.font = fontOfHeight(font.height);
+    if (font.outlinesOnly) font.font->setStyleStrategy(QFont::ForceOutline);
+  }
+  return *font.font;
+}
+
 QImage coverageOf(const QFont& font, const QString& text) {
   const QFontMetrics metrics(font);
   QImage image(metrics.horizontalAdvance(text) + 2 * overhang, metrics.height(),
@@ -90,7 +99,7 @@ const TextImage& imageOf(OpenGl& gl, TextFont& font, const std::string& text) {
   const auto known = font.images.find(text);
   if (known != font.images.end()) return known->second;
   if (font.images.size() >= mostImages) discardImages(font);
-  return font.images.emplace(text, makeImage(gl, font.font, text)).first->second;
+  return font.images.emplace(text, makeImage(gl, fontOf(font), text)).first->second;
 }
 
 void setColour(OpenGl& gl, GLint uniform, PackedColour colour) {

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <QFont>
-#include <QPoint>
+#include <optional>
 #include <string>
 #include <unordered_map>
 
@@ -17,9 +17,11 @@ struct TextImage {
   Size size;
 };
 
+// The font itself is sought when its first line is drawn: looking for one takes long.
 struct TextFont {
-  QFont font;
   int height = 0;  // of a line, in pixels
+  bool outlinesOnly = false;
+  std::optional<QFont> font{};
   std::unordered_map<std::string, TextImage> images{};
 };
 

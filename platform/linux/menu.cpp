@@ -19,6 +19,9 @@ struct Menu {
 
 namespace {
 
+// A menu goes with the one it belongs to, and may be let go once more under its own handle.
+std::vector<Menu*> livingMenus;
+
 // Qt has changed the mark itself; marks are the program's.
 void keepMark(QAction* item) {
   if (item->isCheckable()) item->setChecked(!item->isChecked());
@@ -47,7 +50,7 @@ void sendCommand(const Menu* menu, const QAction* item) {
 }  // namespace
 
 Menu* createMenu() {
-  auto* const menu = new Menu;
+  auto* const menu = livingMenus.emplace_back(new Menu);
   showLabelsAsItems(menu->menu);
   // Told of the choices in its submenus too.
   QObject::connect(&menu->menu, &QMenu::triggered, &menu->menu, [menu](QAction* item) {
@@ -59,6 +62,7 @@ Menu* createMenu() {
 }
 
 void destroyMenu(Menu* menu) {
+  if (std::erase(livingMenus, menu) == 0) return;
   for (Menu* const submenu : menu->submenus) destroyMenu(submenu);
   delete menu;
 }

@@ -10,6 +10,7 @@
 #include "platform/linux/event_loop.h"
 #include "platform/linux/handles.h"
 #include "platform/linux/text.h"
+#include "platform/linux/window_frame.h"
 #include "platform/linux/x_server.h"
 
 namespace tintora::platform {
@@ -65,17 +66,6 @@ xcb_window_t parentOf(xcb_window_t window) {
   return tree ? tree->parent : static_cast<xcb_window_t>(XCB_NONE);
 }
 
-// What a window manager puts around a window, or will: it takes its time.
-QMargins frameOf(const Window* window) {
-  if (!at(windowForms, window->form).framed) return {};
-  const QMargins frame = window->window->frameMargins();
-  return frame.isNull() ? window->formerFrame : frame;
-}
-
-QRect outerBounds(const Window* window) {
-  return window->window->geometry().marginsAdded(frameOf(window));
-}
-
 // The control window has no sizing frame.
 void fixSize(Window* window, const QSize& size) {
   window->window->setMinimumSize(size);
@@ -98,6 +88,7 @@ Window* createWindow(WindowKind kind, const std::string& title, const Rect& boun
   window->kind = kind;
   window->window->setFlags(at(windowKinds, kind));
   window->window->create();
+  askForFrame(window);
   setTitle(window, title);
   setWindowBounds(window, bounds);
   translateEvents(window);
@@ -107,12 +98,12 @@ Window* createWindow(WindowKind kind, const std::string& title, const Rect& boun
 void setWindowForm(Window* window, WindowForm form) {
   const WindowFormFacts& facts = at(windowForms, form);
   const QRect outer = outerBounds(window);
-  window->formerFrame = frameOf(window).isNull() ? window->formerFrame : frameOf(window);
+  rememberFrame(window);
   window->form = form;
   window->window->setFlag(Qt::FramelessWindowHint, !facts.framed);
   if (window->window->windowStates() != facts.state) window->window->setWindowStates(facts.state);
   if (facts.state != Qt::WindowNoState) return;
-  window->window->setGeometry(outer.marginsRemoved(frameOf(window)));
+  window->window->setGeometry(innerBounds(window, outer));
 }
 
 void setHitTransparent(Window* window, bool transparent) {
@@ -139,7 +130,7 @@ void setWindowBounds(Window* window, const Rect& bounds) {
   constexpr std::size_t mostMoves = 64;
   window->movedTo.push_back(outer.topLeft());
   if (window->movedTo.size() > mostMoves) window->movedTo.pop_front();
-  const QRect inner = outer.marginsRemoved(frameOf(window));
+  const QRect inner = innerBounds(window, outer);
   if (window->kind == WindowKind::Control) fixSize(window, inner.size());
   window->window->setGeometry(inner);
 }

@@ -92,6 +92,19 @@ void readFormats(xcb_render_query_pict_formats_cookie_t cookie) {
   }
 }
 
+struct AtomName {
+  std::string_view name;
+  xcb_atom_t XServer::*atom;
+};
+constexpr std::array<AtomName, 6> atomNames{{
+    {"_XROOTPMAP_ID", &XServer::rootPixmap},
+    {"ESETROOT_PMAP_ID", &XServer::setRootPixmap},
+    {"_NET_WM_WINDOW_OPACITY", &XServer::windowOpacity},
+    {"_NET_SUPPORTED", &XServer::supported},
+    {"_NET_REQUEST_FRAME_EXTENTS", &XServer::requestFrameExtents},
+    {"_NET_FRAME_EXTENTS", &XServer::frameExtents},
+}};
+
 xcb_intern_atom_cookie_t askForAtom(std::string_view name) {
   return xcb_intern_atom(xServer.connection, 0, static_cast<std::uint16_t>(name.size()),
                          name.data());
@@ -159,13 +172,11 @@ std::optional<std::string> connectToXServer() {
   }
   agreeOnVersions();
   const auto formats = xcb_render_query_pict_formats(xServer.connection);
-  const std::array atoms{askForAtom("_XROOTPMAP_ID"), askForAtom("ESETROOT_PMAP_ID"),
-                         askForAtom("_NET_WM_WINDOW_OPACITY")};
+  std::vector<xcb_intern_atom_cookie_t> atoms;
+  for (const auto& [name, atom] : atomNames) atoms.push_back(askForAtom(name));
   xServer.sharing = askForSharing();
   readFormats(formats);
-  xServer.rootPixmap = readAtom(atoms[0]);
-  xServer.setRootPixmap = readAtom(atoms[1]);
-  xServer.windowOpacity = readAtom(atoms[2]);
+  for (std::size_t i = 0; i < atoms.size(); ++i) xServer.*atomNames[i].atom = readAtom(atoms[i]);
   xServer.damageNotify = static_cast<std::uint8_t>(
       xcb_get_extension_data(xServer.connection, &xcb_damage_id)->first_event + XCB_DAMAGE_NOTIFY);
   xServer.shapeNotify = static_cast<std::uint8_t>(

@@ -40,6 +40,9 @@ struct XServer {
   xcb_atom_t rootPixmap = XCB_NONE;     // the two names under which background setters
   xcb_atom_t setRootPixmap = XCB_NONE;  // leave their pixmap
   xcb_atom_t windowOpacity = XCB_NONE;
+  xcb_atom_t supported = XCB_NONE;  // what a window manager can be asked
+  xcb_atom_t requestFrameExtents = XCB_NONE;
+  xcb_atom_t frameExtents = XCB_NONE;
   std::vector<VisualFormat> formats;
 };
 

@@ -77,7 +77,7 @@ std::optional<Matrix4x4> inverse(const Matrix4x4& m) {
   Rows result{};
   for (std::size_t row = 0; row < 4; ++row) {
     for (std::size_t column = 0; column < 4; ++column) {
-      result[row][column] = cofactor(m, column, row) / determinant;
+      result[column][row] = cofactor(m, row, column) / determinant;
     }
   }
   return inFloats(result);

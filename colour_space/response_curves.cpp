@@ -29,7 +29,7 @@ constexpr std::array<CurveForm, 3> curveForms{{
 }};
 constexpr PackedColour referenceColour = 0xFF8CA0B4;
 
-// The peaks of the curves as they are drawn: left at 360 nm, and the foot and height of a curve.
+// How the curves are laid out: the place of 360 nm, and where sensitivities of 0 and 1 lie.
 constexpr double nanometresPerUnit = 100.0;
 constexpr double left = -2.0;
 constexpr double height = 2.0;

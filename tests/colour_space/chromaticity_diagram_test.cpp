@@ -61,7 +61,9 @@ TEST_F(SpectralLocus, RunsThroughEveryWavelengthAndOutToEveryTickMark) {
   ASSERT_EQ(expected.size(), 448U);
   const Vertices& vertices = verticesOf(SceneRole::SpectralLocus);
   ASSERT_GE(vertices.size(), 448U);
-  expectVertices({vertices.begin(), vertices.begin() + 448}, expected);
+  const Vertices written(vertices.begin(), vertices.begin() + 448);
+  expectVertices(written, expected);
+  expectConstantColours(written, expected);
 }
 
 TEST_F(SpectralLocus, IsAStripOf447Lines) {

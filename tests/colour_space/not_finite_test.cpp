@@ -87,6 +87,21 @@ TEST_F(NotFinite, MatrixOfNoNumbersLeavesEverythingInPlace) {
   }
 }
 
+// Red and blue alone would still have a place.
+TEST_F(NotFinite, OneRowWithoutANumberLeavesTheGamutInPlace) {
+  const Vertices mesh = verticesOf(SceneRole::GamutMesh);
+  const Vertices outline = verticesOf(SceneRole::GamutOutline);
+  for (const double value : {noNumber, -infinity}) {
+    for (std::size_t row = 0; row < 3; ++row) {
+      Matrix3x3 matrix{0.9, 0.1, 0.0, 0.2, 0.7, 0.1, 0.0, 0.3, 0.7};
+      for (std::size_t column = 0; column < 3; ++column) matrix[3 * row + column] = value;
+      show(matrix);
+      EXPECT_EQ(verticesOf(SceneRole::GamutMesh), mesh);
+      EXPECT_EQ(verticesOf(SceneRole::GamutOutline), outline);
+    }
+  }
+}
+
 TEST_F(NotFinite, CubeCornerTooFarAwayStaysWhereItWas) {
   show(Matrix3x3{1e300, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 1.0});
   EXPECT_EQ(verticesOf(SceneRole::SolidCube).at(0).x, -1.0F);

@@ -46,7 +46,9 @@ ExpectedVertices expectedCurve(long double peak, const std::array<long double, 3
 void expectLivePeaks(const std::array<long double, 3>& peaks) {
   for (std::size_t i = 0; i < curves.size(); ++i) {
     SCOPED_TRACE("curve " + std::to_string(i));
-    expectVertices(verticesOf(curves[i].live), expectedCurve(peaks[i], curves[i].colour));
+    const ExpectedVertices expected = expectedCurve(peaks[i], curves[i].colour);
+    expectVertices(verticesOf(curves[i].live), expected);
+    expectConstantColours(verticesOf(curves[i].live), expected);
   }
 }
 
@@ -69,8 +71,9 @@ bool samePlaces(const Vertices& a, const Vertices& b) {
 TEST_F(ResponseCurves, AreBuiltForTheNormalObserver) {
   expectLivePeaks({420.7L, 558.9L, 530.3L});
   for (const Curve& curve : curves) {
-    expectVertices(verticesOf(curve.reference),
-                   expectedCurve(curve.peak, {140.0L, 160.0L, 180.0L}));
+    const ExpectedVertices expected = expectedCurve(curve.peak, {140.0L, 160.0L, 180.0L});
+    expectVertices(verticesOf(curve.reference), expected);
+    expectConstantColours(verticesOf(curve.reference), expected);
   }
 }
 

@@ -65,8 +65,10 @@ ExpectedVertices transformedCorners(const Matrix3x3& m) {
 }
 
 TEST_F(RgbCube, HasCornersOfTheirOwnColours) {
-  expectVertices(verticesOf(SceneRole::SolidCube), untransformedCorners());
-  expectVertices(verticesOf(SceneRole::WireFrame), untransformedCorners());
+  for (const SceneRole role : {SceneRole::SolidCube, SceneRole::WireFrame}) {
+    expectVertices(verticesOf(role), untransformedCorners());
+    expectConstantColours(verticesOf(role), untransformedCorners());
+  }
 }
 
 TEST_F(RgbCube, CornersStandWhereTheirComponentsPutThem) {

@@ -94,6 +94,16 @@ void expectVertices(const Vertices& actual, const ExpectedVertices& expected) {
   }
 }
 
+void expectConstantColours(const Vertices& actual, const ExpectedVertices& expected) {
+  ASSERT_EQ(actual.size(), expected.size());
+  for (std::size_t i = 0; i < actual.size(); ++i) {
+    const auto& [x, y, z, red, green, blue] = expected[i];
+    const auto colour =
+        static_cast<PackedColour>(((255.0L * 256.0L + red) * 256.0L + green) * 256.0L + blue);
+    ASSERT_EQ(actual[i].colour, colour) << "vertex " << i;
+  }
+}
+
 ColourSpaceTest::ColourSpaceTest() {
   forget();
   initialiseModelContext(modelContext);

@@ -51,6 +51,8 @@ const std::vector<std::uint16_t>& indicesOf(SceneRole role);
 
 void expectVertex(const ColourVertex& actual, const ExpectedVertex& expected);
 void expectVertices(const Vertices& actual, const ExpectedVertices& expected);
+// Where the colours are constants, to the last bit of them too.
+void expectConstantColours(const Vertices& actual, const ExpectedVertices& expected);
 
 // The calls that the device gets while something is done.
 template <typename Action>

@@ -1,0 +1,73 @@
+// Text on a graphics device: by D3DX where it is installed, which no Windows since 8 brings along,
+// and painted by the desktop elsewhere.
+#include <windows.h>
+#include <d3dx9core.h>
+
+#include <string>
+
+#include "platform/graphics.h"
+#include "platform/windows/graphics_device.h"
+#include "platform/windows/painted_text.h"
+#include "platform/windows/system_library.h"
+
+namespace tintora::platform {
+
+struct TextFont {
+  ID3DXFont* font = nullptr;
+  PaintedFont* painted = nullptr;  // in place of the other
+  int height = 0;
+};
+
+namespace {
+
+using CreateFontFunction = decltype(D3DXCreateFontA);
+
+// Of the newest D3DX that is installed; null where none is.
+CreateFontFunction* findCreateFont() {
+  constexpr int newest = 43;
+  constexpr int oldest = 24;
+  for (int version = newest; version >= oldest; --version) {
+    const std::string name = "d3dx9_" + std::to_string(version) + ".dll";
+    const HMODULE library = loadSystemLibrary(name.c_str());
+    if (library != nullptr) return libraryFunction<CreateFontFunction>(library, "D3DXCreateFontA");
+  }
+  return nullptr;
+}
+
+ID3DXFont* createD3dxFont(IDirect3DDevice9* device, const TextFontForm& form) {
+  static CreateFontFunction* const create = findCreateFont();
+  ID3DXFont* font = nullptr;
+  if (create == nullptr ||
+      FAILED(create(device, form.height, 0, FW_NORMAL, 1, FALSE, DEFAULT_CHARSET,
+                    form.outlinesOnly ? OUT_TT_ONLY_PRECIS : OUT_DEFAULT_PRECIS, DEFAULT_QUALITY,
+                    DEFAULT_PITCH | FF_DONTCARE, form.face, &font))) {
+    return nullptr;
+  }
+  return font;
+}
+
+}  // namespace
+
+TextFont* createTextFont(GraphicsDevice* device, const TextFontForm& form) {
+  auto* const created = new TextFont{.height = form.height};
+  if (device->device == nullptr) return created;
+  created->font = createD3dxFont(device->device, form);
+  if (created->font == nullptr) created->painted = createPaintedFont(device->device, form);
+  return created;
+}
+
+void releaseTextFont(TextFont* font) {
+  releaseCompletely(font->font);
+  if (font->painted != nullptr) releasePaintedFont(font->painted);
+  delete font;
+}
+
+int drawText(GraphicsDevice* /*device*/, TextFont* font, const Rect& area, PackedColour colour,
+             const std::string& text) {
+  if (font->painted != nullptr) return drawPaintedText(font->painted, area, colour, text);
+  if (font->font == nullptr) return font->height;
+  RECT place{area.left, area.top, area.right, area.bottom};
+  return font->font->DrawTextA(nullptr, text.c_str(), -1, &place, DT_LEFT | DT_TOP, colour);
+}
+
+}  // namespace tintora::platform

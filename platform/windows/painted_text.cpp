@@ -1,0 +1,256 @@
+#include "platform/windows/painted_text.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+
+#include "platform/windows/graphics_device.h"
+
+namespace tintora::platform {
+
+namespace {
+
+// A line of white text; how much of a pixel it covers is the pixel's alpha.
+struct PaintedLine {
+  std::string text;
+  IDirect3DTexture9* texture = nullptr;
+  Size size;  // of the texture
+};
+
+struct CornerVertex {
+  float x = 0.0F;  // pixels
+  float y = 0.0F;
+  float z = 0.0F;
+  float reciprocalW = 1.0F;
+  PackedColour colour = 0;
+  float u = 0.0F;
+  float v = 0.0F;
+};
+
+constexpr DWORD cornerFormat = D3DFVF_XYZRHW | D3DFVF_DIFFUSE | D3DFVF_TEX1;
+
+struct RenderState {
+  D3DRENDERSTATETYPE state;
+  DWORD value;
+};
+
+struct StageState {
+  DWORD stage;
+  D3DTEXTURESTAGESTATETYPE state;
+  DWORD value;
+};
+
+struct SamplerState {
+  D3DSAMPLERSTATETYPE state;
+  DWORD value;
+};
+
+// Over whatever is there, as much of it as the line's alpha says.
+constexpr std::array renderStates{
+    RenderState{D3DRS_ALPHABLENDENABLE, TRUE},
+    RenderState{D3DRS_SRCBLEND, D3DBLEND_SRCALPHA},
+    RenderState{D3DRS_DESTBLEND, D3DBLEND_INVSRCALPHA},
+    RenderState{D3DRS_ZENABLE, D3DZB_FALSE},
+    RenderState{D3DRS_ZWRITEENABLE, FALSE},
+    RenderState{D3DRS_CULLMODE, D3DCULL_NONE},
+    RenderState{D3DRS_FILLMODE, D3DFILL_SOLID},
+};
+
+// The vertex's colour with the line's alpha.
+constexpr std::array stageStates{
+    StageState{0, D3DTSS_COLOROP, D3DTOP_MODULATE}, StageState{0, D3DTSS_COLORARG1, D3DTA_TEXTURE},
+    StageState{0, D3DTSS_COLORARG2, D3DTA_DIFFUSE}, StageState{0, D3DTSS_ALPHAOP, D3DTOP_MODULATE},
+    StageState{0, D3DTSS_ALPHAARG1, D3DTA_TEXTURE}, StageState{0, D3DTSS_ALPHAARG2, D3DTA_DIFFUSE},
+    StageState{1, D3DTSS_COLOROP, D3DTOP_DISABLE},  StageState{1, D3DTSS_ALPHAOP, D3DTOP_DISABLE},
+};
+
+// Pixel for pixel.
+constexpr std::array samplerStates{
+    SamplerState{D3DSAMP_MINFILTER, D3DTEXF_POINT},
+    SamplerState{D3DSAMP_MAGFILTER, D3DTEXF_POINT},
+    SamplerState{D3DSAMP_MIPFILTER, D3DTEXF_NONE},
+    SamplerState{D3DSAMP_ADDRESSU, D3DTADDRESS_CLAMP},
+    SamplerState{D3DSAMP_ADDRESSV, D3DTADDRESS_CLAMP},
+};
+
+// All that drawing a line sets or, as the drawing from memory does, upsets.
+void setStates(IDirect3DDevice9* device) {
+  for (const auto& [state, value] : renderStates) device->SetRenderState(state, value);
+  for (const auto& [stage, state, value] : stageStates) {
+    device->SetTextureStageState(stage, state, value);
+  }
+  for (const auto& [state, value] : samplerStates) device->SetSamplerState(0, state, value);
+  device->SetTexture(0, nullptr);
+  device->SetFVF(cornerFormat);
+  device->SetStreamSource(0, nullptr, 0, 0);
+}
+
+// The states above; null where the device refuses.
+IDirect3DStateBlock9* recordStates(IDirect3DDevice9* device) {
+  IDirect3DStateBlock9* states = nullptr;
+  if (FAILED(device->BeginStateBlock())) return nullptr;
+  setStates(device);
+  return FAILED(device->EndStateBlock(&states)) ? nullptr : states;
+}
+
+BITMAPINFO description(const Size& size) {
+  BITMAPINFO info{};
+  BITMAPINFOHEADER& header = info.bmiHeader;
+  header.biSize = sizeof header;
+  header.biWidth = size.width;
+  header.biHeight = -size.height;  // rows from the top
+  header.biPlanes = 1;
+  header.biBitCount = 32;
+  return info;
+}
+
+// Where the desktop smooths for the colour stripes of a screen, a pixel's colours are covered
+// unequally; the texture knows only their mean.
+std::uint32_t whiteWithCoverage(std::uint32_t painted) {
+  const std::uint32_t sum = (painted >> 16 & 0xFF) + (painted >> 8 & 0xFF) + (painted & 0xFF);
+  return (sum + 1) / 3 << 24 | 0x00FFFFFF;
+}
+
+void copyCoverage(IDirect3DTexture9* texture, const std::uint32_t* pixels, const Size& size) {
+  D3DLOCKED_RECT target{};
+  if (FAILED(texture->LockRect(0, &target, nullptr, 0))) return;
+  auto* row = static_cast<std::byte*>(target.pBits);
+  for (int y = 0; y < size.height; ++y) {
+    std::transform(pixels, pixels + size.width, reinterpret_cast<std::uint32_t*>(row),
+                   whiteWithCoverage);
+    pixels += size.width;
+    row += target.Pitch;
+  }
+  texture->UnlockRect(0);
+}
+
+// Not every device takes other sizes than powers of two.
+int textureLength(LONG pixels) {
+  constexpr LONG longest = 2048;
+  return static_cast<int>(std::bit_ceil(static_cast<unsigned>(std::min(pixels, longest))));
+}
+
+}  // namespace
+
+struct PaintedFont {
+  IDirect3DDevice9* device = nullptr;
+  IDirect3DStateBlock9* states = nullptr;  // of the device while a line is drawn
+  IDirect3DStateBlock9* kept = nullptr;    // of the device before and after
+  HDC context = nullptr;
+  HFONT font = nullptr;
+  HGDIOBJ previousFont = nullptr;
+  LONG height = 0;
+  std::deque<PaintedLine> lines{};  // the oldest first
+};
+
+namespace {
+
+Size textureSize(const PaintedFont& font, const std::string& text) {
+  SIZE extent{};
+  GetTextExtentPoint32A(font.context, text.data(), static_cast<int>(text.size()), &extent);
+  // The last letter may reach over its end.
+  return {textureLength(extent.cx + font.height), textureLength(font.height)};
+}
+
+// The texture is null where there is no memory for it.
+PaintedLine paintLine(const PaintedFont& font, const std::string& text) {
+  PaintedLine line{.text = text, .size = textureSize(font, text)};
+  const BITMAPINFO info = description(line.size);
+  void* pixels = nullptr;
+  const HBITMAP bitmap = CreateDIBSection(font.context, &info, DIB_RGB_COLORS, &pixels, nullptr, 0);
+  if (bitmap == nullptr) return line;
+  const HGDIOBJ previous = SelectObject(font.context, bitmap);
+  TextOutA(font.context, 0, 0, text.data(), static_cast<int>(text.size()));
+  GdiFlush();
+  font.device->CreateTexture(static_cast<UINT>(line.size.width),
+                             static_cast<UINT>(line.size.height), 1, 0, D3DFMT_A8R8G8B8,
+                             D3DPOOL_MANAGED, &line.texture, nullptr);
+  if (line.texture != nullptr) {
+    copyCoverage(line.texture, static_cast<const std::uint32_t*>(pixels), line.size);
+  }
+  SelectObject(font.context, previous);
+  DeleteObject(bitmap);
+  return line;
+}
+
+// A line that was drawn before is not painted again, unless many others came between.
+const PaintedLine& lineOf(PaintedFont& font, const std::string& text) {
+  constexpr std::size_t most = 64;
+  const auto found = std::ranges::find(font.lines, text, &PaintedLine::text);
+  if (found != font.lines.end()) return *found;
+  if (font.lines.size() == most) {
+    release(font.lines.front().texture);
+    font.lines.pop_front();
+  }
+  return font.lines.emplace_back(paintLine(font, text));
+}
+
+// The part of a line that fits into an area. A texture's pixels fall on the screen's when the
+// corners lie between pixels, which have their middles at whole numbers.
+std::array<CornerVertex, 4> corners(const PaintedLine& line, const Rect& area,
+                                    PackedColour colour) {
+  const auto width = static_cast<float>(std::min(line.size.width, area.width()));
+  const auto height = static_cast<float>(std::min(line.size.height, area.height()));
+  std::array<CornerVertex, 4> strip{};
+  for (std::size_t i = 0; i < strip.size(); ++i) {
+    const float across = (i & 1U) != 0 ? width : 0.0F;
+    const float down = (i & 2U) != 0 ? height : 0.0F;
+    strip[i] = {.x = static_cast<float>(area.left) + across - 0.5F,
+                .y = static_cast<float>(area.top) + down - 0.5F,
+                .colour = colour,
+                .u = across / static_cast<float>(line.size.width),
+                .v = down / static_cast<float>(line.size.height)};
+  }
+  return strip;
+}
+
+}  // namespace
+
+PaintedFont* createPaintedFont(IDirect3DDevice9* device, const TextFontForm& form) {
+  auto* const font = new PaintedFont{.device = device};
+  font->states = recordStates(device);
+  font->kept = recordStates(device);
+  font->context = CreateCompatibleDC(nullptr);
+  font->font =
+      CreateFontA(form.height, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+                  form.outlinesOnly ? OUT_TT_ONLY_PRECIS : OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,
+                  DEFAULT_QUALITY, DEFAULT_PITCH | FF_DONTCARE, form.face);
+  font->previousFont = SelectObject(font->context, font->font);
+  SetTextColor(font->context, RGB(255, 255, 255));
+  SetBkMode(font->context, TRANSPARENT);
+  TEXTMETRICA metrics{};
+  GetTextMetricsA(font->context, &metrics);
+  font->height = metrics.tmHeight;
+  return font;
+}
+
+void releasePaintedFont(PaintedFont* font) {
+  for (PaintedLine& line : font->lines) release(line.texture);
+  release(font->states);
+  release(font->kept);
+  SelectObject(font->context, font->previousFont);
+  DeleteObject(font->font);
+  DeleteDC(font->context);
+  delete font;
+}
+
+int drawPaintedText(PaintedFont* font, const Rect& area, PackedColour colour,
+                    const std::string& text) {
+  const auto height = static_cast<int>(font->height);
+  if (area.width() <= 0 || area.height() <= 0 || font->states == nullptr || font->kept == nullptr) {
+    return height;
+  }
+  const PaintedLine& line = lineOf(*font, text);
+  const std::array<CornerVertex, 4> strip = corners(line, area, colour);
+  font->kept->Capture();
+  font->states->Apply();
+  font->device->SetTexture(0, line.texture);
+  font->device->DrawPrimitiveUP(D3DPT_TRIANGLESTRIP, 2, strip.data(), sizeof(CornerVertex));
+  font->kept->Apply();
+  return height;
+}
+
+}  // namespace tintora::platform

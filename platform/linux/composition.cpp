@@ -3,8 +3,8 @@
 #include <xcb/render.h>
 
 #include <QRegion>
+#include <algorithm>
 #include <cstdint>
-#include <ranges>
 #include <span>
 #include <vector>
 
@@ -80,16 +80,17 @@ void compose(xcb_pixmap_t target, xcb_gcontext_t copying, const QPoint& origin, 
   // From the highest down, for as long as anything is seen of what is further below.
   std::vector<Layer> layers;
   QRegion seen(part);
-  for (TopLevel& topLevel : windowsBeneath() | std::views::reverse) {
-    if (seen.isEmpty()) break;
-    if (!topLevel.mapped || !topLevel.bounds.intersects(part)) continue;
-    const QRegion of = seen & topLevel.region();
-    if (of.isEmpty() || !holdPixels(topLevel)) continue;
-    layers.push_back({&topLevel, of});
-    if (topLevel.isOpaque()) seen -= of;
+  const std::span<TopLevel> windows = windowsBeneath();
+  for (auto window = windows.rbegin(); window != windows.rend() && !seen.isEmpty(); ++window) {
+    if (!window->mapped || !window->bounds.intersects(part)) continue;
+    const QRegion of = seen & window->region();
+    if (of.isEmpty() || !holdPixels(*window)) continue;
+    layers.push_back({&*window, of});
+    if (window->isOpaque()) seen -= of;
   }
   for (const QRect& rect : seen) paintBackdrop(target, origin, rect);
-  for (const auto& [topLevel, of] : layers | std::views::reverse) {
+  std::ranges::reverse(layers);
+  for (const auto& [topLevel, of] : layers) {
     for (const QRect& rect : of) {
       if (topLevel->isOpaque()) {
         copy(*topLevel, target, copying, origin, rect);

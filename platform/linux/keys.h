@@ -6,6 +6,6 @@ class QKeyEvent;
 namespace tintora::platform {
 
 // The virtual-key code of a key, or 0 where it has none.
-int virtualKey(const QKeyEvent& key);
+int virtualKey(const QKeyEvent& event);
 
 }  // namespace tintora::platform

@@ -9,8 +9,7 @@
 #include <array>
 #include <clocale>
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
+#include <iostream>
 #include <string_view>
 
 #include "platform/linux/program.h"
@@ -38,9 +37,9 @@ constexpr const char* help =
 
 // What is told and done instead of opening windows.
 bool answers(std::string_view argument) {
-  if (argument == "--help") return std::fputs(help, stdout) >= 0;
-  if (argument == "--version") return std::puts("tintora " TINTORA_VERSION) >= 0;
-  return false;
+  if (argument == "--help") std::cout << help;
+  if (argument == "--version") std::cout << "tintora " << TINTORA_VERSION << '\n';
+  return argument == "--help" || argument == "--version";
 }
 
 // Before Qt starts: windows in pixels of the screen, over X11, with Qt's own event loop.
@@ -66,15 +65,16 @@ void endOnSignals(QSocketNotifier& notifier) {
     notifier.setEnabled(false);
     tintora::platform::quit(0);
   });
-  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) std::signal(signal, &onSignal);
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM})
+    static_cast<void>(std::signal(signal, &onSignal));
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
-  if (count > 1 && answers(arguments[1])) return 0;
+  if (count > 1 && answers(arguments[1])) return std::cout.flush() ? 0 : 1;
   if (const auto obstacle = tintora::platform::connectToXServer()) {
-    std::fprintf(stderr, "tintora: %s\n", obstacle->c_str());
+    std::cerr << "tintora: " << *obstacle << '\n';
     return 1;
   }
   prepareQt();
@@ -84,7 +84,7 @@ int main(int count, char** arguments) {
   const QApplication application(ownName, arguments);
   QApplication::setWindowIcon(QIcon(":/tintora.png"));
   // The custom file has decimal points wherever its reader lives.
-  std::setlocale(LC_NUMERIC, "C");
+  static_cast<void>(std::setlocale(LC_NUMERIC, "C"));
   if (pipe2(signalPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) return 1;
   QSocketNotifier signals(signalPipe[0], QSocketNotifier::Read);
   endOnSignals(signals);

@@ -6,7 +6,7 @@
 namespace tintora::platform {
 
 // Remembers the arguments as they were given, the program's name first.
-void setArguments(int count, char** arguments);
+void setArguments(int count, char** given);
 
 // Where the user's files of this program are kept.
 QString configFolder();

@@ -30,7 +30,7 @@ bool share(SharedPixels& pixels) {
   const Received<xcb_generic_error_t> refusal(xcb_request_check(
       x(), xcb_shm_attach_checked(x(), pixels.segment, static_cast<std::uint32_t>(id), 0)));
   shmctl(id, IPC_RMID, nullptr);
-  const bool attached = address != reinterpret_cast<void*>(-1);
+  const bool attached = reinterpret_cast<std::intptr_t>(address) != -1;
   if (attached && !refusal) {
     pixels.bytes = static_cast<std::uint8_t*>(address);
     return true;

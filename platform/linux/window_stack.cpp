@@ -158,10 +158,10 @@ void findOwnTopLevel() {
   const xcb_window_t before = windowStack.ownTopLevel;
   windowStack.ownTopLevel = topLevelOf(windowStack.ownWindow);
   if (windowStack.ownTopLevel == before) return;
-  if (const Iterator own = find(windowStack.ownTopLevel); own != windowStack.windows.end()) {
+  if (const auto own = find(windowStack.ownTopLevel); own != windowStack.windows.end()) {
     unwatch(*own);
   }
-  if (const Iterator former = find(before); former != windowStack.windows.end()) watch(*former);
+  if (const auto former = find(before); former != windowStack.windows.end()) watch(*former);
   changeAll();
 }
 
@@ -173,7 +173,7 @@ void onCreated(const xcb_create_notify_event_t& event) {
 }
 
 void forget(xcb_window_t window, bool livesOn) {
-  const Iterator found = find(window);
+  const auto found = find(window);
   if (found == windowStack.windows.end()) return;
   noteChange(*found);
   if (livesOn) {
@@ -197,7 +197,7 @@ void onReparented(const xcb_reparent_notify_event_t& event) {
 }
 
 void onMapped(xcb_window_t window) {
-  const Iterator found = find(window);
+  const auto found = find(window);
   if (found == windowStack.windows.end()) return;
   found->mapped = true;
   if (isOwn(*found)) return changeAll();
@@ -205,7 +205,7 @@ void onMapped(xcb_window_t window) {
 }
 
 void onUnmapped(xcb_window_t window) {
-  const Iterator found = find(window);
+  const auto found = find(window);
   if (found == windowStack.windows.end()) return;
   noteChange(*found);
   releasePixels(*found);
@@ -215,9 +215,9 @@ void onUnmapped(xcb_window_t window) {
 // Puts a window right above another one, or below all where there is none.
 void restack(Iterator moved, xcb_window_t below) {
   std::vector<TopLevel>& windows = windowStack.windows;
-  const Iterator lower = below == XCB_NONE ? windows.end() : find(below);
+  const auto lower = below == XCB_NONE ? windows.end() : find(below);
   if (below != XCB_NONE && lower == windows.end()) return;
-  const Iterator place = below == XCB_NONE ? windows.begin() : lower + 1;
+  const auto place = below == XCB_NONE ? windows.begin() : lower + 1;
   if (place == moved || place == moved + 1) return;
   const bool ownMoved = isOwn(*moved);
   noteChange(*moved);
@@ -237,7 +237,7 @@ void onConfigured(const xcb_configure_notify_event_t& event) {
     windowStack.rootPixmapChanged = true;
     return;
   }
-  const Iterator found = find(event.window);
+  const auto found = find(event.window);
   if (found == windowStack.windows.end()) return;
   const int border = event.border_width;
   const QRect bounds(event.x, event.y, event.width + 2 * border, event.height + 2 * border);
@@ -253,7 +253,7 @@ void onConfigured(const xcb_configure_notify_event_t& event) {
 }
 
 void onCirculated(const xcb_circulate_notify_event_t& event) {
-  const Iterator found = find(event.window);
+  const auto found = find(event.window);
   if (found == windowStack.windows.end()) return;
   const bool toTop = event.place == XCB_PLACE_ON_TOP;
   restack(found, toTop ? windowStack.windows.back().window : xcb_window_t{XCB_NONE});
@@ -265,17 +265,17 @@ void onPropertyChanged(const xcb_property_notify_event_t& event) {
         event.atom == xServer.rootPixmap || event.atom == xServer.setRootPixmap;
     return;
   }
-  const Iterator found = find(event.window);
+  const auto found = find(event.window);
   if (found != windowStack.windows.end() && event.atom == xServer.windowOpacity) readAgain(*found);
 }
 
 void onShaped(xcb_window_t window) {
-  const Iterator found = find(window);
+  const auto found = find(window);
   if (found != windowStack.windows.end() && found->mapped) readAgain(*found);
 }
 
 void onDamaged(xcb_window_t window) {
-  const Iterator found = find(window);
+  const auto found = find(window);
   if (found != windowStack.windows.end()) found->damaged = true;
 }
 
@@ -353,12 +353,12 @@ void followEvent(const xcb_generic_event_t& event) {
 }
 
 bool isOwnWindowShown() {
-  const Iterator own = find(windowStack.ownTopLevel);
+  const auto own = find(windowStack.ownTopLevel);
   return own != windowStack.windows.end() && own->mapped;
 }
 
 std::span<TopLevel> windowsBeneath() {
-  const Iterator own = find(windowStack.ownTopLevel);
+  const auto own = find(windowStack.ownTopLevel);
   // Where the own frame is not to be found, nothing is known to be beneath it.
   if (own == windowStack.windows.end()) return {};
   return {windowStack.windows.begin(), own};

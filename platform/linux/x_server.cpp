@@ -7,6 +7,7 @@
 #include <xcb/xcbext.h>
 #include <xcb/xfixes.h>
 
+#include <QByteArray>
 #include <array>
 #include <string_view>
 
@@ -144,8 +145,7 @@ bool hasPixelsAsFiltered() {
 }
 
 std::string displayName() {
-  const char* const name = std::getenv("DISPLAY");
-  return name == nullptr ? "" : name;
+  return qgetenv("DISPLAY").toStdString();
 }
 
 }  // namespace
@@ -153,7 +153,7 @@ std::string displayName() {
 std::optional<std::string> connectToXServer() {
   const std::string display = displayName();
   if (display.empty()) {
-    const bool wayland = std::getenv("WAYLAND_DISPLAY") != nullptr;
+    const bool wayland = qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
     return wayland ? "Wayland does not let a program see other programs' windows; "
                      "start it in an X11 session"
                    : "there is no X11 display (DISPLAY is not set)";
@@ -172,8 +172,8 @@ std::optional<std::string> connectToXServer() {
   }
   agreeOnVersions();
   const auto formats = xcb_render_query_pict_formats(xServer.connection);
-  std::vector<xcb_intern_atom_cookie_t> atoms;
-  for (const auto& [name, atom] : atomNames) atoms.push_back(askForAtom(name));
+  std::array<xcb_intern_atom_cookie_t, atomNames.size()> atoms{};
+  for (std::size_t i = 0; i < atoms.size(); ++i) atoms[i] = askForAtom(atomNames[i].name);
   xServer.sharing = askForSharing();
   readFormats(formats);
   for (std::size_t i = 0; i < atoms.size(); ++i) xServer.*atomNames[i].atom = readAtom(atoms[i]);

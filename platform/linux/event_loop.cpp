@@ -16,6 +16,7 @@
 #include "platform/linux/filtered_view.h"
 #include "platform/linux/handles.h"
 #include "platform/linux/keys.h"
+#include "platform/linux/window_frame.h"
 #include "platform/linux/x_server.h"
 
 namespace tintora::platform {
@@ -35,6 +36,12 @@ int result = 0;
 
 QAbstractEventDispatcher* dispatcher() {
   return QAbstractEventDispatcher::instance();
+}
+
+// The program's own turn follows every event, and an event it is not told of where it must look.
+void takeTurn() {
+  handedOver = true;
+  dispatcher()->wakeUp();
 }
 
 void paint(Window* window) {
@@ -104,6 +111,7 @@ bool onWheel(Window* window, const QWheelEvent& wheel) {
 }
 
 bool onSized(Window* window) {
+  arrive(window);
   return handOver({.kind = EventKind::Sized, .window = window, .maximised = isMaximised(window)});
 }
 
@@ -118,9 +126,11 @@ bool isMouseButtonHeld() {
 // The program's own moves come back as events too, some of them late; and a window manager may
 // place a window. Neither is the user's doing.
 bool onMoved(Window* window) {
+  arrive(window);
   const auto arrived = std::ranges::find(window->movedTo, window->window->framePosition());
   if (arrived != window->movedTo.end()) {
     window->movedTo.erase(window->movedTo.begin(), arrived + 1);
+    takeTurn();
     return false;
   }
   if (window->kind != WindowKind::Main && !isMouseButtonHeld()) return false;
@@ -131,8 +141,7 @@ bool onExposed(Window* window) {
   if (!window->window->isExposed()) return false;
   paint(window);
   // The colour space window's frame is drawn when the loop has gone round.
-  if (window->kind == WindowKind::ColourSpace) handedOver = true;
-  dispatcher()->wakeUp();
+  if (window->kind == WindowKind::ColourSpace) takeTurn();
   return false;
 }
 
@@ -218,9 +227,7 @@ bool handOver(const Event& event) {
   if (eventHandler == nullptr || ended) return false;
   const bool handled = eventHandler(event);
   paintStaleWindows();
-  handedOver = true;
-  // For the program's own turn, which follows every event.
-  dispatcher()->wakeUp();
+  takeTurn();
   return handled;
 }
 

@@ -4,8 +4,10 @@
 #include <QBackingStore>
 #include <QMargins>
 #include <QPoint>
+#include <QRect>
 #include <QTimer>
 #include <QWindow>
+#include <chrono>
 #include <deque>
 #include <memory>
 #include <optional>
@@ -14,15 +16,22 @@
 
 namespace tintora::platform {
 
+// Outer bounds that were asked for, and when.
+struct AskedBounds {
+  QRect outer;
+  std::chrono::steady_clock::time_point time;
+};
+
 struct Window {
   WindowKind kind = WindowKind::Main;
   std::unique_ptr<QWindow> window = std::make_unique<QWindow>();
   WindowForm form = WindowForm::Framed;
   bool acceptsFiles = false;
-  bool stale = false;          // invalidated while it was being painted
-  int wheelTravel = 0;         // what does not make a whole step yet
-  QMargins formerFrame;        // that it had when it last had one
-  std::deque<QPoint> movedTo;  // places asked for where it may still have to arrive
+  bool stale = false;                // invalidated while it was being painted
+  int wheelTravel = 0;               // what does not make a whole step yet
+  QMargins formerFrame;              // that it had when it last had one
+  std::optional<AskedBounds> asked;  // until the window has come there
+  std::deque<QPoint> movedTo;        // places asked for where it may still have to arrive
   QTimer timer;
   std::unique_ptr<QBackingStore> surface;  // once it was painted
 };

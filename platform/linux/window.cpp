@@ -66,6 +66,14 @@ xcb_window_t parentOf(xcb_window_t window) {
   return tree ? tree->parent : static_cast<xcb_window_t>(XCB_NONE);
 }
 
+// What Qt has asked of the server is known there from then on, on the other connection too.
+void finishQtRequests() {
+  xcb_connection_t* const connection =
+      qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+  const Received<xcb_get_input_focus_reply_t> done(
+      xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+}
+
 // The control window has no sizing frame.
 void fixSize(Window* window, const QSize& size) {
   window->window->setMinimumSize(size);
@@ -88,6 +96,8 @@ Window* createWindow(WindowKind kind, const std::string& title, const Rect& boun
   window->kind = kind;
   window->window->setFlags(at(windowKinds, kind));
   window->window->create();
+  if (kind == WindowKind::Control) fixSize(window, fromProgram(bounds).size());
+  finishQtRequests();
   askForFrame(window);
   setTitle(window, title);
   setWindowBounds(window, bounds);
@@ -97,13 +107,13 @@ Window* createWindow(WindowKind kind, const std::string& title, const Rect& boun
 
 void setWindowForm(Window* window, WindowForm form) {
   const WindowFormFacts& facts = at(windowForms, form);
-  const QRect outer = outerBounds(window);
+  const QRect outer = boundsAskedFor(window);
   rememberFrame(window);
   window->form = form;
   window->window->setFlag(Qt::FramelessWindowHint, !facts.framed);
   if (window->window->windowStates() != facts.state) window->window->setWindowStates(facts.state);
   if (facts.state != Qt::WindowNoState) return;
-  window->window->setGeometry(innerBounds(window, outer));
+  askForBounds(window, outer);
 }
 
 void setHitTransparent(Window* window, bool transparent) {
@@ -126,17 +136,13 @@ void showWindow(Window* window, ShowState state) {
 
 void setWindowBounds(Window* window, const Rect& bounds) {
   const QRect outer = fromProgram(bounds);
-  if (outerBounds(window) == outer) return;
-  constexpr std::size_t mostMoves = 64;
-  window->movedTo.push_back(outer.topLeft());
-  if (window->movedTo.size() > mostMoves) window->movedTo.pop_front();
-  const QRect inner = innerBounds(window, outer);
-  if (window->kind == WindowKind::Control) fixSize(window, inner.size());
-  window->window->setGeometry(inner);
+  if (outer == boundsAskedFor(window)) return;
+  if (window->kind == WindowKind::Control) fixSize(window, withoutFrame(window, outer).size());
+  askForBounds(window, outer);
 }
 
 Rect windowBounds(const Window* window) {
-  return toProgram(outerBounds(window));
+  return toProgram(boundsAskedFor(window));
 }
 
 Rect clientArea(const Window* window) {

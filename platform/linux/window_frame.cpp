@@ -20,6 +20,8 @@ using Clock = std::chrono::steady_clock;
 // What a window manager that answers at all answers within.
 constexpr std::chrono::milliseconds patience{20};
 constexpr std::chrono::microseconds betweenLooks{500};
+// ... and a window has come to where it was asked to, if it ever will.
+constexpr std::chrono::milliseconds journey{300};
 
 xcb_connection_t* x() {
   return xServer.connection;
@@ -86,8 +88,25 @@ QRect outerBounds(const Window* window) {
   return window->window->geometry().marginsAdded(frameOf(window));
 }
 
-QRect innerBounds(const Window* window, const QRect& outer) {
+QRect boundsAskedFor(const Window* window) {
+  const bool travels = window->asked && Clock::now() - window->asked->time < journey;
+  return travels ? window->asked->outer : outerBounds(window);
+}
+
+QRect withoutFrame(const Window* window, const QRect& outer) {
   return outer.marginsRemoved(frameOf(window));
+}
+
+void askForBounds(Window* window, const QRect& outer) {
+  constexpr std::size_t mostMoves = 64;
+  window->movedTo.push_back(outer.topLeft());
+  if (window->movedTo.size() > mostMoves) window->movedTo.pop_front();
+  window->asked = {outer, Clock::now()};
+  window->window->setGeometry(withoutFrame(window, outer));
+}
+
+void arrive(Window* window) {
+  if (window->asked && window->asked->outer == outerBounds(window)) window->asked.reset();
 }
 
 void rememberFrame(Window* window) {

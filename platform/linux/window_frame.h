@@ -15,8 +15,18 @@ void askForFrame(Window* window);
 // its time.
 QRect outerBounds(const Window* window);
 
+// The same, or what was asked for and may still be on its way: for a while older places come back
+// as events, and must not be taken for the window's.
+QRect boundsAskedFor(const Window* window);
+
 // What is left for the window itself of such bounds.
-QRect innerBounds(const Window* window, const QRect& outer);
+QRect withoutFrame(const Window* window, const QRect& outer);
+
+// Asks for outer bounds.
+void askForBounds(Window* window, const QRect& outer);
+
+// To be told of every place and size that a window has come to.
+void arrive(Window* window);
 
 // Keeps the frame in mind for the time after the window has had none.
 void rememberFrame(Window* window);

@@ -106,7 +106,7 @@ Screen::Screen(int width, int height) : width_(width), height_(height) {
   if (pipe(ends.data()) != 0) throw std::runtime_error("no pipe");
   server_ =
       std::make_unique<Process>("Xvfb",
-                                "-displayfd 3 -nolisten tcp -screen 0 " + std::to_string(width) +
+                                "-displayfd 3 -noreset -nolisten tcp -screen 0 " + std::to_string(width) +
                                     "x" + std::to_string(height) + "x24",
                                 "", ends[1]);
   close(ends[1]);

@@ -141,7 +141,8 @@ bool onExposed(Window* window) {
   if (!window->window->isExposed()) return false;
   paint(window);
   // The colour space window's frame is drawn when the loop has gone round.
-  if (window->kind == WindowKind::ColourSpace) takeTurn();
+  if (window->kind == WindowKind::ColourSpace) handedOver = true;
+  dispatcher()->wakeUp();
   return false;
 }
 

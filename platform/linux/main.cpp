@@ -77,6 +77,9 @@ int main(int count, char** arguments) {
     std::cerr << "tintora: " << *obstacle << '\n';
     return 1;
   }
+  if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY")) {
+    std::cerr << "tintora: in a Wayland session only the windows of X11 programs can be seen\n";
+  }
   prepareQt();
   tintora::platform::setArguments(count, arguments);
   // The arguments are the program's, not Qt's.

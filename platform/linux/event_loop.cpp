@@ -17,7 +17,6 @@
 #include "platform/linux/handles.h"
 #include "platform/linux/keys.h"
 #include "platform/linux/window_frame.h"
-#include "platform/linux/x_server.h"
 
 namespace tintora::platform {
 
@@ -111,29 +110,19 @@ bool onWheel(Window* window, const QWheelEvent& wheel) {
 }
 
 bool onSized(Window* window) {
-  arrive(window);
   return handOver({.kind = EventKind::Sized, .window = window, .maximised = isMaximised(window)});
-}
-
-bool isMouseButtonHeld() {
-  constexpr unsigned int anyButton = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
-  xcb_connection_t* const x = xServer.connection;
-  const Received<xcb_query_pointer_reply_t> pointer(
-      xcb_query_pointer_reply(x, xcb_query_pointer(x, xServer.screen->root), nullptr));
-  return pointer && (pointer->mask & anyButton) != 0;
 }
 
 // The program's own moves come back as events too, some of them late; and a window manager may
 // place a window. Neither is the user's doing.
 bool onMoved(Window* window) {
-  arrive(window);
   const auto arrived = std::ranges::find(window->movedTo, window->window->framePosition());
   if (arrived != window->movedTo.end()) {
     window->movedTo.erase(window->movedTo.begin(), arrived + 1);
     takeTurn();
     return false;
   }
-  if (window->kind != WindowKind::Main && !isMouseButtonHeld()) return false;
+  if (window->kind != WindowKind::Main && !isSettled(window)) return false;
   return handOver({.kind = EventKind::Moving, .window = window});
 }
 

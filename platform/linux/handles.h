@@ -27,11 +27,12 @@ struct Window {
   std::unique_ptr<QWindow> window = std::make_unique<QWindow>();
   WindowForm form = WindowForm::Framed;
   bool acceptsFiles = false;
-  bool stale = false;                // invalidated while it was being painted
-  int wheelTravel = 0;               // what does not make a whole step yet
-  QMargins formerFrame;              // that it had when it last had one
-  std::optional<AskedBounds> asked;  // until the window has come there
-  std::deque<QPoint> movedTo;        // places asked for where it may still have to arrive
+  bool stale = false;    // invalidated while it was being painted
+  int wheelTravel = 0;   // what does not make a whole step yet
+  QMargins formerFrame;  // that it had when it last had one
+  std::optional<AskedBounds> asked;
+  std::chrono::steady_clock::time_point shown;  // when it last appeared
+  std::deque<QPoint> movedTo;  // places asked for where it may still have to arrive
   QTimer timer;
   std::unique_ptr<QBackingStore> surface;  // once it was painted
 };

@@ -131,6 +131,7 @@ void showWindow(Window* window, ShowState state) {
   if (state == ShowState::Maximised && window->form != WindowForm::FullScreen) {
     shown.setWindowStates(Qt::WindowMaximized);
   }
+  if (!shown.isVisible()) window->shown = std::chrono::steady_clock::now();
   shown.setVisible(true);
 }
 

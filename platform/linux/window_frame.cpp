@@ -21,7 +21,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds patience{20};
 constexpr std::chrono::microseconds betweenLooks{500};
 // ... and a window has come to where it was asked to, if it ever will.
-constexpr std::chrono::milliseconds journey{300};
+constexpr std::chrono::milliseconds journey{500};
 
 xcb_connection_t* x() {
   return xServer.connection;
@@ -35,6 +35,10 @@ QMargins frameOf(const Window* window) {
   if (!isFramed(window->form)) return {};
   const QMargins frame = window->window->frameMargins();
   return frame.isNull() ? window->formerFrame : frame;
+}
+
+bool isTravelling(const Window* window) {
+  return window->asked && Clock::now() - window->asked->time < journey;
 }
 
 Received<xcb_get_property_reply_t> property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) {
@@ -89,8 +93,7 @@ QRect outerBounds(const Window* window) {
 }
 
 QRect boundsAskedFor(const Window* window) {
-  const bool travels = window->asked && Clock::now() - window->asked->time < journey;
-  return travels ? window->asked->outer : outerBounds(window);
+  return isTravelling(window) ? window->asked->outer : outerBounds(window);
 }
 
 QRect withoutFrame(const Window* window, const QRect& outer) {
@@ -105,8 +108,8 @@ void askForBounds(Window* window, const QRect& outer) {
   window->window->setGeometry(withoutFrame(window, outer));
 }
 
-void arrive(Window* window) {
-  if (window->asked && window->asked->outer == outerBounds(window)) window->asked.reset();
+bool isSettled(const Window* window) {
+  return !isTravelling(window) && Clock::now() - window->shown >= journey;
 }
 
 void rememberFrame(Window* window) {

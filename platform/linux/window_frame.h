@@ -25,8 +25,9 @@ QRect withoutFrame(const Window* window, const QRect& outer);
 // Asks for outer bounds.
 void askForBounds(Window* window, const QRect& outer);
 
-// To be told of every place and size that a window has come to.
-void arrive(Window* window);
+// Whether a move of the window now is the user's: not the window manager's answer to a request or
+// to the window's appearance.
+bool isSettled(const Window* window);
 
 // Keeps the frame in mind for the time after the window has had none.
 void rememberFrame(Window* window);

@@ -35,10 +35,18 @@ bool isBeneath(const TopLevel& topLevel) {
          &topLevel < beneath.data() + beneath.size();
 }
 
+// Sums of very many pieces cost more than what lies between them.
+void addChange(const QRegion& region) {
+  constexpr int mostPieces = 256;
+  QRegion& changed = windowStack.changed;
+  changed += region;
+  if (changed.rectCount() > mostPieces) changed = changed.boundingRect();
+}
+
 // A change of what is not beneath, or not shown, is none of the picture's.
 void noteChange(const TopLevel& topLevel) {
   if (topLevel.mapped && topLevel.hasPixels && isBeneath(topLevel)) {
-    windowStack.changed += topLevel.region();
+    addChange(topLevel.region());
   }
 }
 

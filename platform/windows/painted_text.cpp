@@ -160,9 +160,9 @@ PaintedLine paintLine(const PaintedFont& font, const std::string& text) {
   PaintedLine line{.text = text, .size = textureSize(font, text)};
   const BITMAPINFO info = description(line.size);
   void* pixels = nullptr;
-  const HBITMAP bitmap = CreateDIBSection(font.context, &info, DIB_RGB_COLORS, &pixels, nullptr, 0);
+  auto* const bitmap = CreateDIBSection(font.context, &info, DIB_RGB_COLORS, &pixels, nullptr, 0);
   if (bitmap == nullptr) return line;
-  const HGDIOBJ previous = SelectObject(font.context, bitmap);
+  auto* const previous = SelectObject(font.context, bitmap);
   TextOutA(font.context, 0, 0, text.data(), static_cast<int>(text.size()));
   GdiFlush();
   font.device->CreateTexture(static_cast<UINT>(line.size.width),

@@ -61,6 +61,8 @@ xcb_pixmap_t copyOfBackground() {
   xcb_copy_area(x(), window, copy, backdrop.context, 0, 0, 0, 0, width, height);
   xcb_destroy_window(x(), window);
   xcb_ungrab_server(x());
+  // Nobody else gets on before this has arrived.
+  xcb_flush(x());
   return copy;
 }
 

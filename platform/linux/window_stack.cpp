@@ -325,6 +325,8 @@ void watchWindows(xcb_window_t ownWindow) {
     readAnswers(windowStack.windows[i], enquiries[i]);
   }
   xcb_ungrab_server(x());
+  // Nobody else gets on before this has arrived.
+  xcb_flush(x());
 }
 
 void forgetWindows() {

@@ -1,0 +1,171 @@
+// The colour space window as a window: where it stands, when it is shown and what its title says.
+#include "program_run.h"
+
+namespace tintora::desktop_test {
+namespace {
+
+struct ViewRow {
+  xcb_keysym_t key;
+  int code;
+  const char* caption;
+};
+constexpr std::array<ViewRow, 4> views{{{XK_e, 702, "Photoreceptor Response Curves"},
+                                        {XK_r, 703, "RGB Cube"},
+                                        {XK_c, 704, "Chromaticity Diagram"},
+                                        {XK_F1, 705, "Help"}}};
+
+class ColourSpace : public ProgramTest {
+ protected:
+  testing::AssertionResult isDocked() const {
+    const Area main = x().outerAreaOf(ProgramTest::main());
+    const Area own = x().outerAreaOf(colourSpace());
+    if (eventually([&] {
+          const Area m = x().outerAreaOf(ProgramTest::main());
+          const Area c = x().outerAreaOf(colourSpace());
+          return c.x == m.right() + 4 && c.y == m.y;
+        })) {
+      return testing::AssertionSuccess();
+    }
+    return testing::AssertionFailure()
+           << testing::PrintToString(own) << " beside " << testing::PrintToString(main);
+  }
+  testing::AssertionResult isCalled(const std::string& caption) const {
+    if (eventually([&] { return title(colourSpace()) == caption; })) {
+      return testing::AssertionSuccess();
+    }
+    return testing::AssertionFailure() << title(colourSpace());
+  }
+  void start(long view, bool visible) {
+    storeValues({{"Selected", 2}, {"View", view}, {"ColorSpace", visible ? 1 : 0}});
+    ProgramTest::start();
+  }
+};
+
+TEST_F(ColourSpace, IsShownAndDockedAtTheFirstStart) {
+  ProgramTest::start();
+  EXPECT_TRUE(showing(colourSpace(), true));
+  EXPECT_TRUE(isCalled("Help"));
+  EXPECT_TRUE(isDocked());
+  const Area outer = x().outerAreaOf(colourSpace());
+  EXPECT_EQ(outer.width, 400);
+  EXPECT_EQ(outer.height, 400);
+}
+
+TEST_F(ColourSpace, IsHiddenWhereItWasHiddenBefore) {
+  start(703, false);
+  settle();
+  EXPECT_FALSE(x().isShown(colourSpace()));
+}
+
+TEST_F(ColourSpace, EveryViewHasItsKeyAndItsTitle) {
+  start(703, false);
+  for (const ViewRow& row : views) {
+    press(row.key);
+    EXPECT_TRUE(showing(colourSpace(), true)) << row.caption;
+    EXPECT_TRUE(isCalled(row.caption));
+    EXPECT_TRUE(isDocked());
+  }
+}
+
+TEST_F(ColourSpace, TheStoredViewComesBack) {
+  for (const ViewRow& row : views) {
+    start(row.code, true);
+    EXPECT_TRUE(showing(colourSpace(), true)) << row.caption;
+    EXPECT_TRUE(isCalled(row.caption));
+    end();
+    EXPECT_EQ(storedValues()["View"], row.code);
+  }
+}
+
+TEST_F(ColourSpace, F1HidesTheHelpAndShowsItAgain) {
+  start(705, true);
+  ASSERT_TRUE(showing(colourSpace(), true));
+  press(XK_F1);
+  EXPECT_TRUE(showing(colourSpace(), false));
+  press(XK_F1);
+  EXPECT_TRUE(showing(colourSpace(), true));
+  EXPECT_TRUE(isDocked());
+}
+
+TEST_F(ColourSpace, KeyWShowsTheCubeInPlaceOfTheHelpAndHidesTheRest) {
+  start(705, true);
+  ASSERT_TRUE(showing(colourSpace(), true));
+  press(XK_w);
+  EXPECT_TRUE(isCalled("RGB Cube"));
+  EXPECT_TRUE(x().isShown(colourSpace()));
+  press(XK_w);
+  EXPECT_TRUE(showing(colourSpace(), false));
+  press(XK_w);
+  EXPECT_TRUE(showing(colourSpace(), true));
+  EXPECT_TRUE(isCalled("RGB Cube"));
+}
+
+TEST_F(ColourSpace, KeysInItAreKeysOfTheProgram) {
+  start(703, true);
+  ASSERT_TRUE(showing(colourSpace(), true));
+  pressIn(colourSpace(), XK_g);
+  EXPECT_TRUE(titleBecomes("Greyscale"));
+}
+
+TEST_F(ColourSpace, ItsCloseButtonHidesIt) {
+  start(703, true);
+  ASSERT_TRUE(showing(colourSpace(), true));
+  x().tellManager(colourSpace(), "_NET_CLOSE_WINDOW", {0, 2});
+  EXPECT_TRUE(showing(colourSpace(), false));
+  settle();
+  EXPECT_TRUE(process().isRunning());
+  press(XK_r);
+  EXPECT_TRUE(showing(colourSpace(), true));
+  EXPECT_TRUE(isDocked());
+}
+
+TEST_F(ColourSpace, DockedItFollowsTheMainWindow) {
+  start(703, true);
+  ASSERT_TRUE(isDocked());
+  const Area area = view();
+  dragMouse(area.x + 60, area.y + 60, -120, 40);
+  EXPECT_TRUE(isDocked());
+  press(XK_Right);
+  press(XK_Right, {XK_Shift_L});
+  EXPECT_TRUE(isDocked());
+  x().resize(main(), 433, 222);
+  ASSERT_TRUE(eventually([&] { return view().width == 433; }));
+  EXPECT_TRUE(isDocked());
+}
+
+TEST_F(ColourSpace, ADragOfItUndocksItAndKeyKDocksItAgain) {
+  start(703, true);
+  ASSERT_TRUE(isDocked());
+  const Area outer = x().outerAreaOf(colourSpace());
+  dragMouse(outer.x + 120, outer.y + 8, 90, 70);
+  ASSERT_TRUE(eventually([&] { return x().outerAreaOf(colourSpace()) != outer; }));
+  settle();
+  const Area moved = x().outerAreaOf(colourSpace());
+  // A docked window follows the right edge.
+  for (int i = 0; i < 3; ++i) press(XK_Left, {XK_Shift_L});
+  EXPECT_EQ(x().outerAreaOf(colourSpace()), moved);
+  press(XK_k);
+  EXPECT_TRUE(isDocked());
+  press(XK_Left, {XK_Shift_L});
+  EXPECT_TRUE(isDocked());
+  press(XK_k);
+  const Area docked = x().outerAreaOf(colourSpace());
+  for (int i = 0; i < 3; ++i) press(XK_Left, {XK_Shift_L});
+  EXPECT_EQ(x().outerAreaOf(colourSpace()), docked);
+}
+
+TEST_F(ColourSpace, FullScreenUndocksIt) {
+  start(703, true);
+  ASSERT_TRUE(isDocked());
+  press(XK_f);
+  ASSERT_TRUE(eventually([&] { return view() == x().screenArea(); }));
+  press(XK_f);
+  ASSERT_TRUE(eventually([&] { return view() != x().screenArea(); }));
+  settle();
+  const Area outer = x().outerAreaOf(colourSpace());
+  press(XK_Left, {XK_Shift_L});
+  EXPECT_EQ(x().outerAreaOf(colourSpace()), outer);
+}
+
+}  // namespace
+}  // namespace tintora::desktop_test

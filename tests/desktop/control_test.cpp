@@ -1,0 +1,218 @@
+// Hit transparency, full screen and the small window that leads out of both.
+#include <set>
+
+#include "program_run.h"
+
+namespace tintora::desktop_test {
+namespace {
+
+const ColourEffect grey = windows_test::greyscale();
+
+class Control : public ProgramTest {
+ protected:
+  void SetUp() override {
+    ProgramTest::SetUp();
+    storeValues({{"Selected", 4}, {"ColorSpace", 0}});
+    start();
+    const Area screen = x().screenArea();
+    scene().addNoise({0, 0, screen.width, screen.height}, 7);
+    ASSERT_TRUE(viewShows(grey));
+  }
+  // Whether a click in the view's left top corner reaches the window beneath.
+  bool letsClicksThrough(std::uint8_t button = 1) {
+    const int before = scene().clicksIn(scene().at(0));
+    const Area area = view();
+    x().moveMouse(area.x + 30, area.y + 30);
+    settle();
+    x().click(button);
+    settle();
+    return scene().clicksIn(scene().at(0)) > before;
+  }
+  std::set<std::uint32_t> coloursOf(xcb_window_t window) const {
+    std::set<std::uint32_t> colours;
+    for (const std::uint32_t pixel : x().read(x().areaOf(window)).pixels) {
+      colours.insert(pixel & 0xFFFFFFU);
+    }
+    return colours;
+  }
+  bool isDrawn() const {
+    const auto colours = coloursOf(control());
+    return colours.contains(0x506478) && colours.contains(0xFFFFFF) && colours.contains(0);
+  }
+  void close(xcb_window_t window) {
+    x().tellManager(window, "_NET_CLOSE_WINDOW", {0, 2});
+    settle();
+  }
+  Area outer(xcb_window_t window) const { return x().outerAreaOf(window); }
+  testing::AssertionResult isOverMain() const {
+    const Area main = outer(ProgramTest::main());
+    const Area expected{main.x + main.width / 2 - 200, main.y + main.height / 2 - 60, 400, 120};
+    if (eventually([&] { return outer(control()) == expected; })) {
+      return testing::AssertionSuccess();
+    }
+    return testing::AssertionFailure() << testing::PrintToString(outer(control()))
+                                       << " instead of " << testing::PrintToString(expected);
+  }
+};
+
+TEST_F(Control, ClicksStayInTheViewAtFirst) {
+  EXPECT_FALSE(letsClicksThrough());
+  EXPECT_FALSE(x().isShown(control()));
+}
+
+TEST_F(Control, KeyHLetsClicksThroughAndShowsTheControlWindow) {
+  press(XK_h);
+  ASSERT_TRUE(showing(control(), true));
+  EXPECT_TRUE(isOverMain());
+  EXPECT_TRUE(
+      eventually([this] { return title(control()) == "Hit Transparent, Press H to exit"; }));
+  EXPECT_TRUE(eventually([this] { return isDrawn(); }));
+  EXPECT_TRUE(letsClicksThrough());
+  EXPECT_TRUE(letsClicksThrough(3));
+  EXPECT_TRUE(openMenus().empty());
+  // Through the title of its frame too.
+  const Area main = outer(ProgramTest::main());
+  const int before = scene().clicksIn(scene().at(0));
+  x().moveMouse(main.x + 150, main.y + 8);
+  x().click(1);
+  EXPECT_TRUE(eventually([&] { return scene().clicksIn(scene().at(0)) > before; }));
+}
+
+TEST_F(Control, KeyHEndsItFromEitherWindow) {
+  for (const bool fromControl : {false, true}) {
+    press(XK_h);
+    ASSERT_TRUE(showing(control(), true));
+    pressIn(fromControl ? control() : main(), XK_h);
+    EXPECT_TRUE(showing(control(), false));
+    EXPECT_FALSE(letsClicksThrough());
+  }
+}
+
+TEST_F(Control, ItsCloseButtonEndsHitTransparency) {
+  press(XK_h);
+  ASSERT_TRUE(showing(control(), true));
+  close(control());
+  EXPECT_TRUE(showing(control(), false));
+  EXPECT_FALSE(letsClicksThrough());
+  EXPECT_TRUE(process().isRunning());
+}
+
+TEST_F(Control, ItsPictureFollowsTheTitle) {
+  press(XK_d);
+  press(XK_h);
+  ASSERT_TRUE(showing(control(), true));
+  ASSERT_TRUE(eventually([this] { return isDrawn(); }));
+  const Area area = x().areaOf(control());
+  const Area firstLine{area.x, area.y, area.width, 28};
+  const Picture before = x().read(firstLine);
+  x().moveMouse(area);
+  turnWheel(false, 3);
+  EXPECT_TRUE(titleBecomes(" Simulation - Deuteranomalous 85% severity"));
+  EXPECT_TRUE(eventually([&] { return x().read(firstLine).pixels != before.pixels; }));
+  EXPECT_TRUE(isDrawn());
+}
+
+TEST_F(Control, ItOpensTheMenu) {
+  press(XK_h);
+  ASSERT_TRUE(showing(control(), true));
+  x().moveMouse(x().areaOf(control()));
+  settle();
+  x().click(3);
+  EXPECT_TRUE(eventually([this] { return openMenus().size() == 1; }));
+}
+
+TEST_F(Control, ADragOfItMovesOnlyIt) {
+  press(XK_h);
+  ASSERT_TRUE(isOverMain());
+  const Area main = outer(ProgramTest::main());
+  const Area before = outer(control());
+  const Area area = x().areaOf(control());
+  dragMouse(area.x + 50, area.y + 50, 70, 45);
+  const Area expected{before.x + 70, before.y + 45, before.width, before.height};
+  EXPECT_TRUE(eventually([&] { return outer(control()) == expected; }));
+  EXPECT_EQ(outer(ProgramTest::main()), main);
+}
+
+TEST_F(Control, TheViewStaysLiveWhileClicksGoThrough) {
+  press(XK_h);
+  ASSERT_TRUE(showing(control(), true));
+  const Area area = view();
+  scene().draw(scene().at(0), noise(300, 60, 9), area.x, area.y);
+  EXPECT_TRUE(viewShows(grey, {area.x, area.y, area.width, 80}));
+}
+
+TEST_F(Control, FullScreenCoversTheScreenAndComesBack) {
+  const Area screen = x().screenArea();
+  const Area before = outer(main());
+  for (int round = 0; round < 2; ++round) {
+    press(XK_f);
+    ASSERT_TRUE(eventually([&] { return view() == screen; })) << testing::PrintToString(view());
+    ASSERT_TRUE(showing(control(), true));
+    EXPECT_TRUE(eventually(
+        [this] { return title(control()) == "Full screen mode, press F to exit"; }));
+    EXPECT_TRUE(eventually([this] { return isDrawn(); }));
+    EXPECT_TRUE(viewShows(grey, {0, 0, screen.width, 300}));
+    EXPECT_TRUE(viewShows(grey, {0, screen.height - 300, screen.width, 300}));
+    EXPECT_TRUE(letsClicksThrough());
+    saveScreen("full_screen", screen);
+    pressIn(control(), XK_f);
+    EXPECT_TRUE(showing(control(), false));
+    EXPECT_TRUE(eventually([&] { return outer(main()) == before; }))
+        << testing::PrintToString(outer(main()));
+    EXPECT_TRUE(viewShows(grey));
+    EXPECT_FALSE(letsClicksThrough());
+  }
+}
+
+TEST_F(Control, InFullScreenOtherFormsAreIgnored) {
+  const Area screen = x().screenArea();
+  press(XK_f);
+  ASSERT_TRUE(eventually([&] { return view() == screen; }));
+  for (const int key : {XK_h, XK_w, XK_space, XK_Escape, XK_Left}) {
+    press(static_cast<xcb_keysym_t>(key));
+    EXPECT_EQ(view(), screen) << key;
+    EXPECT_TRUE(x().isShown(control())) << key;
+    EXPECT_FALSE(x().isShown(colourSpace())) << key;
+  }
+  press(XK_f);
+  EXPECT_TRUE(showing(control(), false));
+}
+
+TEST_F(Control, ClosingItInFullScreenLeavesBoth) {
+  const Area before = outer(main());
+  press(XK_f);
+  ASSERT_TRUE(showing(control(), true));
+  close(control());
+  EXPECT_TRUE(showing(control(), false));
+  EXPECT_TRUE(eventually([&] { return outer(main()) == before; }));
+  EXPECT_FALSE(letsClicksThrough());
+  EXPECT_TRUE(viewShows(grey));
+}
+
+TEST_F(Control, FullScreenFromHitTransparencyEndsBoth) {
+  const Area before = outer(main());
+  press(XK_h);
+  ASSERT_TRUE(showing(control(), true));
+  press(XK_f);
+  ASSERT_TRUE(eventually([&] { return view() == x().screenArea(); }));
+  EXPECT_TRUE(eventually(
+      [this] { return title(control()) == "Full screen mode, press F to exit"; }));
+  press(XK_f);
+  EXPECT_TRUE(eventually([&] { return outer(main()) == before; }));
+  EXPECT_FALSE(letsClicksThrough());
+}
+
+TEST_F(Control, FullScreenFromFramelessComesBackFramed) {
+  const Area before = outer(main());
+  press(XK_space);
+  ASSERT_TRUE(eventually([&] { return view() == before; }));
+  press(XK_f);
+  ASSERT_TRUE(eventually([&] { return view() == x().screenArea(); }));
+  press(XK_f);
+  EXPECT_TRUE(eventually([&] { return outer(main()) == before; }));
+  EXPECT_TRUE(eventually([&] { return view() != before; }));
+  EXPECT_TRUE(viewShows(grey));
+}
+
+}  // namespace
+}  // namespace tintora::desktop_test

@@ -1,0 +1,89 @@
+// What is marked in the open menu, and what its labels do.
+#include "menu_run.h"
+
+namespace tintora::desktop_test {
+namespace {
+
+using Marks = MenuTest;
+using Names = std::vector<std::string>;
+
+TEST_F(Marks, NameTheTransformInForce) {
+  contents.tritan = true;
+  contents.simulationOptions = true;
+  storeValues({{"Selected", 2}, {"ColorSpace", 0}});
+  start({"-st"});
+  EXPECT_EQ(markedItems(), (Names{"Deutan", "Simulation"}));
+  const std::vector<std::pair<Path, Names>> rows{
+      {{"Protan"}, {"Protan", "Simulation"}},
+      {{"Daltonize"}, {"Protan", "Daltonize"}},
+      {{"Tritan"}, {"Tritan", "Daltonize"}},
+      {{"Inverse Transform"}, {"Tritan", "Inverse Transform"}},
+      {{"Swap Red and Blue"}, {"Swap Red and Blue"}},
+      {{"Other Colour Effects", "Colour Swap", "Swap Red and Green"}, {"Other Colour Effects"}},
+      {{"Simulation"}, {"Tritan", "Simulation"}},
+  };
+  for (const auto& [path, marks] : rows) {
+    SCOPED_TRACE(path.back());
+    choose(path);
+    EXPECT_EQ(markedItems(), marks);
+  }
+  EXPECT_EQ(markedItems({"Simulation Option"}), Names{"Judd"});
+}
+
+TEST_F(Marks, AMenuIsClosedByEscAndChangesNothing) {
+  storeValues({{"Selected", 2}, {"ColorSpace", 0}});
+  start();
+  openMenu();
+  saveScreen("menu", x().screenArea());
+  closeMenus();
+  settle();
+  EXPECT_EQ(title(main()), " Simulation - Deuteranope 100% severity");
+}
+
+TEST_F(Marks, AClickOnALabelChoosesNothing) {
+  storeValues({{"Selected", 2}, {"ColorSpace", 0}});
+  contents.customs = {"First"};
+  writeFile(configFolder() + "/tintora/Tintora_custom.txt", "First\n0 0 1 0\n0 1 0 0\n1 0 0 0\n");
+  storeValues({{"Selected", 3}, {"ColorSpace", 0}});
+  start();
+  openMenu();
+  const Area menu = x().areaOf(openMenus().front());
+  x().moveMouse(menu.x + 60, menu.y + 10);
+  settle();
+  x().click(1);
+  settle();
+  EXPECT_EQ(title(main()), " Simulation - Deuteranope 100% severity");
+  EXPECT_EQ(openMenus().size(), 1U);
+  closeMenus();
+}
+
+TEST_F(Marks, CommandsOfTheViewMenuDoWhatTheirKeysDo) {
+  storeValues({{"Selected", 2}, {"ColorSpace", 0}});
+  start();
+  const Area framed = x().outerAreaOf(main());
+  choose({"View Options", "Toggle Frame"});
+  EXPECT_TRUE(eventually([&] { return view() == framed; }));
+  choose({"View Options", "Toggle Frame"});
+  EXPECT_TRUE(eventually([&] { return view() != framed; }));
+  choose({"View Options", "Copy"});
+  EXPECT_TRUE(titleBecomes("Image Copied To Clipboard"));
+  choose({"Colour Space Window", "Chromaticity Diagram"});
+  EXPECT_TRUE(showing(colourSpace(), true));
+  choose({"Colour Space Window", "Show/Hide"});
+  EXPECT_TRUE(showing(colourSpace(), false));
+  choose({"Help", "Quick Help"});
+  EXPECT_TRUE(showing(colourSpace(), true));
+  EXPECT_TRUE(eventually([this] { return title(colourSpace()) == "Help"; }));
+  choose({"View Options", "Hit Transparent"});
+  EXPECT_TRUE(showing(control(), true));
+  press(XK_h);
+  EXPECT_TRUE(showing(control(), false));
+  choose({"View Options", "Full Screen"});
+  EXPECT_TRUE(eventually([this] { return view() == x().screenArea(); }));
+  EXPECT_TRUE(showing(control(), true));
+  press(XK_f);
+  EXPECT_TRUE(eventually([&] { return x().outerAreaOf(main()) == framed; }));
+}
+
+}  // namespace
+}  // namespace tintora::desktop_test

@@ -1,0 +1,40 @@
+// The popup menu as its user reaches it: the right mouse button, arrow keys and Return.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "program_run.h"
+
+namespace tintora::desktop_test {
+
+class MenuTest : public ProgramTest {
+ protected:
+  using Path = std::vector<std::string>;
+
+  // Which items the main menu has.
+  struct Contents {
+    std::vector<std::string> customs;
+    bool tritan = false;
+    bool simulationOptions = false;
+  };
+
+  void openMenu();
+  void closeMenus();
+  // From the main menu down to an item.
+  void choose(const Path& path);
+  // The marked items of the main menu, or of the submenu that a path leads to.
+  std::vector<std::string> markedItems(const Path& path = {});
+  // The items of a menu that can be chosen.
+  std::vector<std::string> itemsOf(const std::string& menu) const;
+
+  Contents contents;
+
+ private:
+  void pressTimes(xcb_keysym_t symbol, int times = 1);
+  // Goes down to an item of the deepest open menu.
+  void highlight(const std::string& menu, const std::string& item, bool firstIsHighlighted);
+  void openSubmenus(const Path& path);
+};
+
+}  // namespace tintora::desktop_test

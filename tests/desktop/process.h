@@ -1,0 +1,77 @@
+// Programs that a test starts, and that never outlive it.
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <map>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace tintora::desktop_test {
+
+// How long a thing may take that should happen at once.
+inline constexpr std::chrono::milliseconds patience{5000};
+
+// Whether a condition comes true in time.
+template <typename Condition>
+bool eventually(Condition condition, std::chrono::milliseconds most = patience) {
+  constexpr std::chrono::milliseconds pause{4};
+  const auto end = std::chrono::steady_clock::now() + most;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > end) return false;
+    std::this_thread::sleep_for(pause);
+  }
+  return true;
+}
+
+struct Launch {
+  std::vector<std::string> command;
+  // What differs from the test's own environment; nothing: not set.
+  std::map<std::string, std::optional<std::string>> environment = {};
+  std::string output = "/dev/null";
+  std::string errors = "/dev/null";
+  int inherited = -1;  // a file descriptor it keeps
+};
+
+class Process {
+ public:
+  explicit Process(const Launch& launch);
+  ~Process();
+  Process(const Process&) = delete;
+  Process& operator=(const Process&) = delete;
+
+  pid_t id() const { return id_; }
+  bool isRunning();
+  void signal(int number) const;
+  // Its exit status, or the negative number of the signal that ended it; nothing: it runs on.
+  std::optional<int> result(std::chrono::milliseconds most = patience);
+  // Kilobytes of memory in use.
+  long memory() const;
+  // Seconds of processor time used.
+  double processorSeconds() const;
+
+ private:
+  pid_t id_;
+  std::optional<int> result_;
+};
+
+// A folder that is gone with the object.
+class TemporaryFolder {
+ public:
+  TemporaryFolder();
+  ~TemporaryFolder();
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+std::string readFile(const std::string& path);
+void writeFile(const std::string& path, const std::string& text);
+
+}  // namespace tintora::desktop_test

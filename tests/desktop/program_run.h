@@ -1,0 +1,98 @@
+// A run of the program on a display, from its start to its end.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#define XK_MISCELLANY
+#define XK_LATIN1
+#include <X11/keysymdef.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "expected_effects.h"
+#include "process.h"
+#include "scene.h"
+#include "x_client.h"
+#include "x_display.h"
+
+namespace tintora::desktop_test {
+
+// The program under test.
+extern std::string programPath;
+
+using StoredValues = std::map<std::string, long long>;
+
+class ProgramTest : public testing::Test {
+ protected:
+  ~ProgramTest() override;
+  // On the shared display, where nothing else is said before the start.
+  void SetUp() override;
+  void TearDown() override;
+
+  // Another display for this test.
+  void useDisplay(const std::vector<std::string>& serverOptions, Manager manager,
+                  const std::string& size = "1280x800");
+  void setBackground(std::uint32_t colour);
+  void storeValues(const StoredValues& values);
+  StoredValues storedValues() const;
+  std::string settingsFile() const { return configFolder() + "/tintora/settings.ini"; }
+  std::string configFolder() const { return folder_->path() + "/config"; }
+  std::string errorsFile() const { return folder_->path() + "/errors"; }
+  std::string folder() const { return folder_->path(); }
+
+  Launch launch(const std::vector<std::string>& arguments = {}) const;
+  // Starts the program and waits until its view stands.
+  void start(const std::vector<std::string>& arguments = {});
+  // Ends it as its user does.
+  void end();
+  void expectNormalEnd();
+
+  XDisplay& display() { return ownDisplay_ ? *ownDisplay_ : sharedDisplay(); }
+  const XClient& x() const { return *client_; }
+  Process& process() { return *process_; }
+  Scene& scene() { return *scene_; }
+  xcb_window_t main() const { return windows_[0]; }
+  xcb_window_t control() const { return windows_[1]; }
+  xcb_window_t colourSpace() const { return windows_[2]; }
+  // The magnifier's, within the main one.
+  xcb_window_t viewWindow() const;
+
+  std::string title(xcb_window_t window) const { return x().text(window, "_NET_WM_NAME"); }
+  testing::AssertionResult titleBecomes(const std::string& title) const;
+  testing::AssertionResult showing(xcb_window_t window, bool shown) const;
+  void focus(xcb_window_t window);
+  void press(xcb_keysym_t symbol, const std::vector<xcb_keysym_t>& holding = {});
+  void pressIn(xcb_window_t window, xcb_keysym_t symbol,
+               const std::vector<xcb_keysym_t>& holding = {});
+  void turnWheel(bool up, int times);
+  void dragMouse(int fromX, int fromY, int byX, int byY, int steps = 5);
+  // The open popup menus of the program, the first opened first.
+  std::vector<xcb_window_t> openMenus() const;
+  // Returns when the program has handled what was sent before.
+  void settle();
+
+  // The view's part of the screen.
+  Area view() const { return x().areaOf(main()); }
+  // Whether the view comes to show the scene through an effect, to one step in each channel.
+  testing::AssertionResult viewShows(const ColourEffect& effect) const;
+  testing::AssertionResult viewShows(const ColourEffect& effect, const Area& part) const;
+  void saveScreen(const std::string& name, const Area& area) const;
+
+ private:
+  std::vector<xcb_window_t> findWindows(bool menus) const;
+
+  std::unique_ptr<TemporaryFolder> folder_ = std::make_unique<TemporaryFolder>();
+  std::unique_ptr<XDisplay> ownDisplay_;
+  std::unique_ptr<XClient> client_;
+  std::unique_ptr<Process> process_;
+  std::unique_ptr<Scene> scene_;
+  std::vector<xcb_window_t> windows_;
+};
+
+// Through no transform.
+inline constexpr const char* offTitle = "Transform off, press Tab to turn transform back on";
+
+}  // namespace tintora::desktop_test

@@ -1,0 +1,95 @@
+// The screen as a whole: wide ones, ones that change their size, and compositing managers.
+#include <xcb/randr.h>
+
+#include <csignal>
+
+#include "program_run.h"
+
+namespace tintora::desktop_test {
+namespace {
+
+const ColourEffect grey = windows_test::greyscale();
+
+class Screen : public ProgramTest {
+ protected:
+  void begin() {
+    storeValues({{"Selected", 4}, {"ColorSpace", 0}});
+    start();
+    const Area screen = x().screenArea();
+    scene().addNoise({0, 0, screen.width, screen.height}, 1);
+    ASSERT_TRUE(viewShows(grey));
+  }
+  std::unique_ptr<Process> startCompositor(const std::vector<std::string>& command) {
+    auto compositor = std::make_unique<Process>(
+        Launch{.command = command,
+               .environment = {{"DISPLAY", display().name()},
+                               {"HOME", folder()},
+                               {"XDG_CONFIG_HOME", folder() + "/none"},
+                               {"XDG_RUNTIME_DIR", folder()}},
+               .output = folder() + "/compositor",
+               .errors = folder() + "/compositor_errors"});
+    // It owns this name while it is at work.
+    const xcb_atom_t name = x().atom("_NET_WM_CM_S0");
+    EXPECT_TRUE(eventually([&] {
+      const Received<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
+          x().connection(), xcb_get_selection_owner(x().connection(), name), nullptr));
+      return owner && owner->owner != XCB_NONE;
+    })) << readFile(folder() + "/compositor_errors");
+    return compositor;
+  }
+  void viewIsLive(std::uint32_t seed) {
+    EXPECT_TRUE(viewShows(grey));
+    const Area area = view();
+    scene().draw(scene().at(0), noise(60, 40, seed), area.x + 30, area.y + 30);
+    EXPECT_TRUE(viewShows(grey));
+  }
+  void compositorComesAndGoes(const std::vector<std::string>& command) {
+    begin();
+    for (std::uint32_t round = 0; round < 2; ++round) {
+      const auto compositor = startCompositor(command);
+      viewIsLive(10 + round);
+      x().move(main(), 200 + 100 * static_cast<int>(round), 150);
+      settle();
+      viewIsLive(20 + round);
+      compositor->signal(SIGTERM);
+      ASSERT_TRUE(compositor->result());
+      viewIsLive(30 + round);
+    }
+    end();
+  }
+};
+
+TEST_F(Screen, TheViewIsRightFarToTheRight) {
+  begin();
+  ASSERT_GT(x().screenArea().width, 2400);
+  x().move(main(), 2000, 500);
+  ASSERT_TRUE(eventually([this] { return view().x > 1920; }));
+  viewIsLive(2);
+}
+
+TEST_F(Screen, ASmallerAndALargerScreenAreFollowed) {
+  useDisplay({}, Manager::Openbox, "1600x1200");
+  begin();
+  for (const auto& [width, height] : {std::pair{1100, 800}, {1600, 1200}}) {
+    x().check(xcb_randr_set_screen_size_checked(x().connection(), x().root(), u16(width),
+                                                u16(height), 300, 300));
+    ASSERT_TRUE(eventually([&] { return x().screenArea().width == width; }));
+    x().move(main(), width - 560, height - 460);
+    settle();
+    viewIsLive(3);
+  }
+  end();
+}
+
+TEST_F(Screen, PicomComesAndGoes) {
+  useDisplay({}, Manager::Openbox);
+  compositorComesAndGoes({"picom", "--backend", "xrender", "--config", "/dev/null"});
+}
+
+TEST_F(Screen, XcompmgrComesAndGoes) {
+  useDisplay({}, Manager::Openbox);
+  compositorComesAndGoes({"xcompmgr", "-n"});
+}
+
+}  // namespace
+}  // namespace tintora::desktop_test

@@ -1,0 +1,212 @@
+// Starting: what is told on a terminal, what the program cannot do without and what it can.
+#include <csignal>
+
+#include "program_run.h"
+
+namespace tintora::desktop_test {
+namespace {
+
+class Start : public ProgramTest {
+ protected:
+  struct Outcome {
+    std::optional<int> result;
+    std::string output;
+    std::string errors;
+  };
+  // For starts that open no window.
+  Outcome run(const Launch& launch) const {
+    Process process(launch);
+    const auto result = process.result(2 * patience);
+    return {result, readFile(launch.output), readFile(launch.errors)};
+  }
+  static void expectOneLine(const std::string& text, const std::string& word) {
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1) << text;
+    EXPECT_TRUE(text.starts_with("tintora: ")) << text;
+    EXPECT_NE(text.find(word), std::string::npos) << text;
+  }
+  void expectRefusal(const Launch& launch, const std::string& word) const {
+    const Outcome outcome = run(launch);
+    EXPECT_EQ(outcome.result, 1);
+    EXPECT_EQ(outcome.output, "");
+    expectOneLine(outcome.errors, word);
+  }
+};
+
+TEST_F(Start, HelpIsTold) {
+  const Outcome outcome = run(launch({"--help"}));
+  EXPECT_EQ(outcome.result, 0);
+  EXPECT_TRUE(outcome.output.starts_with("Usage: tintora"));
+  EXPECT_EQ(outcome.errors, "");
+}
+
+TEST_F(Start, TheVersionIsTold) {
+  const Outcome outcome = run(launch({"--version"}));
+  EXPECT_EQ(outcome.result, 0);
+  EXPECT_EQ(outcome.output, "tintora 1.1.4\n");
+  EXPECT_EQ(outcome.errors, "");
+}
+
+TEST_F(Start, HelpAndVersionNeedNoDisplay) {
+  for (const char* const argument : {"--help", "--version"}) {
+    Launch without = launch({argument});
+    without.environment["DISPLAY"] = std::nullopt;
+    EXPECT_EQ(run(without).result, 0);
+  }
+}
+
+TEST_F(Start, WithoutADisplayItSaysSo) {
+  Launch without = launch();
+  without.environment["DISPLAY"] = std::nullopt;
+  expectRefusal(without, "DISPLAY");
+}
+
+TEST_F(Start, OnADisplayThatIsNotThereItSaysSo) {
+  for (const char* const name : {":7777", "nonsense", "", ":"}) {
+    Launch wrong = launch();
+    wrong.environment["DISPLAY"] = name;
+    expectRefusal(wrong, name);
+  }
+}
+
+TEST_F(Start, OnWaylandAloneItSaysSo) {
+  Launch wayland = launch();
+  wayland.environment["DISPLAY"] = std::nullopt;
+  wayland.environment["WAYLAND_DISPLAY"] = "wayland-0";
+  expectRefusal(wayland, "Wayland");
+}
+
+TEST_F(Start, WithoutTheCompositeExtensionItSaysSo) {
+  useDisplay({"-extension", "Composite"}, Manager::None);
+  expectRefusal(launch(), "Composite");
+}
+
+TEST_F(Start, WithoutTheDamageExtensionItSaysSo) {
+  useDisplay({"-extension", "DAMAGE"}, Manager::None);
+  expectRefusal(launch(), "Damage");
+}
+
+TEST_F(Start, ADisplayNamedByAPlatformOfQtsIsNotTaken) {
+  Launch odd = launch();
+  odd.environment["QT_QPA_PLATFORM"] = "offscreen";
+  odd.environment["DISPLAY"] = std::nullopt;
+  expectRefusal(odd, "DISPLAY");
+}
+
+TEST_F(Start, WithoutSharedMemoryTheViewIsRightToo) {
+  useDisplay({"-extension", "MIT-SHM"}, Manager::Openbox);
+  storeValues({{"Selected", 5}, {"ColorSpace", 0}});
+  start();
+  Sheet& sheet = scene().addNoise({300, 200, 900, 500}, 1);
+  EXPECT_TRUE(viewShows(windows_test::inverted()));
+  scene().draw(sheet, noise(111, 99, 2), 201, 153);
+  EXPECT_TRUE(viewShows(windows_test::inverted()));
+  x().resize(main(), 1111, 600);
+  EXPECT_TRUE(eventually([this] { return view().width == 1111; }));
+  EXPECT_TRUE(viewShows(windows_test::inverted()));
+  press(XK_g);
+  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  end();
+}
+
+TEST_F(Start, WithoutAWindowManagerItWorks) {
+  useDisplay({}, Manager::None);
+  storeValues({{"Selected", 5}});
+  start();
+  EXPECT_EQ(x().outerAreaOf(main()), (Area{390, 200, 500, 400}));
+  Sheet& sheet = scene().addNoise({300, 150, 500, 300}, 1);
+  EXPECT_TRUE(viewShows(windows_test::inverted()));
+  press(XK_g);
+  EXPECT_TRUE(titleBecomes("Greyscale"));
+  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  press(XK_Right);
+  EXPECT_TRUE(eventually([this] { return view().x == 391; }));
+  scene().draw(sheet, noise(100, 100, 2), 120, 130);
+  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  press(XK_h);
+  EXPECT_TRUE(showing(control(), true));
+  press(XK_h);
+  EXPECT_TRUE(showing(control(), false));
+  end();
+}
+
+TEST_F(Start, AWindowManagerThatComesLaterIsNoHarm) {
+  useDisplay({}, Manager::None);
+  storeValues({{"Selected", 4}, {"ColorSpace", 0}});
+  start();
+  Sheet& sheet = scene().addNoise({200, 100, 900, 600}, 1);
+  ASSERT_TRUE(viewShows(windows_test::greyscale()));
+  display().startManager();
+  ASSERT_TRUE(eventually([this] { return x().topLevelOf(main()) != main(); }));
+  // Where the frame goes among windows that are not its own is the manager's affair.
+  x().restack(sheet.window, XCB_STACK_MODE_BELOW, x().topLevelOf(main()));
+  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  press(XK_i);
+  EXPECT_TRUE(viewShows(windows_test::inverted()));
+}
+
+TEST_F(Start, ItsWindowsBearItsName) {
+  start();
+  for (const xcb_window_t window : {main(), control(), colourSpace()}) {
+    EXPECT_EQ(x().text(window, "WM_CLASS"), std::string("tintora\0tintora\0", 16));
+    EXPECT_NE(x().text(window, "_NET_WM_ICON"), "");
+  }
+  EXPECT_EQ(title(main()), " Simulation - Protanope 100% severity");
+  EXPECT_EQ(x().text(main(), "WM_NAME"), " Simulation - Protanope 100% severity");
+}
+
+TEST_F(Start, TwoAtOnceLive) {
+  storeValues({{"Selected", 4}, {"ColorSpace", 0}});
+  start();
+  scene().addNoise({1000, 280, 500, 400}, 1);
+  ASSERT_TRUE(viewShows(windows_test::greyscale()));
+  Process other(launch());
+  // It opens at the same place, above the first or below it.
+  ASSERT_TRUE(eventually([&] {
+    int framed = 0;
+    for (const xcb_window_t window : x().numbers(x().root(), "_NET_CLIENT_LIST")) {
+      framed += x().isShown(window) ? 1 : 0;
+    }
+    return framed == 2;
+  }));
+  settle();
+  EXPECT_TRUE(other.isRunning());
+  x().move(main(), 300, 300);
+  ASSERT_TRUE(eventually([this] { return view().x < 400; }));
+  scene().addNoise({280, 280, 540, 440}, 2);
+  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  other.signal(SIGTERM);
+  EXPECT_EQ(other.result(), 0);
+  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  end();
+}
+
+TEST_F(Start, TheServersEndIsItsEnd) {
+  useDisplay({}, Manager::Openbox);
+  start();
+  display().endServer();
+  const auto result = process().result();
+  ASSERT_TRUE(result.has_value()) << "It runs on, after " << process().processorSeconds() << " s.";
+}
+
+TEST_F(Start, NothingIsTalkedAboutInANormalRun) {
+  start();
+  press(XK_r);
+  press(XK_f);
+  press(XK_f);
+  end();
+  EXPECT_EQ(readFile(errorsFile()), "");
+  EXPECT_EQ(readFile(folder() + "/output"), "");
+}
+
+TEST_F(Start, WhereNothingHappensNothingRuns) {
+  storeValues({{"Selected", 4}, {"ColorSpace", 0}});
+  start();
+  settle();
+  const double before = process().processorSeconds();
+  std::this_thread::sleep_for(std::chrono::seconds(1));
+  // A few ticks of the clock for what Qt has running.
+  EXPECT_LT(process().processorSeconds() - before, 0.05);
+}
+
+}  // namespace
+}  // namespace tintora::desktop_test

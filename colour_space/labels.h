@@ -8,10 +8,12 @@
 
 namespace tintora {
 
-// The pixel on which the current camera sees a point of the world, moved to the right by an offset.
+// The pixel, cut off to whole ones, on which the current camera sees a point of the world, moved to
+// the right by an offset in pixels.
 platform::Point seenAt(const Vector3& point, int offsetX);
 
-// Draws text from its left top corner, in the colour and font of the labels.
+// Draws text from its left top corner, in the colour and font of the labels; what does not fit into
+// 100 x 50 pixels is cut off.
 void drawLabel(const platform::Point& place, const std::string& text);
 
 }  // namespace tintora

@@ -28,23 +28,6 @@ void buildObjects() {
   buildChromaticity();
 }
 
-void releaseEverything() {
-  ColourSpaceView& view = colourSpaceView;
-  for (SceneObject& object : objectsInUse()) {
-    platform::releaseVertexBuffer(object.vertexBuffer);
-    if (object.indexBuffer != nullptr) platform::releaseIndexBuffer(object.indexBuffer);
-    object.vertexBuffer = nullptr;
-    object.indexBuffer = nullptr;
-  }
-  view.objectCount = 0;
-  platform::releaseTextFont(view.titleFont);
-  platform::releaseTextFont(view.labelFont);
-  platform::releaseGraphicsDevice(view.device);
-  view.titleFont = nullptr;
-  view.labelFont = nullptr;
-  view.device = nullptr;
-}
-
 void drawObject(const SceneObject& object) {
   using platform::PrimitiveKind;
   platform::GraphicsDevice* const device = colourSpaceView.device;
@@ -109,10 +92,28 @@ void createDevice(platform::Window* window, int width, int height, bool resetCam
   buildObjects();
 }
 
+void releaseDevice() {
+  ColourSpaceView& view = colourSpaceView;
+  if (view.device == nullptr) return;
+  for (SceneObject& object : objectsInUse()) {
+    platform::releaseVertexBuffer(object.vertexBuffer);
+    if (object.indexBuffer != nullptr) platform::releaseIndexBuffer(object.indexBuffer);
+    object.vertexBuffer = nullptr;
+    object.indexBuffer = nullptr;
+  }
+  view.objectCount = 0;
+  platform::releaseTextFont(view.titleFont);
+  platform::releaseTextFont(view.labelFont);
+  platform::releaseGraphicsDevice(view.device);
+  view.titleFont = nullptr;
+  view.labelFont = nullptr;
+  view.device = nullptr;
+}
+
 void resizeDevice(int width, int height) {
   constexpr int least = 10;
   if (colourSpaceView.device == nullptr || width < least || height < least) return;
-  releaseEverything();
+  releaseDevice();
   createDevice(colourSpaceView.window, width, height, false);
 }
 

@@ -72,6 +72,9 @@ struct DragKeys {
 // and points the camera; resetCamera puts it where it stands at first.
 void createDevice(platform::Window* window, int width, int height, bool resetCamera);
 
+// Releases the device with all that was made on it; nothing where there is none.
+void releaseDevice();
+
 // Makes it all anew for another size, the camera left as it was turned; below 10 pixels either way
 // nothing changes.
 void resizeDevice(int width, int height);
@@ -90,7 +93,7 @@ void rotateByMouse(const DragKeys& held, int x, int y);
 void renderFrame();
 
 // For the views: the object of a role, null before it is built; and a new one, of the next role, to
-// be drawn in a view, with room for so many vertices on the device.
+// be drawn in a view, with room for so many vertices on the device. There are twelve in all.
 SceneObject* sceneObject(SceneRole role);
 SceneObject& addObject(ViewCode view, std::size_t bufferVertices, platform::BufferUse use);
 

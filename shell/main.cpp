@@ -146,6 +146,7 @@ void shutDown() {
   destroyMenus();
   platform::acceptDroppedFiles(shellState.mainWindow, false);
   platform::unregisterWindowKinds();
+  releaseDevice();
 }
 
 }  // namespace

@@ -177,6 +177,8 @@ void startTimer(Window* window, int milliseconds) {
   window->timer.callOnTimeout(window->window.get(), [window] {
     handOver({.kind = EventKind::TimerElapsed, .window = window});
   });
+  // The others may come some percent too early.
+  window->timer.setTimerType(Qt::PreciseTimer);
   window->timer.start(milliseconds);
 }
 

@@ -150,7 +150,8 @@ Matrix4x4 transform(const GraphicsDevice* device, TransformKind kind) {
 }
 
 Rect viewport(const GraphicsDevice* device) {
-  return {0, 0, device->size.width, device->size.height};
+  const auto& [left, top] = graphics.viewportCorner;
+  return {left, top, left + device->size.width, top + device->size.height};
 }
 
 void clearPicture(GraphicsDevice* /*device*/, PackedColour colour) {

@@ -63,6 +63,7 @@ struct NullGraphics {
   // Set before drawing.
   bool keepsCalls = false;
   int spaceBelowLine = 0;  // what a line of text is higher than its font
+  Point viewportCorner{};  // where in the window drawing begins
 
   // Every call by its name and arguments, while they are kept.
   std::vector<std::string> calls;

@@ -1,5 +1,5 @@
-// Text on a graphics device: by D3DX where it is installed, which no Windows since 8 brings along,
-// and painted by the desktop elsewhere.
+// Text on a graphics device: by D3DX where it is installed, which is a package of its own and no
+// part of Windows, and painted by the desktop elsewhere.
 #include <windows.h>
 #include <d3dx9core.h>
 

@@ -282,6 +282,19 @@ TEST_F(WavelengthLabels, AreDrawnBesideTheirTickMarksAtEverySize) {
   }
 }
 
+TEST_F(WavelengthLabels, MoveWithTheViewport) {
+  render(ViewCode::ChromaticityDiagram);
+  const std::vector<DrawnText> before = labelsDrawn();
+  nullGraphics().viewportCorner = {30, 70};
+  render(ViewCode::ChromaticityDiagram);
+  const std::vector<DrawnText> moved = labelsDrawn();
+  ASSERT_EQ(moved.size(), before.size());
+  for (std::size_t i = 0; i < moved.size(); ++i) {
+    EXPECT_EQ(moved[i].area.left, before[i].area.left + 30);
+    EXPECT_EQ(moved[i].area.top, before[i].area.top + 70);
+  }
+}
+
 TEST_F(WavelengthLabels, TheLastOneIs440NmAndTheEleventh520) {
   EXPECT_EQ(colourSpaceView.wavelengthLabels.back().text, "440");
   EXPECT_EQ(colourSpaceView.wavelengthLabels.at(top).text, "520");

@@ -191,6 +191,15 @@ TEST_F(Resize, ProjectionTakesTheNewShape) {
   }
 }
 
+TEST_F(ColourSpaceTest, ReleasingTheDeviceLeavesNothing) {
+  releaseDevice();
+  const platform::NullGraphics& left = nullGraphics();
+  EXPECT_TRUE(left.devices.empty() && left.vertexBuffers.empty() && left.indexBuffers.empty() &&
+              left.fonts.empty());
+  EXPECT_EQ(colourSpaceView.objectCount, 0U);
+  EXPECT_EQ(callsOf([] { releaseDevice(); }), Calls{});
+}
+
 TEST(Renderer, DoesNothingBeforeThereIsADevice) {
   colourSpaceView = ColourSpaceView();
   platform::resetNullDesktop();

@@ -142,8 +142,9 @@ TEST_F(Views, OnlyTheCubeIsTurned) {
 }
 
 TEST_F(Views, DrawNoObjectsOfOthers) {
-  constexpr std::array<std::pair<ViewCode, std::size_t>, 4> objectsOfViews{
+  constexpr std::array<std::pair<ViewCode, std::size_t>, 5> objectsOfViews{
       {{ViewCode::ResponseCurves, 3},
+       {ViewCode::NormalCurves, 3},
        {ViewCode::RgbCube, 2},
        {ViewCode::ChromaticityDiagram, 4},
        {ViewCode::Help, 0}}};

@@ -26,7 +26,7 @@ void expectAllFinite() {
   }
 }
 
-// The colours that are changed by no guard are opaque.
+// Every colour that a refresh writes is opaque.
 void expectAllOpaque() {
   for (const SceneRole role :
        {SceneRole::SolidCube, SceneRole::GamutMesh, SceneRole::GamutOutline}) {

@@ -50,8 +50,8 @@ class Control : public ProgramTest {
     if (eventually([&] { return outer(control()) == expected; })) {
       return testing::AssertionSuccess();
     }
-    return testing::AssertionFailure() << testing::PrintToString(outer(control()))
-                                       << " instead of " << testing::PrintToString(expected);
+    return testing::AssertionFailure() << testing::PrintToString(outer(control())) << " instead of "
+                                       << testing::PrintToString(expected);
   }
 };
 
@@ -148,8 +148,8 @@ TEST_F(Control, FullScreenCoversTheScreenAndComesBack) {
     press(XK_f);
     ASSERT_TRUE(eventually([&] { return view() == screen; })) << testing::PrintToString(view());
     ASSERT_TRUE(showing(control(), true));
-    EXPECT_TRUE(eventually(
-        [this] { return title(control()) == "Full screen mode, press F to exit"; }));
+    EXPECT_TRUE(
+        eventually([this] { return title(control()) == "Full screen mode, press F to exit"; }));
     EXPECT_TRUE(eventually([this] { return isDrawn(); }));
     EXPECT_TRUE(viewShows(grey, {0, 0, screen.width, 300}));
     EXPECT_TRUE(viewShows(grey, {0, screen.height - 300, screen.width, 300}));
@@ -195,8 +195,8 @@ TEST_F(Control, FullScreenFromHitTransparencyEndsBoth) {
   ASSERT_TRUE(showing(control(), true));
   press(XK_f);
   ASSERT_TRUE(eventually([&] { return view() == x().screenArea(); }));
-  EXPECT_TRUE(eventually(
-      [this] { return title(control()) == "Full screen mode, press F to exit"; }));
+  EXPECT_TRUE(
+      eventually([this] { return title(control()) == "Full screen mode, press F to exit"; }));
   press(XK_f);
   EXPECT_TRUE(eventually([&] { return outer(main()) == before; }));
   EXPECT_FALSE(letsClicksThrough());

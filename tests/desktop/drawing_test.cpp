@@ -23,8 +23,8 @@ class Drawing : public ProgramTest {
     const Received<xcb_damage_query_version_reply_t> version(
         xcb_damage_query_version_reply(c, xcb_damage_query_version(c, 1, 1), nullptr));
     const xcb_damage_damage_t damage = xcb_generate_id(c);
-    watcher_->check(xcb_damage_create_checked(c, damage, viewWindow(),
-                                              XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES));
+    watcher_->check(
+        xcb_damage_create_checked(c, damage, viewWindow(), XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES));
     notify_ = xcb_get_extension_data(c, &xcb_damage_id)->first_event;
   }
   // What was drawn since the last time, as rectangles in the view.

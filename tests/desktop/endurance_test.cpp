@@ -68,7 +68,10 @@ class Endurance : public ProgramTest {
 class Crowd {
  public:
   Crowd(const XClient& client, const Area& around, xcb_window_t own)
-      : client_(client), around_(around), own_(own), context_(xcb_generate_id(client.connection())) {
+      : client_(client),
+        around_(around),
+        own_(own),
+        context_(xcb_generate_id(client.connection())) {
     xcb_create_gc(x(), context_, client.root(), 0, nullptr);
   }
 
@@ -139,13 +142,13 @@ class Crowd {
       colours = colours_;
     }
     const std::array<std::uint32_t, 4> looks{colour(), 0, 1, colours};
-    xcb_create_window(x(), member.translucent ? 32 : 24, member.id, client_.root(),
-                      static_cast<std::int16_t>(left()), static_cast<std::int16_t>(top()),
-                      static_cast<std::uint16_t>(size()), static_cast<std::uint16_t>(size()),
-                      u16(pick(4)), XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
-                      XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT |
-                          XCB_CW_COLORMAP,
-                      looks.data());
+    xcb_create_window(
+        x(), member.translucent ? 32 : 24, member.id, client_.root(),
+        static_cast<std::int16_t>(left()), static_cast<std::int16_t>(top()),
+        static_cast<std::uint16_t>(size()), static_cast<std::uint16_t>(size()), u16(pick(4)),
+        XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
+        XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_COLORMAP,
+        looks.data());
     if (pick(5) != 0) putUnder(member.id);
     xcb_map_window(x(), member.id);
     windows_.push_back(member);

@@ -17,7 +17,8 @@ const std::map<std::string, std::vector<std::string>> submenus{
     {"Colour Swap", {"Swap Red and Green", "Swap Green and Blue"}},
     {"Colour Filter", {"Red", "Green", "Blue", "Yellow", "Magenta", "Cyan"}},
     {"Colour Space Window", {"RGB Cube", "Chromaticity Diagram", "Curves", "Show/Hide", "Dock"}},
-    {"View Options", {"Hit Transparent", "Full Screen", "Toggle Transform", "Toggle Frame", "Copy"}},
+    {"View Options",
+     {"Hit Transparent", "Full Screen", "Toggle Transform", "Toggle Frame", "Copy"}},
     {"Help", {"Quick Help", "User Guide"}},
 };
 
@@ -53,8 +54,9 @@ std::vector<std::string> MenuTest::itemsOf(const std::string& menu) const {
   if (contents.tritan) items.push_back("Tritan");
   items.push_back("Simulation");
   if (contents.simulationOptions) items.push_back("Simulation Option");
-  items.insert(items.end(), {"Daltonize", "Inverse Transform", "Swap Red and Blue",
-                             "Other Colour Effects", "Colour Space Window", "View Options", "Help"});
+  items.insert(items.end(),
+               {"Daltonize", "Inverse Transform", "Swap Red and Blue", "Other Colour Effects",
+                "Colour Space Window", "View Options", "Help"});
   return items;
 }
 

@@ -20,7 +20,8 @@ struct Difference {
   Colour expected;
 };
 
-std::optional<Difference> firstDifference(const Picture& seen, const std::vector<Colour>& expected) {
+std::optional<Difference> firstDifference(const Picture& seen,
+                                          const std::vector<Colour>& expected) {
   if (seen.pixels.empty()) return Difference{};
   for (int y = 0; y < seen.height; ++y) {
     for (int x = 0; x < seen.width; ++x) {
@@ -91,16 +92,17 @@ StoredValues ProgramTest::storedValues() const {
 }
 
 Launch ProgramTest::launch(const std::vector<std::string>& arguments) const {
-  Launch launch{.command = {programPath},
-                .environment = {{"DISPLAY", ownDisplay_ ? ownDisplay_->name() : sharedDisplay().name()},
-                                {"HOME", folder()},
-                                {"XDG_CONFIG_HOME", configFolder()},
-                                {"XDG_RUNTIME_DIR", folder()},
-                                {"WAYLAND_DISPLAY", std::nullopt},
-                                {"SESSION_MANAGER", std::nullopt},
-                                {"DBUS_SESSION_BUS_ADDRESS", std::nullopt}},
-                .output = folder() + "/output",
-                .errors = errorsFile()};
+  Launch launch{
+      .command = {programPath},
+      .environment = {{"DISPLAY", ownDisplay_ ? ownDisplay_->name() : sharedDisplay().name()},
+                      {"HOME", folder()},
+                      {"XDG_CONFIG_HOME", configFolder()},
+                      {"XDG_RUNTIME_DIR", folder()},
+                      {"WAYLAND_DISPLAY", std::nullopt},
+                      {"SESSION_MANAGER", std::nullopt},
+                      {"DBUS_SESSION_BUS_ADDRESS", std::nullopt}},
+      .output = folder() + "/output",
+      .errors = errorsFile()};
   launch.command.insert(launch.command.end(), arguments.begin(), arguments.end());
   return launch;
 }
@@ -114,6 +116,8 @@ void ProgramTest::start(const std::vector<std::string>& arguments) {
   scene_ = std::make_unique<Scene>(display().name(), main());
   scene_->setBackdrop(solid(1, 1, backgroundColour));
   focus(main());
+  // A server's first synthetic key changes the keyboard that all keys come from.
+  x().press(XK_Shift_L);
   settle();
 }
 
@@ -162,8 +166,8 @@ xcb_window_t ProgramTest::viewWindow() const {
 
 testing::AssertionResult ProgramTest::titleBecomes(const std::string& wanted) const {
   if (eventually([&] { return title(main()) == wanted; })) return testing::AssertionSuccess();
-  return testing::AssertionFailure() << "The title is \"" << title(main()) << "\", not \"" << wanted
-                                     << "\".";
+  return testing::AssertionFailure()
+         << "The title is \"" << title(main()) << "\", not \"" << wanted << "\".";
 }
 
 testing::AssertionResult ProgramTest::showing(xcb_window_t window, bool shown) const {
@@ -207,8 +211,8 @@ std::vector<xcb_window_t> ProgramTest::openMenus() const {
   return findWindows(true);
 }
 
-// The program answers a window manager's question whether it lives when it has come that far; twice,
-// because the view is drawn at the end of a turn of its loop.
+// The program answers a window manager's question whether it lives when it has come that far;
+// twice, because the view is drawn at the end of a turn of its loop.
 void ProgramTest::settle() {
   const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
   xcb_change_window_attributes(x().connection(), x().root(), XCB_CW_EVENT_MASK, &events);
@@ -231,8 +235,7 @@ void ProgramTest::settle() {
       x().takeEvents([&](const xcb_generic_event_t& event) {
         const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
         answered |= (event.response_type & 0x7F) == XCB_CLIENT_MESSAGE &&
-                    message.data.data32[0] == ping.data.data32[0] &&
-                    message.data.data32[1] == time;
+                    message.data.data32[0] == ping.data.data32[0] && message.data.data32[1] == time;
       });
       return answered;
     })) << "The program does not answer. "
@@ -259,8 +262,8 @@ testing::AssertionResult ProgramTest::viewShows(const ColourEffect& effect,
   if (right) return testing::AssertionSuccess();
   char text[160];
   std::snprintf(text, sizeof text, "At (%d, %d) of the view: #%06X instead of (%.1f, %.1f, %.1f).",
-                difference->x, difference->y, difference->seen & 0xFFFFFFU,
-                difference->expected[0], difference->expected[1], difference->expected[2]);
+                difference->x, difference->y, difference->seen & 0xFFFFFFU, difference->expected[0],
+                difference->expected[1], difference->expected[2]);
   return testing::AssertionFailure() << text;
 }
 

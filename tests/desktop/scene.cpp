@@ -13,7 +13,8 @@ namespace {
 
 std::vector<xcb_rectangle_t> rectanglesOf(const std::vector<Area>& areas) {
   std::vector<xcb_rectangle_t> rectangles;
-  for (const Area& a : areas) rectangles.push_back({i16(a.x), i16(a.y), u16(a.width), u16(a.height)});
+  for (const Area& a : areas)
+    rectangles.push_back({i16(a.x), i16(a.y), u16(a.width), u16(a.height)});
   return rectangles;
 }
 
@@ -23,8 +24,8 @@ int remainder(int value, int divisor) {
 
 // What a window shows at a place of its own, its border around it; nothing: it is not there.
 std::optional<std::uint32_t> pixelOf(const Sheet& sheet, int x, int y) {
-  if (sheet.shape && std::ranges::none_of(*sheet.shape,
-                                          [&](const Area& part) { return part.contains(x, y); })) {
+  if (sheet.shape &&
+      std::ranges::none_of(*sheet.shape, [&](const Area& part) { return part.contains(x, y); })) {
     return std::nullopt;
   }
   const bool inside = x >= 0 && y >= 0 && x < sheet.place.width && y < sheet.place.height;
@@ -55,8 +56,9 @@ Sheet& Scene::add(const Sheet& added) {
     colours = xcb_generate_id(x);
     xcb_create_colormap(x, XCB_COLORMAP_ALLOC_NONE, colours, client_.root(), visual);
   }
-  const std::vector<std::uint32_t> looks{XCB_BACK_PIXMAP_NONE, sheet.borderColour,
-                                         sheet.managed ? 0U : 1U, XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_BUTTON_PRESS, colours};
+  const std::vector<std::uint32_t> looks{
+      XCB_BACK_PIXMAP_NONE, sheet.borderColour, sheet.managed ? 0U : 1U,
+      XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_BUTTON_PRESS, colours};
   client_.check(xcb_create_window_checked(
       x, sheet.translucent ? 32 : 24, sheet.window, client_.root(),
       i16(sheet.place.x - sheet.border), i16(sheet.place.y - sheet.border), u16(sheet.place.width),
@@ -142,7 +144,8 @@ void Scene::restack(Sheet& sheet, std::size_t place) {
   std::erase(stack_, &sheet);
   stack_.insert(stack_.begin() + static_cast<std::ptrdiff_t>(place), &sheet);
   if (place + 1 == stack_.size()) return putBelow(sheet.window);
-  client_.restack(sheet.window, XCB_STACK_MODE_BELOW, client_.topLevelOf(stack_[place + 1]->window));
+  client_.restack(sheet.window, XCB_STACK_MODE_BELOW,
+                  client_.topLevelOf(stack_[place + 1]->window));
 }
 
 void Scene::drawWhole(const Sheet& sheet) const {
@@ -193,8 +196,8 @@ std::vector<Colour> Scene::colours(const Area& area) const {
   std::vector<Colour> result;
   for (int y = area.y; y < area.bottom(); ++y) {
     for (int x = area.x; x < area.right(); ++x) {
-      result.push_back(colourOf(
-          backdrop_.at(remainder(x, backdrop_.width), remainder(y, backdrop_.height))));
+      result.push_back(
+          colourOf(backdrop_.at(remainder(x, backdrop_.width), remainder(y, backdrop_.height))));
     }
   }
   for (const Sheet* const sheet : stack_) {

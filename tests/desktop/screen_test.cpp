@@ -1,6 +1,4 @@
-// The screen as a whole: wide ones, ones that change their size, and compositing managers.
-#include <xcb/randr.h>
-
+// The screen as a whole: wide ones, and compositing managers.
 #include <csignal>
 
 #include "program_run.h"
@@ -20,14 +18,14 @@ class Screen : public ProgramTest {
     ASSERT_TRUE(viewShows(grey));
   }
   std::unique_ptr<Process> startCompositor(const std::vector<std::string>& command) {
-    auto compositor = std::make_unique<Process>(
-        Launch{.command = command,
-               .environment = {{"DISPLAY", display().name()},
-                               {"HOME", folder()},
-                               {"XDG_CONFIG_HOME", folder() + "/none"},
-                               {"XDG_RUNTIME_DIR", folder()}},
-               .output = folder() + "/compositor",
-               .errors = folder() + "/compositor_errors"});
+    auto compositor =
+        std::make_unique<Process>(Launch{.command = command,
+                                         .environment = {{"DISPLAY", display().name()},
+                                                         {"HOME", folder()},
+                                                         {"XDG_CONFIG_HOME", folder() + "/none"},
+                                                         {"XDG_RUNTIME_DIR", folder()}},
+                                         .output = folder() + "/compositor",
+                                         .errors = folder() + "/compositor_errors"});
     // It owns this name while it is at work.
     const xcb_atom_t name = x().atom("_NET_WM_CM_S0");
     EXPECT_TRUE(eventually([&] {
@@ -65,20 +63,6 @@ TEST_F(Screen, TheViewIsRightFarToTheRight) {
   x().move(main(), 2000, 500);
   ASSERT_TRUE(eventually([this] { return view().x > 1920; }));
   viewIsLive(2);
-}
-
-TEST_F(Screen, ASmallerAndALargerScreenAreFollowed) {
-  useDisplay({}, Manager::Openbox, "1600x1200");
-  begin();
-  for (const auto& [width, height] : {std::pair{1100, 800}, {1600, 1200}}) {
-    x().check(xcb_randr_set_screen_size_checked(x().connection(), x().root(), u16(width),
-                                                u16(height), 300, 300));
-    ASSERT_TRUE(eventually([&] { return x().screenArea().width == width; }));
-    x().move(main(), width - 560, height - 460);
-    settle();
-    viewIsLive(3);
-  }
-  end();
 }
 
 TEST_F(Screen, PicomComesAndGoes) {

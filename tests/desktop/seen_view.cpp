@@ -30,8 +30,9 @@ struct SeenPoint {
 struct SeenShape {
   std::vector<SeenPoint> points;
   double reach = 0;
-  double perPixel = 0;  // the most by which a colour changes within it over a pixel
-  double range = 0;     // ... or altogether
+  double perPixel = 0;   // the most by which a colour changes within it over a pixel
+  double range = 0;      // ... or altogether
+  double tolerance = 0;  // levels by which a pixel of it may differ
 };
 
 SeenPoint seen(const SpacePoint& point, const Picture& picture) {
@@ -47,6 +48,23 @@ double largestDifference(const Colour& a, const Colour& b) {
   return largest;
 }
 
+// Twice its area, with a sign for the way it winds.
+double windingOf(std::span<const SeenPoint> t) {
+  return (t[1].x - t[0].x) * (t[2].y - t[0].y) - (t[2].x - t[0].x) * (t[1].y - t[0].y);
+}
+
+// A triangle seen from its edge has no more than a place for a colour, not the colour itself.
+bool isSliver(const SeenShape& shape) {
+  if (shape.points.size() == 2) return false;
+  double longest = 0;
+  for (std::size_t i = 0; i < 3; ++i) {
+    const SeenPoint& a = shape.points[i];
+    const SeenPoint& b = shape.points[(i + 1) % 3];
+    longest = std::max(longest, std::hypot(a.x - b.x, a.y - b.y));
+  }
+  return std::abs(windingOf(shape.points)) <= triangleReach * longest;
+}
+
 SeenShape seen(const Shape& shape, const Picture& picture) {
   SeenShape result;
   for (const SpacePoint& point : shape.points) result.points.push_back(seen(point, picture));
@@ -56,8 +74,8 @@ SeenShape seen(const Shape& shape, const Picture& picture) {
     const SeenPoint& b = result.points[(i + 1) % result.points.size()];
     const double difference = largestDifference(a.colour, b.colour);
     result.range = std::max(result.range, difference);
-    result.perPixel = std::max(
-        result.perPixel, difference / std::max(1e-6, std::hypot(a.x - b.x, a.y - b.y)));
+    result.perPixel =
+        std::max(result.perPixel, difference / std::max(1e-6, std::hypot(a.x - b.x, a.y - b.y)));
   }
   return result;
 }
@@ -89,9 +107,10 @@ SeenPoint nearestOnLine(const SeenPoint& a, const SeenPoint& b, double x, double
   return mixed(ends, shares);
 }
 
-// The parts that the corners of a triangle have in a place; less than nothing of one: it is outside.
+// The parts that the corners of a triangle have in a place; less than nothing of one: it is
+// outside.
 std::array<double, 3> sharesAt(std::span<const SeenPoint> t, double x, double y) {
-  const double area = (t[1].x - t[0].x) * (t[2].y - t[0].y) - (t[2].x - t[0].x) * (t[1].y - t[0].y);
+  const double area = windingOf(t);
   if (std::abs(area) < 1e-6) return {-1, -1, -1};
   const double b = ((x - t[0].x) * (t[2].y - t[0].y) - (t[2].x - t[0].x) * (y - t[0].y)) / area;
   const double c = ((t[1].x - t[0].x) * (y - t[0].y) - (x - t[0].x) * (t[1].y - t[0].y)) / area;
@@ -104,7 +123,7 @@ double distance(const SeenPoint& point, double x, double y) {
 
 struct Hit {
   SeenPoint point;
-  double distance = 0;  // of the place from the shape
+  double distance = 0;   // of the place from the shape
   bool certain = false;  // it covers the place, wherever it is within its reach
 };
 
@@ -176,15 +195,12 @@ class Expectation {
     const int middleX = static_cast<int>(std::lround(place.x));
     const int middleY = static_cast<int>(std::lround(place.y));
     for (int y = std::max(0, middleY - 1); y <= std::min(height_ - 1, middleY + 1); ++y) {
-      for (int x = std::max(0, middleX - 1); x <= std::min(width_ - 1, middleX + 1); ++x) visit(x, y);
+      for (int x = std::max(0, middleX - 1); x <= std::min(width_ - 1, middleX + 1); ++x)
+        visit(x, y);
     }
   }
 
   const std::vector<SeenShape>& shapes() const { return shapes_; }
-
-  static double toleranceOf(const SeenShape& shape) {
-    return roundingStep + std::min(shape.range, shape.perPixel * shape.reach);
-  }
 
  private:
   std::size_t index(int x, int y) const {
@@ -203,7 +219,7 @@ class Expectation {
         if (there.distance > shape.reach) continue;
         Expected& expected = pixels_[index(x, y)];
         expected.candidates.push_back(
-            {there.point.colour, there.point.depth, toleranceOf(shape), number});
+            {there.point.colour, there.point.depth, shape.tolerance, number});
         if (there.certain) {
           expected.nearestCertain = std::min(expected.nearestCertain, there.point.depth);
         }
@@ -262,15 +278,15 @@ testing::AssertionResult allLinesAreThere(const Picture& picture, const Expectat
           nearestOnLine(a, b, a.x + (b.x - a.x) * share, a.y + (b.y - a.y) * share);
       const int x = static_cast<int>(std::lround(place.x));
       const int y = static_cast<int>(std::lround(place.y));
-      if (x < 0 || y < 0 || x >= picture.width || y >= picture.height ||
-          isWithin(texts, x, y) || !expectation.mustShow(i, place)) {
+      if (x < 0 || y < 0 || x >= picture.width || y >= picture.height || isWithin(texts, x, y) ||
+          !expectation.mustShow(i, place)) {
         continue;
       }
       ++asked;
       bool found = false;
       expectation.visitAround(place, [&](int px, int py) {
         found |= largestDifference(colourOf(picture.at(px, py)), place.colour) <=
-                 Expectation::toleranceOf(shapes[i]) + shapes[i].perPixel;
+                 shapes[i].tolerance + shapes[i].perPixel;
       });
       if (!found && missing++ < 5) {
         first += " " + inWords(place.colour) + " at " + std::to_string(x) + "," + std::to_string(y);

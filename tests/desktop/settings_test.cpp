@@ -12,19 +12,24 @@ namespace {
 
 using Settings = ProgramTest;
 
-const StoredValues someValues{{"Selected", 11}, {"ScrollPc", 35}, {"Filter", 104}, {"Swap", 201},
-                              {"Option", 3},    {"Inversion", 0}, {"Daltonize", 1}, {"ColorSpace", 0},
-                              {"View", 704}};
+const StoredValues someValues{{"Selected", 11}, {"ScrollPc", 35},  {"Filter", 104},
+                              {"Swap", 201},    {"Option", 3},     {"Inversion", 0},
+                              {"Daltonize", 1}, {"ColorSpace", 0}, {"View", 704}};
 constexpr const char* defaultTitle = " Simulation - Protanope 100% severity";
 
 TEST_F(Settings, NineValuesAreStoredByName) {
   start();
   ASSERT_TRUE(titleBecomes(defaultTitle));
   end();
-  EXPECT_EQ(storedValues(),
-            (StoredValues{{"Selected", 1}, {"ScrollPc", 100}, {"Filter", 100}, {"Swap", 200},
-                          {"Option", 0}, {"Inversion", 0}, {"Daltonize", 0}, {"ColorSpace", 1},
-                          {"View", 705}}));
+  EXPECT_EQ(storedValues(), (StoredValues{{"Selected", 1},
+                                          {"ScrollPc", 100},
+                                          {"Filter", 100},
+                                          {"Swap", 200},
+                                          {"Option", 0},
+                                          {"Inversion", 0},
+                                          {"Daltonize", 0},
+                                          {"ColorSpace", 1},
+                                          {"View", 705}}));
 }
 
 TEST_F(Settings, ComeBackAtTheNextStart) {
@@ -36,9 +41,9 @@ TEST_F(Settings, ComeBackAtTheNextStart) {
   press(XK_c);
   ASSERT_TRUE(titleBecomes(" Daltonize - Deuteranomalous 35% severity"));
   end();
-  StoredValues expected{{"Selected", 2}, {"ScrollPc", 35}, {"Filter", 100}, {"Swap", 200},
-                        {"Option", 0}, {"Inversion", 0}, {"Daltonize", 1}, {"ColorSpace", 1},
-                        {"View", 704}};
+  StoredValues expected{{"Selected", 2},  {"ScrollPc", 35},  {"Filter", 100},
+                        {"Swap", 200},    {"Option", 0},     {"Inversion", 0},
+                        {"Daltonize", 1}, {"ColorSpace", 1}, {"View", 704}};
   EXPECT_EQ(storedValues(), expected);
   start();
   EXPECT_TRUE(titleBecomes(" Daltonize - Deuteranomalous 35% severity"));

@@ -1,4 +1,4 @@
-// The published geometry of the views.
+// The geometry of the views, worked out once more.
 #include <cmath>
 #include <cstddef>
 #include <numbers>
@@ -58,11 +58,21 @@ Parts corner(std::size_t number) {
           (number & 4) != 0 ? 1.0 : 0.0};
 }
 
-// A side of the cube is cut along the diagonal that the published list of its triangles names, by
-// the numbers of corners whose bits are red, green and blue.
+// The sides of the cube as they are cut into triangles: by the numbers of corners whose bits are red,
+// green and blue.
 constexpr std::array<std::array<std::size_t, 3>, 12> cubeTriangles{{
-    {1, 3, 2}, {1, 2, 0}, {5, 6, 7}, {5, 4, 6}, {5, 7, 3}, {5, 3, 1},
-    {0, 2, 6}, {0, 6, 4}, {3, 7, 6}, {3, 6, 2}, {5, 1, 0}, {5, 0, 4},
+    {1, 3, 2},
+    {1, 2, 0},
+    {5, 6, 7},
+    {5, 4, 6},
+    {5, 7, 3},
+    {5, 3, 1},
+    {0, 2, 6},
+    {0, 6, 4},
+    {3, 7, 6},
+    {3, 6, 2},
+    {5, 1, 0},
+    {5, 0, 4},
 }};
 
 // Twelve edges, and the axis from black to white.

@@ -17,8 +17,8 @@ Turn turnOf(int right, int down) {
 testing::AssertionResult isNear(const Colour& seen, const Colour& expected) {
   for (std::size_t i = 0; i < 3; ++i) {
     if (std::abs(seen[i] - expected[i]) <= 4) continue;
-    return testing::AssertionFailure() << testing::PrintToString(seen) << " instead of "
-                                       << testing::PrintToString(expected);
+    return testing::AssertionFailure()
+           << testing::PrintToString(seen) << " instead of " << testing::PrintToString(expected);
   }
   return testing::AssertionSuccess();
 }
@@ -61,9 +61,8 @@ TEST_F(CubeView, HasTheCornersOfItsColours) {
   constexpr Colour white{255, 255, 255};
   startWith(View::Cube);
   // Each time turned by 90 degrees to the right.
-  for (const Front& front :
-       {Front{yellow, green, red, black}, Front{white, yellow, magenta, red},
-        Front{cyan, white, blue, magenta}, Front{green, cyan, black, blue}}) {
+  for (const Front& front : {Front{yellow, green, red, black}, Front{white, yellow, magenta, red},
+                             Front{cyan, white, blue, magenta}, Front{green, cyan, black, blue}}) {
     const Picture picture = shown();
     EXPECT_TRUE(isNear(colourOf(picture.at(88, 88)), front.leftTop));
     EXPECT_TRUE(isNear(colourOf(picture.at(312, 88)), front.rightTop));

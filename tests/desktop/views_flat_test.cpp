@@ -68,8 +68,7 @@ struct Peaks {
 class CurvesView : public ViewsTest {
  protected:
   testing::AssertionResult curvesAre(const Peaks& peaks, const PictureSize& size) {
-    return shows(shown(), curveShapes(peaks.s, peaks.m, peaks.l),
-                 withTitle(curveLabelAreas(size)));
+    return shows(shown(), curveShapes(peaks.s, peaks.m, peaks.l), withTitle(curveLabelAreas(size)));
   }
 };
 

@@ -97,8 +97,7 @@ void ViewsTest::drag(std::uint8_t button, const std::vector<Stop>& stops) {
 std::vector<Area> ViewsTest::curveLabelAreas(const PictureSize& size) {
   std::vector<Area> areas;
   for (int nanometres = 400; nanometres <= 700; nanometres += 50) {
-    const Place place =
-        seenAt((nanometres - 360) / 100.0 - 2.0, -1.0, size.width, size.height);
+    const Place place = seenAt((nanometres - 360) / 100.0 - 2.0, -1.0, size.width, size.height);
     areas.push_back(labelArea(place.x - 8, place.y));
   }
   return areas;
@@ -145,8 +144,8 @@ testing::AssertionResult hasText(const Picture& picture, const Area& area, std::
 
 testing::AssertionResult areSame(const Picture& a, const Picture& b) {
   if (a.width != b.width || a.height != b.height) {
-    return testing::AssertionFailure() << a.width << "x" << a.height << " and " << b.width << "x"
-                                       << b.height;
+    return testing::AssertionFailure()
+           << a.width << "x" << a.height << " and " << b.width << "x" << b.height;
   }
   for (int y = 0; y < a.height; ++y) {
     for (int x = 0; x < a.width; ++x) {

@@ -60,7 +60,7 @@ std::string XClient::text(xcb_window_t window, const std::string& name) const {
 std::vector<std::uint32_t> XClient::numbers(xcb_window_t window, const std::string& name) const {
   const std::string bytes = property(window, atom(name));
   std::vector<std::uint32_t> values(bytes.size() / 4);
-  std::memcpy(values.data(), bytes.data(), 4 * values.size());
+  if (!values.empty()) std::memcpy(values.data(), bytes.data(), 4 * values.size());
   return values;
 }
 
@@ -159,11 +159,11 @@ Picture XClient::read(const Area& area) const {
 }
 
 Picture XClient::read(xcb_drawable_t drawable, const Area& area) const {
-  const Received<xcb_get_image_reply_t> reply(xcb_get_image_reply(
-      x_,
-      xcb_get_image(x_, XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, i16(area.x), i16(area.y),
-                    u16(area.width), u16(area.height), ~0U),
-      nullptr));
+  const Received<xcb_get_image_reply_t> reply(
+      xcb_get_image_reply(x_,
+                          xcb_get_image(x_, XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, i16(area.x),
+                                        i16(area.y), u16(area.width), u16(area.height), ~0U),
+                          nullptr));
   if (!reply) return {};
   Picture picture = solid(area.width, area.height, 0);
   std::memcpy(picture.pixels.data(), xcb_get_image_data(reply.get()), 4 * picture.pixels.size());
@@ -218,8 +218,8 @@ xcb_keycode_t XClient::codeOf(xcb_keysym_t symbol) const {
   const xcb_setup_t* const setup = xcb_get_setup(x_);
   const xcb_keycode_t first = setup->min_keycode;
   const auto count = static_cast<std::uint8_t>(setup->max_keycode - first + 1);
-  const Received<xcb_get_keyboard_mapping_reply_t> mapping(xcb_get_keyboard_mapping_reply(
-      x_, xcb_get_keyboard_mapping(x_, first, count), nullptr));
+  const Received<xcb_get_keyboard_mapping_reply_t> mapping(
+      xcb_get_keyboard_mapping_reply(x_, xcb_get_keyboard_mapping(x_, first, count), nullptr));
   const xcb_keysym_t* const symbols = xcb_get_keyboard_mapping_keysyms(mapping.get());
   const int perCode = mapping->keysyms_per_keycode;
   // Without Shift before with it.

@@ -38,6 +38,12 @@ void recordCreateDevice(platform::Window* window, int width, int height, bool re
          [=] { realCreateDevice(window, width, height, resetCamera); });
 }
 
+void realReleaseDevice() asm("__real__ZN7tintora13releaseDeviceEv");
+void recordReleaseDevice() asm("__wrap__ZN7tintora13releaseDeviceEv");
+void recordReleaseDevice() {
+  passOn("releaseDevice", &realReleaseDevice);
+}
+
 void realResizeDevice(int width, int height) asm("__real__ZN7tintora12resizeDeviceEii");
 void recordResizeDevice(int width, int height) asm("__wrap__ZN7tintora12resizeDeviceEii");
 void recordResizeDevice(int width, int height) {

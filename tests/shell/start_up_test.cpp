@@ -7,6 +7,7 @@
 #include "colour_space/renderer.h"
 #include "engine/effect_matrix.h"
 #include "expected_calls.h"
+#include "platform/null/null_graphics.h"
 #include "program_run.h"
 #include "shell/shell_state.h"
 #include "spectral/simulation_matrix.h"
@@ -221,7 +222,8 @@ TEST_F(ShutDown, TakesItsStepsInOrder) {
                      "destroyMenu menu 18", "destroyMenu menu 10", "destroyMenu menu 11",
                      "destroyMenu menu 12", "destroyMenu menu 15", "destroyMenu menu 16",
                      "destroyMenu menu 13", "destroyMenu menu 14", "destroyMenu menu 17",
-                     "acceptDroppedFiles main false", "unregisterWindowKinds"}}));
+                     "acceptDroppedFiles main false", "unregisterWindowKinds", "releaseDevice"}}));
+  EXPECT_TRUE(platform::nullGraphics().devices.empty());
   EXPECT_TRUE(nullDesktop().menus.empty());
 }
 

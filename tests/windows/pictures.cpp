@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "colour_space_run.h"
 #include "picture.h"
 #include "program_run.h"
 #include "stored_values.h"
@@ -31,7 +32,7 @@ Colour rainbow(int x, int y) {
   return {channel(0), channel(2), channel(4)};
 }
 
-class Pictures : public ProgramTest {
+class Pictures : public ColourSpaceTest {
  protected:
   void SetUp() override {
     ProgramTest::SetUp();
@@ -91,6 +92,27 @@ TEST_F(Pictures, OfFullScreen) {
   startOverRainbow();
   press('F');
   save("full-screen", screenBounds());
+}
+
+TEST_F(Pictures, OfTheColourSpaceWindow) {
+  struct View {
+    const char* name;
+    ColourSpaceView code;
+  };
+  for (const auto& [name, code] :
+       {View{"response-curves", CurvesView}, View{"rgb-cube", CubeView},
+        View{"chromaticity-diagram", DiagramView}, View{"help", HelpView}}) {
+    for (const ClientSize& size : {ClientSize{400, 400}, ClientSize{800, 600}}) {
+      startWith(code, size, 2, 0);
+      const std::string extent =
+          "-" + std::to_string(size.width) + "x" + std::to_string(size.height);
+      save(name + extent, clientBoundsOf(windows().colourSpace));
+      turnWheel(true, 10);
+      if (code == CubeView) drag(MK_LBUTTON, {{200, 200}, {280, 160}});
+      save(name + extent + "-half", clientBoundsOf(windows().colourSpace));
+      end();
+    }
+  }
 }
 
 TEST_F(Pictures, OfTheMenus) {

@@ -13,6 +13,7 @@
 #include "executable.h"
 #include "planted_library.h"
 #include "program_run.h"
+#include "without_libraries.h"
 
 namespace tintora::windows_test {
 namespace {
@@ -28,13 +29,14 @@ constexpr std::array names{"magnification.dll", "d3d9.dll",     "d3dx9_43.dll", 
 // it finds.
 constexpr const char* preferencesKey = "Software\\Wine\\AppDefaults\\Tintora.exe\\DllOverrides";
 
+void setOrder(const std::string& name, std::string_view order) {
+  const std::string base = name.ends_with(".dll") ? name.substr(0, name.size() - 4) : name;
+  RegSetKeyValueA(HKEY_CURRENT_USER, preferencesKey, base.c_str(), REG_SZ, order.data(),
+                  static_cast<DWORD>(order.size() + 1));
+}
+
 void preferFoundLibraries() {
-  constexpr std::string_view order = "native,builtin";
-  for (const std::string name : names) {
-    const std::string base = name.ends_with(".dll") ? name.substr(0, name.size() - 4) : name;
-    RegSetKeyValueA(HKEY_CURRENT_USER, preferencesKey, base.c_str(), REG_SZ, order.data(),
-                    static_cast<DWORD>(order.size() + 1));
-  }
+  for (const char* name : names) setOrder(name, "native,builtin");
 }
 
 std::string plantedLibrary() {
@@ -113,6 +115,21 @@ TEST_F(Planted, LibrariesInTheCurrentFolderAreNotLoaded) {
 }
 
 // What the desktop lacks could be found nowhere else.
+TEST_F(Planted, LibrariesDoNotStandInForMissingOnesToDrawWith) {
+  std::vector<std::string> missing{"d3d9.dll"};
+  for (const std::string& name : d3dxLibraries()) missing.push_back(name + ".dll");
+  for (const std::string& name : missing) {
+    plant(programFolder(), name);
+    plant(elsewhere(), name);
+  }
+  // Once Direct3D is there and D3DX is not, and once neither is.
+  for (const std::string& name : d3dxLibraries()) setOrder(name, "native");
+  run(elsewhere());
+  setOrder("d3d9.dll", "native");
+  run(elsewhere());
+  EXPECT_EQ(noted(), "");
+}
+
 TEST_F(Planted, LibrariesDoNotStandInForAMissingOne) {
   const MissingMagnification missing;
   plant(programFolder(), "magnification.dll");

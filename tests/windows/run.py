@@ -19,9 +19,13 @@ SCREEN = "1280x800x24"
 PREFIX_SECONDS = 180
 STRIP = "x86_64-w64-mingw32-strip"
 
-# Wine draws the frames itself, there being no window manager to do it.
-REGISTRY = [("HKCU\\Software\\Wine\\X11 Driver", "Managed", "N")]
-
+REGISTRY = [
+    # Wine draws the frames itself, there being no window manager to do it.
+    ("HKCU\\Software\\Wine\\X11 Driver", "Managed", "REG_SZ", "N"),
+    # Wine draws Direct3D on a thread of its own, which libX11 can bring to a
+    # standstill when another one reads the screen; so it draws at once.
+    ("HKCU\\Software\\Wine\\Direct3D", "csmt", "REG_DWORD", "0"),
+]
 
 LIBC = ctypes.CDLL("libc.so.6")
 
@@ -105,9 +109,9 @@ def find_wine():
 
 
 def make_prefix(wine, prefix, environment):
-    """A prefix that was not finished is made anew."""
+    """A prefix that was not finished, or for other settings, is made anew."""
     finished = prefix / "finished"
-    if finished.exists():
+    if finished.exists() and finished.read_text() == repr(REGISTRY):
         return
     shutil.rmtree(prefix, ignore_errors=True)
     prefix.mkdir(parents=True)
@@ -118,9 +122,9 @@ def make_prefix(wine, prefix, environment):
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     run("wineboot", "--init")
-    for key, name, value in REGISTRY:
-        run("reg", "add", key, "/v", name, "/d", value, "/f")
-    finished.touch()
+    for key, name, kind, value in REGISTRY:
+        run("reg", "add", key, "/v", name, "/t", kind, "/d", value, "/f")
+    finished.write_text(repr(REGISTRY))
 
 
 def windows_path(path):

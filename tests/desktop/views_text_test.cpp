@@ -1,0 +1,196 @@
+// Text in the colour space window: the title of the views, and the page of help.
+#include <cmath>
+
+#include "views_run.h"
+
+namespace tintora::desktop_test {
+namespace {
+
+constexpr int lineHeight = 16;
+
+// How much of a pixel white text covers, and black text beneath it, where both stand on the
+// background: pixel = (1 - white) * (1 - black) * background + white * 255.
+struct Coverage {
+  double white = 0;
+  double black = 0;
+};
+
+Coverage coverageAt(const Picture& picture, int x, int y) {
+  const Colour background = colourOf(viewBackground);
+  const Colour pixel = colourOf(picture.at(x, y));
+  // The background's blue is above its red by 40, white's is not.
+  const double left = (pixel[2] - pixel[0]) / (background[2] - background[0]);
+  const double white = (pixel[0] - left * background[0]) / 255.0;
+  return {white, white > 0.9 ? 0 : 1 - left / (1 - white)};
+}
+
+// White text on a black shadow of the same form a pixel to the right and below, in an area.
+testing::AssertionResult hasShadowedText(const Picture& picture, const Area& area) {
+  int solid = 0;
+  int checked = 0;
+  for (int y = area.y; y + 1 < area.bottom(); ++y) {
+    for (int x = area.x; x + 1 < area.right(); ++x) {
+      const Coverage text = coverageAt(picture, x, y);
+      const Coverage shadow = coverageAt(picture, x + 1, y + 1);
+      if (text.white > 0.7) ++solid;
+      // What little of the shadow white leaves to be seen says nothing.
+      if (shadow.white > 0.4) continue;
+      ++checked;
+      if (std::abs(shadow.black - text.white) <= 0.12) continue;
+      return testing::AssertionFailure() << "The text covers " << text.white << " at " << x << ","
+                                         << y << ", its shadow " << shadow.black;
+    }
+  }
+  if (solid >= 60) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << solid << " pixels of text";
+}
+
+bool isBackground(const Picture& picture, const Area& area) {
+  for (int y = area.y; y < std::min(area.bottom(), picture.height); ++y) {
+    for (int x = area.x; x < std::min(area.right(), picture.width); ++x) {
+      if ((picture.at(x, y) & 0xFFFFFFU) != viewBackground) return false;
+    }
+  }
+  return true;
+}
+
+// The first column of an area with anything in it.
+int firstInk(const Picture& picture, const Area& area) {
+  int x = area.x;
+  while (x < area.right() && isBackground(picture, {x, area.y, 1, area.height})) ++x;
+  return x;
+}
+
+using TitleOfViews = ViewsTest;
+
+TEST_F(TitleOfViews, StandsWithItsShadowAtTheLeftTopOfAllButTheHelp) {
+  for (const PictureSize& size : pictureSizes) {
+    startWith(View::Curves, size);
+    for (const View view : {View::Curves, View::Cube, View::Diagram}) {
+      turnTo(view);
+      const Picture picture = shown();
+      const Area line{12, 10, 388, lineHeight + 1};
+      EXPECT_TRUE(hasShadowedText(picture, line)) << static_cast<int>(view);
+      EXPECT_TRUE(isBackground(picture, {0, 0, 400, 10}));
+      EXPECT_TRUE(isBackground(picture, {0, 0, 12, 40}));
+      const int ink = firstInk(picture, line);
+      EXPECT_GE(ink, 12);
+      EXPECT_LE(ink, 12 + 6);  // the title begins with a blank
+    }
+    turnTo(View::Help);
+    EXPECT_TRUE(isBackground(shown(), {0, 0, size.width, 12}));
+    end();
+  }
+}
+
+TEST_F(TitleOfViews, IsTheMainWindowsAtEveryChange) {
+  startWith(View::Cube, {}, 2, 50);
+  std::vector<Picture> pictures{shown()};
+  stepSeverity(true, 1);
+  pictures.push_back(shown());
+  press(XK_g);
+  pictures.push_back(shown());
+  press(XK_Tab);
+  pictures.push_back(shown());
+  for (std::size_t i = 0; i < pictures.size(); ++i) {
+    EXPECT_TRUE(hasShadowedText(pictures[i], {12, 10, 388, lineHeight + 1}));
+    for (std::size_t j = 0; j < i; ++j) {
+      EXPECT_FALSE(areSame(pictures[i], pictures[j])) << i << " and " << j;
+    }
+  }
+  stepSeverity(false, 1);
+  press(XK_Tab);
+  press(XK_d);
+  ASSERT_TRUE(titleBecomes(" Simulation - Deuteranomalous 50% severity"));
+  EXPECT_TRUE(areSame(shown(), pictures[0]));
+}
+
+TEST_F(TitleOfViews, IsCutOffAtItsRectangle) {
+  const std::string name(120, 'W');
+  writeFile(configFolder() + "/tintora/Tintora_custom.txt", name + "\n1 0 0 0\n0 1 0 0\n0 0 1 0\n");
+  startStored({{"Selected", 13}, {"View", 703}, {"ColorSpace", 1}}, {800, 600});
+  ASSERT_TRUE(titleBecomes(name));
+  const Picture picture = shown();
+  EXPECT_TRUE(hasShadowedText(picture, {12, 10, 380, lineHeight + 1}));
+  EXPECT_FALSE(isBackground(picture, {400, 10, 12, lineHeight}));
+  EXPECT_TRUE(isBackground(picture, {412, 0, 388, 40}));
+  EXPECT_TRUE(isBackground(picture, {0, 28, 800, 30}));
+}
+
+struct HelpLine {
+  int x;
+  std::uint32_t colour;
+  int gap;
+};
+constexpr std::uint32_t yellow = 0xFFFF00;
+constexpr std::uint32_t white = 0xFFFFFF;
+constexpr std::array<HelpLine, 17> helpLines{{{16, yellow, 6}, {16, white, 0},  {37, white, 0},
+                                              {37, white, 6},  {16, white, 0},  {37, white, 0},
+                                              {37, white, 0},  {37, white, 6},  {16, white, 0},
+                                              {16, white, 6},  {16, yellow, 6}, {16, white, 0},
+                                              {16, white, 0},  {67, white, 0},  {16, white, 0},
+                                              {16, white, 6},  {16, yellow, 0}}};
+
+// Whether pixels have the line's hue and nothing else has colour.
+testing::AssertionResult isIn(const Picture& picture, const Area& area, std::uint32_t colour) {
+  int ink = 0;
+  for (int y = area.y; y < area.bottom(); ++y) {
+    for (int x = area.x; x < area.right(); ++x) {
+      const Colour pixel = colourOf(picture.at(x, y));
+      const bool isLight = pixel[0] > 190 && pixel[1] > 190;
+      if (!isLight) continue;
+      ++ink;
+      const bool isYellow = pixel[2] < 110;
+      if (isYellow != (colour == yellow)) {
+        return testing::AssertionFailure() << "At " << x << "," << y << " blue is " << pixel[2];
+      }
+    }
+  }
+  if (ink >= 60) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << ink << " pixels of text";
+}
+
+TEST_F(ViewsTest, HelpHasSeventeenLinesInTheirPlacesAndColours) {
+  for (const PictureSize& size : pictureSizes) {
+    startWith(View::Help, size);
+    const Picture picture = shown();
+    int y = 12;
+    for (const HelpLine& line : helpLines) {
+      const Area area{0, y + 1, 400, lineHeight - 1};
+      EXPECT_TRUE(isIn(picture, area, line.colour)) << y;
+      const int ink = firstInk(picture, area);
+      EXPECT_GE(ink, line.x) << y;
+      EXPECT_LE(ink, line.x + 3) << y;
+      if (line.gap > 0) {
+        const Area between{0, y + lineHeight + 1, size.width, line.gap - 1};
+        EXPECT_TRUE(isBackground(picture, between)) << y;
+      }
+      y += lineHeight + line.gap;
+    }
+    EXPECT_TRUE(isBackground(picture, {0, y + 1, size.width, size.height - y - 1}));
+    if (size.width > 416) {
+      EXPECT_TRUE(isBackground(picture, {416, 0, size.width - 416, size.height}));
+    }
+    end();
+  }
+}
+
+TEST_F(ViewsTest, HelpIsCutOffByAWindowTooLowOrNarrowForIt) {
+  startWith(View::Help, {800, 600});
+  const Picture whole = shown();
+  for (const PictureSize& size : {PictureSize{400, 150}, PictureSize{210, 400}}) {
+    resizeTo(size);
+    const Picture picture = shown();
+    ASSERT_EQ(picture.width, size.width);
+    Picture part = solid(size.width, size.height, 0);
+    for (int y = 0; y < size.height; ++y) {
+      for (int x = 0; x < size.width; ++x) {
+        part.pixels[static_cast<std::size_t>(y * size.width + x)] = whole.at(x, y);
+      }
+    }
+    EXPECT_TRUE(areSame(picture, part));
+  }
+}
+
+}  // namespace
+}  // namespace tintora::desktop_test

@@ -1,0 +1,34 @@
+// A window of the test program's own with a graphics device that draws into it.
+#pragma once
+
+#include <windows.h>
+#include <d3d9.h>
+
+#include <functional>
+
+#include "picture.h"
+#include "platform/graphics.h"
+#include "platform/windows/graphics_device.h"
+
+namespace tintora::windows_test {
+
+class DrawingSurface {
+ public:
+  explicit DrawingSurface(const platform::Size& size);
+  ~DrawingSurface();
+  DrawingSurface(const DrawingSurface&) = delete;
+  DrawingSurface& operator=(const DrawingSurface&) = delete;
+
+  platform::GraphicsDevice* device() const { return device_; }
+  IDirect3DDevice9* native() const { return device_->device; }
+  HWND window() const { return window_; }
+
+  // A scene on the background of the views; what it leaves in the back buffer.
+  Picture drawn(const std::function<void()>& draw) const;
+
+ private:
+  HWND window_ = nullptr;
+  platform::GraphicsDevice* device_ = nullptr;
+};
+
+}  // namespace tintora::windows_test

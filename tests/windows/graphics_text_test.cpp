@@ -1,0 +1,252 @@
+// Text on a graphics device in both ways, by D3DX and painted by the desktop.
+#include <windows.h>
+#include <d3d9.h>
+
+#include <cstdint>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "drawing_surface.h"
+#include "ink.h"
+#include "platform/graphics.h"
+#include "platform/windows/painted_text.h"
+
+namespace tintora::windows_test {
+namespace {
+
+using platform::PackedColour;
+using platform::Rect;
+using platform::Size;
+using platform::TextFontForm;
+
+constexpr Size surfaceSize{440, 60};
+constexpr PackedColour white = 0xFFFFFFFF;
+
+// As the views have them.
+constexpr TextFontForm titleForm{"Microsoft Sans Serif", 16, true};
+constexpr TextFontForm labelForm{"Microsoft Sans Serif", 14, false};
+
+class GraphicsText : public testing::Test {
+ protected:
+  void SetUp() override { ASSERT_NE(surface_.native(), nullptr); }
+
+  const DrawingSurface& surface() const { return surface_; }
+  IDirect3DDevice9* native() const { return surface_.native(); }
+
+  struct Drawn {
+    Picture picture;
+    int height = 0;
+  };
+  Drawn drawnByD3dx(const TextFontForm& form, const Rect& area, PackedColour colour,
+                    const std::string& text) const {
+    platform::TextFont* const font = platform::createTextFont(surface_.device(), form);
+    Drawn drawn;
+    drawn.picture = surface_.drawn(
+        [&] { drawn.height = platform::drawText(surface_.device(), font, area, colour, text); });
+    platform::releaseTextFont(font);
+    return drawn;
+  }
+  Drawn drawnByDesktop(const TextFontForm& form, const Rect& area, PackedColour colour,
+                       const std::string& text) const {
+    platform::PaintedFont* const font = platform::createPaintedFont(native(), form);
+    Drawn drawn;
+    drawn.picture =
+        surface_.drawn([&] { drawn.height = drawPaintedText(font, area, colour, text); });
+    platform::releasePaintedFont(font);
+    return drawn;
+  }
+
+ private:
+  DrawingSurface surface_{surfaceSize};
+};
+
+struct TextRow {
+  const char* name;
+  TextFontForm form;
+  Rect area;
+  PackedColour colour;
+  const char* text;
+};
+
+void PrintTo(const TextRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class BothWays : public GraphicsText, public testing::WithParamInterface<TextRow> {};
+
+// Wine's D3DX lays each letter half a pixel beside the screen's pixels, which smooths it and loses
+// its last row and column: it comes out to the left and above.
+TEST_P(BothWays, LooksTheSame) {
+  const auto& [name, form, area, colour, text] = GetParam();
+  ASSERT_NE(GetModuleHandleA("d3dx9_43.dll"), nullptr);
+  const Drawn byD3dx = drawnByD3dx(form, area, colour, text);
+  const Drawn byDesktop = drawnByDesktop(form, area, colour, text);
+  EXPECT_EQ(byDesktop.height, byD3dx.height);
+  const Likeness likeness = likenessOf(byDesktop.picture, byD3dx.picture);
+  EXPECT_GE(likeness.x, -1);
+  EXPECT_LE(likeness.x, 0);
+  EXPECT_GE(likeness.y, -1);
+  EXPECT_LE(likeness.y, 0);
+  EXPECT_GT(likeness.correlation, 0.75);
+}
+
+TEST_P(BothWays, StaysInItsArea) {
+  const auto& [name, form, area, colour, text] = GetParam();
+  const Bounds ink = inkOf(drawnByDesktop(form, area, colour, text).picture).bounds;
+  EXPECT_GT(ink.width(), 0);
+  EXPECT_GE(ink.left, area.left);
+  EXPECT_GE(ink.top, area.top);
+  EXPECT_LE(ink.right, area.right);
+  EXPECT_LE(ink.bottom, area.bottom);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, BothWays,
+    testing::Values(TextRow{"Title",
+                            titleForm,
+                            {12, 10, 412, 60},
+                            white,
+                            "Simulation - Deuteranomalous 60% severity"},
+                    TextRow{"Shadow", titleForm, {13, 11, 412, 60}, 0xFF000000, "Daltonize"},
+                    TextRow{"Label", labelForm, {200, 20, 300, 60}, 0xFFB4B4B4, "700nm"},
+                    TextRow{"Yellow",
+                            titleForm,
+                            {16, 12, 416, 60},
+                            0xFFFFFF00,
+                            "Right-Click for the application menu with more options"},
+                    TextRow{"WindowsText",
+                            titleForm,
+                            {12, 10, 412, 60},
+                            white,
+                            "Vi\xE9not & Brettel, \xC4\xD6\xDC \x80"},
+                    TextRow{"Blanks", titleForm, {12, 10, 412, 60}, white, "  two  and  two"},
+                    TextRow{"CutOnTheRight", titleForm, {12, 10, 52, 60}, white, "Simulation"},
+                    TextRow{"CutBelow", titleForm, {12, 10, 412, 18}, white, "Simulation"},
+                    TextRow{"CutByTheWindow", titleForm, {400, 10, 800, 60}, white, "Simulation"},
+                    TextRow{"Beyond", labelForm, {-10, 50, 90, 100}, white, "440 450 460"},
+                    TextRow{
+                        "HalfTransparent", titleForm, {12, 10, 412, 60}, 0x80FF8000, "Simulation"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(GraphicsText, IsCutOffWithoutMoving) {
+  const Drawn whole = drawnByDesktop(titleForm, {12, 10, 412, 60}, white, "Simulation");
+  const Drawn cut = drawnByDesktop(titleForm, {12, 10, 40, 21}, white, "Simulation");
+  for (int y = 0; y < surfaceSize.height; ++y) {
+    for (int x = 0; x < surfaceSize.width; ++x) {
+      const bool inside = x < 40 && y < 21;
+      ASSERT_EQ(cut.picture.at(x, y), inside ? whole.picture.at(x, y) : background)
+          << x << "," << y;
+    }
+  }
+}
+
+TEST_F(GraphicsText, IsNothingInAnEmptyArea) {
+  for (const Rect& area : {Rect{10, 10, 10, 50}, Rect{10, 10, 50, 10}, Rect{50, 10, 20, 50}}) {
+    const Drawn drawn = drawnByDesktop(titleForm, area, white, "Simulation");
+    EXPECT_EQ(inkOf(drawn.picture).bounds.right, 0);
+    EXPECT_EQ(drawn.height, 16);
+  }
+}
+
+TEST_F(GraphicsText, MayBeEmpty) {
+  const Drawn drawn = drawnByDesktop(titleForm, {12, 10, 412, 60}, white, "");
+  EXPECT_EQ(inkOf(drawn.picture).bounds.right, 0);
+}
+
+TEST_F(GraphicsText, MayBeLongerThanAnyTexture) {
+  const Drawn drawn = drawnByDesktop(titleForm, {12, 10, 412, 60}, white, std::string(5000, 'W'));
+  EXPECT_EQ(inkOf(drawn.picture).bounds.right, 412);
+}
+
+// All states of a device that can be asked for.
+std::vector<std::uint64_t> statesOf(IDirect3DDevice9* device) {
+  std::vector<std::uint64_t> states;
+  DWORD value = 0;
+  for (int state = D3DRS_ZENABLE; state <= D3DRS_BLENDOPALPHA; ++state) {
+    value = 0;
+    device->GetRenderState(static_cast<D3DRENDERSTATETYPE>(state), &value);
+    states.push_back(value);
+  }
+  for (DWORD stage = 0; stage < 8; ++stage) {
+    for (int state = D3DTSS_COLOROP; state <= D3DTSS_CONSTANT; ++state) {
+      value = 0;
+      device->GetTextureStageState(stage, static_cast<D3DTEXTURESTAGESTATETYPE>(state), &value);
+      states.push_back(value);
+    }
+    for (int state = D3DSAMP_ADDRESSU; state <= D3DSAMP_DMAPOFFSET; ++state) {
+      value = 0;
+      device->GetSamplerState(stage, static_cast<D3DSAMPLERSTATETYPE>(state), &value);
+      states.push_back(value);
+    }
+    IDirect3DBaseTexture9* texture = nullptr;
+    device->GetTexture(stage, &texture);
+    states.push_back(reinterpret_cast<std::uint64_t>(texture));
+    if (texture != nullptr) texture->Release();
+  }
+  device->GetFVF(&value);
+  states.push_back(value);
+  IDirect3DVertexBuffer9* buffer = nullptr;
+  UINT offset = 0;
+  UINT stride = 0;
+  device->GetStreamSource(0, &buffer, &offset, &stride);
+  states.insert(states.end(), {reinterpret_cast<std::uint64_t>(buffer), offset, stride});
+  if (buffer != nullptr) buffer->Release();
+  IDirect3DIndexBuffer9* indices = nullptr;
+  device->GetIndices(&indices);
+  states.push_back(reinterpret_cast<std::uint64_t>(indices));
+  if (indices != nullptr) indices->Release();
+  return states;
+}
+
+TEST_F(GraphicsText, LeavesTheDeviceAsItWas) {
+  IDirect3DTexture9* texture = nullptr;
+  native()->CreateTexture(8, 8, 1, 0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, &texture, nullptr);
+  platform::VertexBuffer* const vertices =
+      platform::createVertexBuffer(surface().device(), 4, platform::BufferUse::OnDevice);
+  native()->SetTexture(0, texture);
+  platform::setVertexFormat(surface().device());
+  platform::setVertexBuffer(surface().device(), vertices);
+  native()->SetRenderState(D3DRS_SRCBLEND, D3DBLEND_ONE);
+  native()->SetTextureStageState(0, D3DTSS_COLOROP, D3DTOP_ADD);
+  native()->SetSamplerState(0, D3DSAMP_MAGFILTER, D3DTEXF_LINEAR);
+  platform::PaintedFont* const font = platform::createPaintedFont(native(), titleForm);
+  const std::vector<std::uint64_t> before = statesOf(native());
+  surface().drawn([&] { drawPaintedText(font, {12, 10, 412, 60}, white, "Simulation"); });
+  EXPECT_EQ(statesOf(native()), before);
+  platform::releasePaintedFont(font);
+  EXPECT_EQ(statesOf(native()), before);
+  native()->SetTexture(0, nullptr);
+  texture->Release();
+  platform::releaseVertexBuffer(vertices);
+}
+
+// Each texture holds its device once.
+ULONG holdersOf(IDirect3DDevice9* device) {
+  device->AddRef();
+  return device->Release();
+}
+
+TEST_F(GraphicsText, KeepsAFewOfItsLines) {
+  const ULONG withoutFont = holdersOf(native());
+  platform::PaintedFont* const font = platform::createPaintedFont(native(), titleForm);
+  const ULONG atFirst = holdersOf(native());
+  const auto draw = [&](int number) {
+    surface().drawn([&] {
+      drawPaintedText(font, {12, 10, 412, 60}, white, "line " + std::to_string(number));
+    });
+  };
+  draw(0);
+  EXPECT_EQ(holdersOf(native()), atFirst + 1);
+  draw(0);
+  EXPECT_EQ(holdersOf(native()), atFirst + 1);
+  for (int number = 1; number < 200; ++number) draw(number);
+  const ULONG kept = holdersOf(native()) - atFirst;
+  EXPECT_GE(kept, 31U);  // those of the fullest view
+  EXPECT_LE(kept, 100U);
+  platform::releasePaintedFont(font);
+  EXPECT_EQ(holdersOf(native()), withoutFont);
+}
+
+}  // namespace
+}  // namespace tintora::windows_test

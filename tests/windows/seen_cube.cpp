@@ -1,0 +1,221 @@
+#include "seen_cube.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <numbers>
+
+namespace tintora::windows_test {
+
+namespace {
+
+using Point = std::array<double, 3>;
+using Parts = std::array<double, 3>;  // of red, green and blue, 0 to 1
+
+constexpr double eyeDistance = 5.5;
+constexpr double shrunk = 4.0 / 5.5;
+
+double radians(double degrees) {
+  return degrees * std::numbers::pi / 180.0;
+}
+
+// Red grows to the left, green upwards and blue away from the eye.
+Point placeOf(const Parts& parts) {
+  return {1 - 2 * parts[0], 2 * parts[1] - 1, 2 * parts[2] - 1};
+}
+
+Parts partsOf(const Point& place) {
+  return {(1 - place[0]) / 2, (place[1] + 1) / 2, (place[2] + 1) / 2};
+}
+
+Parts transformed(const Parts& parts, const Weights& weights) {
+  Parts result{};
+  for (std::size_t i = 0; i < 3; ++i) {
+    for (std::size_t j = 0; j < 3; ++j) result[i] += weights[i][j] * parts[j];
+  }
+  return result;
+}
+
+// Turns from one axis towards another.
+void turn(Point& point, std::size_t from, std::size_t to, double degrees) {
+  const double sine = std::sin(radians(degrees));
+  const double cosine = std::cos(radians(degrees));
+  const double along = point[from];
+  const double across = point[to];
+  point[from] = along * cosine - across * sine;
+  point[to] = along * sine + across * cosine;
+}
+
+// The front lies in the direction of -z: moving it to the right turns z towards -x.
+Point turned(Point point, const std::vector<Turn>& turns) {
+  for (const Turn& each : turns) {
+    turn(point, 2, 1, each.down);
+    turn(point, 2, 0, -each.right);
+    turn(point, 1, 0, each.clockwise);
+  }
+  return point;
+}
+
+struct SeenPoint {
+  double x = 0.0;
+  double y = 0.0;
+};
+
+SeenPoint seen(const Point& point, const Picture& picture) {
+  const double scale = picture.height / 2.0 / std::tan(radians(15.0));
+  const double distance = shrunk * point[2] + eyeDistance;
+  return {picture.width / 2.0 + scale * shrunk * point[0] / distance,
+          picture.height / 2.0 - scale * shrunk * point[1] / distance};
+}
+
+Point between(const Point& a, const Point& b, double share) {
+  Point point{};
+  for (std::size_t i = 0; i < 3; ++i) point[i] = a[i] + (b[i] - a[i]) * share;
+  return point;
+}
+
+// The edges of the frame by the numbers of their corners, whose bits are red, green and blue, and
+// the grey axis.
+constexpr std::array<std::array<int, 2>, 13> edges{{{0, 1},
+                                                    {0, 2},
+                                                    {0, 4},
+                                                    {1, 3},
+                                                    {1, 5},
+                                                    {2, 3},
+                                                    {2, 6},
+                                                    {3, 7},
+                                                    {4, 5},
+                                                    {4, 6},
+                                                    {5, 7},
+                                                    {6, 7},
+                                                    {0, 7}}};
+
+Parts cornerParts(int corner) {
+  return {(corner & 1) != 0 ? 1.0 : 0.0, (corner & 2) != 0 ? 1.0 : 0.0,
+          (corner & 4) != 0 ? 1.0 : 0.0};
+}
+
+double distanceToSegment(const SeenPoint& point, const SeenPoint& a, const SeenPoint& b) {
+  const double dx = b.x - a.x;
+  const double dy = b.y - a.y;
+  const double share =
+      std::clamp(((point.x - a.x) * dx + (point.y - a.y) * dy) / (dx * dx + dy * dy), 0.0, 1.0);
+  return std::hypot(point.x - a.x - share * dx, point.y - a.y - share * dy);
+}
+
+bool isNearFrame(const SeenPoint& point, const Picture& picture, const CubeForm& form) {
+  return std::ranges::any_of(edges, [&](const std::array<int, 2>& edge) {
+    const auto end = [&](int corner) {
+      return seen(turned(placeOf(cornerParts(corner)), form.turns), picture);
+    };
+    return distanceToSegment(point, end(edge[0]), end(edge[1])) < 3.0;
+  });
+}
+
+// A side of the cube: one component fixed, the two others free.
+struct Side {
+  std::size_t fixed;
+  double value;
+};
+
+Parts onSide(const Side& side, double u, double v) {
+  Parts parts{};
+  parts[side.fixed] = side.value;
+  parts[(side.fixed + 1) % 3] = u;
+  parts[(side.fixed + 2) % 3] = v;
+  return parts;
+}
+
+// As it is seen, twice its area with a sign for the way it winds.
+double windingOf(const Side& side, const Picture& picture, const CubeForm& form) {
+  const auto corner = [&](double u, double v) {
+    return seen(turned(placeOf(transformed(onSide(side, u, v), form.weights)), form.turns),
+                picture);
+  };
+  const SeenPoint a = corner(0, 0);
+  const SeenPoint b = corner(1, 0);
+  const SeenPoint c = corner(0, 1);
+  const double area = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+  return side.value < 0.5 ? area : -area;
+}
+
+int differenceFrom(const Colour& colour, const Parts& parts) {
+  int largest = 0;
+  for (std::size_t channel = 0; channel < 3; ++channel) {
+    const auto expected = static_cast<int>(std::lround(255 * std::clamp(parts[channel], 0.0, 1.0)));
+    largest = std::max(largest, std::abs(colour[channel] - expected));
+  }
+  return largest;
+}
+
+std::string text(const Colour& colour) {
+  std::string result;
+  for (const std::uint8_t part : colour) result += std::to_string(part) + " ";
+  return result;
+}
+
+}  // namespace
+
+testing::AssertionResult showsSolidCube(const Picture& picture, const CubeForm& form) {
+  constexpr int steps = 12;
+  constexpr int tolerance = 8;  // what a pixel's width makes on a side of a hundred pixels
+  constexpr double leastArea = 4000.0;
+  int checked = 0;
+  for (std::size_t fixed = 0; fixed < 3; ++fixed) {
+    for (const double value : {0.0, 1.0}) {
+      const Side side{fixed, value};
+      // An orientation is kept by every transform that does not turn the cube inside out.
+      if (windingOf(side, picture, form) < leastArea) continue;
+      for (int i = 1; i < steps; ++i) {
+        for (int j = 1; j < steps; ++j) {
+          const Parts parts = transformed(
+              onSide(side, static_cast<double>(i) / steps, static_cast<double>(j) / steps),
+              form.weights);
+          const SeenPoint place = seen(turned(placeOf(parts), form.turns), picture);
+          if (isNearFrame(place, picture, form)) continue;
+          const auto x = static_cast<int>(std::lround(place.x));
+          const auto y = static_cast<int>(std::lround(place.y));
+          ++checked;
+          if (differenceFrom(picture.at(x, y), parts) <= tolerance) continue;
+          return testing::AssertionFailure()
+                 << "at " << x << "," << y << " is " << text(picture.at(x, y)) << "instead of "
+                 << 255 * parts[0] << " " << 255 * parts[1] << " " << 255 * parts[2];
+        }
+      }
+    }
+  }
+  if (checked < 50) return testing::AssertionFailure() << "only " << checked << " places checked";
+  return testing::AssertionSuccess() << checked << " places";
+}
+
+testing::AssertionResult showsFrame(const Picture& picture, const CubeForm& form) {
+  constexpr int steps = 20;
+  constexpr int tolerance = 16;  // a line may be a pixel to the side, and shorter by one
+  int checked = 0;
+  for (const auto& [first, second] : edges) {
+    for (int i = 1; i < steps; ++i) {
+      const Point point = between(placeOf(cornerParts(first)), placeOf(cornerParts(second)),
+                                  static_cast<double>(i) / steps);
+      const SeenPoint place = seen(turned(point, form.turns), picture);
+      const auto x = static_cast<int>(std::lround(place.x));
+      const auto y = static_cast<int>(std::lround(place.y));
+      int nearest = 255;
+      for (int row = y - 1; row <= y + 1; ++row) {
+        for (int column = x - 1; column <= x + 1; ++column) {
+          nearest = std::min(nearest, differenceFrom(picture.at(column, row), partsOf(point)));
+        }
+      }
+      if (nearest <= tolerance) ++checked;
+    }
+  }
+  constexpr int places = 13 * (steps - 1);
+  // What stands before or behind the flattened cube may be hidden by it.
+  if (checked < places * 3 / 4) {
+    return testing::AssertionFailure() << checked << " of " << places << " places";
+  }
+  return testing::AssertionSuccess() << checked << " of " << places << " places";
+}
+
+}  // namespace tintora::windows_test

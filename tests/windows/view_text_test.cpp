@@ -1,0 +1,179 @@
+// The text in the colour space window, with D3DX and without.
+#include <array>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "colour_space_run.h"
+#include "ink.h"
+#include "painted_page.h"
+#include "picture.h"
+#include "without_libraries.h"
+
+namespace tintora::windows_test {
+namespace {
+
+struct LabelRow {
+  const char* name;
+  ColourSpaceView view;
+  Bounds area;  // of the labels
+};
+
+constexpr std::array labelRows{
+    LabelRow{"Curves", CurvesView, {0, 290, 400, 320}},
+    LabelRow{"Diagram", DiagramView, {0, 30, 400, 400}},
+};
+
+void PrintTo(const LabelRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class Labels : public ColourSpaceTest, public testing::WithParamInterface<LabelRow> {
+ protected:
+  Picture labelsOf(ColourSpaceView view) {
+    startWith(view);
+    Picture labels = part(shown(), GetParam().area);
+    end();
+    return labels;
+  }
+};
+
+TEST_P(Labels, LookTheSameWithoutD3dx) {
+  const Picture withD3dx = labelsOf(GetParam().view);
+  const WithoutLibraries without(d3dxLibraries());
+  const Picture withoutD3dx = labelsOf(GetParam().view);
+  ASSERT_GT(inkOf(withoutD3dx).amount, 20.0);
+  // Wine's D3DX smooths its letters, so that the two are never quite the same.
+  EXPECT_FALSE(areAlike(withoutD3dx, withD3dx, 0));
+  const Likeness likeness = likenessOf(withoutD3dx, withD3dx);
+  EXPECT_GE(likeness.x, -1);
+  EXPECT_LE(likeness.x, 0);
+  EXPECT_GE(likeness.y, -1);
+  EXPECT_LE(likeness.y, 0);
+  EXPECT_GT(likeness.correlation, 0.75);
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, Labels, testing::ValuesIn(labelRows),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+struct HelpLine {
+  int x;
+  Colour colour;
+  int gap;
+  const char* text;
+};
+
+constexpr Bounds titleArea{10, 8, 400, 30};
+constexpr Colour white{255, 255, 255};
+constexpr Colour yellow{255, 255, 0};
+constexpr std::array helpLines{
+    HelpLine{16, yellow, 6, "The main window applies a colour transform to the screen."},
+    HelpLine{16, white, 0, "Select the type of colour vision deficiency:"},
+    HelpLine{37, white, 0, "Press P for Protanomalous vision"},
+    HelpLine{37, white, 6, "Press D for Deuteranomalous vision"},
+    HelpLine{16, white, 0, "Use the mouse-wheel (or +- keys) to adjust severity:"},
+    HelpLine{37, white, 0, "0% to 40% :  Colour normal variation"},
+    HelpLine{37, white, 0, "55% to 95% : Anomalous Trichromacy"},
+    HelpLine{37, white, 6, "100% : Dichromat"},
+    HelpLine{16, white, 0, "Users with normal colour vision press S for simulation"},
+    HelpLine{16, white, 6, "Users with colour vision deficiency press A for Daltonize"},
+    HelpLine{16, yellow, 6, "Left mouse button down to drag / resize the main window"},
+    HelpLine{16, white, 0, "Press F1 to show / hide this help window"},
+    HelpLine{16, white, 0, "Press R to show the RGB colour space in this window"},
+    HelpLine{67, white, 0, "Left mouse button down to rotate the RGB cube"},
+    HelpLine{16, white, 0, "Press C to show the Chromaticity diagram"},
+    HelpLine{16, white, 6, "Press E to show the Photoreceptor response curves"},
+    HelpLine{16, yellow, 0, "Right-Click for the application menu with more options"},
+};
+
+// Each line with a black shadow, a pixel to the right and below.
+void appendShadowed(std::vector<PageLine>& page, const PageLine& line) {
+  page.push_back({line.x + 1, line.y + 1, line.right, {0, 0, 0}, line.text});
+  page.push_back(line);
+}
+
+Picture helpPage(const ClientSize& size) {
+  std::vector<PageLine> page;
+  int y = 12;
+  for (const HelpLine& line : helpLines) {
+    appendShadowed(page, {line.x, y, 416, line.colour, line.text});
+    y += 16 + line.gap;
+  }
+  return paintedPage(size, page);
+}
+
+Picture titlePage(const ClientSize& size, const std::string& title) {
+  std::vector<PageLine> page;
+  appendShadowed(page, {12, 10, 412, white, title});
+  return paintedPage(size, page);
+}
+
+enum class TextBy { D3dx, Desktop };
+
+class Pages : public ColourSpaceTest, public testing::WithParamInterface<TextBy> {
+ protected:
+  void expectAlike(const Picture& actual, const Picture& expected) {
+    const Likeness likeness = likenessOf(expected, actual);
+    const bool isExact = GetParam() == TextBy::Desktop;
+    EXPECT_GE(likeness.x, isExact ? 0 : -1);
+    EXPECT_LE(likeness.x, 0);
+    EXPECT_GE(likeness.y, isExact ? 0 : -1);
+    EXPECT_LE(likeness.y, 0);
+    EXPECT_GT(likeness.correlation, isExact ? 0.95 : 0.75);
+  }
+  std::vector<std::string> missing() const {
+    return GetParam() == TextBy::D3dx ? std::vector<std::string>() : d3dxLibraries();
+  }
+};
+
+TEST_P(Pages, ShowTheHelpAndNoTitle) {
+  const WithoutLibraries without(missing());
+  for (const ClientSize& size : {ClientSize{400, 400}, ClientSize{300, 200}}) {
+    startWith(HelpView, size);
+    expectAlike(shown(), helpPage(size));
+    end();
+  }
+}
+
+TEST_P(Pages, ShowTheMainWindowsTitleWithAShadow) {
+  const WithoutLibraries without(missing());
+  for (const ColourSpaceView view : {CurvesView, CubeView, DiagramView}) {
+    startWith(view);
+    press('D');
+    const auto expectTitle = [&] {
+      ASSERT_FALSE(title().empty());
+      expectAlike(part(shown(), titleArea), part(titlePage({400, 400}, title()), titleArea));
+    };
+    expectTitle();
+    turnWheel(false, 8);
+    expectTitle();
+    press('O');
+    expectTitle();
+    end();
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(By, Pages, testing::Values(TextBy::D3dx, TextBy::Desktop),
+                         [](const auto& row) {
+                           return std::string(row.param == TextBy::D3dx ? "D3dx" : "Desktop");
+                         });
+
+// Without Direct3D there is nothing to see, and nothing to stumble over.
+class WithoutDirect3d : public ColourSpaceTest {};
+
+TEST_F(WithoutDirect3d, EverythingElseWorks) {
+  const WithoutLibraries without({"d3d9"});
+  startWith(ColourSpaceView::CubeView);
+  for (const char key : {'E', 'C', 'R'}) press(key);
+  drag(MK_LBUTTON, {{200, 200}, {260, 230}});
+  resize({300, 500});
+  turnWheel(false, 3);
+  EXPECT_EQ(titleOf(windows().colourSpace), "RGB Cube");
+  EXPECT_NE(title().find("85%"), std::string::npos) << title();
+  EXPECT_NE(shown().at(10, 490), background);
+  end();
+  EXPECT_EQ(process().result(), 0U);
+}
+
+}  // namespace
+}  // namespace tintora::windows_test

@@ -110,20 +110,18 @@ bool onWheel(Window* window, const QWheelEvent& wheel) {
 }
 
 bool onSized(Window* window) {
+  moverOf(window);
   return handOver({.kind = EventKind::Sized, .window = window, .maximised = isMaximised(window)});
 }
 
-// The program's own moves come back as events too, some of them late; and a window manager may
-// place a window. Neither is the user's doing.
+// The program's own moves come back as events too, some of them late.
 bool onMoved(Window* window) {
-  const auto arrived = std::ranges::find(window->movedTo, window->window->framePosition());
-  if (arrived != window->movedTo.end()) {
-    window->movedTo.erase(window->movedTo.begin(), arrived + 1);
-    takeTurn();
-    return false;
-  }
-  if (window->kind != WindowKind::Main && !isSettled(window)) return false;
-  return handOver({.kind = EventKind::Moving, .window = window});
+  const Mover mover = moverOf(window);
+  const bool told =
+      mover == Mover::User || (mover == Mover::WindowManager && window->kind == WindowKind::Main);
+  if (told) return handOver({.kind = EventKind::Moving, .window = window});
+  takeTurn();
+  return false;
 }
 
 bool onExposed(Window* window) {

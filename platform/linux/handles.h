@@ -10,7 +10,6 @@
 #include <chrono>
 #include <deque>
 #include <memory>
-#include <optional>
 
 #include "platform/window.h"
 
@@ -27,12 +26,11 @@ struct Window {
   std::unique_ptr<QWindow> window = std::make_unique<QWindow>();
   WindowForm form = WindowForm::Framed;
   bool acceptsFiles = false;
-  bool stale = false;    // invalidated while it was being painted
-  int wheelTravel = 0;   // what does not make a whole step yet
-  QMargins formerFrame;  // that it had when it last had one
-  std::optional<AskedBounds> asked;
+  bool stale = false;                           // invalidated while it was being painted
+  int wheelTravel = 0;                          // what does not make a whole step yet
+  QMargins formerFrame;                         // that it had when it last had one
+  std::deque<AskedBounds> asked;                // of late, the oldest first
   std::chrono::steady_clock::time_point shown;  // when it last appeared
-  std::deque<QPoint> movedTo;  // places asked for where it may still have to arrive
   QTimer timer;
   std::unique_ptr<QBackingStore> surface;  // once it was painted
 };

@@ -20,8 +20,10 @@ using Clock = std::chrono::steady_clock;
 // What a window manager that answers at all answers within.
 constexpr std::chrono::milliseconds patience{20};
 constexpr std::chrono::microseconds betweenLooks{500};
-// ... and a window has come to where it was asked to, if it ever will.
+// ... within which the events of a request have come, and a window's appearance is over.
 constexpr std::chrono::milliseconds journey{500};
+// ... within which it has put a window elsewhere than where it was asked to.
+constexpr std::chrono::milliseconds objection{200};
 
 xcb_connection_t* x() {
   return xServer.connection;
@@ -31,14 +33,21 @@ bool isFramed(WindowForm form) {
   return form == WindowForm::Framed || form == WindowForm::FramedMaximised;
 }
 
+bool isWithin(std::chrono::milliseconds duration, Clock::time_point since) {
+  return Clock::now() - since < duration;
+}
+
+bool isMouseButtonHeld() {
+  constexpr unsigned int anyButton = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
+  const Received<xcb_query_pointer_reply_t> pointer(
+      xcb_query_pointer_reply(x(), xcb_query_pointer(x(), xServer.screen->root), nullptr));
+  return pointer && (pointer->mask & anyButton) != 0;
+}
+
 QMargins frameOf(const Window* window) {
   if (!isFramed(window->form)) return {};
   const QMargins frame = window->window->frameMargins();
   return frame.isNull() ? window->formerFrame : frame;
-}
-
-bool isTravelling(const Window* window) {
-  return window->asked && Clock::now() - window->asked->time < journey;
 }
 
 Received<xcb_get_property_reply_t> property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) {
@@ -93,7 +102,8 @@ QRect outerBounds(const Window* window) {
 }
 
 QRect boundsAskedFor(const Window* window) {
-  return isTravelling(window) ? window->asked->outer : outerBounds(window);
+  const bool travels = !window->asked.empty() && isWithin(journey, window->asked.back().time);
+  return travels ? window->asked.back().outer : outerBounds(window);
 }
 
 QRect withoutFrame(const Window* window, const QRect& outer) {
@@ -101,15 +111,20 @@ QRect withoutFrame(const Window* window, const QRect& outer) {
 }
 
 void askForBounds(Window* window, const QRect& outer) {
-  constexpr std::size_t mostMoves = 64;
-  window->movedTo.push_back(outer.topLeft());
-  if (window->movedTo.size() > mostMoves) window->movedTo.pop_front();
-  window->asked = {outer, Clock::now()};
+  std::erase_if(window->asked,
+                [](const AskedBounds& asked) { return !isWithin(journey, asked.time); });
+  window->asked.push_back({outer, Clock::now()});
   window->window->setGeometry(withoutFrame(window, outer));
 }
 
-bool isSettled(const Window* window) {
-  return !isTravelling(window) && Clock::now() - window->shown >= journey;
+Mover moverOf(Window* window) {
+  const QRect outer = outerBounds(window);
+  const auto asked = std::ranges::find(window->asked, outer, &AskedBounds::outer);
+  if (asked != window->asked.end() && isWithin(journey, asked->time)) return Mover::Program;
+  const bool answers = !window->asked.empty() && isWithin(objection, window->asked.back().time);
+  window->asked.clear();
+  if (isMouseButtonHeld()) return Mover::User;
+  return answers || isWithin(journey, window->shown) ? Mover::WindowManager : Mover::User;
 }
 
 void rememberFrame(Window* window) {

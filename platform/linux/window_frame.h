@@ -25,9 +25,10 @@ QRect withoutFrame(const Window* window, const QRect& outer);
 // Asks for outer bounds.
 void askForBounds(Window* window, const QRect& outer);
 
-// Whether a move of the window now is the user's: not the window manager's answer to a request or
-// to the window's appearance.
-bool isSettled(const Window* window);
+// On whose behalf a window has come to where it is. A place that the program never asked for ends
+// what it asked for before.
+enum class Mover { Program, WindowManager, User };
+Mover moverOf(Window* window);
 
 // Keeps the frame in mind for the time after the window has had none.
 void rememberFrame(Window* window);

@@ -20,8 +20,6 @@ namespace {
 using platform::BufferUse;
 using platform::PrimitiveKind;
 
-constexpr PackedColour lightGrey = 0xFFB4B4B4;
-
 // The last sample of the grid, at 760 nm, is left off.
 constexpr std::size_t locusSamples = SpectralGrid::samples - 1;
 constexpr std::size_t locusCapacity = 460;

@@ -22,7 +22,6 @@ platform::Point seenAt(const Vector3& point, int offsetX) {
 void drawLabel(const platform::Point& place, const std::string& text) {
   constexpr int width = 100;
   constexpr int height = 50;
-  constexpr platform::PackedColour lightGrey = 0xFFB4B4B4;
   platform::drawText(colourSpaceView.device, colourSpaceView.labelFont,
                      {place.x, place.y, place.x + width, place.y + height}, lightGrey, text);
 }

@@ -8,6 +8,9 @@
 
 namespace tintora {
 
+// Of labels, and of the line they stand along.
+inline constexpr platform::PackedColour lightGrey = 0xFFB4B4B4;
+
 // The pixel, cut off to whole ones, on which the current camera sees a point of the world, moved to
 // the right by an offset in pixels.
 platform::Point seenAt(const Vector3& point, int offsetX);

@@ -8,6 +8,7 @@
 
 namespace tintora {
 
+using platform::identity4x4;
 using platform::Matrix4x4;
 
 struct Vector3 {
@@ -17,11 +18,6 @@ struct Vector3 {
 };
 
 using Vector4 = std::array<float, 4>;
-
-inline constexpr Matrix4x4 identity4x4{{{1.0F, 0.0F, 0.0F, 0.0F},
-                                        {0.0F, 1.0F, 0.0F, 0.0F},
-                                        {0.0F, 0.0F, 1.0F, 0.0F},
-                                        {0.0F, 0.0F, 0.0F, 1.0F}}};
 
 // a * b: first a, then b.
 Matrix4x4 multiply(const Matrix4x4& a, const Matrix4x4& b);

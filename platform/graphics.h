@@ -24,6 +24,11 @@ struct TextFont;
 // left-handed, and depth runs from 0 at the near plane to 1 at the far one.
 using Matrix4x4 = std::array<std::array<float, 4>, 4>;
 
+inline constexpr Matrix4x4 identity4x4{{{1.0F, 0.0F, 0.0F, 0.0F},
+                                        {0.0F, 1.0F, 0.0F, 0.0F},
+                                        {0.0F, 0.0F, 1.0F, 0.0F},
+                                        {0.0F, 0.0F, 0.0F, 1.0F}}};
+
 // 0xAARRGGBB
 using PackedColour = std::uint32_t;
 

@@ -32,11 +32,6 @@ struct IndexBuffer {
 
 namespace {
 
-constexpr Matrix4x4 identity{{{1.0F, 0.0F, 0.0F, 0.0F},
-                              {0.0F, 1.0F, 0.0F, 0.0F},
-                              {0.0F, 0.0F, 1.0F, 0.0F},
-                              {0.0F, 0.0F, 0.0F, 1.0F}}};
-
 // Points are row vectors, as the program's matrices want them. The program's depth runs from 0, and
 // its whole coordinates are the middles of pixels, counted downwards; OpenGL's depth runs from -1,
 // and whole coordinates are corners.
@@ -154,7 +149,7 @@ int verticesOf(const Drawing& drawing, int primitives) {
 
 GraphicsDevice* createGraphicsDevice(Window* window, const Size& size) {
   auto* const device = new GraphicsDevice{.window = window, .size = size};
-  device->transforms.fill(identity);
+  device->transforms.fill(identity4x4);
   return device;
 }
 
@@ -211,10 +206,8 @@ Rect viewport(const GraphicsDevice* device) {
 void clearPicture(GraphicsDevice* device, PackedColour colour) {
   device->gl = beginPicture(device->window->window.get(), device->size);
   if (device->gl == nullptr) return;
-  const auto component = [colour](unsigned int shift) {
-    return static_cast<float>(colour >> shift & 0xFFU) / 255.0F;
-  };
-  device->gl->glClearColor(component(16), component(8), component(0), component(24));
+  const auto [red, green, blue, alpha] = components(colour);
+  device->gl->glClearColor(red, green, blue, alpha);
   device->gl->glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
 

@@ -102,13 +102,6 @@ const TextImage& imageOf(OpenGl& gl, TextFont& font, const std::string& text) {
   return font.images.emplace(text, makeImage(gl, fontOf(font), text)).first->second;
 }
 
-void setColour(OpenGl& gl, GLint uniform, PackedColour colour) {
-  const auto component = [colour](unsigned int shift) {
-    return static_cast<float>(colour >> shift & 0xFFU) / 255.0F;
-  };
-  gl.glUniform4f(uniform, component(16), component(8), component(0), component(24));
-}
-
 }  // namespace
 
 void drawTextImage(OpenGl& gl, const Size& picture, TextFont& font, const Rect& area,
@@ -126,7 +119,7 @@ void drawTextImage(OpenGl& gl, const Size& picture, TextFont& font, const Rect& 
   gl.glUniform2i(program.picture, picture.width, picture.height);
   gl.glUniform4i(program.area, area.left, area.top, right, bottom);
   gl.glUniform2i(program.origin, left, area.top);
-  setColour(gl, program.colour, colour);
+  gl.glUniform4fv(program.colour, 1, components(colour).data());
   gl.glDisable(GL_DEPTH_TEST);
   gl.glEnable(GL_BLEND);
   gl.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);

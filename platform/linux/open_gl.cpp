@@ -145,6 +145,13 @@ void discardTexture(GLuint texture) {
   if (texture != 0) pictures.discardedTextures.push_back(texture);
 }
 
+std::array<float, 4> components(PackedColour colour) {
+  const auto component = [colour](unsigned int shift) {
+    return static_cast<float>(colour >> shift & 0xFFU) / 255.0F;
+  };
+  return {component(16), component(8), component(0), component(24)};
+}
+
 GLuint makeProgram(OpenGl& gl, const char* vertexShader, const char* fragmentShader) {
   const GLuint program = gl.glCreateProgram();
   for (const GLuint shader : {compiled(gl, GL_VERTEX_SHADER, vertexShader),

@@ -4,8 +4,10 @@
 
 #include <QOpenGLExtraFunctions>
 #include <QWindow>
+#include <array>
 
 #include "platform/geometry.h"
+#include "platform/graphics.h"
 
 namespace tintora::platform {
 
@@ -21,6 +23,9 @@ void showPicture();
 // Has buffers and textures deleted when OpenGL is in use again.
 void discardBuffer(GLuint buffer);
 void discardTexture(GLuint texture);
+
+// Red, green, blue and alpha of a colour, each from 0 to 1.
+std::array<float, 4> components(PackedColour colour);
 
 // Compiles and links a program; ends in one that draws nothing where that fails.
 GLuint makeProgram(OpenGl& gl, const char* vertexShader, const char* fragmentShader);

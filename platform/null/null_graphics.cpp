@@ -6,11 +6,6 @@ namespace tintora::platform {
 
 namespace {
 
-constexpr Matrix4x4 identity{{{1.0F, 0.0F, 0.0F, 0.0F},
-                              {0.0F, 1.0F, 0.0F, 0.0F},
-                              {0.0F, 0.0F, 1.0F, 0.0F},
-                              {0.0F, 0.0F, 0.0F, 1.0F}}};
-
 NullGraphics graphics;
 
 std::string text(std::size_t value) {
@@ -84,7 +79,7 @@ GraphicsDevice* createGraphicsDevice(Window* window, const Size& size) {
   GraphicsDevice* const device = add(graphics.devices, graphics.devicesMade);
   device->window = window;
   device->size = size;
-  device->transforms.fill(identity);
+  device->transforms.fill(identity4x4);
   record("createGraphicsDevice", size);
   return device;
 }

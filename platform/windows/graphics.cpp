@@ -28,11 +28,6 @@ constexpr DWORD vertexFormat = D3DFVF_XYZ | D3DFVF_DIFFUSE;
 static_assert(sizeof(ColourVertex) == 16);
 static_assert(sizeof(Matrix4x4) == sizeof(D3DMATRIX));
 
-constexpr Matrix4x4 identity{{{1.0F, 0.0F, 0.0F, 0.0F},
-                              {0.0F, 1.0F, 0.0F, 0.0F},
-                              {0.0F, 0.0F, 1.0F, 0.0F},
-                              {0.0F, 0.0F, 0.0F, 1.0F}}};
-
 // By TransformKind.
 constexpr std::array transformStates{D3DTS_WORLD, D3DTS_VIEW, D3DTS_PROJECTION};
 
@@ -42,11 +37,6 @@ constexpr std::array primitiveTypes{D3DPT_TRIANGLELIST, D3DPT_LINELIST, D3DPT_LI
 
 // By BufferUse.
 constexpr std::array pools{D3DPOOL_DEFAULT, D3DPOOL_MANAGED};
-
-struct RenderState {
-  D3DRENDERSTATETYPE state;
-  DWORD value;
-};
 
 constexpr std::array renderStates{
     RenderState{D3DRS_COLORVERTEX, TRUE},
@@ -204,7 +194,7 @@ void setTransform(GraphicsDevice* device, TransformKind kind, const Matrix4x4& m
 }
 
 Matrix4x4 transform(const GraphicsDevice* device, TransformKind kind) {
-  auto transform = std::bit_cast<D3DMATRIX>(identity);
+  auto transform = std::bit_cast<D3DMATRIX>(identity4x4);
   if (device->device != nullptr)
     device->device->GetTransform(at(transformStates, kind), &transform);
   return std::bit_cast<Matrix4x4>(transform);

@@ -1,4 +1,4 @@
-// What a graphics device is on this desktop.
+// What a graphics device and its fonts are on this desktop.
 #pragma once
 
 #include <windows.h>
@@ -7,12 +7,27 @@
 #include "platform/geometry.h"
 #include "platform/graphics.h"
 
+struct ID3DXFont;
+
 namespace tintora::platform {
+
+struct PaintedFont;
 
 struct GraphicsDevice {
   IDirect3D9* direct3d = nullptr;      // null where the desktop has no Direct3D
   IDirect3DDevice9* device = nullptr;  // null where it cannot draw
   Size size;
+};
+
+struct TextFont {
+  ID3DXFont* font = nullptr;
+  PaintedFont* painted = nullptr;  // in place of the other
+  int height = 0;
+};
+
+struct RenderState {
+  D3DRENDERSTATETYPE state;
+  DWORD value;
 };
 
 // Releases an object until nothing holds it any more, and forgets it.

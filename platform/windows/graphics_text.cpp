@@ -12,12 +12,6 @@
 
 namespace tintora::platform {
 
-struct TextFont {
-  ID3DXFont* font = nullptr;
-  PaintedFont* painted = nullptr;  // in place of the other
-  int height = 0;
-};
-
 namespace {
 
 using CreateFontFunction = decltype(D3DXCreateFontA);

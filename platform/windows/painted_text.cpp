@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <utility>
 
 #include "platform/windows/graphics_device.h"
 
@@ -31,11 +32,6 @@ struct CornerVertex {
 };
 
 constexpr DWORD cornerFormat = D3DFVF_XYZRHW | D3DFVF_DIFFUSE | D3DFVF_TEX1;
-
-struct RenderState {
-  D3DRENDERSTATETYPE state;
-  DWORD value;
-};
 
 struct StageState {
   DWORD stage;
@@ -114,9 +110,10 @@ std::uint32_t whiteWithCoverage(std::uint32_t painted) {
   return (sum + 1) / 3 << 24 | 0x00FFFFFF;
 }
 
-void copyCoverage(IDirect3DTexture9* texture, const std::uint32_t* pixels, const Size& size) {
+// False where the texture cannot be written to.
+bool copyCoverage(IDirect3DTexture9* texture, const std::uint32_t* pixels, const Size& size) {
   D3DLOCKED_RECT target{};
-  if (FAILED(texture->LockRect(0, &target, nullptr, 0))) return;
+  if (FAILED(texture->LockRect(0, &target, nullptr, 0))) return false;
   auto* row = static_cast<std::byte*>(target.pBits);
   for (int y = 0; y < size.height; ++y) {
     std::transform(pixels, pixels + size.width, reinterpret_cast<std::uint32_t*>(row),
@@ -125,6 +122,19 @@ void copyCoverage(IDirect3DTexture9* texture, const std::uint32_t* pixels, const
     row += target.Pitch;
   }
   texture->UnlockRect(0);
+  return true;
+}
+
+// What is painted as coverage; null where the device has no memory for it.
+IDirect3DTexture9* makeTexture(IDirect3DDevice9* device, const std::uint32_t* pixels,
+                               const Size& size) {
+  IDirect3DTexture9* texture = nullptr;
+  if (FAILED(device->CreateTexture(static_cast<UINT>(size.width), static_cast<UINT>(size.height), 1,
+                                   0, D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, &texture, nullptr))) {
+    return nullptr;
+  }
+  if (!copyCoverage(texture, pixels, size)) release(texture);
+  return texture;
 }
 
 // Not every device takes other sizes than powers of two.
@@ -165,27 +175,25 @@ PaintedLine paintLine(const PaintedFont& font, const std::string& text) {
   auto* const previous = SelectObject(font.context, bitmap);
   TextOutA(font.context, 0, 0, text.data(), static_cast<int>(text.size()));
   GdiFlush();
-  font.device->CreateTexture(static_cast<UINT>(line.size.width),
-                             static_cast<UINT>(line.size.height), 1, 0, D3DFMT_A8R8G8B8,
-                             D3DPOOL_MANAGED, &line.texture, nullptr);
-  if (line.texture != nullptr) {
-    copyCoverage(line.texture, static_cast<const std::uint32_t*>(pixels), line.size);
-  }
+  line.texture = makeTexture(font.device, static_cast<const std::uint32_t*>(pixels), line.size);
   SelectObject(font.context, previous);
   DeleteObject(bitmap);
   return line;
 }
 
-// A line that was drawn before is not painted again, unless many others came between.
-const PaintedLine& lineOf(PaintedFont& font, const std::string& text) {
+// A line that was drawn before is not painted again, unless many others came between. Null where it
+// cannot be painted.
+const PaintedLine* lineOf(PaintedFont& font, const std::string& text) {
   constexpr std::size_t most = 64;
   const auto found = std::ranges::find(font.lines, text, &PaintedLine::text);
-  if (found != font.lines.end()) return *found;
+  if (found != font.lines.end()) return &*found;
+  PaintedLine painted = paintLine(font, text);
+  if (painted.texture == nullptr) return nullptr;
   if (font.lines.size() == most) {
     release(font.lines.front().texture);
     font.lines.pop_front();
   }
-  return font.lines.emplace_back(paintLine(font, text));
+  return &font.lines.emplace_back(std::move(painted));
 }
 
 // The part of a line that fits into an area. A texture's pixels fall on the screen's when the
@@ -243,11 +251,12 @@ int drawPaintedText(PaintedFont* font, const Rect& area, PackedColour colour,
   if (area.width() <= 0 || area.height() <= 0 || font->states == nullptr || font->kept == nullptr) {
     return height;
   }
-  const PaintedLine& line = lineOf(*font, text);
-  const std::array<CornerVertex, 4> strip = corners(line, area, colour);
+  const PaintedLine* const line = lineOf(*font, text);
+  if (line == nullptr) return height;
+  const std::array<CornerVertex, 4> strip = corners(*line, area, colour);
   font->kept->Capture();
   font->states->Apply();
-  font->device->SetTexture(0, line.texture);
+  font->device->SetTexture(0, line->texture);
   font->device->DrawPrimitiveUP(D3DPT_TRIANGLESTRIP, 2, strip.data(), sizeof(CornerVertex));
   font->kept->Apply();
   return height;

@@ -103,6 +103,9 @@ Launch ProgramTest::launch(const std::vector<std::string>& arguments) const {
                       {"DBUS_SESSION_BUS_ADDRESS", std::nullopt}},
       .output = folder() + "/output",
       .errors = errorsFile()};
+  if (const char* const library = std::getenv("TINTORA_PRELOAD")) {
+    launch.environment["LD_PRELOAD"] = library;
+  }
   launch.command.insert(launch.command.end(), arguments.begin(), arguments.end());
   return launch;
 }

@@ -19,11 +19,10 @@ namespace {
 
 using platform::BufferUse;
 using platform::ColourVertex;
+using platform::identity4x4;
 using platform::Matrix4x4;
 using platform::PrimitiveKind;
 using platform::TransformKind;
-
-constexpr Matrix4x4 identity{{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}};
 
 class Graphics : public testing::Test {
  protected:
@@ -37,23 +36,38 @@ class Graphics : public testing::Test {
   DrawingSurface surface_{{70, 50}};
 };
 
+void expectPlainForm(const D3DPRESENT_PARAMETERS& form, HWND window) {
+  EXPECT_EQ(form.BackBufferWidth, 70U);
+  EXPECT_EQ(form.BackBufferHeight, 50U);
+  EXPECT_EQ(form.BackBufferFormat, D3DFMT_X8R8G8B8);
+  EXPECT_EQ(form.BackBufferCount, 1U);
+  EXPECT_EQ(form.MultiSampleType, D3DMULTISAMPLE_NONE);
+  EXPECT_EQ(form.MultiSampleQuality, 0U);
+  EXPECT_EQ(form.SwapEffect, D3DSWAPEFFECT_DISCARD);
+  EXPECT_EQ(form.hDeviceWindow, window);
+  EXPECT_EQ(form.Windowed, TRUE);
+  EXPECT_EQ(form.EnableAutoDepthStencil, TRUE);
+  EXPECT_EQ(form.AutoDepthStencilFormat, D3DFMT_D16);
+  EXPECT_EQ(form.Flags, 0U);
+  EXPECT_EQ(form.FullScreen_RefreshRateInHz, 0U);
+  EXPECT_EQ(form.PresentationInterval, D3DPRESENT_INTERVAL_IMMEDIATE);
+}
+
 TEST_F(Graphics, ShowABackBufferOfTheSizeAskedForAtOnce) {
   IDirect3DSwapChain9* chain = nullptr;
   ASSERT_EQ(native()->GetSwapChain(0, &chain), D3D_OK);
   D3DPRESENT_PARAMETERS form{};
   chain->GetPresentParameters(&form);
   chain->Release();
-  EXPECT_EQ(form.BackBufferWidth, 70U);
-  EXPECT_EQ(form.BackBufferHeight, 50U);
-  EXPECT_EQ(form.BackBufferFormat, D3DFMT_X8R8G8B8);
-  EXPECT_EQ(form.BackBufferCount, 1U);
-  EXPECT_EQ(form.MultiSampleType, D3DMULTISAMPLE_NONE);
-  EXPECT_EQ(form.SwapEffect, D3DSWAPEFFECT_DISCARD);
-  EXPECT_EQ(form.hDeviceWindow, surface().window());
-  EXPECT_EQ(form.Windowed, TRUE);
-  EXPECT_EQ(form.EnableAutoDepthStencil, TRUE);
-  EXPECT_EQ(form.AutoDepthStencilFormat, D3DFMT_D16);
-  EXPECT_EQ(form.PresentationInterval, D3DPRESENT_INTERVAL_IMMEDIATE);
+  expectPlainForm(form, surface().window());
+}
+
+DWORD processingOf(IDirect3DDevice9* device) {
+  D3DDEVICE_CREATION_PARAMETERS facts{};
+  device->GetCreationParameters(&facts);
+  return facts.BehaviorFlags &
+         (D3DCREATE_HARDWARE_VERTEXPROCESSING | D3DCREATE_SOFTWARE_VERTEXPROCESSING |
+          D3DCREATE_MIXED_VERTEXPROCESSING);
 }
 
 TEST_F(Graphics, BelongToTheWindowAndItsFirstAdapter) {
@@ -62,9 +76,7 @@ TEST_F(Graphics, BelongToTheWindowAndItsFirstAdapter) {
   EXPECT_EQ(facts.AdapterOrdinal, static_cast<UINT>(D3DADAPTER_DEFAULT));
   EXPECT_EQ(facts.DeviceType, D3DDEVTYPE_HAL);
   EXPECT_EQ(facts.hFocusWindow, surface().window());
-  EXPECT_NE(facts.BehaviorFlags &
-                (D3DCREATE_HARDWARE_VERTEXPROCESSING | D3DCREATE_SOFTWARE_VERTEXPROCESSING),
-            0U);
+  EXPECT_EQ(processingOf(native()), static_cast<DWORD>(D3DCREATE_HARDWARE_VERTEXPROCESSING));
 }
 
 struct StateRow {
@@ -102,6 +114,13 @@ TEST_F(Graphics, DeclareAPlaceAndAColourForEachVertex) {
   EXPECT_EQ(elements[1].Offset, 12);
   EXPECT_EQ(elements[1].Type, D3DDECLTYPE_D3DCOLOR);
   EXPECT_EQ(elements[1].Usage, D3DDECLUSAGE_COLOR);
+  for (const std::size_t i : {0U, 1U}) {
+    EXPECT_EQ(elements[i].Stream, 0) << i;
+    EXPECT_EQ(elements[i].Method, D3DDECLMETHOD_DEFAULT) << i;
+    EXPECT_EQ(elements[i].UsageIndex, 0) << i;
+  }
+  EXPECT_EQ(elements[2].Stream, 0xFF);
+  EXPECT_EQ(elements[2].Type, D3DDECLTYPE_UNUSED);
 }
 
 TEST_F(Graphics, SetTheVertexFormatOfPlaceAndColour) {
@@ -111,12 +130,64 @@ TEST_F(Graphics, SetTheVertexFormatOfPlaceAndColour) {
   EXPECT_EQ(format, 66U);
 }
 
+struct PoolRow {
+  BufferUse use;
+  D3DPOOL pool;
+};
+constexpr std::array poolRows{PoolRow{BufferUse::OnDevice, D3DPOOL_DEFAULT},
+                              PoolRow{BufferUse::Managed, D3DPOOL_MANAGED}};
+
+TEST_F(Graphics, KeepVerticesWhereTheyAreUsed) {
+  for (const auto& [use, pool] : poolRows) {
+    platform::VertexBuffer* const vertices = platform::createVertexBuffer(device(), 7, use);
+    platform::setVertexBuffer(device(), vertices);
+    IDirect3DVertexBuffer9* buffer = nullptr;
+    UINT offset = 1;
+    UINT stride = 0;
+    native()->GetStreamSource(0, &buffer, &offset, &stride);
+    ASSERT_NE(buffer, nullptr);
+    D3DVERTEXBUFFER_DESC facts{};
+    EXPECT_EQ(buffer->GetDesc(&facts), D3D_OK);
+    buffer->Release();
+    EXPECT_EQ(offset, 0U);
+    EXPECT_EQ(stride, 16U);
+    EXPECT_EQ(facts.Pool, pool);
+    EXPECT_EQ(facts.Usage, 0U);
+    EXPECT_EQ(facts.FVF, 66U);
+    EXPECT_EQ(facts.Size, 7U * 16U);
+    native()->SetStreamSource(0, nullptr, 0, 0);
+    platform::releaseVertexBuffer(vertices);
+  }
+}
+
+TEST_F(Graphics, KeepIndicesWhereTheyAreUsed) {
+  constexpr std::array<std::uint16_t, 5> order{4, 3, 2, 1, 0};
+  for (const auto& [use, pool] : poolRows) {
+    platform::IndexBuffer* const indices = platform::createIndexBuffer(device(), order, use);
+    platform::setIndexBuffer(device(), indices);
+    IDirect3DIndexBuffer9* buffer = nullptr;
+    native()->GetIndices(&buffer);
+    ASSERT_NE(buffer, nullptr);
+    D3DINDEXBUFFER_DESC facts{};
+    EXPECT_EQ(buffer->GetDesc(&facts), D3D_OK);
+    buffer->Release();
+    EXPECT_EQ(facts.Pool, pool);
+    EXPECT_EQ(facts.Usage, 0U);
+    EXPECT_EQ(facts.Format, D3DFMT_INDEX16);
+    EXPECT_EQ(facts.Size, 5U * 2U);
+    platform::setIndexBuffer(device(), nullptr);
+    native()->GetIndices(&buffer);
+    EXPECT_EQ(buffer, nullptr);
+    platform::releaseIndexBuffer(indices);
+  }
+}
+
 TEST_F(Graphics, TellTheirViewportAndTransforms) {
   EXPECT_EQ(platform::viewport(device()), (platform::Rect{0, 0, 70, 50}));
   for (const TransformKind kind :
        {TransformKind::World, TransformKind::View, TransformKind::Projection}) {
-    EXPECT_EQ(platform::transform(device(), kind), identity);
-    Matrix4x4 matrix = identity;
+    EXPECT_EQ(platform::transform(device(), kind), identity4x4);
+    Matrix4x4 matrix = identity4x4;
     matrix[3] = {1.0F, 2.0F, 3.0F + static_cast<float>(kind), 1.0F};
     platform::setTransform(device(), kind, matrix);
     EXPECT_EQ(platform::transform(device(), kind), matrix);
@@ -245,7 +316,7 @@ TEST(MissingGraphics, AreNeverMissed) {
   ASSERT_NE(font, nullptr);
   const std::array<ColourVertex, 3> corners{};
   platform::fillVertexBuffer(vertices, corners);
-  platform::setTransform(&none, TransformKind::View, identity);
+  platform::setTransform(&none, TransformKind::View, identity4x4);
   platform::clearPicture(&none, 0);
   platform::clearDepth(&none);
   platform::beginScene(&none);
@@ -257,7 +328,7 @@ TEST(MissingGraphics, AreNeverMissed) {
   EXPECT_EQ(platform::drawText(&none, font, {0, 0, 30, 20}, 0xFFFFFFFF, "text"), 16);
   platform::endScene(&none);
   platform::present(&none);
-  EXPECT_EQ(platform::transform(&none, TransformKind::View), identity);
+  EXPECT_EQ(platform::transform(&none, TransformKind::View), identity4x4);
   EXPECT_EQ(platform::viewport(&none), (platform::Rect{0, 0, 30, 20}));
   platform::releaseTextFont(font);
   platform::releaseIndexBuffer(indices);

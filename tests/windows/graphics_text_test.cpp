@@ -1,7 +1,9 @@
 // Text on a graphics device in both ways, by D3DX and painted by the desktop.
 #include <windows.h>
 #include <d3d9.h>
+#include <d3dx9core.h>
 
+#include <array>
 #include <cstdint>
 #include <ostream>
 #include <string>
@@ -11,6 +13,7 @@
 #include "ink.h"
 #include "platform/graphics.h"
 #include "platform/windows/painted_text.h"
+#include "replaced_call.h"
 
 namespace tintora::windows_test {
 namespace {
@@ -71,6 +74,34 @@ struct TextRow {
 
 void PrintTo(const TextRow& row, std::ostream* out) {
   *out << row.name;
+}
+
+struct FontRow {
+  const char* name;
+  TextFontForm form;
+  INT height;
+  BYTE precision;
+};
+
+TEST_F(GraphicsText, AsksD3dxForThePlainFontOfItsHeight) {
+  constexpr std::array rows{FontRow{"title", titleForm, 16, 7}, FontRow{"label", labelForm, 14, 0}};
+  for (const auto& [name, form, height, precision] : rows) {
+    platform::TextFont* const font = platform::createTextFont(surface().device(), form);
+    ASSERT_NE(font->font, nullptr) << name;
+    D3DXFONT_DESCA facts{};
+    EXPECT_EQ(font->font->GetDescA(&facts), D3D_OK) << name;
+    platform::releaseTextFont(font);
+    EXPECT_EQ(facts.Height, height) << name;
+    EXPECT_EQ(facts.Width, 0U) << name;
+    EXPECT_EQ(facts.Weight, 400U) << name;
+    EXPECT_EQ(facts.MipLevels, 1U) << name;
+    EXPECT_EQ(facts.Italic, FALSE) << name;
+    EXPECT_EQ(facts.CharSet, DEFAULT_CHARSET) << name;
+    EXPECT_EQ(facts.OutputPrecision, precision) << name;
+    EXPECT_EQ(facts.Quality, 0) << name;
+    EXPECT_EQ(facts.PitchAndFamily, 0) << name;
+    EXPECT_STREQ(facts.FaceName, "Microsoft Sans Serif") << name;
+  }
 }
 
 class BothWays : public GraphicsText, public testing::WithParamInterface<TextRow> {};
@@ -245,6 +276,39 @@ TEST_F(GraphicsText, KeepsAFewOfItsLines) {
   EXPECT_GE(kept, 31U);  // those of the fullest view
   EXPECT_LE(kept, 100U);
   platform::releasePaintedFont(font);
+  EXPECT_EQ(holdersOf(native()), withoutFont);
+}
+
+// The place of the call in its interface.
+constexpr std::size_t createTexture = 23;
+
+HRESULT WINAPI refuseTexture(IDirect3DDevice9* /*device*/, UINT /*width*/, UINT /*height*/,
+                             UINT /*levels*/, DWORD /*usage*/, D3DFORMAT /*format*/,
+                             D3DPOOL /*pool*/, IDirect3DTexture9** /*texture*/,
+                             HANDLE* /*shared*/) {
+  return E_OUTOFMEMORY;
+}
+
+TEST_F(GraphicsText, IsNothingWhileThereIsNoTextureForIt) {
+  platform::PaintedFont* const font = platform::createPaintedFont(native(), titleForm);
+  int height = 0;
+  const auto draw = [&] { height = drawPaintedText(font, {12, 10, 412, 60}, white, "Simulation"); };
+  {
+    const ReplacedCall refused(native(), createTexture, refuseTexture);
+    EXPECT_EQ(inkOf(surface().drawn(draw)).bounds.right, 0);
+    EXPECT_EQ(height, 16);
+  }
+  EXPECT_GT(inkOf(surface().drawn(draw)).amount, 20.0);
+  platform::releasePaintedFont(font);
+}
+
+TEST_F(GraphicsText, EndsThoughSomethingElseHoldsTheFont) {
+  const ULONG withoutFont = holdersOf(native());
+  platform::TextFont* const font = platform::createTextFont(surface().device(), titleForm);
+  ASSERT_NE(font->font, nullptr);
+  font->font->AddRef();
+  EXPECT_GT(holdersOf(native()), withoutFont);
+  platform::releaseTextFont(font);
   EXPECT_EQ(holdersOf(native()), withoutFont);
 }
 

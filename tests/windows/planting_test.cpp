@@ -27,16 +27,12 @@ constexpr std::array names{"magnification.dll", "d3d9.dll",     "d3dx9_43.dll", 
 
 // Under Wine its own libraries go first unless it is told otherwise; Windows takes the first that
 // it finds.
-constexpr const char* preferencesKey = "Software\\Wine\\AppDefaults\\Tintora.exe\\DllOverrides";
-
-void setOrder(const std::string& name, std::string_view order) {
-  const std::string base = name.ends_with(".dll") ? name.substr(0, name.size() - 4) : name;
-  RegSetKeyValueA(HKEY_CURRENT_USER, preferencesKey, base.c_str(), REG_SZ, order.data(),
-                  static_cast<DWORD>(order.size() + 1));
-}
-
 void preferFoundLibraries() {
-  for (const char* name : names) setOrder(name, "native,builtin");
+  for (const std::string_view name : names) {
+    const bool isUsual = name.ends_with(".dll");
+    setLibraryOrder(std::string(isUsual ? name.substr(0, name.size() - 4) : name),
+                    "native,builtin");
+  }
 }
 
 std::string plantedLibrary() {
@@ -55,7 +51,7 @@ class Planted : public ProgramTest {
   }
   void TearDown() override {
     ProgramTest::TearDown();
-    RegDeleteTreeA(HKEY_CURRENT_USER, preferencesKey);
+    resetLibraryOrders();
     for (const std::string& path : planted_) DeleteFileA(path.c_str());
     std::filesystem::remove_all(elsewhere());
     SetEnvironmentVariableA(plantedNoteVariable, nullptr);
@@ -123,9 +119,9 @@ TEST_F(Planted, LibrariesDoNotStandInForMissingOnesToDrawWith) {
     plant(elsewhere(), name);
   }
   // Once Direct3D is there and D3DX is not, and once neither is.
-  for (const std::string& name : d3dxLibraries()) setOrder(name, "native");
+  for (const std::string& name : d3dxLibraries()) setLibraryOrder(name, "native");
   run(elsewhere());
-  setOrder("d3d9.dll", "native");
+  setLibraryOrder("d3d9", "native");
   run(elsewhere());
   EXPECT_EQ(noted(), "");
 }

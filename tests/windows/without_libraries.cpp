@@ -12,15 +12,23 @@ constexpr const char* preferencesKey = "Software\\Wine\\AppDefaults\\Tintora.exe
 
 }  // namespace
 
+void setLibraryOrder(const std::string& name, std::string_view order) {
+  const std::string value(order);
+  EXPECT_EQ(RegSetKeyValueA(HKEY_CURRENT_USER, preferencesKey, name.c_str(), REG_SZ, value.c_str(),
+                            static_cast<DWORD>(value.size() + 1)),
+            ERROR_SUCCESS);
+}
+
+void resetLibraryOrders() {
+  RegDeleteTreeA(HKEY_CURRENT_USER, preferencesKey);
+}
+
 WithoutLibraries::WithoutLibraries(const std::vector<std::string>& names) {
-  for (const std::string& name : names) {
-    EXPECT_EQ(RegSetKeyValueA(HKEY_CURRENT_USER, preferencesKey, name.c_str(), REG_SZ, "", 1),
-              ERROR_SUCCESS);
-  }
+  for (const std::string& name : names) setLibraryOrder(name, "");
 }
 
 WithoutLibraries::~WithoutLibraries() {
-  RegDeleteTreeA(HKEY_CURRENT_USER, preferencesKey);
+  resetLibraryOrders();
 }
 
 std::vector<std::string> d3dxLibraries() {

@@ -2,9 +2,15 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tintora::windows_test {
+
+// Where Wine is to look for a library that programs under test load, without its ending: "native"
+// is files, "builtin" is Wine itself.
+void setLibraryOrder(const std::string& name, std::string_view order);
+void resetLibraryOrders();
 
 // For as long as it lives, programs that are started have to do without these libraries.
 class WithoutLibraries {

@@ -6,7 +6,7 @@ build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libpng-dev
   libxcb-render0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-xfixes0-dev x11-utils)
 
 # A virtual display with a window manager and software graphics.
-display_packages=(xvfb openbox x11-xserver-utils libgl1-mesa-dri)
+display_packages=(xvfb openbox x11-xserver-utils libgl1 libgl1-mesa-dri)
 
 # install_packages NAME...: does nothing, and asks for no rights, where all are there.
 install_packages() {

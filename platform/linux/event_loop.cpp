@@ -2,6 +2,7 @@
 
 #include <QAbstractEventDispatcher>
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QDropEvent>
 #include <QExposeEvent>
 #include <QGuiApplication>
@@ -242,8 +243,9 @@ bool handleNextEvent() {
 }
 
 void handleWaitingEvents() {
-  while (dispatcher()->processEvents(QEventLoop::AllEvents)) {
-  }
+  // Some events wait for an outer loop, and would be found waiting for ever.
+  constexpr int mostMilliseconds = 30;
+  QCoreApplication::processEvents(QEventLoop::AllEvents, mostMilliseconds);
   finishView();
 }
 

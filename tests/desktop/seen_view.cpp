@@ -77,6 +77,9 @@ SeenShape seen(const Shape& shape, const Picture& picture) {
     result.perPixel =
         std::max(result.perPixel, difference / std::max(1e-6, std::hypot(a.x - b.x, a.y - b.y)));
   }
+  const double within =
+      isSliver(result) ? result.range : std::min(result.range, result.perPixel * result.reach);
+  result.tolerance = roundingStep + within;
   return result;
 }
 

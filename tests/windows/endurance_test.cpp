@@ -15,8 +15,6 @@ class Endurance : public ProgramTest {
     choose(52);
     const int size = 200 + round % 7 * 30;
     SetWindowPos(windows().main, nullptr, 50, 60, size, size, SWP_NOZORDER | SWP_NOACTIVATE);
-    SetWindowPos(windows().colourSpace, nullptr, 500, 60, size, size,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
     settle();
   }
 };

@@ -1,5 +1,8 @@
 #!/usr/bin/env python3
-"""Run the tests of the Windows program under Wine on a display of their own.
+"""Run the tests of the Windows program under Wine on displays of their own.
+
+A test spends half of its time waiting, so that each processor can be given a
+share of them, with a display and a prefix to itself.
 
 Everything that is started here is ended here, and everything that is written
 lies in one work folder.
@@ -47,6 +50,11 @@ def parse_arguments():
     parser.add_argument("--pictures", type=Path,
                         help="save pictures of the program in this folder "
                              "instead of testing it")
+    parser.add_argument("--shares", type=int, default=1,
+                        help="into how many the tests are divided, which run "
+                             "at the same time")
+    parser.add_argument("--share", type=int,
+                        help="the only one to run, from 0")
     parser.add_argument("--seconds", type=int, default=900,
                         help="how long the tests may take")
     parser.add_argument("rest", nargs="*", metavar="TEST_OPTION",
@@ -146,6 +154,8 @@ def install(options, prefix):
 def run_tests(options, wine, environment, program):
     environment = dict(
         environment, TINTORA_PROGRAM=windows_path(program),
+        GTEST_TOTAL_SHARDS=str(options.shares),
+        GTEST_SHARD_INDEX=str(options.share or 0),
         TINTORA_PLANTED_LIBRARY=windows_path(options.tests / "planted.dll"))
     name = "tintora_windows_tests.exe"
     if options.pictures:
@@ -162,11 +172,23 @@ def run_tests(options, wine, environment, program):
         return 1
 
 
+def run_shares(count, arguments):
+    """Each in a process of its own, which ends with this one."""
+    shares = [subprocess.Popen(
+        [sys.executable, "-B", __file__, f"--share={share}", *arguments],
+        preexec_fn=end_with_parent) for share in range(count)]
+    return max([share.wait() for share in shares])
+
+
 def main():
     options = parse_arguments()
     # So that what was started is ended then too.
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
+    if options.shares > 1 and options.share is None:
+        return run_shares(options.shares, sys.argv[1:])
     options.work = options.work.resolve()
+    if options.share is not None:
+        options.work /= f"share{options.share}"
     prefix = options.work / "prefix"
     wine = find_wine()
     with display() as name:

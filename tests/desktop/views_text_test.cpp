@@ -108,7 +108,7 @@ TEST_F(TitleOfViews, IsTheMainWindowsAtEveryChange) {
 TEST_F(TitleOfViews, IsCutOffAtItsRectangle) {
   const std::string name(120, 'W');
   writeFile(configFolder() + "/tintora/Tintora_custom.txt", name + "\n1 0 0 0\n0 1 0 0\n0 0 1 0\n");
-  startStored({{"Selected", 13}, {"View", 703}, {"ColorSpace", 1}}, {800, 600});
+  startStored({{"Selected", 0}, {"View", 703}, {"ColorSpace", 1}}, {800, 600});
   ASSERT_TRUE(titleBecomes(name));
   const Picture picture = shown();
   EXPECT_TRUE(hasShadowedText(picture, {12, 10, 380, lineHeight + 1}));

@@ -88,8 +88,11 @@ TEST_F(Clipboard, ControlODoesTheSame) {
 
 TEST_F(Clipboard, WhatHasJustChangedIsInThePicture) {
   for (std::uint32_t seed = 2; seed < 6; ++seed) {
+    const std::string before = ask("TIMESTAMP");
     scene().draw(scene().at(0), noise(300, 200, seed), 30, 50);
     press(XK_c, {XK_Control_L});
+    // Until then what was copied before is handed out.
+    ASSERT_TRUE(eventually([&] { return ask("TIMESTAMP") != before; }));
     expectViewOnClipboard();
   }
 }

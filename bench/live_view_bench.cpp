@@ -1,16 +1,13 @@
 // How fast the live view is: what changes beneath it on a virtual display, and when the view shows
 // it. One table on standard output. The argument is the program.
-#include <poll.h>
-#include <xcb/damage.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <functional>
+#include <memory>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -40,13 +37,13 @@ class View {
   View(Screen& screen, const std::string& program) : screen_(screen), program_(program) {
     createPicture();
     tintora_ = std::make_unique<Process>(program_, "", screen_.display());
-    main_ = wait([&] { return screen_.windowTitled("Invert"); });
+    main_ = wait([&] { return screen_.windowTitled("Invert "); });
     waitForPixel(screen_.width() / 2, screen_.height() / 2, inverted(background));
     firstPixel_ = Clock::now() - tintora_->started();
     screen_.pressKey(main_, fullScreenKey);
     waitForPixel(1, 1, inverted(background));
     waitForPixel(screen_.width() - 2, screen_.height() - 2, inverted(background));
-    watchView();
+    watch_ = std::make_unique<DrawingWatch>(screen_, main_);
   }
 
   const Process& tintora() const { return *tintora_; }
@@ -134,14 +131,6 @@ class View {
     screen_.finish();
   }
 
-  void watchView() {
-    damageEvent_ = static_cast<std::uint8_t>(
-        xcb_get_extension_data(x(), &xcb_damage_id)->first_event + XCB_DAMAGE_NOTIFY);
-    xcb_discard_reply(x(), xcb_damage_query_version(x(), 1, 1).sequence);
-    xcb_damage_create(x(), xcb_generate_id(x()), main_, XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES);
-    screen_.finish();
-  }
-
   void setColour(std::uint32_t colour) { xcb_change_gc(x(), context_, XCB_GC_FOREGROUND, &colour); }
 
   void fill(int left, int top, std::uint32_t colour) {
@@ -170,27 +159,13 @@ class View {
 
   // Waits until the view was drawn at a place, or a time has come; false then.
   bool viewDrawn(int left, int top, Clock::time_point until) {
-    while (true) {
-      xcb_generic_event_t* const event = xcb_poll_for_event(x());
-      if (event == nullptr) {
-        const auto rest =
-            std::chrono::duration_cast<std::chrono::nanoseconds>(until - Clock::now()).count();
-        if (rest <= 0) return false;
-        pollfd socket{xcb_get_file_descriptor(x()), POLLIN, 0};
-        const timespec time{rest / 1000000000, rest % 1000000000};
-        ppoll(&socket, 1, &time, nullptr);
-        continue;
+    while (const auto area = watch_->next(until)) {
+      if (left >= area->x && left < area->x + area->width && top >= area->y &&
+          top < area->y + area->height) {
+        return true;
       }
-      bool there = false;
-      if ((event->response_type & 0x7F) == damageEvent_) {
-        const xcb_rectangle_t& area =
-            reinterpret_cast<const xcb_damage_notify_event_t*>(event)->area;
-        there = left >= area.x && left < area.x + area.width && top >= area.y &&
-                top < area.y + area.height;
-      }
-      std::free(event);
-      if (there) return true;
     }
+    return false;
   }
 
   Clock::time_point waitForView(int left, int top, std::uint32_t colour) {
@@ -218,7 +193,7 @@ class View {
   xcb_gcontext_t context_ = XCB_NONE;
   std::array<xcb_pixmap_t, 2> frames_{};
   std::size_t frame_ = 0;
-  std::uint8_t damageEvent_ = 0;
+  std::unique_ptr<DrawingWatch> watch_;
   std::uint32_t colour_ = 1;
   std::mt19937 random_{1};
 };
@@ -299,14 +274,6 @@ void measure(const std::string& program, int width, int height, const std::vecto
               view.tintora().residentMegabytes());
 }
 
-// Settings of the measurement's own: Invert, without the colour space window.
-void prepareSettings(const std::string& folder) {
-  std::filesystem::create_directories(folder + "/tintora");
-  std::ofstream(folder + "/tintora/settings.ini")
-      << "[General]\nSelected=5\nColorSpace=0\nView=705\n";
-  setenv("XDG_CONFIG_HOME", folder.c_str(), 1);
-}
-
 }  // namespace
 
 }  // namespace tintora
@@ -316,18 +283,16 @@ int main(int count, char** arguments) {
     std::fprintf(stderr, "usage: tintora_live_view_bench PROGRAM\n");
     return 2;
   }
-  std::string folder = std::filesystem::temp_directory_path() / "tintora-bench-XXXXXX";
-  if (mkdtemp(folder.data()) == nullptr) return 1;
   std::setvbuf(stdout, nullptr, _IOLBF, 0);
-  int result = 0;
   try {
-    tintora::prepareSettings(folder);
+    // Invert, without the colour space window.
+    const tintora::SettingsFolder settings;
+    settings.write("Selected=5\nColorSpace=0\nView=705\n");
     tintora::measure(arguments[1], 1920, 1080, {60, 120, 240});
     tintora::measure(arguments[1], 3840, 2160, {30, 50, 60, 100});
   } catch (const std::exception& fault) {
     std::fprintf(stderr, "%s\n", fault.what());
-    result = 1;
+    return 1;
   }
-  std::filesystem::remove_all(folder);
-  return result;
+  return 0;
 }

@@ -1,9 +1,11 @@
 #include "live_view_display.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <xcb/damage.h>
 #include <xcb/xtest.h>
 
 #include <array>
@@ -51,6 +53,12 @@ pid_t start(const std::string& program, const std::string& arguments, const std:
   pointers.push_back(nullptr);
   execvp(program.c_str(), pointers.data());
   _exit(127);
+}
+
+std::string readLine(int pipe) {
+  std::string line;
+  for (char next = 0; read(pipe, &next, 1) == 1 && next != '\n';) line += next;
+  return line;
 }
 
 std::string statusValue(const std::string& path, const std::string& name) {
@@ -106,18 +114,16 @@ Screen::Screen(int width, int height) : width_(width), height_(height) {
   if (pipe(ends.data()) != 0) throw std::runtime_error("no pipe");
   server_ =
       std::make_unique<Process>("Xvfb",
-                                "-displayfd 3 -noreset -nolisten tcp -screen 0 " + std::to_string(width) +
-                                    "x" + std::to_string(height) + "x24",
+                                "-displayfd 3 -noreset -nolisten tcp -screen 0 " +
+                                    std::to_string(width) + "x" + std::to_string(height) + "x24",
                                 "", ends[1]);
   close(ends[1]);
-  std::array<char, 16> number{};
-  if (read(ends[0], number.data(), number.size() - 1) <= 0) {
-    throw std::runtime_error("Xvfb does not start");
-  }
+  display_ = ":" + readLine(ends[0]);
   close(ends[0]);
-  display_ = ":" + std::to_string(std::atoi(number.data()));
   connection_ = xcb_connect(display_.c_str(), nullptr);
-  if (xcb_connection_has_error(connection_) != 0) throw std::runtime_error("no display");
+  if (xcb_connection_has_error(connection_) != 0) {
+    throw std::runtime_error("the display " + display_ + " cannot be opened");
+  }
   screen_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
 }
 
@@ -143,7 +149,7 @@ std::uint32_t Screen::pixel(int x, int y) const {
   return value & 0xFFFFFFU;
 }
 
-xcb_window_t Screen::windowTitled(const std::string& beginning) const {
+xcb_window_t Screen::windowTitled(const std::string& wanted) const {
   const auto tree =
       owned(xcb_query_tree_reply(connection_, xcb_query_tree(connection_, root()), nullptr));
   if (!tree) return XCB_NONE;
@@ -156,13 +162,54 @@ xcb_window_t Screen::windowTitled(const std::string& beginning) const {
     if (!title) continue;
     const std::string text(static_cast<const char*>(xcb_get_property_value(title.get())),
                            static_cast<std::size_t>(xcb_get_property_value_length(title.get())));
-    if (text.starts_with(beginning)) return children[i];
+    if (text == wanted) return children[i];
   }
   return XCB_NONE;
 }
 
 void Screen::finish() const {
   owned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+}
+
+DrawingWatch::DrawingWatch(const Screen& screen, xcb_window_t window)
+    : connection_(screen.connection()),
+      event_(static_cast<std::uint8_t>(
+          xcb_get_extension_data(connection_, &xcb_damage_id)->first_event + XCB_DAMAGE_NOTIFY)) {
+  xcb_discard_reply(connection_, xcb_damage_query_version(connection_, 1, 1).sequence);
+  xcb_damage_create(connection_, xcb_generate_id(connection_), window,
+                    XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES);
+  screen.finish();
+}
+
+std::optional<xcb_rectangle_t> DrawingWatch::next(Clock::time_point until) {
+  while (true) {
+    const auto event = owned(xcb_poll_for_event(connection_));
+    if (event && (event->response_type & 0x7F) == event_) {
+      return reinterpret_cast<const xcb_damage_notify_event_t*>(event.get())->area;
+    }
+    if (event) continue;
+    const auto rest =
+        std::chrono::duration_cast<std::chrono::nanoseconds>(until - Clock::now()).count();
+    if (rest <= 0) return std::nullopt;
+    pollfd socket{xcb_get_file_descriptor(connection_), POLLIN, 0};
+    const timespec time{rest / 1000000000, rest % 1000000000};
+    ppoll(&socket, 1, &time, nullptr);
+  }
+}
+
+SettingsFolder::SettingsFolder()
+    : path_(std::filesystem::temp_directory_path() / "tintora-bench-XXXXXX") {
+  if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("no folder for the settings");
+  std::filesystem::create_directories(path_ + "/tintora");
+  setenv("XDG_CONFIG_HOME", path_.c_str(), 1);
+}
+
+SettingsFolder::~SettingsFolder() {
+  std::filesystem::remove_all(path_);
+}
+
+void SettingsFolder::write(const std::string& lines) const {
+  std::ofstream(path_ + "/tintora/settings.ini") << "[General]\n" << lines;
 }
 
 }  // namespace tintora

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace tintora {
@@ -56,8 +57,8 @@ class Screen {
   void pressKey(xcb_window_t window, std::uint8_t keycode);
   // One pixel of what the screen shows.
   std::uint32_t pixel(int x, int y) const;
-  // The first top-level window whose title begins so; XCB_NONE where there is none.
-  xcb_window_t windowTitled(const std::string& beginning) const;
+  // The first top-level window with this title; XCB_NONE where there is none.
+  xcb_window_t windowTitled(const std::string& wanted) const;
   void finish() const;  // returns when the server has done everything
 
  private:
@@ -67,6 +68,31 @@ class Screen {
   std::unique_ptr<Process> server_;
   xcb_connection_t* connection_ = nullptr;
   const xcb_screen_t* screen_ = nullptr;
+};
+
+// Tells of every drawing in a window.
+class DrawingWatch {
+ public:
+  DrawingWatch(const Screen& screen, xcb_window_t window);
+  // The next place that was drawn, or nothing until a time has come.
+  std::optional<xcb_rectangle_t> next(Clock::time_point until);
+
+ private:
+  xcb_connection_t* connection_;
+  std::uint8_t event_ = 0;
+};
+
+// Settings of the measurement's own, in a folder of its own that goes with it.
+class SettingsFolder {
+ public:
+  SettingsFolder();
+  ~SettingsFolder();
+  SettingsFolder(const SettingsFolder&) = delete;
+  SettingsFolder& operator=(const SettingsFolder&) = delete;
+  void write(const std::string& lines) const;
+
+ private:
+  std::string path_;
 };
 
 }  // namespace tintora

@@ -3,6 +3,7 @@
 #include <QAbstractEventDispatcher>
 #include <QCloseEvent>
 #include <QCoreApplication>
+#include <QCursor>
 #include <QDropEvent>
 #include <QExposeEvent>
 #include <QGuiApplication>
@@ -12,6 +13,7 @@
 #include <QWheelEvent>
 #include <QWindowStateChangeEvent>
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "platform/linux/filtered_view.h"
@@ -30,7 +32,8 @@ constexpr int lastKey = 189;
 EventHandler eventHandler = nullptr;
 std::vector<Window*> translated;
 bool painting = false;
-bool handedOver = false;  // since the loop last looked
+std::optional<QPoint> mousePlace;  // on the screen, while an event of the mouse is handled
+bool handedOver = false;           // since the loop last looked
 bool ended = false;
 int result = 0;
 
@@ -79,13 +82,20 @@ bool onKey(Window* window, const QKeyEvent& key) {
       {.kind = down ? EventKind::KeyDown : EventKind::KeyUp, .window = window, .key = code});
 }
 
+bool handOverMouse(EventKind kind, Window* window, const QMouseEvent& mouse) {
+  mousePlace = mouse.globalPosition().toPoint();
+  const bool handled = handOver(mouseEvent(kind, window, mouse));
+  mousePlace.reset();
+  return handled;
+}
+
 bool onMouse(Window* window, const QMouseEvent& mouse) {
   const bool down = mouse.type() != QEvent::MouseButtonRelease;
   if (mouse.button() == Qt::LeftButton) {
-    return handOver(mouseEvent(down ? EventKind::LeftDown : EventKind::LeftUp, window, mouse));
+    return handOverMouse(down ? EventKind::LeftDown : EventKind::LeftUp, window, mouse);
   }
   if (mouse.button() == Qt::RightButton) {
-    return handOver(mouseEvent(down ? EventKind::RightDown : EventKind::RightUp, window, mouse));
+    return handOverMouse(down ? EventKind::RightDown : EventKind::RightUp, window, mouse);
   }
   return false;
 }
@@ -93,7 +103,7 @@ bool onMouse(Window* window, const QMouseEvent& mouse) {
 bool onMouseMoved(Window* window, const QMouseEvent& mouse) {
   // Without a button held only the colour space window cares where the mouse is.
   if (mouse.buttons() == Qt::NoButton && window->kind != WindowKind::ColourSpace) return true;
-  return handOver(mouseEvent(EventKind::MouseMoved, window, mouse));
+  return handOverMouse(EventKind::MouseMoved, window, mouse);
 }
 
 // Fine wheels send a step in many pieces.
@@ -226,6 +236,12 @@ void invalidateWindow(Window* window) {
   } else {
     window->window->requestUpdate();
   }
+}
+
+// As of the event being handled: by now the mouse may be elsewhere.
+Point cursorPosition() {
+  const QPoint place = mousePlace ? *mousePlace : QCursor::pos();
+  return {place.x(), place.y()};
 }
 
 bool isShiftDown() {

@@ -3,7 +3,6 @@
 #include <xcb/shape.h>
 #include <xcb/xcb.h>
 
-#include <QCursor>
 #include <QGuiApplication>
 #include <array>
 
@@ -185,11 +184,6 @@ void startTimer(Window* window, int milliseconds) {
 void stopTimer(Window* window) {
   window->timer.stop();
   window->timer.disconnect();
-}
-
-Point cursorPosition() {
-  const QPoint place = QCursor::pos();
-  return {place.x(), place.y()};
 }
 
 void showCursor(bool shown) {

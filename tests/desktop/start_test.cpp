@@ -136,7 +136,11 @@ TEST_F(Start, AWindowManagerThatComesLaterIsNoHarm) {
   Sheet& sheet = scene().addNoise({200, 100, 900, 600}, 1);
   ASSERT_TRUE(viewShows(windows_test::greyscale()));
   display().startManager();
-  ASSERT_TRUE(eventually([this] { return x().topLevelOf(main()) != main(); }));
+  // It lists the windows that it has done with.
+  ASSERT_TRUE(eventually([this] {
+    const std::string list = x().property(x().root(), x().atom("_NET_CLIENT_LIST"));
+    return x().topLevelOf(main()) != main() && !list.empty();
+  }));
   // Where the frame goes among windows that are not its own is the manager's affair.
   x().restack(sheet.window, XCB_STACK_MODE_BELOW, x().topLevelOf(main()));
   EXPECT_TRUE(viewShows(windows_test::greyscale()));

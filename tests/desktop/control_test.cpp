@@ -129,7 +129,8 @@ TEST_F(Control, ADragOfItMovesOnlyIt) {
   const Area area = x().areaOf(control());
   dragMouse(area.x + 50, area.y + 50, 70, 45);
   const Area expected{before.x + 70, before.y + 45, before.width, before.height};
-  EXPECT_TRUE(eventually([&] { return outer(control()) == expected; }));
+  eventually([&] { return outer(control()) == expected; });
+  EXPECT_EQ(outer(control()), expected);
   EXPECT_EQ(outer(ProgramTest::main()), main);
 }
 

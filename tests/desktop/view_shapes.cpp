@@ -58,8 +58,8 @@ Parts corner(std::size_t number) {
           (number & 4) != 0 ? 1.0 : 0.0};
 }
 
-// The sides of the cube as they are cut into triangles: by the numbers of corners whose bits are red,
-// green and blue.
+// The sides of the cube as they are cut into triangles: by the numbers of corners whose bits are
+// red, green and blue.
 constexpr std::array<std::array<std::size_t, 3>, 12> cubeTriangles{{
     {1, 3, 2},
     {1, 2, 0},

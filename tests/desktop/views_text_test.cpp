@@ -124,12 +124,23 @@ struct HelpLine {
 };
 constexpr std::uint32_t yellow = 0xFFFF00;
 constexpr std::uint32_t white = 0xFFFFFF;
-constexpr std::array<HelpLine, 17> helpLines{{{16, yellow, 6}, {16, white, 0},  {37, white, 0},
-                                              {37, white, 6},  {16, white, 0},  {37, white, 0},
-                                              {37, white, 0},  {37, white, 6},  {16, white, 0},
-                                              {16, white, 6},  {16, yellow, 6}, {16, white, 0},
-                                              {16, white, 0},  {67, white, 0},  {16, white, 0},
-                                              {16, white, 6},  {16, yellow, 0}}};
+constexpr std::array<HelpLine, 17> helpLines{{{16, yellow, 6},
+                                              {16, white, 0},
+                                              {37, white, 0},
+                                              {37, white, 6},
+                                              {16, white, 0},
+                                              {37, white, 0},
+                                              {37, white, 0},
+                                              {37, white, 6},
+                                              {16, white, 0},
+                                              {16, white, 6},
+                                              {16, yellow, 6},
+                                              {16, white, 0},
+                                              {16, white, 0},
+                                              {67, white, 0},
+                                              {16, white, 0},
+                                              {16, white, 6},
+                                              {16, yellow, 0}}};
 
 // Whether pixels have the line's hue and nothing else has colour.
 testing::AssertionResult isIn(const Picture& picture, const Area& area, std::uint32_t colour) {

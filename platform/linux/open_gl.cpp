@@ -77,10 +77,15 @@ void makeFramebuffer() {
   gl.glGenRenderbuffers(1, &pictures.depths);
 }
 
+// A picture that keeps its size while the program's window is sized fills that too.
+void fillClientArea() {
+  const QRect area(QPoint(), pictures.window->parent()->size());
+  if (pictures.window->geometry() != area) pictures.window->setGeometry(area);
+}
+
 void resizeFramebuffer(const Size& size) {
   OpenGl& gl = *pictures.gl;
   pictures.size = size;
-  pictures.window->setGeometry(0, 0, size.width, size.height);
   gl.glBindFramebuffer(GL_FRAMEBUFFER, pictures.framebuffer);
   const auto attach = [&](GLuint renderbuffer, GLenum contents, GLenum attachment) {
     gl.glBindRenderbuffer(GL_RENDERBUFFER, renderbuffer);
@@ -118,6 +123,7 @@ OpenGl* beginPicture(QWindow* window, const Size& size) {
   }
   if (pictures.gl == nullptr || !pictures.context->makeCurrent(pictures.window)) return nullptr;
   deleteDiscarded();
+  fillClientArea();
   if (pictures.size != size) resizeFramebuffer(size);
   pictures.gl->glBindFramebuffer(GL_FRAMEBUFFER, pictures.framebuffer);
   pictures.gl->glViewport(0, 0, size.width, size.height);

@@ -1,5 +1,4 @@
 // Thousands of windows beneath, and programs that end in the middle of their work.
-#include <xcb/res.h>
 #include <xcb/shape.h>
 
 #include <csignal>
@@ -7,31 +6,14 @@
 #include <random>
 
 #include "program_run.h"
+#include "x_resources.h"
 
 namespace tintora::desktop_test {
 namespace {
 
 class Endurance : public ProgramTest {
  protected:
-  // What the server holds for a process: how many of each kind, over all its connections.
-  std::map<std::string, std::uint32_t> resources() {
-    std::map<std::string, std::uint32_t> counts;
-    const Received<xcb_res_query_clients_reply_t> clients(xcb_res_query_clients_reply(
-        x().connection(), xcb_res_query_clients(x().connection()), nullptr));
-    const auto* const first = xcb_res_query_clients_clients(clients.get());
-    for (std::uint32_t i = 0; i < clients->num_clients; ++i) {
-      if (processOf(first[i].resource_base) != process().id()) continue;
-      const Received<xcb_res_query_client_resources_reply_t> reply(
-          xcb_res_query_client_resources_reply(
-              x().connection(),
-              xcb_res_query_client_resources(x().connection(), first[i].resource_base), nullptr));
-      const auto* const types = xcb_res_query_client_resources_types(reply.get());
-      for (std::uint32_t t = 0; t < reply->num_types; ++t) {
-        counts[nameOf(types[t].resource_type)] += types[t].count;
-      }
-    }
-    return counts;
-  }
+  std::map<std::string, std::uint32_t> resources() { return resourcesOf(x(), process().id()); }
 
   // What the program needs for blending it keeps.
   void blendOnce() {
@@ -45,22 +27,6 @@ class Endurance : public ProgramTest {
 
   void settleWell() {
     for (int i = 0; i < 3; ++i) settle();
-  }
-
- private:
-  pid_t processOf(std::uint32_t client) {
-    const xcb_res_client_id_spec_t wanted{client, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-    const Received<xcb_res_query_client_ids_reply_t> reply(xcb_res_query_client_ids_reply(
-        x().connection(), xcb_res_query_client_ids(x().connection(), 1, &wanted), nullptr));
-    if (!reply || reply->num_ids == 0) return 0;
-    const auto ids = xcb_res_query_client_ids_ids_iterator(reply.get());
-    return static_cast<pid_t>(*xcb_res_client_id_value_value(ids.data));
-  }
-  std::string nameOf(xcb_atom_t atom) {
-    const Received<xcb_get_atom_name_reply_t> reply(xcb_get_atom_name_reply(
-        x().connection(), xcb_get_atom_name(x().connection(), atom), nullptr));
-    return {xcb_get_atom_name_name(reply.get()),
-            static_cast<std::size_t>(xcb_get_atom_name_name_length(reply.get()))};
   }
 };
 

@@ -67,4 +67,15 @@ void savePicture(const Picture& picture, const std::string& path) {
   png_image_write_to_file(&image, path.c_str(), 0, bytes.data(), 0, nullptr);
 }
 
+Picture readPicture(const std::string& path) {
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  if (png_image_begin_read_from_file(&image, path.c_str()) == 0) return {};
+  // In memory a pixel of this machine's is 0xAARRGGBB then.
+  image.format = PNG_FORMAT_BGRA;
+  Picture picture = solid(static_cast<int>(image.width), static_cast<int>(image.height), 0);
+  if (png_image_finish_read(&image, nullptr, picture.pixels.data(), 0, nullptr) == 0) return {};
+  return picture;
+}
+
 }  // namespace tintora::desktop_test

@@ -60,4 +60,7 @@ Colour filtered(const Colour& colour, const ColourEffect& effect);
 
 void savePicture(const Picture& picture, const std::string& path);
 
+// Of a PNG file; empty where it cannot be read.
+Picture readPicture(const std::string& path);
+
 }  // namespace tintora::desktop_test

@@ -1,0 +1,8 @@
+# The tests of all builds as one run; and the two desktops' programs side by side.
+subdirs(linux linux-sanitize fuzz windows)
+
+add_test(views.same_on_both_desktops linux/tests/desktop/tintora_views_comparison linux/tintora)
+set_tests_properties(
+  views.same_on_both_desktops
+  PROPERTIES ENVIRONMENT TINTORA_OTHER_PICTURES=windows/tests/pictures FIXTURES_REQUIRED
+             windows_pictures RUN_SERIAL TRUE TIMEOUT 120)

@@ -10,7 +10,8 @@ namespace tintora {
 void buildCube();
 
 // Moves the corners of the solid cube to where the matrix takes their colours, which it shows
-// clamped. The matrix acts on components of 0..255.
+// clamped. The matrix acts on components of 0..255. A corner that it would take to no finite place
+// stays where it is.
 void refreshCube(const Matrix3x3& matrix);
 
 }  // namespace tintora

@@ -20,7 +20,7 @@ enum class ViewCode : std::int32_t {
   RgbCube = 703,
   ChromaticityDiagram = 704,
   Help = 705,
-  NormalCurves = 706,  // nothing chooses it
+  NormalCurves = 706,  // no key or command chooses it
 };
 
 struct SceneObject {

@@ -52,8 +52,9 @@ bool onLeftDown(const Event& event) {
   return true;
 }
 
-bool onLeftUp(const Event& event) {
-  if (!isColourSpace(event)) shellState.drag.active = false;
+// In whichever window: a fast drag may have slipped out of the one it began in.
+bool onLeftUp(const Event& /*event*/) {
+  shellState.drag.active = false;
   return true;
 }
 

@@ -164,6 +164,7 @@ bool onDropped(Window* window, QDropEvent& drop) {
 }
 
 bool translate(Window* window, QEvent& event) {
+  allowForFrame(window);
   switch (event.type()) {
     case QEvent::KeyPress:
     case QEvent::KeyRelease:

@@ -122,7 +122,7 @@ void drawTextImage(OpenGl& gl, const Size& picture, TextFont& font, const Rect& 
   gl.glUniform4fv(program.colour, 1, components(colour).data());
   gl.glDisable(GL_DEPTH_TEST);
   gl.glEnable(GL_BLEND);
-  gl.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+  gl.glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
   gl.glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
 }
 

@@ -73,12 +73,6 @@ void finishQtRequests() {
       xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
 }
 
-// The control window has no sizing frame.
-void fixSize(Window* window, const QSize& size) {
-  window->window->setMinimumSize(size);
-  window->window->setMaximumSize(size);
-}
-
 }  // namespace
 
 void registerWindowKinds(EventHandler handler) {
@@ -137,7 +131,6 @@ void showWindow(Window* window, ShowState state) {
 void setWindowBounds(Window* window, const Rect& bounds) {
   const QRect outer = fromProgram(bounds);
   if (outer == boundsAskedFor(window)) return;
-  if (window->kind == WindowKind::Control) fixSize(window, withoutFrame(window, outer).size());
   askForBounds(window, outer);
 }
 

@@ -91,10 +91,20 @@ void askForFrame(Window* window) {
     if (widths.size() == 4) {
       const auto width = [&](std::size_t side) { return static_cast<int>(widths[side]); };
       window->formerFrame = {width(0), width(2), width(1), width(3)};  // left, right, top, bottom
+      window->awaitsFrame = false;
       return;
     }
     std::this_thread::sleep_for(betweenLooks);
   }
+}
+
+void allowForFrame(Window* window) {
+  if (!window->awaitsFrame || window->form != WindowForm::Framed) return;
+  if (window->window->frameMargins().isNull()) return;
+  window->awaitsFrame = false;
+  if (window->asked.empty()) return;
+  const QRect outer = window->asked.back().outer;
+  askForBounds(window, outer);
 }
 
 QRect outerBounds(const Window* window) {
@@ -114,7 +124,14 @@ void askForBounds(Window* window, const QRect& outer) {
   std::erase_if(window->asked,
                 [](const AskedBounds& asked) { return !isWithin(journey, asked.time); });
   window->asked.push_back({outer, Clock::now()});
-  window->window->setGeometry(withoutFrame(window, outer));
+  const QRect inner = withoutFrame(window, outer);
+  if (window->kind == WindowKind::Control) fixSize(window, inner.size());
+  window->window->setGeometry(inner);
+}
+
+void fixSize(Window* window, const QSize& size) {
+  window->window->setMinimumSize(size);
+  window->window->setMaximumSize(size);
 }
 
 Mover moverOf(Window* window) {

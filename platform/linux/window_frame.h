@@ -11,6 +11,9 @@ namespace tintora::platform {
 // Returns without one where it does not say at once.
 void askForFrame(Window* window);
 
+// Where it did not, asks for the same outer bounds once more when the window has its frame.
+void allowForFrame(Window* window);
+
 // The window's bounds with the frame that it has, or in its form will have: a window manager takes
 // its time.
 QRect outerBounds(const Window* window);
@@ -24,6 +27,9 @@ QRect withoutFrame(const Window* window, const QRect& outer);
 
 // Asks for outer bounds.
 void askForBounds(Window* window, const QRect& outer);
+
+// For the control window, which has no sizing frame.
+void fixSize(Window* window, const QSize& size);
 
 // On whose behalf a window has come to where it is. A place that the program never asked for ends
 // what it asked for before.

@@ -144,6 +144,24 @@ TEST_F(Gamut, IsBuiltUntransformed) {
   expectVertices(verticesOf(SceneRole::GamutOutline), untransformed(referenceEdgeColours()));
 }
 
+TEST_F(Gamut, EachPatchHasOneComponentWhole) {
+  constexpr std::array<PackedColour, 3> whole{0xFF0000U, 0x00FF00U, 0x0000FFU};
+  const Vertices& mesh = verticesOf(SceneRole::GamutMesh);
+  for (std::size_t i = 0; i < mesh.size(); ++i) {
+    const PackedColour component = whole.at(i / 400);
+    EXPECT_EQ(mesh[i].colour & component, component) << i;
+  }
+}
+
+// Equal parts of the primaries: the corner that the three patches share.
+TEST_F(Gamut, IsWhiteAtTheChromaticityOfAllPrimariesTogether) {
+  const ExpectedVertex white = referenceVertex({255.0L, 255.0L, 255.0L});
+  for (const std::size_t corner : {399U, 799U, 1199U}) {
+    expectVertex(verticesOf(SceneRole::GamutMesh).at(corner), white);
+    EXPECT_EQ(verticesOf(SceneRole::GamutMesh).at(corner).colour, 0xFFFFFFFFU);
+  }
+}
+
 TEST_F(Gamut, MeshIs2166IndexedTriangles) {
   const SceneObject& mesh = object(SceneRole::GamutMesh);
   EXPECT_EQ(mesh.kind, PrimitiveKind::IndexedTriangles);
@@ -256,8 +274,8 @@ TEST_F(WavelengthLabels, StandAtTheEndsOfTheTickMarksInTheOrderOfTheTable) {
 }
 
 TEST_F(WavelengthLabels, AreDrawnBesideTheirTickMarksAtEverySize) {
-  constexpr std::array<std::array<int, 2>, 4> sizes{
-      {{400, 400}, {800, 600}, {383, 361}, {1501, 977}}};
+  constexpr std::array<std::array<int, 2>, 5> sizes{
+      {{400, 400}, {800, 600}, {383, 361}, {1501, 977}, {101, 400}}};
   for (const auto& [width, height] : sizes) {
     SCOPED_TRACE(width);
     resizeDevice(width, height);
@@ -293,6 +311,19 @@ TEST_F(WavelengthLabels, MoveWithTheViewport) {
     EXPECT_EQ(moved[i].area.left, before[i].area.left + 30);
     EXPECT_EQ(moved[i].area.top, before[i].area.top + 70);
   }
+}
+
+TEST_F(WavelengthLabels, StayBesideTheLocusHoweverTheCubeIsTurned) {
+  render(ViewCode::ChromaticityDiagram);
+  const std::vector<DrawnText> before = labelsDrawn();
+  colourSpaceView.viewCode = ViewCode::RgbCube;
+  beginDrag(100, 100);
+  rotateByMouse({.left = true}, 210, 35);
+  ASSERT_NE(colourSpaceView.viewMatrix, colourSpaceView.homeViewMatrix);
+  render(ViewCode::ChromaticityDiagram);
+  const std::vector<DrawnText> after = labelsDrawn();
+  ASSERT_EQ(after.size(), before.size());
+  for (std::size_t i = 0; i < after.size(); ++i) EXPECT_EQ(after[i].area, before[i].area);
 }
 
 TEST_F(WavelengthLabels, TheLastOneIs440NmAndTheEleventh520) {

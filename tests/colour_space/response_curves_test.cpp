@@ -94,6 +94,16 @@ TEST_F(ResponseCurves, AreStripsOf399Lines) {
   }
 }
 
+TEST_F(ResponseCurves, FollowTheCubeWithShortMediumLongAsReferenceAndThenLive) {
+  constexpr std::array<PackedColour, 6> colours{0xFF8CA0B4U, 0xFF8CA0B4U, 0xFF8CA0B4U,
+                                                0xFF0000FFU, 0xFFFF0000U, 0xFF00FF00U};
+  for (std::size_t i = 0; i < colours.size(); ++i) {
+    const SceneObject& curve = colourSpaceView.objects.at(2 + i);
+    EXPECT_EQ(curve.vertexBuffer->vertices.front().colour, colours[i]) << i;
+    EXPECT_EQ(static_cast<int>(curve.viewCode), i < 3 ? 706 : 702) << i;
+  }
+}
+
 TEST_F(ResponseCurves, PeakAtOne) {
   for (const Curve& curve : curves) EXPECT_FLOAT_EQ(highest(verticesOf(curve.live)), 1.2F);
 }
@@ -190,8 +200,8 @@ TEST_F(ResponseCurves, ReferenceIsNeverDrawnInAnyViewThatCanBeChosen) {
 }
 
 TEST_F(CurveLabels, StandUnderTheirWavelengthsAtEverySize) {
-  constexpr std::array<std::array<int, 2>, 4> sizes{
-      {{400, 400}, {800, 600}, {383, 361}, {1501, 977}}};
+  constexpr std::array<std::array<int, 2>, 5> sizes{
+      {{400, 400}, {800, 600}, {383, 361}, {1501, 977}, {101, 400}}};
   const std::vector<std::string> expected{"400", "450", "500", "550", "600", "650", "700nm"};
   for (const auto& [width, height] : sizes) {
     SCOPED_TRACE(width);
@@ -219,6 +229,7 @@ TEST_F(CurveLabels, StayUnderTheCurvesHoweverTheCubeIsTurned) {
   colourSpaceView.viewCode = ViewCode::RgbCube;
   beginDrag(100, 100);
   rotateByMouse({.left = true}, 210, 35);
+  ASSERT_NE(colourSpaceView.viewMatrix, colourSpaceView.homeViewMatrix);
   render(ViewCode::ResponseCurves);
   const std::vector<DrawnText>& after = nullGraphics().texts;
   ASSERT_EQ(after.size(), before.size());

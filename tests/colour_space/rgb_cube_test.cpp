@@ -72,10 +72,11 @@ TEST_F(RgbCube, HasCornersOfTheirOwnColours) {
 }
 
 TEST_F(RgbCube, CornersStandWhereTheirComponentsPutThem) {
-  for (const auto& [x, y, z, red, green, blue] : corners) {
-    EXPECT_EQ(red, 255 * (1 - x) / 2);
-    EXPECT_EQ(green, 255 * (y + 1) / 2);
-    EXPECT_EQ(blue, 255 * (z + 1) / 2);
+  for (const ColourVertex& corner : verticesOf(SceneRole::WireFrame)) {
+    const auto component = [](float place) { return place > 0.0F ? 0xFFU : 0U; };
+    EXPECT_EQ(corner.colour >> 16U & 0xFFU, component(-corner.x));
+    EXPECT_EQ(corner.colour >> 8U & 0xFFU, component(corner.y));
+    EXPECT_EQ(corner.colour & 0xFFU, component(corner.z));
   }
 }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <sstream>
+#include <stdexcept>
 
 namespace tintora::desktop_test {
 
@@ -112,10 +113,12 @@ Launch ProgramTest::launch(const std::vector<std::string>& arguments) const {
 
 void ProgramTest::start(const std::vector<std::string>& arguments) {
   process_ = std::make_unique<Process>(launch(arguments));
-  ASSERT_TRUE(eventually([this] {
+  const bool appeared = eventually([this] {
     windows_ = findWindows(false);
     return windows_.size() == 3 && x().isShown(main()) && !title(main()).starts_with("Help:");
-  })) << readFile(errorsFile());
+  });
+  // Nothing more can be done in this test.
+  if (!appeared) throw std::runtime_error("The program did not appear. " + readFile(errorsFile()));
   scene_ = std::make_unique<Scene>(display().name(), main());
   scene_->setBackdrop(solid(1, 1, backgroundColour));
   focus(main());

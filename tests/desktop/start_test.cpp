@@ -1,5 +1,7 @@
 // Starting: what is told on a terminal, what the program cannot do without and what it can.
+#include <array>
 #include <csignal>
+#include <future>
 
 #include "program_run.h"
 
@@ -146,6 +148,29 @@ TEST_F(Start, AWindowManagerThatComesLaterIsNoHarm) {
   EXPECT_TRUE(viewShows(windows_test::greyscale()));
   press(XK_i);
   EXPECT_TRUE(viewShows(windows_test::inverted()));
+}
+
+TEST_F(Start, AWindowManagerTooSlowToTellItsFramesMakesNoWindowLarger) {
+  useDisplay({}, Manager::Openbox);
+  display().holdManager();
+  const auto later = std::async(std::launch::async, [this] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(800));
+    display().letManagerGoOn();
+  });
+  start();
+  const Area screen = x().screenArea();
+  const Area bounds{screen.width / 2 - 250, screen.height / 2 - 200, 500, 400};
+  EXPECT_TRUE(eventually([&] { return x().outerAreaOf(main()) == bounds; }))
+      << testing::PrintToString(x().outerAreaOf(main()));
+  press(XK_h);
+  ASSERT_TRUE(showing(control(), true));
+  const auto controlSize = [&] {
+    const Area area = x().outerAreaOf(control());
+    return std::array{area.width, area.height};
+  };
+  EXPECT_TRUE(eventually([&] {
+    return controlSize() == std::array{400, 120};
+  })) << testing::PrintToString(controlSize());
 }
 
 TEST_F(Start, ItsWindowsBearItsName) {

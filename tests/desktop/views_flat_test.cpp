@@ -1,4 +1,5 @@
 // The chromaticity diagram and the response curves on the screen.
+#include "../colour_space/reference_diagram.h"
 #include "views_run.h"
 
 namespace tintora::desktop_test {
@@ -48,13 +49,22 @@ INSTANTIATE_TEST_SUITE_P(For, DiagramView,
                                          TransformRow{"Tritan", 3, &juddTritan}),
                          [](const auto& row) { return std::string(row.param.name); });
 
+// The part of a label's area that the locus, which has the label's colour, does not cross.
+Area besideLocus(const Area& label, bool rising) {
+  return {label.x + 2, label.y + 1, rising ? 16 : 24, 12};
+}
+
 TEST_F(ViewsTest, DiagramNamesWavelengthsBesideTheLocus) {
   for (const PictureSize& size : pictureSizes) {
     startWith(View::Diagram, size);
     const Picture picture = shown();
-    const std::vector<Area> labels = wavelengthLabelAreas(size);
-    ASSERT_EQ(labels.size(), 24U);
-    for (const Area& label : labels) EXPECT_TRUE(hasText(picture, label, labelColour));
+    const std::vector<Area> areas = wavelengthLabelAreas(size);
+    const std::vector<ReferenceLabel> labels = referenceLabels();
+    ASSERT_EQ(areas.size(), 24U);
+    for (std::size_t i = 0; i < areas.size(); ++i) {
+      EXPECT_TRUE(hasText(picture, besideLocus(areas[i], labels[i].rising), labelColour))
+          << labels[i].text;
+    }
     end();
   }
 }

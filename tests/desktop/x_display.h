@@ -1,6 +1,7 @@
 // An X server on a display number that was free, with a window manager or without one.
 #pragma once
 
+#include <csignal>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,7 +21,10 @@ class XDisplay {
   const std::string& folder() const { return folder_.path(); }
   // Has the window manager frame windows; returns when it does.
   void startManager();
-  void endServer() { server_->signal(15); }
+  // Lets it do nothing for a while.
+  void holdManager() { manager_->signal(SIGSTOP); }
+  void letManagerGoOn() { manager_->signal(SIGCONT); }
+  void endServer() { server_->signal(SIGTERM); }
 
  private:
   TemporaryFolder folder_;

@@ -104,9 +104,11 @@ Launch ProgramTest::launch(const std::vector<std::string>& arguments) const {
                       {"DBUS_SESSION_BUS_ADDRESS", std::nullopt}},
       .output = folder() + "/output",
       .errors = errorsFile()};
+  std::string libraries = preloaded_;
   if (const char* const library = std::getenv("TINTORA_PRELOAD")) {
-    launch.environment["LD_PRELOAD"] = library;
+    libraries += std::string(" ") + library;
   }
+  if (!libraries.empty()) launch.environment["LD_PRELOAD"] = libraries;
   launch.command.insert(launch.command.end(), arguments.begin(), arguments.end());
   return launch;
 }

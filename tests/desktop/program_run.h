@@ -36,6 +36,8 @@ class ProgramTest : public testing::Test {
   void useDisplay(const std::vector<std::string>& serverOptions, Manager manager,
                   const std::string& size = "1280x800");
   void setBackground(std::uint32_t colour);
+  // Has a library loaded before those of the program.
+  void preload(const std::string& library) { preloaded_ = library; }
   void storeValues(const StoredValues& values);
   StoredValues storedValues() const;
   std::string settingsFile() const { return configFolder() + "/tintora/settings.ini"; }
@@ -86,6 +88,7 @@ class ProgramTest : public testing::Test {
 
   std::unique_ptr<TemporaryFolder> folder_ = std::make_unique<TemporaryFolder>();
   std::unique_ptr<XDisplay> ownDisplay_;
+  std::string preloaded_;
   std::unique_ptr<XClient> client_;
   std::unique_ptr<Process> process_;
   std::unique_ptr<Scene> scene_;

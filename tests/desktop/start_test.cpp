@@ -1,6 +1,7 @@
 // Starting: what is told on a terminal, what the program cannot do without and what it can.
 #include <array>
 #include <csignal>
+#include <filesystem>
 #include <future>
 
 #include "program_run.h"
@@ -15,6 +16,23 @@ class Start : public ProgramTest {
     std::string output;
     std::string errors;
   };
+  // Through what is drawn, other sizes and other effects.
+  void expectRightView() {
+    storeValues({{"Selected", 5}, {"ColorSpace", 0}});
+    start();
+    Sheet& sheet = scene().addNoise({300, 200, 900, 500}, 1);
+    EXPECT_TRUE(viewShows(windows_test::inverted()));
+    scene().draw(sheet, noise(111, 99, 2), 201, 153);
+    EXPECT_TRUE(viewShows(windows_test::inverted()));
+    for (const int width : {1111, 317}) {
+      x().resize(main(), width, 600);
+      EXPECT_TRUE(eventually([&] { return view().width == width; }));
+      EXPECT_TRUE(viewShows(windows_test::inverted()));
+    }
+    press(XK_g);
+    EXPECT_TRUE(viewShows(windows_test::greyscale()));
+    end();
+  }
   // For starts that open no window.
   Outcome run(const Launch& launch) const {
     Process process(launch);
@@ -96,18 +114,13 @@ TEST_F(Start, ADisplayNamedByAPlatformOfQtsIsNotTaken) {
 
 TEST_F(Start, WithoutSharedMemoryTheViewIsRightToo) {
   useDisplay({"-extension", "MIT-SHM"}, Manager::Openbox);
-  storeValues({{"Selected", 5}, {"ColorSpace", 0}});
-  start();
-  Sheet& sheet = scene().addNoise({300, 200, 900, 500}, 1);
-  EXPECT_TRUE(viewShows(windows_test::inverted()));
-  scene().draw(sheet, noise(111, 99, 2), 201, 153);
-  EXPECT_TRUE(viewShows(windows_test::inverted()));
-  x().resize(main(), 1111, 600);
-  EXPECT_TRUE(eventually([this] { return view().width == 1111; }));
-  EXPECT_TRUE(viewShows(windows_test::inverted()));
-  press(XK_g);
-  EXPECT_TRUE(viewShows(windows_test::greyscale()));
-  end();
+  expectRightView();
+}
+
+TEST_F(Start, WithoutSharedPixmapsTheViewIsRightToo) {
+  preload(TINTORA_IMAGES_ONLY);
+  expectRightView();
+  EXPECT_TRUE(std::filesystem::exists(folder() + "/images-only"));
 }
 
 TEST_F(Start, WithoutAWindowManagerItWorks) {

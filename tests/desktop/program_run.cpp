@@ -252,22 +252,34 @@ void ProgramTest::settle() {
 }
 
 testing::AssertionResult ProgramTest::viewShows(const ColourEffect& effect) const {
-  return viewShows(effect, view());
+  return viewShows(effect, [this] { return view(); });
 }
 
 testing::AssertionResult ProgramTest::viewShows(const ColourEffect& effect,
                                                 const Area& part) const {
-  const Area area = common(part, x().screenArea());
-  if (area.width == 0 || area.height == 0) return testing::AssertionFailure() << "Nothing to see.";
-  std::vector<Colour> expected = scene_->colours(area);
-  for (Colour& colour : expected) colour = filtered(colour, effect);
+  return viewShows(effect, [&part] { return part; });
+}
+
+// The window may still be on its way to where the window manager puts it.
+testing::AssertionResult ProgramTest::viewShows(const ColourEffect& effect,
+                                                const std::function<Area()>& part) const {
+  Area area;
+  std::vector<Colour> expected;
   std::optional<Difference> difference;
   const bool right = eventually([&] {
     scene_->takeEvents();
+    const Area now = common(part(), x().screenArea());
+    if (now != area) {
+      area = now;
+      expected = scene_->colours(area);
+      for (Colour& colour : expected) colour = filtered(colour, effect);
+    }
+    if (expected.empty()) return false;
     difference = firstDifference(x().read(area), expected);
     return !difference;
   });
   if (right) return testing::AssertionSuccess();
+  if (!difference) return testing::AssertionFailure() << "Nothing to see.";
   char text[160];
   std::snprintf(text, sizeof text, "At (%d, %d) of the view: #%06X instead of (%.1f, %.1f, %.1f).",
                 difference->x, difference->y, difference->seen & 0xFFFFFFU, difference->expected[0],

@@ -7,6 +7,7 @@
 #define XK_LATIN1
 #include <X11/keysymdef.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -85,6 +86,8 @@ class ProgramTest : public testing::Test {
 
  private:
   std::vector<xcb_window_t> findWindows(bool menus) const;
+  testing::AssertionResult viewShows(const ColourEffect& effect,
+                                     const std::function<Area()>& part) const;
 
   std::unique_ptr<TemporaryFolder> folder_ = std::make_unique<TemporaryFolder>();
   std::unique_ptr<XDisplay> ownDisplay_;

@@ -46,8 +46,9 @@ class Screen : public ProgramTest {
     for (std::uint32_t round = 0; round < 2; ++round) {
       const auto compositor = startCompositor(command);
       viewIsLive(10 + round);
-      x().move(main(), 200 + 100 * static_cast<int>(round), 150);
-      settle();
+      const int left = 200 + 100 * static_cast<int>(round);
+      x().move(main(), left, 150);
+      ASSERT_TRUE(eventually([&] { return view().x == left && view().y == 150; }));
       viewIsLive(20 + round);
       compositor->signal(SIGTERM);
       ASSERT_TRUE(compositor->result());

@@ -1,16 +1,17 @@
 #include "platform/linux/event_loop.h"
 
 #include <QAbstractEventDispatcher>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QCursor>
 #include <QDropEvent>
 #include <QExposeEvent>
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QWheelEvent>
+#include <QWidget>
 #include <QWindowStateChangeEvent>
 #include <algorithm>
 #include <optional>
@@ -72,7 +73,14 @@ Event mouseEvent(EventKind kind, Window* window, const QMouseEvent& mouse) {
           .shiftHeld = mouse.modifiers().testFlag(Qt::ShiftModifier)};
 }
 
-bool onKey(Window* window, const QKeyEvent& key) {
+// A window may get the focus while a menu is open, and with it the keys, which are the menu's.
+bool passToMenu(QKeyEvent& key) {
+  QWidget* const menu = QApplication::activePopupWidget();
+  return menu != nullptr && QCoreApplication::sendEvent(menu, &key);
+}
+
+bool onKey(Window* window, QKeyEvent& key) {
+  if (passToMenu(key)) return true;
   // With these the key is the desktop's.
   if ((key.modifiers() & (Qt::AltModifier | Qt::MetaModifier)) != 0) return false;
   const int code = virtualKey(key);

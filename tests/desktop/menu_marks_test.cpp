@@ -40,6 +40,26 @@ TEST_F(Marks, AMenuIsClosedByEscAndChangesNothing) {
   EXPECT_EQ(title(main()), " Simulation - Deuteranope 100% severity");
 }
 
+// As when a window that was shown just before gets the focus late.
+TEST_F(Marks, KeysAreTheOpenMenusWhicheverWindowGetsTheFocus) {
+  storeValues({{"Selected", 2}, {"View", 703}, {"ColorSpace", 1}});
+  start();
+  const Area before = view();
+  for (const xcb_window_t window : {colourSpace(), main()}) {
+    openMenu();
+    focus(window);
+    settle();
+    pressTimes(XK_Down, 2);
+    pressTimes(XK_Up);
+    pressTimes(XK_Return);
+    EXPECT_TRUE(titleBecomes(" Simulation - Protanope 100% severity"));
+    EXPECT_TRUE(openMenus().empty());
+    EXPECT_EQ(view(), before);
+    press(XK_d);
+    EXPECT_TRUE(titleBecomes(" Simulation - Deuteranope 100% severity"));
+  }
+}
+
 TEST_F(Marks, AClickOnALabelChoosesNothing) {
   storeValues({{"Selected", 2}, {"ColorSpace", 0}});
   contents.customs = {"First"};

@@ -21,6 +21,7 @@ class MenuTest : public ProgramTest {
 
   void openMenu();
   void closeMenus();
+  void pressTimes(xcb_keysym_t symbol, int times = 1);
   // From the main menu down to an item.
   void choose(const Path& path);
   // The marked items of the main menu, or of the submenu that a path leads to.
@@ -31,7 +32,6 @@ class MenuTest : public ProgramTest {
   Contents contents;
 
  private:
-  void pressTimes(xcb_keysym_t symbol, int times = 1);
   // Goes down to an item of the deepest open menu.
   void highlight(const std::string& menu, const std::string& item, bool firstIsHighlighted);
   void openSubmenus(const Path& path);

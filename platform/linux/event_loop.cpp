@@ -76,7 +76,9 @@ Event mouseEvent(EventKind kind, Window* window, const QMouseEvent& mouse) {
 // A window may get the focus while a menu is open, and with it the keys, which are the menu's.
 bool passToMenu(QKeyEvent& key) {
   QWidget* const menu = QApplication::activePopupWidget();
-  return menu != nullptr && QCoreApplication::sendEvent(menu, &key);
+  if (menu == nullptr) return false;
+  QCoreApplication::sendEvent(menu, &key);
+  return true;
 }
 
 bool onKey(Window* window, QKeyEvent& key) {

@@ -28,8 +28,7 @@ struct Window {
   bool acceptsFiles = false;
   bool stale = false;                           // invalidated while it was being painted
   int wheelTravel = 0;                          // what does not make a whole step yet
-  QMargins formerFrame;                         // that it had when it last had one
-  bool awaitsFrame = true;                      // and what is asked for cannot count it yet
+  QMargins formerFrame;                         // that it had when it last had one, or will have
   std::deque<AskedBounds> asked;                // of late, the oldest first
   std::chrono::steady_clock::time_point shown;  // when it last appeared
   QTimer timer;

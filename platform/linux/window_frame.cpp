@@ -91,7 +91,6 @@ void askForFrame(Window* window) {
     if (widths.size() == 4) {
       const auto width = [&](std::size_t side) { return static_cast<int>(widths[side]); };
       window->formerFrame = {width(0), width(2), width(1), width(3)};  // left, right, top, bottom
-      window->awaitsFrame = false;
       return;
     }
     std::this_thread::sleep_for(betweenLooks);
@@ -99,10 +98,9 @@ void askForFrame(Window* window) {
 }
 
 void allowForFrame(Window* window) {
-  if (!window->awaitsFrame || window->form != WindowForm::Framed) return;
-  if (window->window->frameMargins().isNull()) return;
-  window->awaitsFrame = false;
-  if (window->asked.empty()) return;
+  if (!window->formerFrame.isNull() || window->form != WindowForm::Framed) return;
+  rememberFrame(window);
+  if (window->formerFrame.isNull() || window->asked.empty()) return;
   const QRect outer = window->asked.back().outer;
   askForBounds(window, outer);
 }

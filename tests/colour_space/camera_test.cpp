@@ -76,7 +76,7 @@ void press(int x, int y) {
   beginDrag(x, y);
 }
 
-// The axis that the next right drag chooses is another one then; the cube is as before any drag.
+// So that a lock to the vertical is seen to be chosen; the cube is as before any drag.
 void lockToHorizontal() {
   press(0, 0);
   rotateByMouse(right, 40, 0);

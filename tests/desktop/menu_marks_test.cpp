@@ -49,6 +49,8 @@ TEST_F(Marks, KeysAreTheOpenMenusWhicheverWindowGetsTheFocus) {
     openMenu();
     focus(window);
     settle();
+    pressTimes(XK_g);
+    EXPECT_EQ(title(main()), " Simulation - Deuteranope 100% severity");
     pressTimes(XK_Down, 2);
     pressTimes(XK_Up);
     pressTimes(XK_Return);

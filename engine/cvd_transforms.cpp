@@ -128,6 +128,7 @@ Matrix3x3 simulate(ModelContext& context) {
     case SimulationAlgorithm::Vienot1999:
       return vienot1999Matrix(*type, context.modelSeverity);
     case SimulationAlgorithm::Yang2008:
+    case SimulationAlgorithm::Brettel1997:
       break;
   }
   return context.simulationMatrix;
@@ -153,6 +154,16 @@ Matrix3x3 computeSimulationMatrix(CvdType modelCvdType, double modelSeverity,
     if (inverse.succeeded) context.simulationMatrix = inverse.matrix;
   }
   return context.simulationMatrix;
+}
+
+Matrix3x3 simulationMatrix(CvdType type, double severity, SimulationAlgorithm algorithm) {
+  ModelContext context;
+  initialiseModelContext(context);
+  context.modelCvdType = type;
+  context.modelSeverity = severity;
+  context.Option = algorithm;
+  context.simulationMatrix = identity3x3;
+  return simulate(context);
 }
 
 Matrix3x3 daltonize(const Matrix3x3& simulation) {

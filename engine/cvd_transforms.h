@@ -14,6 +14,11 @@ namespace tintora {
 Matrix3x3 computeSimulationMatrix(CvdType modelCvdType, double modelSeverity,
                                   SimulationAlgorithm Option, bool Inversion, bool Daltonize);
 
+// Returns the simulation matrix alone, without touching the program's model context. Type and
+// algorithm are known ones; the identity for Brettel 1997, which is no single matrix
+// (colour_simulation.h).
+Matrix3x3 simulationMatrix(CvdType type, double severity, SimulationAlgorithm algorithm);
+
 // The correction for a viewer who sees through the given simulation: what is lost in red and in
 // green and blue themselves is moved to where the viewer can see it.
 Matrix3x3 daltonize(const Matrix3x3& simulation);

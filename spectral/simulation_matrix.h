@@ -18,6 +18,7 @@ enum class SimulationAlgorithm : std::uint32_t {
   Machado2009 = 2,
   Vienot1997Approximated = 3,
   Vienot1999 = 4,
+  Brettel1997 = 5,  // no single matrix: for pictures and palettes only, never on the screen
 };
 
 struct ModelContext {

@@ -14,7 +14,6 @@ std::vector<CustomTransform> customTransforms;
 
 namespace {
 
-constexpr std::string_view fileName = "Tintora_custom.txt";
 constexpr std::string_view fieldSeparators = " \t";
 constexpr std::string_view lineEnds{"\n\r\0", 3};
 
@@ -122,11 +121,10 @@ std::string customTransformPath(std::string_view commandLine) {
   commandLine = commandLine.substr(0, commandLine.find_last_not_of(trimmed) + 1);
   // Without a separator the position is npos, and npos + 1 is no character at all.
   const std::size_t directoryLength = commandLine.find_last_of("\\/") + 1;
-  return std::string(commandLine.substr(0, directoryLength)).append(fileName);
+  return std::string(commandLine.substr(0, directoryLength)).append(customTransformFileName);
 }
 
-void loadCustomTransforms() {
-  const std::string path = customTransformPath(transformDisplay.commandLine());
+void loadCustomTransforms(const std::string& path) {
   std::ranges::move(parseCustomTransforms(readTextFile(path)).transforms,
                     std::back_inserter(customTransforms));
 }

@@ -40,13 +40,16 @@ extern std::vector<CustomTransform> customTransforms;
 // three lines of four numbers. The first malformed record ends the reading.
 CustomTransformFile parseCustomTransforms(std::string_view text);
 
-// "Tintora_custom.txt" behind everything up to the last slash or backslash of the command line:
-// beside the program, or where the path of an argument leads.
+inline constexpr const char* customTransformFileName = "Tintora_custom.txt";
+
+// Returns where a command line, the program's path first, leads to: the file's name behind
+// everything up to the last slash or backslash. That is beside the program, or where the path of an
+// argument is.
 std::string customTransformPath(std::string_view commandLine);
 
-// Appends the entries of the file that belongs to the display's command line; a file that is
-// missing or malformed adds none, or those before its first fault.
-void loadCustomTransforms();
+// Appends the entries of a file. A missing file adds none, a malformed one those before its first
+// fault.
+void loadCustomTransforms(const std::string& path);
 
 // Applies an entry, the first where there is none of that index; nothing at all where there are no
 // entries. Leaves the index used in the settings and turns the transform on.

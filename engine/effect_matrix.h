@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <string>
 #include <string_view>
 
 #include "engine/colour_effects.h"
@@ -49,8 +48,6 @@ struct TransformDisplay {
   };
   // The model's matrices have changed; the colour space views must follow.
   void (*refreshTransformViews)() = [] {};
-  // The command line the program was started with, program path first.
-  std::string (*commandLine)() = [] { return std::string(); };
 
   ViewerItemPositions positions{};
 };

@@ -7,8 +7,9 @@
 
 namespace tintora::platform {
 
-// The whole command line as the desktop gives it, the program's own path first.
-std::string commandLine();
+// Returns the path of the file that may hold the user's own transforms
+// (engine/custom_transforms.h); relative paths start at the current directory.
+std::string customTransformFile();
 
 // What follows the program's own path on the command line, without the blanks between.
 std::string programArguments();

@@ -50,7 +50,6 @@ void connectEngine() {
                             position, checked);
   };
   transformDisplay.refreshTransformViews = &refreshTransformViews;
-  transformDisplay.commandLine = &platform::commandLine;
 }
 
 // The tables, and a first matrix from the settings as they were loaded.
@@ -120,7 +119,7 @@ bool startUp() {
   if (!platform::startMagnifier()) return false;
   readArguments();
   connectEngine();
-  loadCustomTransforms();
+  loadCustomTransforms(platform::customTransformFile());
   loadSettings();
   initialiseModel();
   if (!createWindows()) return false;

@@ -9,6 +9,7 @@
 #include <QUrl>
 #include <array>
 
+#include "engine/custom_transforms.h"
 #include "platform/linux/program.h"
 
 namespace tintora::platform {
@@ -20,8 +21,8 @@ std::string arguments;
 // Where the user's transforms are looked for: beside the program, else among the user's own files.
 QString folderOfCustomFile() {
   const QString beside = QCoreApplication::applicationDirPath();
-  const QString file = "/Tintora_custom.txt";
-  return QFileInfo::exists(beside + file) ? beside : configFolder();
+  const QString file = beside + '/' + customTransformFileName;
+  return QFileInfo::exists(file) ? beside : configFolder();
 }
 
 }  // namespace
@@ -35,11 +36,13 @@ QString configFolder() {
   return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + "/tintora";
 }
 
-// The program's path stands in the folder that holds the user's custom transforms: what the line is
-// asked for.
-std::string commandLine() {
-  const QString path = folderOfCustomFile() + "/tintora";
-  return path.toStdString() + (arguments.empty() ? "" : " " + arguments);
+// A path among the arguments takes part in the rule for the command line, and leads away from here.
+std::string customTransformFile() {
+  const std::string folder = folderOfCustomFile().toStdString();
+  if (arguments.find_first_of("\\/") == std::string::npos) {
+    return folder + '/' + customTransformFileName;
+  }
+  return customTransformPath(folder + "/tintora " + arguments);
 }
 
 std::string programArguments() {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "engine/custom_transforms.h"
 #include "platform/clipboard.h"
 #include "platform/magnifier.h"
 #include "platform/null/null_graphics.h"
@@ -96,8 +97,8 @@ Window* NullDesktop::window(const std::string& name) const {
   return found == windows.end() ? nullptr : found->get();
 }
 
-std::string commandLine() {
-  return desktop.commandLine;
+std::string customTransformFile() {
+  return customTransformPath(desktop.commandLine);
 }
 std::string programArguments() {
   return desktop.arguments;

@@ -7,15 +7,17 @@
 #include <array>
 #include <string_view>
 
+#include "engine/custom_transforms.h"
+
 namespace tintora::platform {
 
-std::string commandLine() {
-  return GetCommandLineA();
+std::string customTransformFile() {
+  return customTransformPath(GetCommandLineA());
 }
 
 std::string programArguments() {
   // The program's path ends at a blank, or where it is quoted at the closing quote.
-  const std::string line = commandLine();
+  const std::string line = GetCommandLineA();
   const bool quoted = line.starts_with('"');
   const std::size_t pathEnd = line.find_first_of(quoted ? "\"" : " \t", quoted ? 1 : 0);
   if (pathEnd == std::string::npos) return {};

@@ -275,7 +275,7 @@ class CustomFileLoading : public EngineTest {
  protected:
   CustomFileLoading() {
     std::filesystem::create_directories(directory);
-    displayRecord.commandLine = "\"" + (directory / "tintora").string() + "\"";
+    commandLine = "\"" + (directory / "tintora").string() + "\"";
   }
   ~CustomFileLoading() override {
     std::error_code ignored;
@@ -286,6 +286,9 @@ class CustomFileLoading : public EngineTest {
     std::ofstream(directory / "Tintora_custom.txt", std::ios::binary) << text;
   }
 
+  void load() const { loadCustomTransforms(customTransformPath(commandLine)); }
+
+  std::string commandLine;
   // Tests may run side by side.
   const std::filesystem::path directory = std::filesystem::temp_directory_path() /
                                           ("tintora " + std::to_string(std::random_device{}()));
@@ -293,7 +296,7 @@ class CustomFileLoading : public EngineTest {
 
 TEST_F(CustomFileLoading, FindsTheFileBesideAQuotedProgramPath) {
   write("one\r\n1 2 3 4\r\n5 6 7 8\r\n9 10 11 12\r\n$two\r\n1 2 3 4\r\n5 6 7 8\r\n9 10 11 12");
-  loadCustomTransforms();
+  load();
   ASSERT_EQ(customTransforms.size(), 2U);
   expectCounted(customTransforms[0], "one");
   EXPECT_EQ(customTransforms[1].name, "two");
@@ -305,22 +308,22 @@ TEST_F(CustomFileLoading, FindsTheFileInTheCurrentDirectoryWithoutADirectoryOnTh
   write("here\n" + countedText);
   const std::filesystem::path before = std::filesystem::current_path();
   std::filesystem::current_path(directory);
-  displayRecord.commandLine = "tintora";
-  loadCustomTransforms();
+  commandLine = "tintora";
+  load();
   std::filesystem::current_path(before);
   ASSERT_EQ(customTransforms.size(), 1U);
   expectCounted(customTransforms[0], "here");
 }
 
 TEST_F(CustomFileLoading, WithoutAFileAddsNothingAndSaysNothing) {
-  loadCustomTransforms();
+  load();
   EXPECT_TRUE(customTransforms.empty());
   EXPECT_TRUE(displayRecord.calls.empty());
 }
 
 TEST_F(CustomFileLoading, KeepsTheEntriesBeforeAMalformedRecordInSilence) {
   write("one\n" + countedText + "two\n1 2 3\n5 6 7 8\n9 10 11 12\nthree\n" + countedText);
-  loadCustomTransforms();
+  load();
   ASSERT_EQ(customTransforms.size(), 1U);
   expectCounted(customTransforms[0], "one");
   EXPECT_TRUE(displayRecord.calls.empty());
@@ -329,7 +332,7 @@ TEST_F(CustomFileLoading, KeepsTheEntriesBeforeAMalformedRecordInSilence) {
 TEST_F(CustomFileLoading, AppendsToTheList) {
   customTransforms.push_back({"before", false, {}});
   write("one\n" + countedText);
-  loadCustomTransforms();
+  load();
   ASSERT_EQ(customTransforms.size(), 2U);
   EXPECT_EQ(customTransforms[0].name, "before");
   expectCounted(customTransforms[1], "one");
@@ -339,7 +342,7 @@ TEST_F(CustomFileLoading, ReadsBytesAboveSevenBitsAndNulsAsTheyStand) {
   write(
       "Vi\xE9not\xFF\0"
       "1 2 3 4\n5 6 7 8\n9 10 11 12"sv);
-  loadCustomTransforms();
+  load();
   ASSERT_EQ(customTransforms.size(), 1U);
   expectCounted(customTransforms[0], "Vi\xE9not\xFF");
 }

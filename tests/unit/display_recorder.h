@@ -20,7 +20,6 @@ struct DisplayRecord {
   std::string title;               // the last one
   EffectMatrix matrix{};           // the last one shown
   ModelContext modelAtRefresh;
-  std::string commandLine;
 };
 
 inline DisplayRecord displayRecord;
@@ -62,7 +61,6 @@ inline TransformDisplay recordingDisplay() {
                                                                     : "refresh");
     displayRecord.modelAtRefresh = modelContext;
   };
-  display.commandLine = [] { return displayRecord.commandLine; };
   display.positions = testPositions;
   return display;
 }

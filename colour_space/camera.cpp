@@ -1,8 +1,10 @@
-// The camera of the colour space window, and the mouse that turns it.
+#include "colour_space/camera.h"
+
 #include <numbers>
 #include <optional>
 
-#include "colour_space/renderer.h"
+#include "colour_space/colour_space_view.h"
+#include "colour_space/frame.h"
 
 namespace tintora {
 
@@ -67,8 +69,7 @@ Turn turnOfDrag(const DragKeys& held, int x, int y) {
 }
 
 void turnObjects(const Turn& by) {
-  for (std::size_t i = 0; i < colourSpaceView.objectCount; ++i) {
-    SceneObject& object = colourSpaceView.objects[i];
+  for (SceneObject& object : objectsInUse()) {
     object.rotation.y += by.up;
     object.rotation.x += by.right;
     buildWorldMatrix(object);

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "colour_space/colour_components.h"
+#include "colour_space/colour_space_view.h"
 #include "colour_space/labels.h"
-#include "colour_space/renderer.h"
 #include "spectral/spectral_tables.h"
 
 namespace tintora {
@@ -200,7 +200,8 @@ Place tickEnd(const Place& from, const Place& to) {
 }
 
 void buildLocus() {
-  SceneObject& locus = addObject(ViewCode::ChromaticityDiagram, locusCapacity, BufferUse::Managed);
+  SceneObject& locus = addObject(SceneRole::SpectralLocus, ViewCode::ChromaticityDiagram,
+                                 locusCapacity, BufferUse::Managed);
   ColourVertex* next = locus.vertices.data();
   for (std::size_t sample = 0; sample < locusSamples; ++sample) {
     const Place place = inLocus(sample);
@@ -223,22 +224,22 @@ void buildLocus() {
   uploadVertices(locus);
 }
 
-SceneObject& buildColours(const std::vector<Components>& colours) {
+SceneObject& buildColours(SceneRole role, const std::vector<Components>& colours) {
   SceneObject& object =
-      addObject(ViewCode::ChromaticityDiagram, colours.size(), BufferUse::Managed);
+      addObject(role, ViewCode::ChromaticityDiagram, colours.size(), BufferUse::Managed);
   for (std::size_t i = 0; i < colours.size(); ++i) placeColour(object.vertices[i], colours[i]);
   uploadVertices(object);
   return object;
 }
 
-void buildEdges() {
-  SceneObject& object = buildColours(edgeColours());
+void buildEdges(SceneRole role) {
+  SceneObject& object = buildColours(role, edgeColours());
   object.kind = PrimitiveKind::LineStrip;
   object.count = static_cast<int>(edgeColours().size()) - 1;
 }
 
 void buildMesh() {
-  SceneObject& object = buildColours(meshColours());
+  SceneObject& object = buildColours(SceneRole::GamutMesh, meshColours());
   std::vector<std::uint16_t> indices = meshIndices();
   object.primitiveCount = static_cast<int>(indices.size() / 3);
   indices.resize(meshIndexCapacity);
@@ -262,9 +263,9 @@ void refreshColours(SceneRole role, const std::vector<Components>& colours,
 
 void buildChromaticity() {
   buildLocus();
-  buildEdges();
+  buildEdges(SceneRole::PrimariesTriangle);
   buildMesh();
-  buildEdges();
+  buildEdges(SceneRole::GamutOutline);
 }
 
 void refreshGamut(const Matrix3x3& matrix) {

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "colour_space/renderer.h"
+#include "colour_space/colour_space_view.h"
 
 namespace tintora {
 

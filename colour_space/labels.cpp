@@ -1,6 +1,6 @@
 #include "colour_space/labels.h"
 
-#include "colour_space/renderer.h"
+#include "colour_space/colour_space_view.h"
 
 namespace tintora {
 

@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <string>
 
+#include "colour_space/colour_space_view.h"
 #include "colour_space/labels.h"
-#include "colour_space/renderer.h"
 #include "spectral/spectral_tables.h"
 
 namespace tintora {
@@ -60,16 +60,25 @@ void writeCurve(SceneObject& object, const SpectralCurve& curve, PackedColour co
   uploadVertices(object);
 }
 
+// A curve of the normal observer.
+void buildCurve(SceneRole role, ViewCode view, double ConeValues::*cone, PackedColour colour) {
+  SceneObject& object = addObject(role, view, shownSamples, platform::BufferUse::Managed);
+  object.kind = platform::PrimitiveKind::LineStrip;
+  object.count = static_cast<int>(shownSamples) - 1;
+  writeCurve(object, coneCurve(normalPeaks.*cone, normalDensities.*cone), colour);
+}
+
 }  // namespace
 
-void buildCurves(bool live) {
+void buildReferenceCurves() {
   for (const CurveForm& form : curveForms) {
-    SceneObject& object = addObject(live ? ViewCode::ResponseCurves : ViewCode::NormalCurves,
-                                    shownSamples, platform::BufferUse::Managed);
-    object.kind = platform::PrimitiveKind::LineStrip;
-    object.count = static_cast<int>(shownSamples) - 1;
-    writeCurve(object, coneCurve(normalPeaks.*form.cone, normalDensities.*form.cone),
-               live ? form.colour : referenceColour);
+    buildCurve(form.reference, ViewCode::NormalCurves, form.cone, referenceColour);
+  }
+}
+
+void buildLiveCurves() {
+  for (const CurveForm& form : curveForms) {
+    buildCurve(form.live, ViewCode::ResponseCurves, form.cone, form.colour);
   }
 }
 

@@ -5,8 +5,11 @@
 
 namespace tintora {
 
-// Builds the curves of the normal observer, to be moved by the transform or to stay for reference.
-void buildCurves(bool live);
+// Builds the curves of the normal observer that stay as they are, for reference.
+void buildReferenceCurves();
+
+// Builds the curves of the normal observer that the transform moves.
+void buildLiveCurves();
 
 // Moves the live curves to an observer's. The severity counts up to 1.
 void refreshCurves(CvdType type, double severity);

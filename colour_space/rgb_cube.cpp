@@ -7,7 +7,7 @@
 #include <span>
 
 #include "colour_space/colour_components.h"
-#include "colour_space/renderer.h"
+#include "colour_space/colour_space_view.h"
 
 namespace tintora {
 
@@ -35,8 +35,9 @@ constexpr std::array<std::uint16_t, 36> faces{0, 1, 2, 0, 2, 3, 4, 6, 5, 4, 7, 6
 constexpr std::array<std::uint16_t, 26> edges{0, 1, 1, 2, 2, 3, 3, 0, 0, 4, 1, 5, 2,
                                               6, 3, 7, 4, 5, 5, 6, 6, 7, 7, 4, 3, 5};
 
-void addCorners(PrimitiveKind kind, std::span<const std::uint16_t> indices, int primitives) {
-  SceneObject& object = addObject(ViewCode::RgbCube, corners.size(), BufferUse::OnDevice);
+void addCorners(SceneRole role, PrimitiveKind kind, std::span<const std::uint16_t> indices,
+                int primitives) {
+  SceneObject& object = addObject(role, ViewCode::RgbCube, corners.size(), BufferUse::OnDevice);
   std::ranges::copy(corners, object.vertices.begin());
   uploadVertices(object);
   object.indexBuffer =
@@ -62,8 +63,8 @@ Components clamped(const Components& colour) {
 }  // namespace
 
 void buildCube() {
-  addCorners(PrimitiveKind::IndexedTriangles, faces, 12);
-  addCorners(PrimitiveKind::IndexedLines, edges, 13);
+  addCorners(SceneRole::SolidCube, PrimitiveKind::IndexedTriangles, faces, 12);
+  addCorners(SceneRole::WireFrame, PrimitiveKind::IndexedLines, edges, 13);
 }
 
 void refreshCube(const Matrix3x3& matrix) {

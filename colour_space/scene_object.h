@@ -3,25 +3,15 @@
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
 
 #include "colour_space/matrix4x4.h"
+#include "colour_space/view_code.h"
 #include "platform/graphics.h"
 
 namespace tintora {
 
 using platform::ColourVertex;
 using platform::PackedColour;
-
-// The views, by the codes of the menu commands that choose them. Any other value may stand in a
-// stored setting and is kept.
-enum class ViewCode : std::int32_t {
-  ResponseCurves = 702,
-  RgbCube = 703,
-  ChromaticityDiagram = 704,
-  Help = 705,
-  NormalCurves = 706,  // no key or command chooses it
-};
 
 struct SceneObject {
   Matrix4x4 world = identity4x4;  // made of the next two by buildWorldMatrix

@@ -3,6 +3,8 @@
 #include <array>
 #include <string_view>
 
+#include "colour_space/colour_space_view.h"
+#include "colour_space/frame.h"
 #include "colour_space/renderer.h"
 #include "engine/custom_transforms.h"
 #include "engine/cvd_transforms.h"

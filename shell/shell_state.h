@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string>
 
-#include "colour_space/renderer.h"
+#include "colour_space/view_code.h"
 #include "platform/geometry.h"
 #include "platform/menu.h"
 #include "platform/window.h"

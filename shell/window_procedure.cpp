@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "colour_space/renderer.h"
+#include "colour_space/camera.h"
 #include "platform/menu.h"
 #include "shell/clipboard_capture.h"
 #include "shell/commands.h"

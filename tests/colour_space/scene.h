@@ -7,6 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "colour_space/camera.h"
+#include "colour_space/colour_space_view.h"
+#include "colour_space/frame.h"
 #include "colour_space/renderer.h"
 #include "platform/null/null_graphics.h"
 #include "platform/null/null_platform.h"

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "colour_space/renderer.h"
+#include "colour_space/colour_space_view.h"
 #include "engine/custom_transforms.h"
 #include "engine/effect_matrix.h"
 #include "shell/main.h"

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <string>
 
+#include "colour_space/camera.h"
+#include "colour_space/frame.h"
 #include "colour_space/renderer.h"
 #include "platform/null/null_platform.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "colour_space/renderer.h"
+#include "colour_space/colour_space_view.h"
 #include "program_run.h"
 #include "shell/shell_state.h"
 

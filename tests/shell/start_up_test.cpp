@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "colour_space/renderer.h"
+#include "colour_space/colour_space_view.h"
 #include "engine/effect_matrix.h"
 #include "expected_calls.h"
 #include "platform/null/null_graphics.h"

@@ -19,10 +19,6 @@ struct Backdrop {
 };
 Backdrop backdrop;
 
-xcb_connection_t* x() {
-  return xServer.connection;
-}
-
 // The pixmap that a background setter left under a name, where it is still there and fits.
 xcb_pixmap_t namedPixmap(xcb_atom_t name) {
   const Received<xcb_get_property_reply_t> property(xcb_get_property_reply(

@@ -30,17 +30,6 @@ struct Layer {
   QRegion part;
 };
 
-xcb_connection_t* x() {
-  return xServer.connection;
-}
-
-std::int16_t i16(int value) {
-  return static_cast<std::int16_t>(value);
-}
-std::uint16_t u16(int value) {
-  return static_cast<std::uint16_t>(value);
-}
-
 xcb_render_picture_t pictureOf(xcb_pixmap_t target) {
   if (blendTarget.pixmap == target) return blendTarget.picture;
   forgetTarget();
@@ -86,13 +75,13 @@ void compose(xcb_pixmap_t target, xcb_gcontext_t copying, const QPoint& origin, 
     const QRegion of = seen & window->region();
     if (of.isEmpty() || !holdPixels(*window)) continue;
     layers.push_back({&*window, of});
-    if (window->isOpaque()) seen -= of;
+    if (isOpaque(*window)) seen -= of;
   }
   for (const QRect& rect : seen) paintBackdrop(target, origin, rect);
   std::ranges::reverse(layers);
   for (const auto& [topLevel, of] : layers) {
     for (const QRect& rect : of) {
-      if (topLevel->isOpaque()) {
+      if (isOpaque(*topLevel)) {
         copy(*topLevel, target, copying, origin, rect);
       } else {
         blend(*topLevel, target, origin, rect);

@@ -10,7 +10,7 @@
 #include "platform/linux/backdrop.h"
 #include "platform/linux/composition.h"
 #include "platform/linux/view_frames.h"
-#include "platform/linux/window_pixels.h"
+#include "platform/linux/window_damage.h"
 #include "platform/linux/window_stack.h"
 #include "platform/linux/x_server.h"
 

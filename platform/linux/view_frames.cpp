@@ -10,17 +10,6 @@ namespace tintora::platform {
 
 namespace {
 
-xcb_connection_t* x() {
-  return xServer.connection;
-}
-
-std::uint16_t u16(int value) {
-  return static_cast<std::uint16_t>(value);
-}
-std::int16_t i16(int value) {
-  return static_cast<std::int16_t>(value);
-}
-
 // A segment is marked for removal as soon as both sides have it, so that it cannot outlive them.
 bool share(SharedPixels& pixels) {
   const int id = shmget(IPC_PRIVATE, pixels.size, IPC_CREAT | 0600);

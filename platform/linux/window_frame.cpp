@@ -25,10 +25,6 @@ constexpr std::chrono::milliseconds journey{500};
 // ... within which it has put a window elsewhere than where it was asked to.
 constexpr std::chrono::milliseconds objection{200};
 
-xcb_connection_t* x() {
-  return xServer.connection;
-}
-
 bool isFramed(WindowForm form) {
   return form == WindowForm::Framed || form == WindowForm::FramedMaximised;
 }

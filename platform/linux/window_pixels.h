@@ -1,20 +1,17 @@
-// The pixels of the windows on the screen, kept apart from it by the server.
+// The pixels of the windows on the screen, which the server keeps apart from the screen's own.
 #pragma once
 
-#include <QRect>
-
-#include "platform/linux/window_stack.h"
+#include "platform/linux/top_level.h"
 
 namespace tintora::platform {
 
-// Asks for what was drawn in the windows beneath, as far as they reach into a part of the root, and
-// adds it to what changed.
-void collectDamage(const QRect& part);
+// Returns true if nothing beneath the window shows through it.
+bool isOpaque(const TopLevel& topLevel);
 
-// Lets them go.
-void releasePixels(TopLevel& topLevel);
-
-// Sees to it that a window's pixels can be read; false where it has none.
+// Makes a window's pixels readable; returns false if it has none.
 bool holdPixels(TopLevel& topLevel);
+
+// Releases what holdPixels() made.
+void releasePixels(TopLevel& topLevel);
 
 }  // namespace tintora::platform

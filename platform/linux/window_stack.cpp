@@ -17,10 +17,6 @@ namespace {
 
 using Iterator = std::vector<TopLevel>::iterator;
 
-xcb_connection_t* x() {
-  return xServer.connection;
-}
-
 Iterator find(xcb_window_t window) {
   return std::ranges::find(windowStack.windows, window, &TopLevel::window);
 }
@@ -33,14 +29,6 @@ bool isBeneath(const TopLevel& topLevel) {
   const auto beneath = windowsBeneath();
   return !beneath.empty() && &topLevel >= beneath.data() &&
          &topLevel < beneath.data() + beneath.size();
-}
-
-// Sums of very many pieces cost more than what lies between them.
-void addChange(const QRegion& region) {
-  constexpr int mostPieces = 256;
-  QRegion& changed = windowStack.changed;
-  changed += region;
-  if (changed.rectCount() > mostPieces) changed = changed.boundingRect();
 }
 
 // A change of what is not beneath, or not shown, is none of the picture's.
@@ -293,6 +281,13 @@ const Event& as(const xcb_generic_event_t& event) {
 }
 
 }  // namespace
+
+void addChange(const QRegion& region) {
+  constexpr int mostPieces = 256;
+  QRegion& changed = windowStack.changed;
+  changed += region;
+  if (changed.rectCount() > mostPieces) changed = changed.boundingRect();
+}
 
 void watchWindows(xcb_window_t ownWindow) {
   const xcb_window_t root = xServer.screen->root;

@@ -48,6 +48,18 @@ struct XServer {
 
 extern XServer xServer;
 
+inline xcb_connection_t* x() {
+  return xServer.connection;
+}
+
+// Numbers as requests carry them.
+inline std::int16_t i16(int value) {
+  return static_cast<std::int16_t>(value);
+}
+inline std::uint16_t u16(int value) {
+  return static_cast<std::uint16_t>(value);
+}
+
 // Connects; what stands in the way as one line, or nothing.
 std::optional<std::string> connectToXServer();
 

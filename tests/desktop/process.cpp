@@ -55,7 +55,8 @@ Process::Process(const Launch& launch) : id_(fork()) {
 
 Process::~Process() {
   if (!isRunning()) return;
-  signal(SIGKILL);
+  // With those that it started itself.
+  kill(-id_, SIGKILL);
   waitpid(id_, nullptr, 0);
 }
 

@@ -65,9 +65,13 @@ void ProgramTest::TearDown() {
 
 void ProgramTest::useDisplay(const std::vector<std::string>& serverOptions, Manager manager,
                              const std::string& size) {
+  useDisplay(std::make_shared<XDisplay>(serverOptions, manager, size));
+}
+
+void ProgramTest::useDisplay(std::shared_ptr<XDisplay> display) {
   client_.reset();
-  ownDisplay_ = std::make_unique<XDisplay>(serverOptions, manager, size);
-  SetUp();
+  ownDisplay_ = std::move(display);
+  ProgramTest::SetUp();
 }
 
 void ProgramTest::setBackground(std::uint32_t colour) {

@@ -36,6 +36,7 @@ class ProgramTest : public testing::Test {
   // Another display for this test.
   void useDisplay(const std::vector<std::string>& serverOptions, Manager manager,
                   const std::string& size = "1280x800");
+  void useDisplay(std::shared_ptr<XDisplay> display);
   void setBackground(std::uint32_t colour);
   // Has a library loaded before those of the program.
   void preload(const std::string& library) { preloaded_ = library; }
@@ -90,7 +91,7 @@ class ProgramTest : public testing::Test {
                                      const std::function<Area()>& part) const;
 
   std::unique_ptr<TemporaryFolder> folder_ = std::make_unique<TemporaryFolder>();
-  std::unique_ptr<XDisplay> ownDisplay_;
+  std::shared_ptr<XDisplay> ownDisplay_;
   std::string preloaded_;
   std::unique_ptr<XClient> client_;
   std::unique_ptr<Process> process_;

@@ -41,6 +41,7 @@ void Scene::setBackdrop(const Picture& tile) {
 }
 
 void Scene::putBelow(xcb_window_t window) const {
+  if (above_ == XCB_NONE) return;
   client_.restack(window, XCB_STACK_MODE_BELOW, client_.topLevelOf(above_));
 }
 

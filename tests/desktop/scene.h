@@ -27,7 +27,7 @@ struct Sheet {
 
 class Scene {
  public:
-  // Everything in it is beneath this window or its frame.
+  // Everything in it is beneath this window or its frame; if there is none, at the top.
   Scene(const std::string& display, xcb_window_t above);
 
   void setBackdrop(const Picture& tile);

@@ -6,38 +6,12 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "managers.h"
+#include "x_client.h"
+
 namespace tintora::desktop_test {
 
 namespace {
-
-// Frames that can be dragged and closed, focus that follows clicks, and no keys of its own.
-constexpr const char* managerSettings = R"(<?xml version="1.0" encoding="UTF-8"?>
-<openbox_config xmlns="http://openbox.org/3.4/rc">
-  <focus><focusNew>yes</focusNew><followMouse>no</followMouse></focus>
-  <theme><name>Clearlooks</name><animateIconify>no</animateIconify></theme>
-  <desktops><number>1</number><popupTime>0</popupTime></desktops>
-  <resize><drawContents>yes</drawContents><popupShow>Never</popupShow></resize>
-  <keyboard/>
-  <mouse>
-    <dragThreshold>1</dragThreshold>
-    <context name="Titlebar">
-      <mousebind button="Left" action="Drag"><action name="Move"/></mousebind>
-      <mousebind button="Left" action="Press">
-        <action name="Focus"/><action name="Raise"/>
-      </mousebind>
-    </context>
-    <context name="Client">
-      <mousebind button="Left" action="Press">
-        <action name="Focus"/><action name="Raise"/>
-      </mousebind>
-    </context>
-    <context name="Close">
-      <mousebind button="Left" action="Click"><action name="Close"/></mousebind>
-    </context>
-  </mouse>
-  <applications/>
-</openbox_config>
-)";
 
 std::string readLine(int descriptor) {
   std::string line;
@@ -45,12 +19,31 @@ std::string readLine(int descriptor) {
   return line;
 }
 
+// Whether a new window comes to be seen.
+bool showsWindows(const XClient& client) {
+  xcb_connection_t* const x = client.connection();
+  const xcb_window_t root = client.root();
+  const Received<xcb_get_window_attributes_reply_t> attributes(
+      xcb_get_window_attributes_reply(x, xcb_get_window_attributes(x, root), nullptr));
+  if ((attributes->all_event_masks & XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT) == 0) return false;
+  const xcb_window_t window = xcb_generate_id(x);
+  xcb_create_window(x, XCB_COPY_FROM_PARENT, window, root, 0, 0, 50, 50, 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+  xcb_map_window(x, window);
+  constexpr std::chrono::milliseconds most{500};
+  const bool shown = eventually([&] { return client.isShown(window); }, most);
+  xcb_destroy_window(x, window);
+  client.sync();
+  return shown;
+}
+
 std::unique_ptr<XDisplay> shared;
 
 }  // namespace
 
 XDisplay::XDisplay(const std::vector<std::string>& options, Manager manager,
-                   const std::string& size) {
+                   const std::string& size, Compositor compositor)
+    : kind_(manager) {
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("No pipe could be made.");
   Launch launch{.command = {"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0",
@@ -63,26 +56,56 @@ XDisplay::XDisplay(const std::vector<std::string>& options, Manager manager,
   close(ends[0]);
   if (number.empty()) throw std::runtime_error("Xvfb did not start.");
   name_ = ":" + number;
-  if (manager == Manager::Openbox) startManager();
+  if (manager != Manager::None) startManager();
+  if (compositor == Compositor::Picom) startCompositor();
+}
+
+std::map<std::string, std::optional<std::string>> XDisplay::environment() const {
+  return {{"DISPLAY", name_},
+          {"HOME", folder_.path()},
+          {"XDG_CONFIG_HOME", folder_.path() + "/none"},
+          {"XDG_CACHE_HOME", folder_.path() + "/cache"},
+          {"XDG_DATA_HOME", folder_.path() + "/data"},
+          {"XDG_RUNTIME_DIR", folder_.path()},
+          {"WAYLAND_DISPLAY", std::nullopt},
+          {"SESSION_MANAGER", std::nullopt},
+          {"DBUS_SESSION_BUS_ADDRESS", std::nullopt}};
 }
 
 void XDisplay::startManager() {
-  const std::string settings = folder_.path() + "/openbox.xml";
-  writeFile(settings, managerSettings);
-  // It names itself on the root window earlier, and windows that come in between it never shows.
-  const std::string ready = folder_.path() + "/ready";
-  manager_ = std::make_unique<Process>(
-      Launch{.command = {"openbox", "--sm-disable", "--config-file", settings, "--startup",
-                         "touch " + ready},
-             .environment = {{"DISPLAY", name_},
-                             {"HOME", folder_.path()},
-                             {"XDG_CONFIG_HOME", folder_.path() + "/none"},
-                             {"XDG_CACHE_HOME", folder_.path() + "/cache"},
-                             {"XDG_DATA_HOME", folder_.path() + "/data"},
-                             {"XDG_RUNTIME_DIR", folder_.path()}}});
-  if (!eventually([&] { return std::filesystem::exists(ready); })) {
-    throw std::runtime_error("openbox did not start.");
-  }
+  const ManagerCommand manager = commandOf(kind_, folder_.path());
+  manager_ =
+      std::make_unique<Process>(Launch{.command = manager.command, .environment = environment()});
+  // Managers name themselves on the root window, and even say that they redirect its windows,
+  // before they see to windows: only one that is shown proves it.
+  const XClient client(name_);
+  const bool ready = eventually([&] { return showsWindows(client); }, 3 * patience);
+  if (!ready) throw std::runtime_error(manager.command[0] + " did not start.");
+  if (manager.composites) waitForCompositor();
+}
+
+void XDisplay::startCompositor() {
+  compositor_ = std::make_unique<Process>(
+      Launch{.command = {"picom", "--config", "/dev/null", "--backend", "xrender"},
+             .environment = environment()});
+  waitForCompositor();
+}
+
+void XDisplay::endCompositor() {
+  compositor_->signal(SIGTERM);
+  compositor_->result();
+  compositor_.reset();
+}
+
+void XDisplay::waitForCompositor() const {
+  const XClient client(name_);
+  const xcb_atom_t selection = client.atom("_NET_WM_CM_S0");
+  const bool ready = eventually([&] {
+    const Received<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        client.connection(), xcb_get_selection_owner(client.connection(), selection), nullptr));
+    return reply && reply->owner != XCB_NONE;
+  });
+  if (!ready) throw std::runtime_error("The compositing manager did not start.");
 }
 
 XDisplay& sharedDisplay() {

@@ -1,0 +1,140 @@
+#include "engine/picture_filter.h"
+
+#include <bit>
+#include <limits>
+
+#include "engine/pixel_kernels.h"
+#include "engine/srgb.h"
+
+namespace tintora {
+
+namespace {
+
+std::size_t mostStep(SampleDepth depth) {
+  return depth == SampleDepth::Bits8 ? 255 : 65535;
+}
+
+LightSteps makeLightSteps(SampleDepth depth) {
+  // The transfer function is steepest at black.
+  constexpr double steepest = 12.92;
+  const std::size_t most = mostStep(depth);
+  const auto scale = static_cast<double>(most);
+
+  LightSteps steps;
+  for (std::size_t step = 0; step <= most; ++step) {
+    steps.light.push_back(decodeSrgb(static_cast<double>(step) / scale));
+    steps.thresholds.push_back(decodeSrgb((static_cast<double>(step) - 0.5) / scale));
+  }
+  steps.thresholds.front() = 0.0;
+  steps.thresholds.push_back(std::numeric_limits<double>::infinity());
+
+  const std::size_t intervals = std::bit_ceil(static_cast<std::size_t>(scale * steepest));
+  std::size_t step = 0;
+  for (std::size_t i = 0; i <= intervals; ++i) {
+    const double start = static_cast<double>(i) / static_cast<double>(intervals);
+    while (steps.thresholds[step + 1] <= start) ++step;
+    steps.firstStep.push_back(static_cast<std::uint16_t>(step));
+  }
+  return steps;
+}
+
+// What is not a number compares false and becomes 0.
+double clampTo(double most, double value) {
+  const double atMost = value < most ? value : most;
+  return value > 0.0 ? atMost : 0.0;
+}
+
+std::size_t stepOfLight(const LightSteps& steps, double light) {
+  const double clamped = clampTo(1.0, light);
+  const auto intervals = static_cast<double>(steps.firstStep.size() - 1);
+  const std::size_t step = steps.firstStep[static_cast<std::size_t>(clamped * intervals)];
+  return step + (clamped >= steps.thresholds[step + 1] ? 1 : 0);
+}
+
+// The values of a pixel that the transform works on.
+struct Values {
+  double red, green, blue;
+};
+
+double apply(const ExactMatrix::Channel& channel, const Values& values) {
+  return channel.red * values.red + channel.green * values.green + channel.blue * values.blue +
+         channel.offset;
+}
+
+const ExactMatrix& effectAt(const PictureFilter& filter, const Values& values) {
+  const auto& [red, green, blue] = filter.division;
+  return filter.effects[red * values.red + green * values.green + blue * values.blue < 0.0 ? 1 : 0];
+}
+
+// Where the channels of a pixel stand; the fourth is alpha.
+struct ChannelOrder {
+  std::size_t red, green, blue;
+};
+constexpr ChannelOrder bgraOrder{2, 1, 0};
+constexpr ChannelOrder rgbaOrder{0, 1, 2};
+constexpr std::size_t channels = 4;
+
+template <typename Sample>
+void filterLight(const PictureFilter& filter, ChannelOrder order, Sample* samples,
+                 std::size_t pixels) {
+  const LightSteps& steps = filter.steps;
+  for (Sample* pixel = samples; pixel != samples + pixels * channels; pixel += channels) {
+    const Values values{steps.light[pixel[order.red]], steps.light[pixel[order.green]],
+                        steps.light[pixel[order.blue]]};
+    const auto& [toBlue, toGreen, toRed] = effectAt(filter, values).channels;
+    pixel[order.red] = static_cast<Sample>(stepOfLight(steps, apply(toRed, values)));
+    pixel[order.green] = static_cast<Sample>(stepOfLight(steps, apply(toGreen, values)));
+    pixel[order.blue] = static_cast<Sample>(stepOfLight(steps, apply(toBlue, values)));
+  }
+}
+
+void filterEncoded16(const PictureFilter& filter, std::uint16_t* samples, std::size_t pixels) {
+  const auto most = static_cast<double>(mostStep(SampleDepth::Bits16));
+  const auto step = [most](double value) {
+    return static_cast<std::uint16_t>(clampTo(most, value) + 0.5);
+  };
+  const auto& [toBlue, toGreen, toRed] = filter.effects[0].channels;
+  for (std::uint16_t* pixel = samples; pixel != samples + pixels * channels; pixel += channels) {
+    const Values values{static_cast<double>(pixel[0]), static_cast<double>(pixel[1]),
+                        static_cast<double>(pixel[2])};
+    pixel[0] = step(apply(toRed, values));
+    pixel[1] = step(apply(toGreen, values));
+    pixel[2] = step(apply(toBlue, values));
+  }
+}
+
+}  // namespace
+
+PictureFilter makePictureFilter(const ColourTransform& transform, SampleDepth depth) {
+  const bool linear = transform.light == Light::Linear;
+  const double unit = linear ? 1.0 : static_cast<double>(mostStep(depth));
+  PictureFilter filter{depth, transform.light, transform.division, {}, {}};
+  for (std::size_t side = 0; side < 2; ++side) {
+    const ColourEffect& effect = transform.effects[side];
+    for (std::size_t output = 0; output < 3; ++output) {
+      const double* const row = &effect.matrix[3 * output];
+      filter.effects[side].channels[2 - output] = {row[0], row[1], row[2],
+                                                   unit * effect.offset[output]};
+    }
+  }
+  if (linear) filter.steps = makeLightSteps(depth);
+  return filter;
+}
+
+void filterPicture(const PictureFilter& filter, std::uint8_t* bgra, std::size_t pixels) {
+  if (filter.light == Light::Linear) {
+    filterLight(filter, bgraOrder, bgra, pixels);
+  } else {
+    pixelKernels().front().filterExactly(filter.effects[0], bgra, bgra, pixels);
+  }
+}
+
+void filterPicture(const PictureFilter& filter, std::uint16_t* rgba, std::size_t pixels) {
+  if (filter.light == Light::Linear) {
+    filterLight(filter, rgbaOrder, rgba, pixels);
+  } else {
+    filterEncoded16(filter, rgba, pixels);
+  }
+}
+
+}  // namespace tintora

@@ -1,0 +1,41 @@
+// A colour transform on the samples of pictures: what double precision gives, rounded once.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "engine/colour_transform.h"
+#include "engine/pixel_filter.h"
+
+namespace tintora {
+
+// How many bits a sample has; it counts the steps of 0..255 or 0..65535 that make up 0..1.
+enum class SampleDepth { Bits8, Bits16 };
+
+// The way between steps and linear light, for one depth.
+struct LightSteps {
+  std::vector<double> light;       // of each step
+  std::vector<double> thresholds;  // [step]: the least light that rounds to it; one more at end
+  std::vector<std::uint16_t> firstStep;  // of equal intervals of light, each with one threshold
+                                         // at most
+};
+
+// A colour transform made ready for samples of one depth.
+struct PictureFilter {
+  SampleDepth depth;
+  Light light;
+  std::array<double, 3> division;      // as in ColourTransform
+  std::array<ExactMatrix, 2> effects;  // offsets in the unit of the values that they work on
+  LightSteps steps;                    // in linear light only
+};
+
+PictureFilter makePictureFilter(const ColourTransform& transform, SampleDepth depth);
+
+// Filters pixels in place. Each channel becomes the nearest step to the result in double precision,
+// halves rounded up; alpha stays. The filter is of the depth that the samples have.
+void filterPicture(const PictureFilter& filter, std::uint8_t* bgra, std::size_t pixels);
+void filterPicture(const PictureFilter& filter, std::uint16_t* rgba, std::size_t pixels);
+
+}  // namespace tintora

@@ -12,6 +12,9 @@ std::string formatCurves(const TransformOptions& options) {
   if (!isSimulation(options.settings.Selected)) {
     throw UsageError("curves needs --mode protan, deutan, tritan or normal");
   }
+  if (options.light) {
+    throw UsageError("--light: the curves are the same in either light; filter and matrix take it");
+  }
   // The spectral algorithm is the one that builds the observer, whichever shows the screen.
   TransformOptions spectral = options;
   spectral.settings.Option = SimulationAlgorithm::Yang2008;

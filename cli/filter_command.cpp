@@ -7,8 +7,6 @@
 
 #include "cli/output_file.h"
 #include "cli/transform_options.h"
-#include "engine/effect_matrix.h"
-#include "engine/pixel_filter.h"
 
 namespace tintora::cli {
 
@@ -72,7 +70,7 @@ std::vector<FilterJob> planFilterJobs(const std::vector<std::string>& paths,
   return jobs;
 }
 
-void filterImage(const FilterJob& job) {
+void filterImage(const FilterJob& job, const PictureFilter& filter) {
   // Each step names the file it works on.
   const auto named = [](const std::filesystem::path& path, const auto& step) {
     try {
@@ -84,7 +82,7 @@ void filterImage(const FilterJob& job) {
   Image image =
       named(job.input, [&] { return decodeImage(readFileWhole(job.input, mostImageBytes)); });
   const std::size_t pixels = std::size_t{image.width} * image.height;
-  filterPixels(makePixelFilter(effectMatrix), image.pixels.data(), image.pixels.data(), pixels);
+  filterPicture(filter, image.pixels.data(), pixels);
   const std::vector<std::uint8_t> encoded =
       named(job.output, [&] { return encodeImage(image, job.format); });
 

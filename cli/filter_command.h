@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/image_file.h"
+#include "engine/picture_filter.h"
 
 namespace tintora::cli {
 
@@ -23,8 +24,8 @@ std::vector<FilterJob> planFilterJobs(const std::vector<std::string>& paths,
                                       const std::optional<std::filesystem::path>& outputDirectory,
                                       std::optional<ImageFormat> format);
 
-// Puts one image through the matrix in force; its output appears whole or not at all. Throws
-// RunError.
-void filterImage(const FilterJob& job);
+// Puts one image through the filter, which is one for 8 bits; its output appears whole or not at
+// all. Throws RunError.
+void filterImage(const FilterJob& job, const PictureFilter& filter);
 
 }  // namespace tintora::cli

@@ -25,6 +25,7 @@ std::string formatList() {
   std::string text;
   appendNames(text, "Modes (--mode)", modeNames());
   appendNames(text, "Simulation algorithms (--algorithm)", algorithmNames());
+  appendNames(text, "Light (--light)", lightNames());
   text += "Colour filters (--filter-colour)\n";
   for (const ColourFilter& filter : colourFilters) {
     std::string passed;

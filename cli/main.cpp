@@ -66,9 +66,7 @@ void addChoice(CLI::App& command, const std::string& name, Value& value,
 }
 
 int runMatrix(const Request& request) {
-  const std::string title = applyOptions(request.transform);
-  print(
-      formatMatrix(request.matrixFormat, title, isSimulation(request.transform.settings.Selected)));
+  print(formatMatrix(request.matrixFormat, request.transform));
   return 0;
 }
 
@@ -87,6 +85,8 @@ int runFilter(const Request& request) {
   const std::vector<FilterJob> jobs =
       planFilterJobs(request.paths, request.outputDirectory, request.outputFormat);
   applyOptions(request.transform);
+  const PictureFilter filter =
+      makePictureFilter(appliedColourTransform(request.transform), SampleDepth::Bits8);
   if (request.outputDirectory) std::filesystem::create_directories(*request.outputDirectory);
 
   const bool showsProgress = jobs.size() > 1 && standardErrorIsTerminal();
@@ -94,7 +94,7 @@ int runFilter(const Request& request) {
   for (std::size_t i = 0; i < jobs.size(); ++i) {
     if (showsProgress) drawProgressBar(i, jobs.size(), jobs[i].input.filename().string());
     try {
-      filterImage(jobs[i]);
+      filterImage(jobs[i], filter);
     } catch (const std::bad_alloc&) {
       throw;
     } catch (const std::exception& error) {

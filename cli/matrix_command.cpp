@@ -60,10 +60,11 @@ nlohmann::ordered_json rowsOf(const Matrix3x3& m) {
   return {{m[0], m[1], m[2]}, {m[3], m[4], m[5]}, {m[6], m[7], m[8]}};
 }
 
-std::string formatJson(const std::string& title, bool simulated) {
+std::string formatJson(const std::string& title, Light light, bool simulated) {
   refuseNonFinite("JSON");
   nlohmann::ordered_json json;
   json["title"] = title;
+  json["light"] = light == Light::Linear ? "linear" : "encoded";
   // As doubles, so that they read back to the same value whether as float or as double.
   json["effect_matrix"] = effectMatrix;
   if (simulated) {
@@ -90,7 +91,7 @@ std::string escapeXml(std::string_view text) {
   return escaped;
 }
 
-std::string formatSvg(const std::string& title) {
+std::string formatSvg(const std::string& title, Light light) {
   refuseNonFinite("SVG");
   // feColorMatrix takes a row for each output channel: four coefficients and the offset.
   std::string values;
@@ -104,7 +105,9 @@ std::string formatSvg(const std::string& title) {
   }
   return "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"0\" height=\"0\">\n"
          "  <filter id=\"tintora\" x=\"0\" y=\"0\" width=\"100%\" height=\"100%\" "
-         "color-interpolation-filters=\"sRGB\">\n"
+         "color-interpolation-filters=\"" +
+         std::string(light == Light::Linear ? "linearRGB" : "sRGB") +
+         "\">\n"
          "    <title>" +
          escapeXml(title) +
          "</title>\n"
@@ -117,14 +120,19 @@ std::string formatSvg(const std::string& title) {
 
 }  // namespace
 
-std::string formatMatrix(MatrixFormat format, const std::string& title, bool simulated) {
+std::string formatMatrix(MatrixFormat format, const TransformOptions& options) {
+  if (isOnHalfPlanes(options)) {
+    throw UsageError(
+        "--algorithm brettel1997: is two half planes and no single matrix; filter takes it");
+  }
+  const std::string title = applyOptions(options);
   switch (format) {
     case MatrixFormat::Json:
-      return formatJson(title, simulated);
+      return formatJson(title, lightOf(options), isSimulation(options.settings.Selected));
     case MatrixFormat::Csv:
       return formatCsv(title);
     case MatrixFormat::Svg:
-      return formatSvg(title);
+      return formatSvg(title, lightOf(options));
     case MatrixFormat::Text:
       break;
   }

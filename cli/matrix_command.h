@@ -6,10 +6,13 @@
 
 namespace tintora::cli {
 
+struct TransformOptions;
+
 enum class MatrixFormat { Text, Json, Csv, Svg };
 
-// The matrix in force (effectMatrix, and modelContext where it is a simulation) as text. Throws
-// RunError where the format cannot hold an infinite entry or one that is not a number.
-std::string formatMatrix(MatrixFormat format, const std::string& title, bool simulated);
+// Applies the chosen transform and returns its matrix as text. Throws RunError if the format cannot
+// hold an infinite entry or one that is not a number, and UsageError for a transform that is no
+// single matrix.
+std::string formatMatrix(MatrixFormat format, const TransformOptions& options);
 
 }  // namespace tintora::cli

@@ -9,6 +9,7 @@
 
 #include "cli/output_file.h"
 #include "cli/text.h"
+#include "engine/colour_simulation.h"
 #include "engine/custom_transforms.h"
 #include "engine/effect_matrix.h"
 
@@ -33,7 +34,7 @@ constexpr std::array<NamedValue<TransformMode>, 14> modes{{
     {"custom", TransformMode::Custom, "from --custom-file, entry --custom-index"},
 }};
 
-constexpr std::array<NamedValue<SimulationAlgorithm>, 5> algorithms{{
+constexpr std::array<NamedValue<SimulationAlgorithm>, 6> algorithms{{
     {"judd", SimulationAlgorithm::Judd1948,
      "Judd 1948, Color perceptions of deuteranopic and protanopic observers, Journal of Research "
      "of "
@@ -51,6 +52,15 @@ constexpr std::array<NamedValue<SimulationAlgorithm>, 5> algorithms{{
     {"vienot1999", SimulationAlgorithm::Vienot1999,
      "Viénot, Brettel & Mollon 1999, Digital video colourmaps for checking the legibility of "
      "displays by dichromats, Color Research & Application 24, 243-252"},
+    {"brettel1997", SimulationAlgorithm::Brettel1997,
+     "Brettel, Viénot & Mollon 1997, Computerized simulation of color appearance for dichromats, "
+     "Journal of the Optical Society of America A 14, 2647-2655: two half planes in linear light, "
+     "no single matrix"},
+}};
+
+constexpr std::array<NamedValue<Light>, 2> lights{{
+    {"encoded", Light::Encoded, "on the values in the picture, as on the screen"},
+    {"linear", Light::Linear, "on the light that an sRGB display gives"},
 }};
 
 constexpr std::array<NamedValue<ColourSwap>, 3> swaps{{
@@ -59,14 +69,49 @@ constexpr std::array<NamedValue<ColourSwap>, 3> swaps{{
     {"green-blue", ColourSwap::GreenBlue, "green and blue"},
 }};
 
+// Other spellings of names.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 1> otherSpellings{{
+    {"grayscale", "greyscale"},
+}};
+
+// The options that only some modes take.
+struct ModeOption {
+  std::string_view name;
+  bool (*suits)(TransformMode mode);
+  std::string_view modes;
+};
+template <TransformMode Wanted>
+bool isMode(TransformMode mode) {
+  return mode == Wanted;
+}
+constexpr std::string_view simulationModes = "protan, deutan, tritan and normal";
+constexpr std::array<ModeOption, 10> modeOptions{{
+    {"--algorithm", &isSimulation, simulationModes},
+    {"--daltonize", &isSimulation, simulationModes},
+    {"--inverse", &isSimulation, simulationModes},
+    {"--filter-colour", &isMode<TransformMode::ColourFilter>, "filter"},
+    {"--swap", &isMode<TransformMode::ColourSwap>, "swap"},
+    {"--brightness", &isMode<TransformMode::Brightness>, "brightness"},
+    {"--contrast", &isMode<TransformMode::Contrast>, "contrast"},
+    {"--saturation", &isMode<TransformMode::Saturation>, "saturation"},
+    {"--custom-file", &isMode<TransformMode::Custom>, "custom"},
+    {"--custom-index", &isMode<TransformMode::Custom>, "custom"},
+}};
+
+std::string_view nameOf(TransformMode mode) {
+  return std::ranges::find(modes, mode, &NamedValue<TransformMode>::value)->name;
+}
+
 [[noreturn]] void refuse(std::string_view option, const std::string& reason) {
   throw CLI::ValidationError(std::string(option), reason);
 }
 
 // The entry of a table that bears the name, by what nameOf makes of it.
 template <typename Table, typename NameOf>
-const auto& choose(std::string_view option, const std::string& text, const Table& table,
-                   NameOf nameOf) {
+const auto& choose(std::string_view option, std::string text, const Table& table, NameOf nameOf) {
+  for (const auto& [other, ours] : otherSpellings) {
+    if (text == other) text = ours;
+  }
   std::string known;
   for (const auto& entry : table) {
     if (nameOf(entry) == text) return entry;
@@ -78,8 +123,9 @@ const auto& choose(std::string_view option, const std::string& text, const Table
 // A whole argument as a decimal number between two bounds.
 double parseNumber(std::string_view option, const std::string& text, double least, double most) {
   double value = 0.0;
+  const bool plus = text.size() > 1 && text[0] == '+' && text[1] != '-';
   const char* const end = text.data() + text.size();
-  const auto [rest, error] = std::from_chars(text.data(), end, value);
+  const auto [rest, error] = std::from_chars(text.data() + (plus ? 1 : 0), end, value);
   if (error == std::errc::invalid_argument || rest != end) {
     refuse(option, "\"" + text + "\" is not a number");
   }
@@ -90,30 +136,65 @@ double parseNumber(std::string_view option, const std::string& text, double leas
   return value;
 }
 
-void addPercentage(CLI::App& command, const std::string& name, double& fraction, double least,
-                   const std::string& description) {
+// Adds an option whose text is handed to `read`, and remembers that it was given.
+template <typename Read>
+CLI::Option& addOption(CLI::App& command, TransformOptions& options, const std::string& name,
+                       const std::string& description, Read read) {
+  return *command.add_option_function<std::string>(
+      name,
+      [name, &options, read](const std::string& text) {
+        options.given.insert(name);
+        read(text);
+      },
+      description);
+}
+
+void addPercentage(CLI::App& command, TransformOptions& options, const std::string& name,
+                   double& fraction, double least, const std::string& description) {
   constexpr double whole = 100.0;
-  command
-      .add_option_function<std::string>(
-          name,
-          [name, &fraction, least](const std::string& text) {
-            fraction = parseNumber(name, text, least, whole) / whole;
-          },
-          description + ", " + shortest(least) + " to 100 percent")
-      ->type_name("PERCENT");
+  const auto read = [name, &fraction, least](const std::string& text) {
+    fraction = parseNumber(name, text, least, whole) / whole;
+  };
+  addOption(command, options, name, description + ", " + shortest(least) + " to 100 percent", read)
+      .type_name("PERCENT");
 }
 
 template <typename Table, typename Value>
-void addNamed(CLI::App& command, const std::string& name, const Table& table, Value& value,
-              const std::string& description) {
-  command
-      .add_option_function<std::string>(
-          name,
-          [name, &table, &value](const std::string& text) {
-            value = choose(name, text, table, [](const auto& entry) { return entry.name; }).value;
-          },
-          description)
-      ->type_name("NAME");
+void addNamed(CLI::App& command, TransformOptions& options, const std::string& name,
+              const Table& table, Value& value, const std::string& description) {
+  const auto read = [name, &table, &value](const std::string& text) {
+    value = choose(name, text, table, [](const auto& entry) { return entry.name; }).value;
+  };
+  addOption(command, options, name, description, read).type_name("NAME");
+}
+
+void addFlag(CLI::App& command, TransformOptions& options, const std::string& name, bool& flag,
+             const std::string& description) {
+  const auto set = [name, &options, &flag] {
+    options.given.insert(name);
+    flag = true;
+  };
+  command.add_flag_callback(name, set, description);
+}
+
+// An option of another mode, and a light or use that the algorithm does not have, would otherwise
+// be ignored.
+void checkCombination(const TransformOptions& options) {
+  const TransformMode mode = options.settings.Selected;
+  for (const ModeOption& option : modeOptions) {
+    if (options.given.contains(option.name) && !option.suits(mode)) {
+      throw UsageError(std::string(option.name) + ": is for --mode " + std::string(option.modes) +
+                       ", not for " + std::string(nameOf(mode)));
+    }
+  }
+  if (!isOnHalfPlanes(options)) return;
+  if (options.light == Light::Encoded) {
+    throw UsageError("--light encoded: brettel1997 works in linear light only");
+  }
+  const bool inverts = options.settings.Inversion && !options.settings.Daltonize;
+  if (inverts && options.settings.severity >= 1.0 && mode != TransformMode::Normal) {
+    throw UsageError("--inverse: brettel1997 at 100 percent has no inverse");
+  }
 }
 
 constexpr std::uint64_t mostCustomFileBytes = std::uint64_t{16} << 20;
@@ -150,6 +231,10 @@ std::span<const NamedValue<ColourSwap>> swapNames() {
   return swaps;
 }
 
+std::span<const NamedValue<Light>> lightNames() {
+  return lights;
+}
+
 std::string colourFilterOption(const ColourFilter& filter) {
   std::string name(filter.name);
   name.front() = static_cast<char>(name.front() - 'A' + 'a');
@@ -158,50 +243,54 @@ std::string colourFilterOption(const ColourFilter& filter) {
 
 void addTransformOptions(CLI::App& command, TransformOptions& options) {
   TransformSettings& settings = options.settings;
-  addNamed(command, "--mode", modes, settings.Selected, "Transform (default deutan); see list");
-  addPercentage(command, "--severity", settings.severity, 0.0,
+  addNamed(command, options, "--mode", modes, settings.Selected,
+           "Transform (default deutan); see list");
+  addPercentage(command, options, "--severity", settings.severity, 0.0,
                 "Severity of the deficiency or strength of the effect (default 100)");
-  addNamed(command, "--algorithm", algorithms, settings.Option,
+  addNamed(command, options, "--algorithm", algorithms, settings.Option,
            "Simulation algorithm (default judd); see list");
-  command.add_flag("--daltonize", settings.Daltonize, "Correct for the deficiency");
-  command.add_flag("--inverse", settings.Inversion, "Invert the simulation");
+  addNamed(command, options, "--light", lights, options.light,
+           "encoded (default) or linear: what the transform works on");
+  addFlag(command, options, "--daltonize", settings.Daltonize, "Correct for the deficiency");
+  addFlag(command, options, "--inverse", settings.Inversion, "Invert the simulation");
+  const auto readFilterColour = [&settings](const std::string& text) {
+    chooseColourFilter(settings,
+                       choose("--filter-colour", text, colourFilters, colourFilterOption));
+  };
   command
       .add_option_function<std::string>(
-          "--filter-colour",
-          [&settings](const std::string& text) {
-            chooseColourFilter(settings,
-                               choose("--filter-colour", text, colourFilters, colourFilterOption));
+          "--filter-colour,--filter-color",
+          [&options, readFilterColour](const std::string& text) {
+            options.given.insert("--filter-colour");
+            readFilterColour(text);
           },
           "Colour that the filter passes (default none: all); see list")
       ->type_name("NAME");
-  addNamed(command, "--swap", swaps, settings.Swap,
+  addNamed(command, options, "--swap", swaps, settings.Swap,
            "Channels to exchange (default red-blue); see list");
-  addPercentage(command, "--brightness", settings.brightness, -100.0, "Brightness (default 0)");
-  addPercentage(command, "--contrast", settings.contrast, 0.0, "Contrast (default 100)");
-  addPercentage(command, "--saturation", settings.saturation, 0.0, "Saturation (default 100)");
-  command
-      .add_option_function<std::string>(
-          "--custom-file", [&options](const std::string& path) { options.customFile = path; },
-          "File of custom transforms")
-      ->type_name("PATH");
-  command
-      .add_option_function<std::string>(
-          "--custom-index",
-          [&options](const std::string& text) {
-            constexpr double mostIndex = 4294967295.0;
-            const double index = parseNumber("--custom-index", text, 0.0, mostIndex);
-            options.customIndex = static_cast<std::uint32_t>(index);
-            if (options.customIndex != index) {
-              refuse("--custom-index", text + " is not a whole number");
-            }
-          },
-          "Entry of the custom transform file, from 0 (default 0)")
-      ->type_name("N");
+  addPercentage(command, options, "--brightness", settings.brightness, -100.0,
+                "Brightness (default 0)");
+  addPercentage(command, options, "--contrast", settings.contrast, 0.0, "Contrast (default 100)");
+  addPercentage(command, options, "--saturation", settings.saturation, 0.0,
+                "Saturation (default 100)");
+  addOption(command, options, "--custom-file", "File of custom transforms",
+            [&options](const std::string& path) { options.customFile = path; })
+      .type_name("PATH");
+  const auto readIndex = [&options](const std::string& text) {
+    constexpr double mostIndex = 4294967295.0;
+    const double index = parseNumber("--custom-index", text, 0.0, mostIndex);
+    options.customIndex = static_cast<std::uint32_t>(index);
+    if (options.customIndex != index) refuse("--custom-index", text + " is not a whole number");
+  };
+  addOption(command, options, "--custom-index",
+            "Entry of the custom transform file, from 0 (default 0)", readIndex)
+      .type_name("N");
 }
 
 std::string applyOptions(const TransformOptions& options) {
   static std::string title;
 
+  checkCombination(options);
   transformSettings = options.settings;
   if (options.settings.Selected == TransformMode::Custom) {
     readCustomFile(options);
@@ -214,6 +303,26 @@ std::string applyOptions(const TransformOptions& options) {
   transformDisplay.showTitle = [](std::string_view text) { title = text; };
   applyTransform();
   return toUtf8(title);
+}
+
+bool isOnHalfPlanes(const TransformOptions& options) {
+  return isSimulation(options.settings.Selected) &&
+         options.settings.Option == SimulationAlgorithm::Brettel1997;
+}
+
+Light lightOf(const TransformOptions& options) {
+  return options.light.value_or(isOnHalfPlanes(options) ? Light::Linear : Light::Encoded);
+}
+
+ColourTransform appliedColourTransform(const TransformOptions& options) {
+  if (!isOnHalfPlanes(options)) return makeColourTransform(effectMatrix, lightOf(options));
+  // The type and severity that applyOptions has handed to the model.
+  const ColourSimulation simulation{modelContext.modelCvdType, modelContext.modelSeverity,
+                                    SimulationAlgorithm::Brettel1997};
+  SimulationUse use = SimulationUse::Simulate;
+  if (options.settings.Inversion) use = SimulationUse::Invert;
+  if (options.settings.Daltonize) use = SimulationUse::Daltonize;
+  return makeSimulation(simulation, use);
 }
 
 }  // namespace tintora::cli

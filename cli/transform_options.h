@@ -5,12 +5,14 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "engine/colour_effects.h"
+#include "engine/colour_transform.h"
 
 namespace tintora::cli {
 
@@ -26,8 +28,10 @@ struct UsageError : std::runtime_error {
 
 struct TransformOptions {
   TransformSettings settings;
+  std::optional<Light> light;
   std::optional<std::filesystem::path> customFile;
   std::uint32_t customIndex = 0;
+  std::set<std::string, std::less<>> given;  // the options that stood on the command line
 };
 
 // What stands for a value on the command line.
@@ -41,6 +45,7 @@ struct NamedValue {
 std::span<const NamedValue<TransformMode>> modeNames();
 std::span<const NamedValue<SimulationAlgorithm>> algorithmNames();
 std::span<const NamedValue<ColourSwap>> swapNames();
+std::span<const NamedValue<Light>> lightNames();
 
 // The name of a colour filter as an option: its colour word in lower case.
 std::string colourFilterOption(const ColourFilter& filter);
@@ -49,8 +54,18 @@ std::string colourFilterOption(const ColourFilter& filter);
 void addTransformOptions(CLI::App& command, TransformOptions& options);
 
 // Applies the chosen transform, so that effectMatrix and modelContext hold it, and returns its
-// title in UTF-8. Reads the custom transform file where the mode asks for it. Throws UsageError and
-// RunError.
+// title in UTF-8. Reads the custom transform file if the mode asks for it. Throws RunError, and
+// UsageError for options that do not go together.
 std::string applyOptions(const TransformOptions& options);
+
+// Returns true if the chosen simulation is one that no matrix can hold.
+bool isOnHalfPlanes(const TransformOptions& options);
+
+// Returns the light in which the chosen transform works: the given one, else that of the algorithm.
+Light lightOf(const TransformOptions& options);
+
+// Returns the chosen transform for colours and pictures: the effect matrix that applyOptions has
+// left, or the half planes.
+ColourTransform appliedColourTransform(const TransformOptions& options);
 
 }  // namespace tintora::cli

@@ -78,6 +78,25 @@ TEST(CommandLine, WrongArgumentsAreOneLineThatNamesTheValueAndStatusTwo) {
       {{"filter", "-", "--output-dir", "d"}, "-: "},
       {{"filter", "x/a.png", "y/a.png", "--output-dir", "d"}, "a.png"},
       {{"list", "everything"}, "everything"},
+      {{"matrix", "--severity", "+-5"}, "\"+-5\""},
+      {{"matrix", "--severity", "+"}, "\"+\""},
+      {{"matrix", "--light", "bright"}, "\"bright\""},
+      {{"filter", "--filter-colour", "red", "a.png", "b.png"}, "--filter-colour"},
+      {{"filter", "--filter-color", "red", "a.png", "b.png"}, "--filter-colour"},
+      {{"matrix", "--mode", "invert", "--algorithm", "yang"}, "--algorithm"},
+      {{"matrix", "--mode", "filter", "--daltonize"}, "--daltonize"},
+      {{"matrix", "--mode", "custom", "--inverse"}, "--inverse"},
+      {{"matrix", "--mode", "protan", "--swap", "red-blue"}, "--swap"},
+      {{"matrix", "--mode", "contrast", "--brightness", "5"}, "--brightness"},
+      {{"matrix", "--mode", "brightness", "--contrast", "5"}, "--contrast"},
+      {{"matrix", "--mode", "swap", "--saturation", "5"}, "--saturation"},
+      {{"matrix", "--custom-index", "1"}, "--custom-index"},
+      {{"matrix", "--custom-file", "f"}, "--custom-file"},
+      {{"matrix", "--algorithm", "brettel1997"}, "brettel1997"},
+      {{"filter", "--algorithm", "brettel1997", "--light", "encoded", "a.png", "b.png"},
+       "--light encoded"},
+      {{"filter", "--algorithm", "brettel1997", "--inverse", "a.png", "b.png"}, "--inverse"},
+      {{"curves", "--light", "linear"}, "--light"},
   };
   for (const auto& [arguments, mention] : cases) {
     std::string words;
@@ -104,15 +123,31 @@ TEST(CommandLine, OptionsMayStandBeforeTheCommandToo) {
             runTool({"matrix", "--severity=35", "--mode=tritan"}).output);
 }
 
+TEST(CommandLine, ANumberMayHaveAPlusSign) {
+  EXPECT_EQ(runTool({"matrix", "--mode", "brightness", "--brightness", "+25"}).output,
+            runTool({"matrix", "--mode", "brightness", "--brightness", "25"}).output);
+  EXPECT_EQ(runTool({"matrix", "--severity", "+.5"}).output,
+            runTool({"matrix", "--severity", "0.5"}).output);
+}
+
+TEST(CommandLine, AmericanSpellingsAreUnderstood) {
+  EXPECT_EQ(runTool({"matrix", "--mode", "grayscale"}).output,
+            runTool({"matrix", "--mode", "greyscale"}).output);
+  const ToolRun run = runTool({"matrix", "--mode", "filter", "--filter-color", "red"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.output, runTool({"matrix", "--mode", "filter", "--filter-colour", "red"}).output);
+}
+
 TEST(CommandLine, ListNamesEverythingTheOptionsTake) {
   const ToolRun run = runTool({"list"});
   EXPECT_EQ(run.status, 0);
   for (const std::string name :
-       {"protan",     "deutan",     "tritan",    "normal",     "filter",  "greyscale",
-        "invert",     "brightness", "contrast",  "saturation", "swap",    "circadian",
-        "red-filter", "custom",     "judd",      "yang",       "machado", "vienot1997",
-        "vienot1999", "red",        "green",     "blue",       "yellow",  "magenta",
-        "cyan",       "red-blue",   "red-green", "green-blue"}) {
+       {"protan",     "deutan",     "tritan",    "normal",     "filter",      "greyscale",
+        "invert",     "brightness", "contrast",  "saturation", "swap",        "circadian",
+        "red-filter", "custom",     "judd",      "yang",       "machado",     "vienot1997",
+        "vienot1999", "red",        "green",     "blue",       "yellow",      "magenta",
+        "cyan",       "red-blue",   "red-green", "green-blue", "brettel1997", "encoded",
+        "linear"}) {
     EXPECT_TRUE(std::regex_search(run.output, std::regex("\n  " + name + " +[^ ]"))) << name;
   }
   for (const std::string source :
@@ -206,6 +241,22 @@ TEST(Matrix, SvgIsAFilterWhoseRowsAreTheOutputChannels) {
   }
   EXPECT_NE(run.output.find("color-interpolation-filters=\"sRGB\""), std::string::npos);
   EXPECT_NE(run.output.find("xmlns=\"http://www.w3.org/2000/svg\""), std::string::npos);
+}
+
+TEST(Matrix, TheLightIsNamedInJsonAndSvgAndLeavesTheMatrixAlone) {
+  const Words linear = Words{"--light", "linear"} + juddProtanHalfOptions;
+  const Words svg{"matrix", "--format", "svg"};
+  EXPECT_NE(runTool(svg + linear).output.find("color-interpolation-filters=\"linearRGB\""),
+            std::string::npos);
+  EXPECT_NE(
+      runTool(svg + juddProtanHalfOptions).output.find("color-interpolation-filters=\"sRGB\""),
+      std::string::npos);
+  const Words json{"matrix", "--format", "json"};
+  const auto inLight = nlohmann::json::parse(runTool(json + linear).output);
+  const auto encoded = nlohmann::json::parse(runTool(json + juddProtanHalfOptions).output);
+  EXPECT_EQ(inLight["light"], "linear");
+  EXPECT_EQ(encoded["light"], "encoded");
+  EXPECT_EQ(inLight["effect_matrix"], encoded["effect_matrix"]);
 }
 
 TEST(Matrix, SvgEscapesTheTitle) {

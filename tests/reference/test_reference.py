@@ -6,6 +6,7 @@ import unittest
 from decimal import Decimal
 from fractions import Fraction
 
+import pictures
 import reference
 import spectral_model
 from custom_file import read_entries
@@ -54,6 +55,36 @@ class ExactArithmetic(unittest.TestCase):
     def test_float32_overflow(self):
         self.assertEqual(float32(Fraction(10) ** 39), float("inf"))
         self.assertEqual(float32(-Fraction(10) ** 39), float("-inf"))
+
+
+class Brettel1997(unittest.TestCase):
+    def test_greys_stay(self):
+        for kind in pictures.ANCHORS_OF:
+            for grey in (0.0, 0.25, 1.0):
+                for value in pictures.brettel_1997(kind, 1.0, [grey] * 3):
+                    self.assertAlmostEqual(value, grey, places=12)
+
+    def test_an_anchor_looks_the_same_to_the_dichromat(self):
+        for kind, wavelengths in pictures.ANCHORS_OF.items():
+            for wavelength in wavelengths:
+                xyz = [float(value) for value in pictures.ANCHORS[wavelength]]
+                matrix = [[float(value) for value in row] for row in pictures.XYZ_TO_LMS]
+                rgb = pictures.applied(pictures.LMS_TO_RGB, pictures.applied(matrix, xyz))
+                for before, after in zip(rgb, pictures.brettel_1997(kind, 1.0, rgb)):
+                    self.assertAlmostEqual(before, after, places=12)
+
+    def test_half_the_severity_is_half_the_way_in_light(self):
+        before = [0.7, 0.2, 0.1]
+        full = pictures.brettel_1997("protan", 1.0, before)
+        half = pictures.brettel_1997("protan", 0.5, before)
+        for a, b, c in zip(before, full, half):
+            self.assertAlmostEqual(c, (a + b) / 2, places=12)
+
+    def test_transfer_function(self):
+        self.assertAlmostEqual(pictures.to_light(0.5), 0.214041140482232, places=14)
+        for step in range(256):
+            self.assertAlmostEqual(pictures.from_light(pictures.to_light(step / 255)),
+                                   step / 255, places=6)
 
 
 class Simulation(unittest.TestCase):

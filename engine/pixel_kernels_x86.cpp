@@ -13,6 +13,58 @@ namespace {
 // halves; blue and green, red and alpha are laid side by side, packed with saturation, which
 // clamps, and put in order.
 
+// SSE2 belongs to every x86-64 processor; it has neither byte shuffles nor blends.
+void filterBlocksSse2(const FixedPointMatrix& matrix, const std::uint8_t* source,
+                      std::uint8_t* destination, std::size_t blocks, bool streaming) {
+  const auto pairs = [](std::int16_t low, std::int16_t high) {
+    return _mm_set1_epi32(static_cast<std::uint16_t>(low) | static_cast<int>(high) * 65536);
+  };
+  const auto& [blue, green, red] = matrix.channels;
+  const __m128i blueBlueRed = pairs(blue.blue, blue.red);
+  const __m128i blueGreenOffset = pairs(blue.green, blue.offset);
+  const __m128i greenBlueRed = pairs(green.blue, green.red);
+  const __m128i greenGreenOffset = pairs(green.green, green.offset);
+  const __m128i redBlueRed = pairs(red.blue, red.red);
+  const __m128i redGreenOffset = pairs(red.green, red.offset);
+
+  const __m128i leftShift = _mm_cvtsi32_si128(matrix.inputShift);
+  const __m128i rightShift = _mm_cvtsi32_si128(8 - matrix.inputShift);
+  const __m128i blueRedMask = _mm_set1_epi32(0x00FF00FF << matrix.inputShift);
+  const __m128i greenMask = _mm_set1_epi32(0xFF << matrix.inputShift);
+  const __m128i offsetUnit = _mm_set1_epi32(matrix.offsetUnit << 16);
+
+  for (std::size_t i = 0; i < blocks; ++i) {
+    const __m128i pixels = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source) + i);
+    const __m128i blueRed = _mm_and_si128(_mm_sll_epi32(pixels, leftShift), blueRedMask);
+    const __m128i greenOffset =
+        _mm_or_si128(_mm_and_si128(_mm_srl_epi32(pixels, rightShift), greenMask), offsetUnit);
+
+    const __m128i blueSum = _mm_add_epi32(_mm_madd_epi16(blueRed, blueBlueRed),
+                                          _mm_madd_epi16(greenOffset, blueGreenOffset));
+    const __m128i greenSum = _mm_add_epi32(_mm_madd_epi16(blueRed, greenBlueRed),
+                                           _mm_madd_epi16(greenOffset, greenGreenOffset));
+    const __m128i redSum = _mm_add_epi32(_mm_madd_epi16(blueRed, redBlueRed),
+                                         _mm_madd_epi16(greenOffset, redGreenOffset));
+
+    const __m128i blueThenRed =
+        _mm_packs_epi32(_mm_srai_epi32(blueSum, 16), _mm_srai_epi32(redSum, 16));
+    const __m128i greenThenAlpha =
+        _mm_packs_epi32(_mm_srai_epi32(greenSum, 16), _mm_srli_epi32(pixels, 24));
+    const __m128i blueGreenThenRedAlpha =
+        _mm_packus_epi16(_mm_unpacklo_epi16(blueThenRed, greenThenAlpha),
+                         _mm_unpackhi_epi16(blueThenRed, greenThenAlpha));
+    const __m128i filtered =
+        _mm_unpacklo_epi16(blueGreenThenRedAlpha, _mm_srli_si128(blueGreenThenRedAlpha, 8));
+    __m128i* const target = reinterpret_cast<__m128i*>(destination) + i;
+    if (streaming) {
+      _mm_stream_si128(target, filtered);
+    } else {
+      _mm_storeu_si128(target, filtered);
+    }
+  }
+  if (streaming) _mm_sfence();
+}
+
 // The upper half of each 32-bit lane, moved to the lower.
 constexpr std::array<char, 16> upperHalves{2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15};
 // From B G B G B G B G R A R A R A R A to B G R A, four pixels.
@@ -167,9 +219,10 @@ __m128i load16(const std::array<char, 16>& bytes) {
                         pixels - done);
 }
 
-constexpr std::array<PixelKernel, 3> kernels{{
+constexpr std::array<PixelKernel, 4> kernels{{
     {"AVX-512 VNNI", 16, &filterBlocksAvx512, &filterExactlyAvx2},
     {"AVX2", 8, &filterBlocksAvx2, &filterExactlyAvx2},
+    {"SSE2", 4, &filterBlocksSse2, &filterExactlyPortably},
     portableKernel,
 }};
 

@@ -245,7 +245,8 @@ TEST(PixelKernels, EveryKernelGivesTheBytesOfThePortableOne) {
   }
 }
 
-TEST(PixelKernels, ThePortableOneStandsLast) {
+TEST(PixelKernels, ThePortableOneStandsLastBehindAFasterOne) {
+  EXPECT_GE(pixelKernels().size(), 2U);
   EXPECT_EQ(pixelKernels().back().name, portableKernel.name);
 }
 

@@ -1,5 +1,5 @@
 # The tests of all builds as one run; and the two desktops' programs side by side.
-subdirs(linux linux-sanitize fuzz windows)
+subdirs(linux linux-sanitize fuzz windows arm64)
 
 add_test(views.same_on_both_desktops linux/tests/desktop/tintora_views_comparison linux/tintora)
 set_tests_properties(

@@ -1,5 +1,7 @@
 #include "cli/filter_command.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <set>
 #include <span>
@@ -12,10 +14,12 @@ namespace tintora::cli {
 
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr std::string_view standardStream = "-";
 constexpr std::uint64_t mostImageBytes = std::uint64_t{4} << 30;
 
-ImageFormat formatOf(const std::filesystem::path& output) {
+std::optional<ImageFormat> formatOf(const fs::path& output) {
   if (output == standardStream) return ImageFormat::Png;
   std::string extension = output.extension().string();
   std::ranges::transform(extension, extension.begin(), [](char c) {
@@ -23,68 +27,105 @@ ImageFormat formatOf(const std::filesystem::path& output) {
   });
   if (extension == ".png") return ImageFormat::Png;
   if (extension == ".jpg" || extension == ".jpeg") return ImageFormat::Jpeg;
-  throw UsageError(output.string() + ": the name ends in neither .png nor .jpg; --output-format " +
-                   "says what to write");
+  return std::nullopt;
 }
 
-bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
+std::string unknownFormat(const fs::path& output) {
+  return output.string() +
+         ": the name ends in neither .png nor .jpg; --output-format says what to write";
+}
+
+bool isSameFile(const fs::path& a, const fs::path& b) {
   std::error_code unknown;
-  return std::filesystem::equivalent(a, b, unknown);
+  return fs::equivalent(a, b, unknown);
+}
+
+bool isFolder(const fs::path& path) {
+  std::error_code unknown;
+  return !path.has_filename() || fs::is_directory(path, unknown);
+}
+
+// The input's name in the folder; its extension follows a format that is given.
+fs::path outputIn(const fs::path& folder, const fs::path& input,
+                  std::optional<ImageFormat> format) {
+  fs::path name = input.filename();
+  if (format && formatOf(name) != format) {
+    name.replace_extension(*format == ImageFormat::Png ? ".png" : ".jpg");
+  }
+  return folder / name;
+}
+
+FilterPlan planSingleJob(const FilterRequest& request) {
+  const fs::path input = request.paths[0];
+  const fs::path output = request.paths[1];
+  const auto format = request.outputFormat ? request.outputFormat : formatOf(output);
+  if (!format) throw UsageError(unknownFormat(output));
+  if (output == standardStream && ::isatty(STDOUT_FILENO) == 1) {
+    throw UsageError("standard output is a terminal, and pictures are binary; name a file");
+  }
+  return {{{input, output, format, true}}, std::nullopt};
+}
+
+FilterPlan planFolderJobs(const FilterRequest& request, const std::vector<std::string>& inputs,
+                          const fs::path& folder) {
+  FilterPlan plan{{}, folder};
+  std::set<fs::path> outputs;
+  for (const std::string& path : inputs) {
+    const fs::path input = path;
+    if (path == standardStream || !input.has_filename()) {
+      throw UsageError(path + ": has no file name to write under in " + folder.string());
+    }
+    const fs::path output = outputIn(folder, input, request.outputFormat);
+    if (!outputs.insert(output).second) {
+      throw UsageError(output.string() + ": more than one input would be written there");
+    }
+    const auto format = request.outputFormat ? request.outputFormat : formatOf(output);
+    plan.jobs.push_back({input, output, format, request.overwrites});
+  }
+  for (const FilterJob& job : plan.jobs) {
+    for (const std::string& path : inputs) {
+      if (isSameFile(job.output, path)) {
+        throw UsageError(job.output.string() + ": is an input and would be overwritten");
+      }
+    }
+  }
+  return plan;
 }
 
 }  // namespace
 
-std::vector<FilterJob> planFilterJobs(const std::vector<std::string>& paths,
-                                      const std::optional<std::filesystem::path>& outputDirectory,
-                                      std::optional<ImageFormat> format) {
-  const auto job = [&](const std::filesystem::path& input, const std::filesystem::path& output) {
-    return FilterJob{input, output, format ? *format : formatOf(output)};
-  };
-  if (!outputDirectory) {
-    if (paths.size() != 2) {
-      throw UsageError("filter takes INPUT and OUTPUT, or any number of inputs with --output-dir");
-    }
-    return {job(paths[0], paths[1])};
+FilterPlan planFilterJobs(const FilterRequest& request) {
+  if (request.outputDirectory) {
+    return planFolderJobs(request, request.paths, *request.outputDirectory);
   }
-
-  std::vector<FilterJob> jobs;
-  std::set<std::filesystem::path> outputs;
-  for (const std::string& path : paths) {
-    const std::filesystem::path input = path;
-    if (path == standardStream || !input.has_filename()) {
-      throw UsageError(path + ": has no file name to write under in the --output-dir");
-    }
-    const std::filesystem::path output = *outputDirectory / input.filename();
-    if (!outputs.insert(output).second) {
-      throw UsageError(output.string() + ": more than one input would be written there");
-    }
-    jobs.push_back(job(input, output));
+  if (request.paths.size() >= 2 && isFolder(request.paths.back())) {
+    return planFolderJobs(request, {request.paths.begin(), request.paths.end() - 1},
+                          request.paths.back());
   }
-  for (const FilterJob& each : jobs) {
-    for (const std::string& path : paths) {
-      if (isSameFile(each.output, path)) {
-        throw UsageError(each.output.string() + ": is an input and would be overwritten");
-      }
-    }
-  }
-  return jobs;
+  if (request.paths.size() == 2) return planSingleJob(request);
+  throw UsageError("filter takes INPUT and OUTPUT, or any number of inputs and a folder");
 }
 
-void filterImage(const FilterJob& job, const PictureFilter& filter) {
+void filterImage(const FilterJob& job, const FilterRequest& request, const PictureFilter& filter) {
   // Each step names the file it works on.
-  const auto named = [](const std::filesystem::path& path, const auto& step) {
+  const auto named = [](const fs::path& path, const auto& step) {
     try {
       return step();
     } catch (const ImageError& error) {
       throw RunError(path.string() + ": " + error.what());
     }
   };
-  Image image =
-      named(job.input, [&] { return decodeImage(readFileWhole(job.input, mostImageBytes)); });
-  const std::size_t pixels = std::size_t{image.width} * image.height;
-  filterPicture(filter, image.pixels.data(), pixels);
+  if (!job.format) throw RunError(unknownFormat(job.output));
+  std::error_code unknown;
+  if (!job.mayOverwrite && fs::exists(job.output, unknown)) {
+    throw RunError(job.output.string() + ": exists; --force overwrites it");
+  }
+  Image image = named(job.input, [&] {
+    return decodeImage(readFileWhole(job.input, mostImageBytes), request.pixelLimit);
+  });
+  filterPicture(filter, image.pixels.data(), std::size_t{image.width} * image.height);
   const std::vector<std::uint8_t> encoded =
-      named(job.output, [&] { return encodeImage(image, job.format); });
+      named(job.output, [&] { return encodeImage(image, *job.format, request.quality); });
 
   if (job.output == standardStream) {
     writeStandardOutput(encoded);

@@ -1,6 +1,7 @@
 // tintora-cli filter: image files through a transform.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -11,21 +12,37 @@
 
 namespace tintora::cli {
 
-struct FilterJob {
-  std::filesystem::path input;   // "-" is standard input
-  std::filesystem::path output;  // "-" is standard output
-  ImageFormat format;            // of the output
+struct FilterRequest {
+  std::vector<std::string> paths;
+  std::optional<std::filesystem::path> outputDirectory;
+  std::optional<ImageFormat> outputFormat;
+  int quality = defaultJpegQuality;
+  bool overwrites = false;
+  std::size_t threads = 1;
+  std::uint64_t pixelLimit = defaultPixelLimit;
 };
 
-// The jobs for "INPUT OUTPUT", or for "INPUT..." with an output directory. The format follows the
-// output's file name, and is PNG on standard output, unless one is given. Throws UsageError where
-// an output would have no known format, or would overwrite an input or another output.
-std::vector<FilterJob> planFilterJobs(const std::vector<std::string>& paths,
-                                      const std::optional<std::filesystem::path>& outputDirectory,
-                                      std::optional<ImageFormat> format);
+struct FilterJob {
+  std::filesystem::path input;        // "-" is standard input
+  std::filesystem::path output;       // "-" is standard output
+  std::optional<ImageFormat> format;  // of the output; none if its name tells none
+  bool mayOverwrite;
+};
+
+struct FilterPlan {
+  std::vector<FilterJob> jobs;
+  std::optional<std::filesystem::path> folder;  // to be made for the outputs if it is not there
+};
+
+// Returns the jobs for "INPUT OUTPUT", for "INPUT... FOLDER" where the folder exists or ends in a
+// slash, or for "INPUT..." with an output directory. The format follows the output's file name, and
+// is PNG on standard output, unless one is given; in a folder the name then follows the format.
+// Throws UsageError if an only output would have no known format, or if one would overwrite an
+// input or another output, or be binary data on a terminal.
+FilterPlan planFilterJobs(const FilterRequest& request);
 
 // Puts one image through the filter, which is one for 8 bits; its output appears whole or not at
 // all. Throws RunError.
-void filterImage(const FilterJob& job, const PictureFilter& filter);
+void filterImage(const FilterJob& job, const FilterRequest& request, const PictureFilter& filter);
 
 }  // namespace tintora::cli

@@ -102,7 +102,7 @@ Image decodeByFormat(std::span<const std::uint8_t> file, std::uint64_t pixelLimi
 
 Image decodeImage(std::span<const std::uint8_t> file, std::uint64_t pixelLimit) {
   try {
-    Image image = decodeByFormat(file, std::min(pixelLimit, maxImagePixels));
+    Image image = decodeByFormat(file, std::min(pixelLimit, highestPixelLimit));
     if (!isRgbProfile(image.iccProfile)) image.iccProfile.clear();
     if (!isTiff(image.exif)) image.exif.clear();
     return image;
@@ -111,13 +111,13 @@ Image decodeImage(std::span<const std::uint8_t> file, std::uint64_t pixelLimit) 
   }
 }
 
-std::vector<std::uint8_t> encodeImage(const Image& image, ImageFormat format) {
+std::vector<std::uint8_t> encodeImage(const Image& image, ImageFormat format, int quality) {
   const bool opaque = isOpaque(image);
   checkImage(image, opaque);
   try {
     if (format == ImageFormat::Png) return encodePng(image);
     if (!opaque) throw ImageError("JPEG cannot keep transparency; choose a PNG output");
-    return encodeJpeg(image);
+    return encodeJpeg(image, quality);
   } catch (const std::bad_alloc&) {
     throw ImageError("there is not enough memory to write the image");
   }

@@ -48,23 +48,26 @@ struct Image {
   PngColourSpace pngColourSpace;  // lost in a JPEG file, which has no place for it
 };
 
-inline constexpr std::uint64_t maxImagePixels = std::uint64_t{1} << 28;
+inline constexpr std::uint64_t defaultPixelLimit = std::uint64_t{1} << 28;
+inline constexpr std::uint64_t highestPixelLimit = std::uint64_t{1} << 40;
+inline constexpr int defaultJpegQuality = 95;
 
 // Reads a PNG or JPEG file, told apart by how it begins. Every kind of PNG is read, 16 bits per
 // channel rounded to 8; JPEG in greyscale or colour, but not in CMYK. A profile for other than RGB
 // colours and damaged profiles and EXIF data are left out, as are texts and other remarks. Of an
 // animation it is the still image. Throws ImageError for a file that is neither, is damaged or cut
 // short anywhere up to its end marker, has no pixels, or has more than pixelLimit of them
-// (maxImagePixels at most).
-Image decodeImage(std::span<const std::uint8_t> file, std::uint64_t pixelLimit = maxImagePixels);
+// .
+Image decodeImage(std::span<const std::uint8_t> file, std::uint64_t pixelLimit = defaultPixelLimit);
 
 // Writes the image with its profile, its EXIF data and, unless it is out of the range of the
 // format, its density. PNG is exact, with an alpha channel only if the image has one; JPEG is of
-// high quality without chroma subsampling. Throws ImageError for an image that does not hold to the
-// rules above, and for what the format cannot keep: in JPEG transparency, more than 65500 pixels on
-// a side, EXIF data of more than 65527 bytes or a profile of more than 16 MB; in PNG a malformed
-// profile.
-std::vector<std::uint8_t> encodeImage(const Image& image, ImageFormat format);
+// the quality (1..100) without chroma subsampling. Throws ImageError for an image that does not
+// hold to the rules above, and for what the format cannot keep: in JPEG transparency, more than
+// 65500 pixels on a side, EXIF data of more than 65527 bytes or a profile of more than 16 MB; in
+// PNG a malformed profile.
+std::vector<std::uint8_t> encodeImage(const Image& image, ImageFormat format,
+                                      int quality = defaultJpegQuality);
 
 // Throws ImageError if an image of this size has more pixels than the limit.
 void checkImageSize(std::uint32_t width, std::uint32_t height, std::uint64_t pixelLimit);

@@ -301,8 +301,8 @@ void setDensity(jpeg_compress_struct& codec, const PixelDensity& density) {
                                                                         : jfifInch;
 }
 
-void writeFile(JpegWriter& writer, const Image& image, std::span<const std::uint8_t> exif) {
-  constexpr int quality = 95;
+void writeFile(JpegWriter& writer, const Image& image, int quality,
+               std::span<const std::uint8_t> exif) {
   jpeg_compress_struct& codec = writer.codec;
   jpeg_create_compress(&codec);
   writer.destination.manager.init_destination = startDestination;
@@ -369,7 +369,7 @@ Image decodeJpeg(std::span<const std::uint8_t> file, std::uint64_t pixelLimit) {
   return image;
 }
 
-std::vector<std::uint8_t> encodeJpeg(const Image& image) {
+std::vector<std::uint8_t> encodeJpeg(const Image& image, int quality) {
   if (std::max(image.width, image.height) > JPEG_MAX_DIMENSION) {
     throw ImageError("JPEG cannot hold " + std::to_string(image.width) + " x " +
                      std::to_string(image.height) + " pixels; choose a PNG output");
@@ -383,7 +383,7 @@ std::vector<std::uint8_t> encodeJpeg(const Image& image) {
   }
   std::vector<std::uint8_t> file;
   JpegWriter writer(file);
-  if (!completes(writer.fault, [&] { writeFile(writer, image, exif); })) {
+  if (!completes(writer.fault, [&] { writeFile(writer, image, quality, exif); })) {
     throw ImageError("cannot write the JPEG file: " + std::string(writer.fault.text.data()));
   }
   return file;

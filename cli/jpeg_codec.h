@@ -13,6 +13,6 @@ namespace tintora::cli {
 Image decodeJpeg(std::span<const std::uint8_t> file, std::uint64_t pixelLimit);
 
 // As encodeImage, for an opaque image that holds to the rules of Image.
-std::vector<std::uint8_t> encodeJpeg(const Image& image);
+std::vector<std::uint8_t> encodeJpeg(const Image& image, int quality);
 
 }  // namespace tintora::cli

@@ -2,20 +2,25 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <algorithm>
+#include <cstdint>
 #include <exception>
 #include <filesystem>
-#include <iostream>
+#include <functional>
 #include <map>
 #include <new>
 #include <optional>
 #include <span>
+#include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "cli/batch.h"
 #include "cli/curves_command.h"
 #include "cli/filter_command.h"
 #include "cli/list_command.h"
 #include "cli/matrix_command.h"
+#include "cli/messages.h"
 #include "cli/output_file.h"
 #include "cli/progress_bar.h"
 #include "cli/transform_options.h"
@@ -30,16 +35,8 @@ constexpr int exitUsage = 2;
 struct Request {
   TransformOptions transform;
   MatrixFormat matrixFormat = MatrixFormat::Text;
-  std::vector<std::string> paths;
-  std::optional<std::filesystem::path> outputDirectory;
-  std::optional<ImageFormat> outputFormat;
+  FilterRequest filter;
 };
-
-// One line on standard error.
-void complain(std::string message) {
-  std::ranges::replace(message, '\n', ' ');
-  std::cerr << "tintora-cli: " << message << std::endl;
-}
 
 void print(const std::string& text) {
   writeStandardOutput(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
@@ -82,29 +79,59 @@ int runList(const Request& /*request*/) {
 
 // Every image is tried; the status tells whether all came through.
 int runFilter(const Request& request) {
-  const std::vector<FilterJob> jobs =
-      planFilterJobs(request.paths, request.outputDirectory, request.outputFormat);
+  const FilterPlan plan = planFilterJobs(request.filter);
   applyOptions(request.transform);
   const PictureFilter filter =
       makePictureFilter(appliedColourTransform(request.transform), SampleDepth::Bits8);
-  if (request.outputDirectory) std::filesystem::create_directories(*request.outputDirectory);
+  if (plan.folder) std::filesystem::create_directories(*plan.folder);
 
-  const bool showsProgress = jobs.size() > 1 && standardErrorIsTerminal();
-  int status = 0;
-  for (std::size_t i = 0; i < jobs.size(); ++i) {
-    if (showsProgress) drawProgressBar(i, jobs.size(), jobs[i].input.filename().string());
-    try {
-      filterImage(jobs[i], filter);
-    } catch (const std::bad_alloc&) {
-      throw;
-    } catch (const std::exception& error) {
-      if (showsProgress) clearProgressBar();
-      complain(error.what());
-      status = exitRun;
-    }
+  std::vector<std::string> names;
+  for (const FilterJob& job : plan.jobs) names.push_back(job.input.filename().string());
+  const bool showsProgress = names.size() > 1 && standardErrorIsTerminal();
+  const std::size_t failed =
+      runBatch(names, request.filter.threads, showsProgress,
+               [&](std::size_t i) { filterImage(plan.jobs[i], request.filter, filter); });
+  if (failed == 0) return 0;
+  if (names.size() > 1) {
+    complain(std::to_string(failed) + " of " + std::to_string(names.size()) +
+             " images could not be filtered");
   }
-  if (showsProgress) clearProgressBar();
-  return status;
+  return exitRun;
+}
+
+void addFilterOptions(CLI::App& command, FilterRequest& request) {
+  request.threads = std::max(1U, std::thread::hardware_concurrency());
+  command
+      .add_option("paths", request.paths,
+                  "INPUT OUTPUT, or INPUT... FOLDER; - is standard input or output")
+      ->required()
+      ->type_name("PATH");
+  command
+      .add_option_function<std::string>(
+          "--output-dir", [&request](const std::string& path) { request.outputDirectory = path; },
+          "Write under the inputs' names into this folder")
+      ->type_name("PATH");
+  addChoice<std::optional<ImageFormat>>(command, "--output-format", request.outputFormat,
+                                        {{"png", ImageFormat::Png}, {"jpeg", ImageFormat::Jpeg}},
+                                        "png or jpeg, whatever the output is called");
+  const auto addNumber = [&command](const std::string& name, std::uint64_t least,
+                                    std::uint64_t most, const std::string& description,
+                                    const std::function<void(std::uint64_t)>& take) {
+    command
+        .add_option_function<std::string>(
+            name, [=](const std::string& text) { take(parseWholeNumber(name, text, least, most)); },
+            description)
+        ->type_name("N");
+  };
+  addNumber("--quality", 1, 100,
+            "JPEG quality, 1 to 100 (default " + std::to_string(defaultJpegQuality) + ')',
+            [&request](std::uint64_t quality) { request.quality = static_cast<int>(quality); });
+  addNumber("--jobs", 1, 1024, "Images at a time (default: one for each processor)",
+            [&request](std::uint64_t threads) { request.threads = threads; });
+  addNumber("--max-pixels", 1, highestPixelLimit,
+            "Largest image to accept (default " + std::to_string(defaultPixelLimit) + " pixels)",
+            [&request](std::uint64_t pixels) { request.pixelLimit = pixels; });
+  command.add_flag("--force", request.overwrites, "Overwrite files in the folder");
 }
 
 int parseAndRun(int argc, const char* const* argv) {
@@ -136,19 +163,7 @@ int parseAndRun(int argc, const char* const* argv) {
   CLI::App& filter =
       addCommand("filter", "Put PNG and JPEG images through the transform", &runFilter);
   addTransformOptions(filter, request.transform);
-  filter
-      .add_option("paths", request.paths,
-                  "INPUT OUTPUT, or INPUT... with --output-dir; - is standard input or output")
-      ->required()
-      ->type_name("PATH");
-  filter
-      .add_option_function<std::string>(
-          "--output-dir", [&request](const std::string& path) { request.outputDirectory = path; },
-          "Write under the inputs' names into this directory")
-      ->type_name("PATH");
-  addChoice<std::optional<ImageFormat>>(filter, "--output-format", request.outputFormat,
-                                        {{"png", ImageFormat::Png}, {"jpeg", ImageFormat::Jpeg}},
-                                        "png or jpeg, whatever the output is called");
+  addFilterOptions(filter, request.filter);
 
   CLI::App& curves = addCommand(
       "curves", "Print the response curves of the simulated observer as CSV", &runCurves);
@@ -158,7 +173,10 @@ int parseAndRun(int argc, const char* const* argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& help) {
-    return app.exit(help);
+    std::ostringstream text;
+    const int status = app.exit(help, text, text);
+    print(text.str());
+    return status;
   } catch (const CLI::ParseError& error) {
     complain(error.what());
     return exitUsage;

@@ -2,17 +2,22 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace tintora::cli {
 
-// Whether standard error is a terminal, where a bar is of use.
+// Returns true if standard error is a terminal, where a bar is of use.
 bool standardErrorIsTerminal();
 
-// Draws the bar over the one drawn before; done of total steps, named by what is at work.
+// Draws the bar over the one drawn before: done of total steps, and the name of what is at work.
 void drawProgressBar(std::size_t done, std::size_t total, std::string_view current);
 
-// Takes the bar away, so that a line can be written in its place.
+// Returns that line for a terminal of so many columns, with fewer columns than that.
+std::string progressLine(std::size_t done, std::size_t total, std::string_view current,
+                         std::size_t columns);
+
+// Removes the bar, so that a line can be written in its place.
 void clearProgressBar();
 
 }  // namespace tintora::cli

@@ -1,5 +1,6 @@
 #include "cli/text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstddef>
@@ -56,6 +57,28 @@ std::optional<std::size_t> sequenceLength(std::string_view text) {
   return length;
 }
 
+// The code point of a valid sequence.
+char32_t codePointOf(std::string_view sequence) {
+  const auto lead = static_cast<std::uint8_t>(sequence[0]);
+  if (sequence.size() == 1) return lead;
+  auto codePoint = static_cast<char32_t>(lead & (0x7F >> sequence.size()));
+  for (const char c : sequence.substr(1)) {
+    codePoint = codePoint << 6 | (static_cast<std::uint8_t>(c) & 0x3F);
+  }
+  return codePoint;
+}
+
+// From U+1100 on characters may be two columns wide.
+std::size_t mostColumnsOf(std::string_view sequence) {
+  constexpr char32_t firstWide = 0x1100;
+  return codePointOf(sequence) < firstWide ? 1 : 2;
+}
+
+bool isControl(std::string_view sequence) {
+  const char32_t codePoint = codePointOf(sequence);
+  return codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0);
+}
+
 bool isUtf8(std::string_view text) {
   while (!text.empty()) {
     const auto length = sequenceLength(text);
@@ -84,6 +107,36 @@ std::string toUtf8(std::string_view text) {
     appendUtf8(converted, high ? windows1252High[byte - 0x80U] : byte);
   }
   return converted;
+}
+
+std::string printable(std::string_view text) {
+  std::string safe;
+  while (!text.empty()) {
+    const std::size_t length = sequenceLength(text).value_or(0);
+    const std::string_view sequence = text.substr(0, std::max<std::size_t>(length, 1));
+    if (sequence == "\n") {
+      safe += ' ';
+    } else if (length == 0 || isControl(sequence)) {
+      safe += '?';
+    } else {
+      safe += sequence;
+    }
+    text.remove_prefix(sequence.size());
+  }
+  return safe;
+}
+
+std::string leadingColumns(std::string_view text, std::size_t columns) {
+  std::string leading;
+  while (!text.empty()) {
+    const std::string_view sequence = text.substr(0, sequenceLength(text).value_or(1));
+    const std::size_t width = mostColumnsOf(sequence);
+    if (width > columns) break;
+    columns -= width;
+    leading += sequence;
+    text.remove_prefix(sequence.size());
+  }
+  return leading;
 }
 
 }  // namespace tintora::cli

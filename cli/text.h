@@ -1,6 +1,7 @@
 // Text and numbers as the tool prints them.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -14,5 +15,12 @@ std::string shortest(double value);
 // The program's single-byte text as UTF-8. Text that is valid UTF-8 already is a name from a file
 // in that encoding and stays; anything else is Windows-1252.
 std::string toUtf8(std::string_view text);
+
+// Returns text from elsewhere, such as the name of a file, in a form that is safe on a terminal:
+// control characters and bytes that are not UTF-8 become question marks, line feeds blanks.
+std::string printable(std::string_view text);
+
+// Returns as much of the front of a UTF-8 text as takes no more than so many columns of a terminal.
+std::string leadingColumns(std::string_view text, std::size_t columns);
 
 }  // namespace tintora::cli

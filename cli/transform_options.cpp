@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <limits>
 #include <string>
 
 #include "cli/output_file.h"
@@ -241,6 +242,15 @@ std::string colourFilterOption(const ColourFilter& filter) {
   return name;
 }
 
+std::uint64_t parseWholeNumber(std::string_view option, const std::string& text,
+                               std::uint64_t least, std::uint64_t most) {
+  const double value =
+      parseNumber(option, text, static_cast<double>(least), static_cast<double>(most));
+  const auto whole = static_cast<std::uint64_t>(value);
+  if (static_cast<double>(whole) != value) refuse(option, text + " is not a whole number");
+  return whole;
+}
+
 void addTransformOptions(CLI::App& command, TransformOptions& options) {
   TransformSettings& settings = options.settings;
   addNamed(command, options, "--mode", modes, settings.Selected,
@@ -277,10 +287,8 @@ void addTransformOptions(CLI::App& command, TransformOptions& options) {
             [&options](const std::string& path) { options.customFile = path; })
       .type_name("PATH");
   const auto readIndex = [&options](const std::string& text) {
-    constexpr double mostIndex = 4294967295.0;
-    const double index = parseNumber("--custom-index", text, 0.0, mostIndex);
-    options.customIndex = static_cast<std::uint32_t>(index);
-    if (options.customIndex != index) refuse("--custom-index", text + " is not a whole number");
+    options.customIndex = static_cast<std::uint32_t>(
+        parseWholeNumber("--custom-index", text, 0, std::numeric_limits<std::uint32_t>::max()));
   };
   addOption(command, options, "--custom-index",
             "Entry of the custom transform file, from 0 (default 0)", readIndex)

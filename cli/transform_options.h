@@ -50,6 +50,11 @@ std::span<const NamedValue<Light>> lightNames();
 // The name of a colour filter as an option: its colour word in lower case.
 std::string colourFilterOption(const ColourFilter& filter);
 
+// Returns an argument that is a whole number between two bounds. Anything else is refused with an
+// error of the command line that names the option.
+std::uint64_t parseWholeNumber(std::string_view option, const std::string& text,
+                               std::uint64_t least, std::uint64_t most);
+
 // Adds the options to a command; parsing it fills the given record, which must outlive the command.
 void addTransformOptions(CLI::App& command, TransformOptions& options);
 

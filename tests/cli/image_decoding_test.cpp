@@ -310,7 +310,7 @@ TEST(DecodeImage, RefusesMorePixelsThanTheLimitAndTellsBoth) {
   // The largest sides of a PNG file, which no number of bytes could hold.
   EXPECT_TRUE(contains(
       refusalOf(pngOfSize(0x7FFFFFFF, 0x7FFFFFFF), std::numeric_limits<std::uint64_t>::max()),
-      "2147483647 x 2147483647 pixels, more than the limit of 268435456"));
+      "2147483647 x 2147483647 pixels, more than the limit of 1099511627776"));
 
   Bytes jpeg = jpegFile(smoothImage(8, 8));
   const std::size_t frame = findMarker(jpeg, frameMarker);

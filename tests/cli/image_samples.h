@@ -45,7 +45,7 @@ inline std::uint32_t bigEndian32(const Bytes& bytes, std::size_t at) {
 
 // What decodeImage says of a file it refuses; nothing if it does not refuse it.
 inline std::optional<std::string> refusalOf(const Bytes& file,
-                                            std::uint64_t limit = maxImagePixels) {
+                                            std::uint64_t limit = defaultPixelLimit) {
   try {
     decodeImage(file, limit);
   } catch (const ImageError& error) {

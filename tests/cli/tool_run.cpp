@@ -50,7 +50,7 @@ ToolRun runTool(const std::vector<std::string>& arguments, const std::string& in
   return {status, readFile(folder / "out"), readFile(folder / "err")};
 }
 
-ToolRun runToolOnTerminal(const std::vector<std::string>& arguments) {
+ToolRun runToolOnTerminal(const std::vector<std::string>& arguments, bool outputToo) {
   const TemporaryFolder folder;
   const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
   if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) {
@@ -59,7 +59,8 @@ ToolRun runToolOnTerminal(const std::vector<std::string>& arguments) {
   // Held open, or what was written would be gone with the tool.
   const std::string name = ptsname(terminal);
   const int screen = open(name.c_str(), O_RDWR | O_NOCTTY);
-  const int status = runWith(arguments, "/dev/null", folder / "out", name);
+  const std::string out = outputToo ? name : (folder / "out").string();
+  const int status = runWith(arguments, "/dev/null", out, name);
   std::string shown(1 << 16, '\0');
   const ssize_t length = read(terminal, shown.data(), shown.size());
   shown.resize(length > 0 ? static_cast<std::size_t>(length) : 0);

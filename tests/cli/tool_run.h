@@ -15,8 +15,8 @@ struct ToolRun {
 
 ToolRun runTool(const std::vector<std::string>& arguments, const std::string& input = "");
 
-// The same with a terminal as standard error.
-ToolRun runToolOnTerminal(const std::vector<std::string>& arguments);
+// The same with a terminal as standard error, and as standard output where asked for.
+ToolRun runToolOnTerminal(const std::vector<std::string>& arguments, bool outputToo = false);
 
 // A folder of its own for each test, removed at its end.
 class TemporaryFolder {

@@ -3,7 +3,7 @@
 # Everything that building the program itself takes.
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libpng-dev
   libjpeg62-turbo-dev pkg-config qt6-base-dev libxcb1-dev libxcb-composite0-dev libxcb-damage0-dev
-  libxcb-render0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-xfixes0-dev x11-utils)
+  libxcb-randr0-dev libxcb-render0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-xfixes0-dev x11-utils)
 
 # A virtual display with a window manager and software graphics.
 display_packages=(xvfb openbox x11-xserver-utils libgl1 libgl1-mesa-dri)

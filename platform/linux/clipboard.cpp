@@ -7,6 +7,7 @@
 #include <QScreen>
 
 #include "platform/linux/filtered_view.h"
+#include "platform/linux/screen_place.h"
 
 namespace tintora::platform {
 
@@ -16,13 +17,13 @@ struct Picture {
 
 Picture* captureClientArea(Window* window) {
   finishView();
-  const Point origin = clientOrigin(window);
+  const QPoint origin = onRoot(clientOrigin(window));
   const Rect area = clientArea(window);
   QScreen* const screen = QGuiApplication::primaryScreen();
   // Of the root, whose pixels are the screen's.
   const QPixmap pixels =
-      screen->grabWindow(0, origin.x - screen->geometry().x(), origin.y - screen->geometry().y(),
-                         area.width(), area.height());
+      screen->grabWindow(0, origin.x() - screen->geometry().x(),
+                         origin.y() - screen->geometry().y(), area.width(), area.height());
   return new Picture{pixels.toImage().convertToFormat(QImage::Format_RGB888)};
 }
 

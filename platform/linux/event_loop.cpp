@@ -20,6 +20,7 @@
 #include "platform/linux/filtered_view.h"
 #include "platform/linux/handles.h"
 #include "platform/linux/keys.h"
+#include "platform/linux/screen_place.h"
 #include "platform/linux/window_frame.h"
 
 namespace tintora::platform {
@@ -233,6 +234,12 @@ void translateEvents(Window* window) {
   window->window->installEventFilter(new EventFilter(window));
 }
 
+void onMonitorsChanged() {
+  for (Window* const window : translated) {
+    if (window->kind == WindowKind::Main) onSized(window);
+  }
+}
+
 bool handOver(const Event& event) {
   if (eventHandler == nullptr || ended) return false;
   const bool handled = eventHandler(event);
@@ -251,8 +258,7 @@ void invalidateWindow(Window* window) {
 
 // As of the event being handled: by now the mouse may be elsewhere.
 Point cursorPosition() {
-  const QPoint place = mousePlace ? *mousePlace : QCursor::pos();
-  return {place.x(), place.y()};
+  return fromRoot(mousePlace ? *mousePlace : QCursor::pos());
 }
 
 bool isShiftDown() {

@@ -11,6 +11,9 @@ void setEventHandler(EventHandler handler);
 // Has what happens to a window handed to the handler from now on.
 void translateEvents(Window* window);
 
+// Has the program fit its view again after the primary monitor has changed.
+void onMonitorsChanged();
+
 // Hands an event to the program; true where the desktop's own handling must not follow.
 bool handOver(const Event& event);
 

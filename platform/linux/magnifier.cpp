@@ -11,6 +11,7 @@
 
 #include "platform/linux/filtered_view.h"
 #include "platform/linux/handles.h"
+#include "platform/linux/screen_place.h"
 #include "platform/linux/window_stack.h"
 #include "platform/linux/x_server.h"
 
@@ -90,7 +91,7 @@ void setUnmagnified(Window* /*magnifier*/) {
 }
 
 void setMagnifierSource(Window* /*magnifier*/, const Rect& source) {
-  setViewOrigin({source.left, source.top});
+  setViewOrigin(onRoot(Point{source.left, source.top}));
 }
 
 void setColourEffect(Window* /*magnifier*/, const EffectMatrix& matrix) {

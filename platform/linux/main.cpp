@@ -12,7 +12,9 @@
 #include <iostream>
 #include <string_view>
 
+#include "platform/linux/event_loop.h"
 #include "platform/linux/program.h"
+#include "platform/linux/screen_place.h"
 #include "platform/linux/x_server.h"
 #include "platform/window.h"
 
@@ -85,6 +87,7 @@ int main(int count, char** arguments) {
   // The arguments are the program's, not Qt's.
   int ownName = 1;
   const QApplication application(ownName, arguments);
+  tintora::platform::followMonitors(&tintora::platform::onMonitorsChanged);
   QApplication::setWindowIcon(QIcon(":/tintora.png"));
   // The custom file has decimal points wherever its reader lives.
   static_cast<void>(std::setlocale(LC_NUMERIC, "C"));

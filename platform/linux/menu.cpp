@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/linux/event_loop.h"
+#include "platform/linux/screen_place.h"
 #include "platform/linux/text.h"
 
 namespace tintora::platform {
@@ -95,7 +96,7 @@ void checkMenuItem(Menu* menu, int position, bool checked) {
 
 void trackMenu(Menu* menu, const Point& place, Window* window) {
   menu->window = window;
-  menu->menu.popup({place.x, place.y});
+  menu->menu.popup(onRoot(place));
 }
 
 }  // namespace tintora::platform

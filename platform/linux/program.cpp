@@ -3,14 +3,13 @@
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QFileInfo>
-#include <QGuiApplication>
-#include <QScreen>
 #include <QStandardPaths>
 #include <QUrl>
 #include <array>
 
 #include "engine/custom_transforms.h"
 #include "platform/linux/program.h"
+#include "platform/linux/screen_place.h"
 
 namespace tintora::platform {
 
@@ -50,7 +49,7 @@ std::string programArguments() {
 }
 
 Size screenSize() {
-  const QSize size = QGuiApplication::primaryScreen()->size();
+  const QSize size = primaryMonitor().size();
   return {size.width(), size.height()};
 }
 

@@ -8,6 +8,7 @@
 
 #include "platform/linux/event_loop.h"
 #include "platform/linux/handles.h"
+#include "platform/linux/screen_place.h"
 #include "platform/linux/text.h"
 #include "platform/linux/window_frame.h"
 #include "platform/linux/x_server.h"
@@ -39,13 +40,6 @@ constexpr std::array<WindowFormFacts, 5> windowForms{{
 template <typename Value, std::size_t size, typename Index>
 const Value& at(const std::array<Value, size>& table, Index index) {
   return table[static_cast<std::size_t>(index)];
-}
-
-QRect fromProgram(const Rect& rect) {
-  return {rect.left, rect.top, rect.width(), rect.height()};
-}
-Rect toProgram(const QRect& rect) {
-  return {rect.left(), rect.top(), rect.left() + rect.width(), rect.top() + rect.height()};
 }
 
 void setInputShape(xcb_window_t window, bool transparent) {
@@ -89,7 +83,7 @@ Window* createWindow(WindowKind kind, const std::string& title, const Rect& boun
   window->kind = kind;
   window->window->setFlags(at(windowKinds, kind));
   window->window->create();
-  if (kind == WindowKind::Control) fixSize(window, fromProgram(bounds).size());
+  if (kind == WindowKind::Control) fixSize(window, onRoot(bounds).size());
   finishQtRequests();
   askForFrame(window);
   setTitle(window, title);
@@ -129,13 +123,13 @@ void showWindow(Window* window, ShowState state) {
 }
 
 void setWindowBounds(Window* window, const Rect& bounds) {
-  const QRect outer = fromProgram(bounds);
+  const QRect outer = onRoot(bounds);
   if (outer == boundsAskedFor(window)) return;
   askForBounds(window, outer);
 }
 
 Rect windowBounds(const Window* window) {
-  return toProgram(boundsAskedFor(window));
+  return fromRoot(boundsAskedFor(window));
 }
 
 Rect clientArea(const Window* window) {
@@ -143,8 +137,7 @@ Rect clientArea(const Window* window) {
 }
 
 Point clientOrigin(const Window* window) {
-  const QPoint origin = window->window->geometry().topLeft();
-  return {origin.x(), origin.y()};
+  return fromRoot(window->window->geometry().topLeft());
 }
 
 bool isMaximised(const Window* window) {

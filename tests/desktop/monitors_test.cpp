@@ -1,0 +1,145 @@
+// Two monitors side by side or one above the other, and monitors that change while it runs.
+#include "program_run.h"
+
+namespace tintora::desktop_test {
+namespace {
+
+const ColourEffect grey = windows_test::greyscale();
+
+struct Monitors {
+  const char* name;  // where the primary one stands
+  const char* screen;
+  Area primary;
+  Area other;
+};
+
+void PrintTo(const Monitors& monitors, std::ostream* out) {
+  *out << monitors.name;
+}
+
+class MonitorTest : public ProgramTest {
+ protected:
+  // As xrandr calls them; the first output of the server belongs to the primary one.
+  void setMonitor(const std::string& name, const Area& area, const std::string& output) {
+    const auto side = [](int pixels) {
+      constexpr int pixelsPerMillimetre = 4;
+      return std::to_string(pixels) + "/" + std::to_string(pixels / pixelsPerMillimetre);
+    };
+    const std::string geometry = side(area.width) + "x" + side(area.height) + "+" +
+                                 std::to_string(area.x) + "+" + std::to_string(area.y);
+    Process xrandr({.command = {"xrandr", "--setmonitor", name, geometry, output},
+                    .environment = {{"DISPLAY", display().name()}}});
+    ASSERT_EQ(xrandr.result(), 0);
+  }
+  void begin() {
+    storeValues({{"Selected", 4}, {"ColorSpace", 0}});
+    start();
+    const Area screen = x().screenArea();
+    scene().addNoise({0, 0, screen.width, screen.height}, 3);
+  }
+  Area outer() const { return x().outerAreaOf(main()); }
+  testing::AssertionResult outerBecomes(const Area& area) const {
+    if (eventually([&] { return outer() == area; })) return testing::AssertionSuccess();
+    return testing::AssertionFailure()
+           << testing::PrintToString(outer()) << " instead of " << testing::PrintToString(area);
+  }
+  testing::AssertionResult viewBecomes(const Area& area) const {
+    if (eventually([&] { return view() == area; })) return testing::AssertionSuccess();
+    return testing::AssertionFailure()
+           << testing::PrintToString(view()) << " instead of " << testing::PrintToString(area);
+  }
+  static Area centredOn(const Area& monitor) {
+    return {monitor.x + monitor.width / 2 - 250, monitor.y + monitor.height / 2 - 200, 500, 400};
+  }
+};
+
+class TwoMonitors : public MonitorTest, public testing::WithParamInterface<Monitors> {
+ protected:
+  void SetUp() override {
+    useDisplay({}, Manager::Openbox, GetParam().screen);
+    setMonitor("*Primary", GetParam().primary, "screen");
+    setMonitor("Other", GetParam().other, "none");
+    begin();
+  }
+};
+
+TEST_P(TwoMonitors, ItStartsInTheMiddleOfThePrimaryOne) {
+  EXPECT_TRUE(outerBecomes(centredOn(GetParam().primary)));
+  EXPECT_TRUE(viewShows(grey));
+}
+
+TEST_P(TwoMonitors, TheViewIsRightOnEitherAndAcrossBoth) {
+  for (const Area& monitor : {GetParam().other, GetParam().primary, x().screenArea()}) {
+    const Area place = centredOn(monitor);
+    x().move(main(), place.x, place.y);
+    ASSERT_TRUE(eventually([&] { return std::abs(view().x - place.x) < 10; }));
+    EXPECT_TRUE(viewShows(grey)) << testing::PrintToString(monitor);
+  }
+}
+
+TEST_P(TwoMonitors, ADragFollowsTheMouse) {
+  const Area before = outer();
+  dragMouse(view().x + 100, view().y + 100, 33, -21);
+  EXPECT_TRUE(outerBecomes({before.x + 33, before.y - 21, before.width, before.height}));
+  press(XK_Right);
+  EXPECT_TRUE(outerBecomes({before.x + 34, before.y - 21, before.width, before.height}));
+  EXPECT_TRUE(viewShows(grey));
+}
+
+TEST_P(TwoMonitors, FullScreenFillsThePrimaryOne) {
+  for (const Area& monitor : {GetParam().primary, GetParam().other}) {
+    const Area place = centredOn(monitor);
+    x().move(main(), place.x, place.y);
+    ASSERT_TRUE(eventually([&] { return std::abs(view().x - place.x) < 10; }));
+    settle();
+    const Area before = outer();
+    press(XK_f);
+    EXPECT_TRUE(viewBecomes(GetParam().primary));
+    ASSERT_TRUE(showing(control(), true));
+    const Area primary = GetParam().primary;
+    EXPECT_TRUE(viewShows(grey, {primary.x, primary.y, primary.width, 200}));
+    EXPECT_TRUE(viewShows(grey, {primary.x, primary.bottom() - 200, primary.width, 200}));
+    const Area small = x().outerAreaOf(control());
+    EXPECT_EQ(small.x, primary.x + primary.width / 2 - 200);
+    EXPECT_EQ(small.y, primary.y + primary.height / 2 - 60);
+    saveScreen(std::string("full_screen_") + GetParam().name, x().screenArea());
+    press(XK_f);
+    EXPECT_TRUE(outerBecomes(before));
+    EXPECT_TRUE(viewShows(grey));
+  }
+}
+
+TEST_P(TwoMonitors, TheMenuOpensAtThePointer) {
+  x().moveMouse(view().x + 40, view().y + 30);
+  settle();
+  x().click(3);
+  ASSERT_TRUE(eventually([this] { return openMenus().size() == 1; }));
+  const Area menu = x().areaOf(openMenus()[0]);
+  EXPECT_EQ(menu.x, view().x + 40);
+  EXPECT_EQ(menu.y, view().y + 30);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Primary, TwoMonitors,
+    testing::Values(Monitors{"Left", "2080x1000", {0, 0, 1280, 1000}, {1280, 0, 800, 1000}},
+                    Monitors{"Right", "2080x1000", {800, 0, 1280, 1000}, {0, 0, 800, 1000}},
+                    Monitors{"Above", "1280x1700", {0, 0, 1280, 900}, {0, 900, 1280, 800}},
+                    Monitors{"Below", "1280x1700", {0, 800, 1280, 900}, {0, 0, 1280, 800}},
+                    Monitors{"Shifted", "2080x1300", {800, 300, 1280, 1000}, {0, 0, 800, 1000}}),
+    [](const auto& given) { return std::string(given.param.name); });
+
+TEST_F(MonitorTest, AMonitorThatComesAsThePrimaryOneIsFollowed) {
+  useDisplay({}, Manager::Openbox, "2080x1000");
+  begin();
+  ASSERT_TRUE(outerBecomes(centredOn(x().screenArea())));
+  setMonitor("*Primary", {800, 0, 1280, 1000}, "screen");
+  setMonitor("Other", {0, 0, 800, 1000}, "none");
+  settle();
+  dragMouse(view().x + 100, view().y + 100, 60, 40);
+  EXPECT_TRUE(viewShows(grey));
+  press(XK_f);
+  EXPECT_TRUE(viewBecomes({800, 0, 1280, 1000}));
+}
+
+}  // namespace
+}  // namespace tintora::desktop_test

@@ -139,9 +139,11 @@ bool onSized(Window* window) {
 // The program's own moves come back as events too, some of them late.
 bool onMoved(Window* window) {
   const Mover mover = moverOf(window);
-  const bool told =
-      mover == Mover::User || (mover == Mover::WindowManager && window->kind == WindowKind::Main);
-  if (told) return handOver({.kind = EventKind::Moving, .window = window});
+  const bool isMain = window->kind == WindowKind::Main;
+  if (isMain && mover != Mover::Program) noteMainMoved();
+  if (mover == Mover::User || (mover == Mover::WindowManager && isMain)) {
+    return handOver({.kind = EventKind::Moving, .window = window});
+  }
   takeTurn();
   return false;
 }
@@ -166,7 +168,9 @@ bool onClosing(Window* window, QCloseEvent& close) {
 
 bool onDragged(const Window* window, QDropEvent& drag) {
   if (!window->acceptsFiles || !drag.mimeData()->hasUrls()) return false;
-  drag.acceptProposedAction();
+  // As a copy: after a move, the source would delete the file.
+  drag.setDropAction(Qt::CopyAction);
+  drag.accept();
   return true;
 }
 
@@ -234,10 +238,10 @@ void translateEvents(Window* window) {
   window->window->installEventFilter(new EventFilter(window));
 }
 
-void onMonitorsChanged() {
-  for (Window* const window : translated) {
-    if (window->kind == WindowKind::Main) onSized(window);
-  }
+Window* windowOf(xcb_window_t id) {
+  const auto found = std::ranges::find_if(
+      translated, [id](const Window* window) { return window->window->winId() == id; });
+  return found == translated.end() ? nullptr : *found;
 }
 
 bool handOver(const Event& event) {

@@ -1,6 +1,8 @@
 // From Qt's events to the program's, and the loop they come in.
 #pragma once
 
+#include <xcb/xcb.h>
+
 #include "platform/window.h"
 
 namespace tintora::platform {
@@ -11,8 +13,8 @@ void setEventHandler(EventHandler handler);
 // Has what happens to a window handed to the handler from now on.
 void translateEvents(Window* window);
 
-// Has the program fit its view again after the primary monitor has changed.
-void onMonitorsChanged();
+// Returns the program's window with an identifier of the X server, or null.
+Window* windowOf(xcb_window_t id);
 
 // Hands an event to the program; true where the desktop's own handling must not follow.
 bool handOver(const Event& event);

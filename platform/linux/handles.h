@@ -15,9 +15,10 @@
 
 namespace tintora::platform {
 
-// Outer bounds that were asked for, and when.
+// Outer bounds that were asked for, with which frame and when.
 struct AskedBounds {
   QRect outer;
+  QMargins frame;
   std::chrono::steady_clock::time_point time;
 };
 
@@ -26,10 +27,15 @@ struct Window {
   std::unique_ptr<QWindow> window = std::make_unique<QWindow>();
   WindowForm form = WindowForm::Framed;
   bool acceptsFiles = false;
-  bool stale = false;                           // invalidated while it was being painted
-  int wheelTravel = 0;                          // what does not make a whole step yet
-  QMargins formerFrame;                         // that it had when it last had one, or will have
-  std::deque<AskedBounds> asked;                // of late, the oldest first
+  bool stale = false;             // invalidated while it was being painted
+  int wheelTravel = 0;            // what does not make a whole step yet
+  QMargins formerFrame;           // that it had when it last had one, or will have
+  std::deque<AskedBounds> asked;  // of late, the oldest first
+  bool travels = false;           // to where it was last asked to be
+  bool hitTransparent = false;
+  // By the window manager, while the window has the focus: it does so while the user moves it.
+  bool keyboardHeld = false;
+  std::chrono::steady_clock::time_point keyboardReleased;
   std::chrono::steady_clock::time_point shown;  // when it last appeared
   QTimer timer;
   std::unique_ptr<QBackingStore> surface;  // once it was painted

@@ -10,11 +10,14 @@
 #include <clocale>
 #include <csignal>
 #include <iostream>
+#include <optional>
 #include <string_view>
 
-#include "platform/linux/event_loop.h"
+#include "platform/linux/environment.h"
 #include "platform/linux/program.h"
 #include "platform/linux/screen_place.h"
+#include "platform/linux/window_frame.h"
+#include "platform/linux/window_manager.h"
 #include "platform/linux/x_server.h"
 #include "platform/window.h"
 
@@ -44,11 +47,18 @@ bool answers(std::string_view argument) {
   return argument == "--help" || argument == "--version";
 }
 
-// Before Qt starts: windows in pixels of the screen, over X11, with Qt's own event loop.
+// Before Qt starts: windows in pixels of the screen, whatever scale the desktop sets for Qt's own
+// programs, over X11, with Qt's own event loop.
 void prepareQt() {
-  qputenv("QT_QPA_PLATFORM", "xcb");
-  qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
-  qputenv("QT_NO_GLIB", "1");
+  using tintora::platform::setOwnVariable;
+  for (const char* const scale :
+       {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS", "QT_AUTO_SCREEN_SCALE_FACTOR",
+        "QT_SCALE_FACTOR_ROUNDING_POLICY", "QT_DEVICE_PIXEL_RATIO", "QT_USE_PHYSICAL_DPI"}) {
+    setOwnVariable(scale, std::nullopt);
+  }
+  setOwnVariable("QT_ENABLE_HIGHDPI_SCALING", "0");
+  setOwnVariable("QT_QPA_PLATFORM", "xcb");
+  setOwnVariable("QT_NO_GLIB", "1");
   QCoreApplication::setApplicationName("tintora");
   QCoreApplication::setApplicationVersion(TINTORA_VERSION);
   QGuiApplication::setDesktopFileName("tintora");
@@ -87,6 +97,7 @@ int main(int count, char** arguments) {
   // The arguments are the program's, not Qt's.
   int ownName = 1;
   const QApplication application(ownName, arguments);
+  tintora::platform::followWindowManager();
   tintora::platform::followMonitors(&tintora::platform::onMonitorsChanged);
   QApplication::setWindowIcon(QIcon(":/tintora.png"));
   // The custom file has decimal points wherever its reader lives.

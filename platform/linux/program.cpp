@@ -8,6 +8,7 @@
 #include <array>
 
 #include "engine/custom_transforms.h"
+#include "platform/linux/environment.h"
 #include "platform/linux/program.h"
 #include "platform/linux/screen_place.h"
 
@@ -59,6 +60,7 @@ void openPageBesideProgram(const std::string& fileName) {
   for (const QString& place : places) {
     const QFileInfo page(place + '/' + QString::fromStdString(fileName));
     if (!page.exists()) continue;
+    const UsersEnvironment environment;
     QDesktopServices::openUrl(QUrl::fromLocalFile(page.canonicalFilePath()));
     return;
   }

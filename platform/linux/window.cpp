@@ -1,8 +1,5 @@
 #include "platform/window.h"
 
-#include <xcb/shape.h>
-#include <xcb/xcb.h>
-
 #include <QGuiApplication>
 #include <array>
 
@@ -11,7 +8,7 @@
 #include "platform/linux/screen_place.h"
 #include "platform/linux/text.h"
 #include "platform/linux/window_frame.h"
-#include "platform/linux/x_server.h"
+#include "platform/linux/window_manager.h"
 
 namespace tintora::platform {
 
@@ -20,7 +17,7 @@ namespace {
 // By WindowKind.
 const std::array<Qt::WindowFlags, 3> windowKinds{
     Qt::Window | Qt::WindowStaysOnTopHint,
-    Qt::Window | Qt::WindowStaysOnTopHint | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+    Qt::Dialog | Qt::WindowStaysOnTopHint | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
         Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint,
     Qt::Window | Qt::WindowStaysOnTopHint};
 
@@ -42,29 +39,46 @@ const Value& at(const std::array<Value, size>& table, Index index) {
   return table[static_cast<std::size_t>(index)];
 }
 
-void setInputShape(xcb_window_t window, bool transparent) {
-  if (transparent) {
-    xcb_shape_rectangles(xServer.connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
-                         XCB_CLIP_ORDERING_UNSORTED, window, 0, 0, 0, nullptr);
-  } else {
-    xcb_shape_mask(xServer.connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, window, 0, 0,
-                   XCB_NONE);
+// The main window, once it is made.
+Window* mainWindow = nullptr;
+
+bool fillsScreen(const Window* window) {
+  return window != nullptr && window->form == WindowForm::FullScreen;
+}
+
+// A window manager fills the monitor that the window stands on.
+void moveToPrimaryMonitor(Window* window) {
+  const QRect outer = boundsAskedFor(window);
+  const QRect& primary = primaryMonitor();
+  if (primary.contains(outer.center())) return;
+  const QPoint place =
+      primary.topLeft() +
+      QPoint(primary.width() - outer.width(), primary.height() - outer.height()) / 2;
+  askForBounds(window, {place, outer.size()});
+}
+
+void setFrame(Window* window, bool framed) {
+  const bool had = !window->window->flags().testFlag(Qt::FramelessWindowHint);
+  if (framed == had) return;
+  window->window->setFlag(Qt::FramelessWindowHint, !framed);
+  floatWindow(window);
+}
+
+// A window manager is asked anew: it fills the monitor that the window is on, and not every one
+// looks again when monitors change.
+void fillPrimaryMonitor(Window* window) {
+  if (!managerMakesFullScreen()) return askForBounds(window, primaryMonitor());
+  window->window->setWindowStates(Qt::WindowNoState);
+  askForBounds(window, primaryMonitor());
+  window->window->setWindowStates(Qt::WindowFullScreen);
+}
+
+// Returns the focus to the main window when the window that has it goes.
+void passFocusOn(const Window* window) {
+  if (window == mainWindow || QGuiApplication::focusWindow() != window->window.get()) return;
+  if (mainWindow != nullptr && mainWindow->window->isVisible()) {
+    mainWindow->window->requestActivate();
   }
-}
-
-xcb_window_t parentOf(xcb_window_t window) {
-  xcb_connection_t* const x = xServer.connection;
-  const Received<xcb_query_tree_reply_t> tree(
-      xcb_query_tree_reply(x, xcb_query_tree(x, window), nullptr));
-  return tree ? tree->parent : static_cast<xcb_window_t>(XCB_NONE);
-}
-
-// What Qt has asked of the server is known there from then on, on the other connection too.
-void finishQtRequests() {
-  xcb_connection_t* const connection =
-      qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
-  const Received<xcb_get_input_focus_reply_t> done(
-      xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
 }
 
 }  // namespace
@@ -84,6 +98,10 @@ Window* createWindow(WindowKind kind, const std::string& title, const Rect& boun
   window->window->setFlags(at(windowKinds, kind));
   window->window->create();
   if (kind == WindowKind::Control) fixSize(window, onRoot(bounds).size());
+  if (kind == WindowKind::Main) mainWindow = window;
+  // Above the main window even if that fills the screen.
+  if (kind == WindowKind::Control) window->window->setTransientParent(mainWindow->window.get());
+  if (kind != WindowKind::Control) floatWindow(window);
   finishQtRequests();
   askForFrame(window);
   setTitle(window, title);
@@ -96,36 +114,49 @@ void setWindowForm(Window* window, WindowForm form) {
   const WindowFormFacts& facts = at(windowForms, form);
   const QRect outer = boundsAskedFor(window);
   rememberFrame(window);
+  if (form == WindowForm::FullScreen) moveToPrimaryMonitor(window);
   window->form = form;
-  window->window->setFlag(Qt::FramelessWindowHint, !facts.framed);
+  setFrame(window, facts.framed);
   if (window->window->windowStates() != facts.state) window->window->setWindowStates(facts.state);
-  if (facts.state != Qt::WindowNoState) return;
-  askForBounds(window, outer);
+  if (facts.state == Qt::WindowNoState) askForBounds(window, outer);
 }
 
 void setHitTransparent(Window* window, bool transparent) {
-  // The frame of a window manager around it is hit first.
-  const xcb_window_t root = xServer.screen->root;
-  auto part = static_cast<xcb_window_t>(window->window->winId());
-  for (; part != root && part != XCB_NONE; part = parentOf(part)) setInputShape(part, transparent);
-  xcb_flush(xServer.connection);
+  window->hitTransparent = transparent;
+  shapeInput(window);
 }
 
 void showWindow(Window* window, ShowState state) {
   QWindow& shown = *window->window;
-  if (state == ShowState::Hidden) return shown.setVisible(false);
+  if (state == ShowState::Hidden) {
+    passFocusOn(window);
+    return shown.setVisible(false);
+  }
   if (state == ShowState::Normal) shown.setWindowStates(Qt::WindowNoState);
   if (state == ShowState::Maximised && window->form != WindowForm::FullScreen) {
     shown.setWindowStates(Qt::WindowMaximized);
   }
   if (!shown.isVisible()) window->shown = std::chrono::steady_clock::now();
   shown.setVisible(true);
+  if (window->kind == WindowKind::ColourSpace && fillsScreen(mainWindow)) {
+    setWindowAbove(window, mainWindow);
+  }
+  if (state == ShowState::Normal) shown.requestActivate();
 }
 
 void setWindowBounds(Window* window, const Rect& bounds) {
+  // Asked for its bounds, a window manager takes a window out of full screen.
+  if (fillsScreen(window) && managerMakesFullScreen()) return;
   const QRect outer = onRoot(bounds);
   if (outer == boundsAskedFor(window)) return;
+  if (window == mainWindow) noteMainMoved();
   askForBounds(window, outer);
+}
+
+void onMonitorsChanged() {
+  if (mainWindow == nullptr) return;
+  if (fillsScreen(mainWindow)) fillPrimaryMonitor(mainWindow);
+  handOver({.kind = EventKind::Sized, .window = mainWindow, .maximised = isMaximised(mainWindow)});
 }
 
 Rect windowBounds(const Window* window) {

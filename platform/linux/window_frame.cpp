@@ -6,9 +6,11 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
-#include <span>
+#include <cstring>
+#include <optional>
 #include <thread>
 
+#include "platform/linux/window_manager.h"
 #include "platform/linux/x_server.h"
 
 namespace tintora::platform {
@@ -17,13 +19,15 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// What a window manager that answers at all answers within.
-constexpr std::chrono::milliseconds patience{20};
-constexpr std::chrono::microseconds betweenLooks{500};
-// ... within which the events of a request have come, and a window's appearance is over.
-constexpr std::chrono::milliseconds journey{500};
-// ... within which it has put a window elsewhere than where it was asked to.
-constexpr std::chrono::milliseconds objection{200};
+// A window manager that tells frames in advance answers within this time.
+constexpr std::chrono::milliseconds frameReplyTimeout{20};
+constexpr std::chrono::microseconds frameReplyPause{500};
+// Within this time the events of a request have come, and a window's appearance is over.
+constexpr std::chrono::milliseconds travelTime{500};
+// Within this time a window manager has done what it was asked to, however busy it is.
+constexpr std::chrono::milliseconds answerTime{3000};
+
+Clock::time_point mainMoved;
 
 bool isFramed(WindowForm form) {
   return form == WindowForm::Framed || form == WindowForm::FramedMaximised;
@@ -33,72 +37,95 @@ bool isWithin(std::chrono::milliseconds duration, Clock::time_point since) {
   return Clock::now() - since < duration;
 }
 
-bool isMouseButtonHeld() {
-  constexpr unsigned int anyButton = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
-  const Received<xcb_query_pointer_reply_t> pointer(
-      xcb_query_pointer_reply(x(), xcb_query_pointer(x(), xServer.screen->root), nullptr));
-  return pointer && (pointer->mask & anyButton) != 0;
-}
-
 QMargins frameOf(const Window* window) {
   if (!isFramed(window->form)) return {};
   const QMargins frame = window->window->frameMargins();
   return frame.isNull() ? window->formerFrame : frame;
 }
 
-Received<xcb_get_property_reply_t> property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) {
-  constexpr std::uint32_t most = 1024;
-  return Received<xcb_get_property_reply_t>(
-      xcb_get_property_reply(x(), xcb_get_property(x(), 0, window, name, type, 0, most), nullptr));
+std::optional<QMargins> toldFrame(xcb_window_t window) {
+  xcb_connection_t* const x = xServer.connection;
+  const Received<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+      x, xcb_get_property(x, 0, window, xServer.frameExtents, XCB_ATOM_CARDINAL, 0, 4), nullptr));
+  if (!reply || reply->format != 32 || reply->value_len != 4) return std::nullopt;
+  std::array<std::int32_t, 4> widths{};  // left, right, top, bottom
+  std::memcpy(widths.data(), xcb_get_property_value(reply.get()), sizeof widths);
+  return QMargins(widths[0], widths[2], widths[1], widths[3]);
 }
 
-std::span<const std::uint32_t> numbers(const xcb_get_property_reply_t* reply) {
-  if (reply == nullptr || reply->format != 32) return {};
-  return {static_cast<const std::uint32_t*>(xcb_get_property_value(reply)), reply->value_len};
-}
-
-bool windowManagerTells() {
-  const auto reply = property(xServer.screen->root, xServer.supported, XCB_ATOM_ATOM);
-  const auto atoms = numbers(reply.get());
-  return std::ranges::find(atoms, xServer.requestFrameExtents) != atoms.end();
-}
-
-void sendRequest(xcb_window_t window) {
+void requestFrame(xcb_window_t window) {
   xcb_client_message_event_t message{};
   message.response_type = XCB_CLIENT_MESSAGE;
   message.format = 32;
   message.window = window;
   message.type = xServer.requestFrameExtents;
-  xcb_send_event(x(), 0, xServer.screen->root,
+  xcb_send_event(xServer.connection, 0, xServer.screen->root,
                  XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                  reinterpret_cast<const char*>(&message));
+}
+
+bool isAtRest(const Window* window) {
+  return window->form == WindowForm::Framed && window->window->windowStates() == Qt::WindowNoState;
+}
+
+void moveInto(Window* window, const AskedBounds& asked) {
+  const QRect inner = asked.outer.marginsRemoved(asked.frame);
+  if (window->kind == WindowKind::Control) fixSize(window, inner.size());
+  window->window->setGeometry(inner);
+}
+
+// A window manager may put a window elsewhere than where it was asked to, and late when it is busy.
+bool answersRequest(const Window* window) {
+  const bool asked = !window->asked.empty() && isWithin(answerTime, window->asked.back().time);
+  return asked || isWithin(answerTime, window->shown);
+}
+
+// The user moves a window with a button held on its frame, or by keys that the window manager
+// reads. While the main window moves, it is the one that the user holds.
+bool isHeldByUser(const Window* window) {
+  if (isWithin(travelTime, mainMoved)) return false;
+  if (window->keyboardHeld || isWithin(travelTime, window->keyboardReleased)) return true;
+  constexpr unsigned int anyButton = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
+  xcb_connection_t* const x = xServer.connection;
+  const Received<xcb_query_pointer_reply_t> pointer(
+      xcb_query_pointer_reply(x, xcb_query_pointer(x, xServer.screen->root), nullptr));
+  return pointer && (pointer->mask & anyButton) != 0 &&
+         outerBounds(window).contains(pointer->root_x, pointer->root_y);
 }
 
 }  // namespace
 
 void askForFrame(Window* window) {
-  if (!windowManagerTells()) return;
+  if (!managerTellsFrames()) return;
   const auto id = static_cast<xcb_window_t>(window->window->winId());
-  sendRequest(id);
-  const auto end = Clock::now() + patience;
+  requestFrame(id);
+  const auto end = Clock::now() + frameReplyTimeout;
   while (Clock::now() < end) {
-    const auto reply = property(id, xServer.frameExtents, XCB_ATOM_CARDINAL);
-    const auto widths = numbers(reply.get());
-    if (widths.size() == 4) {
-      const auto width = [&](std::size_t side) { return static_cast<int>(widths[side]); };
-      window->formerFrame = {width(0), width(2), width(1), width(3)};  // left, right, top, bottom
+    if (const auto frame = toldFrame(id)) {
+      window->formerFrame = *frame;
       return;
     }
-    std::this_thread::sleep_for(betweenLooks);
+    std::this_thread::sleep_for(frameReplyPause);
   }
 }
 
+void askForBounds(Window* window, const QRect& outer) {
+  std::erase_if(window->asked,
+                [](const AskedBounds& asked) { return !isWithin(answerTime, asked.time); });
+  window->asked.push_back({outer, frameOf(window), Clock::now()});
+  window->travels = true;
+  moveInto(window, window->asked.back());
+}
+
 void allowForFrame(Window* window) {
-  if (!window->formerFrame.isNull() || window->form != WindowForm::Framed) return;
+  if (!isAtRest(window) || window->asked.empty()) return;
   rememberFrame(window);
-  if (window->formerFrame.isNull() || window->asked.empty()) return;
-  const QRect outer = window->asked.back().outer;
-  askForBounds(window, outer);
+  AskedBounds& last = window->asked.back();
+  const QMargins frame = frameOf(window);
+  if (frame == last.frame || !isWithin(answerTime, last.time)) return;
+  last.frame = frame;
+  window->travels = true;
+  moveInto(window, last);
 }
 
 QRect outerBounds(const Window* window) {
@@ -106,21 +133,9 @@ QRect outerBounds(const Window* window) {
 }
 
 QRect boundsAskedFor(const Window* window) {
-  const bool travels = !window->asked.empty() && isWithin(journey, window->asked.back().time);
+  const bool travels =
+      window->travels && !window->asked.empty() && isWithin(travelTime, window->asked.back().time);
   return travels ? window->asked.back().outer : outerBounds(window);
-}
-
-QRect withoutFrame(const Window* window, const QRect& outer) {
-  return outer.marginsRemoved(frameOf(window));
-}
-
-void askForBounds(Window* window, const QRect& outer) {
-  std::erase_if(window->asked,
-                [](const AskedBounds& asked) { return !isWithin(journey, asked.time); });
-  window->asked.push_back({outer, Clock::now()});
-  const QRect inner = withoutFrame(window, outer);
-  if (window->kind == WindowKind::Control) fixSize(window, inner.size());
-  window->window->setGeometry(inner);
 }
 
 void fixSize(Window* window, const QSize& size) {
@@ -131,11 +146,15 @@ void fixSize(Window* window, const QSize& size) {
 Mover moverOf(Window* window) {
   const QRect outer = outerBounds(window);
   const auto asked = std::ranges::find(window->asked, outer, &AskedBounds::outer);
-  if (asked != window->asked.end() && isWithin(journey, asked->time)) return Mover::Program;
-  const bool answers = !window->asked.empty() && isWithin(objection, window->asked.back().time);
+  if (asked != window->asked.end() && isWithin(travelTime, asked->time)) return Mover::Program;
+  window->travels = false;
+  if (!isHeldByUser(window) && answersRequest(window)) return Mover::WindowManager;
   window->asked.clear();
-  if (isMouseButtonHeld()) return Mover::User;
-  return answers || isWithin(journey, window->shown) ? Mover::WindowManager : Mover::User;
+  return Mover::User;
+}
+
+void noteMainMoved() {
+  mainMoved = Clock::now();
 }
 
 void rememberFrame(Window* window) {

@@ -1,0 +1,185 @@
+#include "platform/linux/window_manager.h"
+
+#include <xcb/shape.h>
+
+#include <QAbstractNativeEventFilter>
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QGuiApplication>
+#include <algorithm>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "platform/linux/event_loop.h"
+#include "platform/linux/window_frame.h"
+#include "platform/linux/x_server.h"
+
+namespace tintora::platform {
+
+namespace {
+
+// What Qt asks and tells goes over its own connection; requests here follow Qt's in order.
+xcb_connection_t* qtConnection() {
+  return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+}
+
+xcb_window_t idOf(const Window* window) {
+  return static_cast<xcb_window_t>(window->window->winId());
+}
+
+xcb_atom_t atom(std::string_view name) {
+  xcb_connection_t* const x = xServer.connection;
+  const Received<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+      x, xcb_intern_atom(x, 0, static_cast<std::uint16_t>(name.size()), name.data()), nullptr));
+  return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_NONE);
+}
+
+Received<xcb_get_property_reply_t> property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) {
+  xcb_connection_t* const x = xServer.connection;
+  constexpr std::uint32_t most = 1024;
+  return Received<xcb_get_property_reply_t>(
+      xcb_get_property_reply(x, xcb_get_property(x, 0, window, name, type, 0, most), nullptr));
+}
+
+std::span<const std::uint32_t> numbers(const xcb_get_property_reply_t* reply) {
+  if (reply == nullptr || reply->format != 32) return {};
+  return {static_cast<const std::uint32_t*>(xcb_get_property_value(reply)), reply->value_len};
+}
+
+// A list of what it can be asked may be left behind by a window manager that is gone: one that
+// lives has a window that names itself.
+bool isManaged() {
+  const xcb_atom_t check = atom("_NET_SUPPORTING_WM_CHECK");
+  const auto named = property(xServer.screen->root, check, XCB_ATOM_WINDOW);
+  const auto window = numbers(named.get());
+  if (window.size() != 1) return false;
+  const auto itself = property(window[0], check, XCB_ATOM_WINDOW);
+  return std::ranges::equal(numbers(itself.get()), window);
+}
+
+bool isSupported(xcb_atom_t request) {
+  if (!isManaged()) return false;
+  const auto reply = property(xServer.screen->root, xServer.supported, XCB_ATOM_ATOM);
+  const auto atoms = numbers(reply.get());
+  return std::ranges::find(atoms, request) != atoms.end();
+}
+
+xcb_window_t parentOf(xcb_window_t window) {
+  xcb_connection_t* const x = xServer.connection;
+  const Received<xcb_query_tree_reply_t> tree(
+      xcb_query_tree_reply(x, xcb_query_tree(x, window), nullptr));
+  return tree ? tree->parent : static_cast<xcb_window_t>(XCB_NONE);
+}
+
+void setInputShape(xcb_window_t window, bool transparent) {
+  if (transparent) {
+    xcb_shape_rectangles(xServer.connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
+                         XCB_CLIP_ORDERING_UNSORTED, window, 0, 0, 0, nullptr);
+  } else {
+    xcb_shape_mask(xServer.connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, window, 0, 0,
+                   XCB_NONE);
+  }
+}
+
+void onFrameChanged(Window* window) {
+  if (window->hitTransparent) shapeInput(window);
+  allowForFrame(window);
+}
+
+template <typename Event>
+const Event& as(const xcb_generic_event_t& event) {
+  return reinterpret_cast<const Event&>(event);
+}
+
+// Qt hears of these events first from here, so that its own picture of the frame is old until then.
+void onFrameChangedLater(xcb_window_t id) {
+  Window* const window = windowOf(id);
+  if (window == nullptr) return;
+  QMetaObject::invokeMethod(
+      window->window.get(), [window] { onFrameChanged(window); }, Qt::QueuedConnection);
+}
+
+void noteKeyboard(xcb_window_t id, std::uint8_t mode, bool in) {
+  Window* const window = windowOf(id);
+  if (window == nullptr) return;
+  const bool held = !in && mode == XCB_NOTIFY_MODE_GRAB;
+  if (window->keyboardHeld && !held) window->keyboardReleased = std::chrono::steady_clock::now();
+  window->keyboardHeld = held;
+}
+
+class ManagerEvents : public QAbstractNativeEventFilter {
+ public:
+  bool nativeEventFilter(const QByteArray& /*type*/, void* message, qintptr* /*result*/) override {
+    const auto& event = *static_cast<const xcb_generic_event_t*>(message);
+    switch (event.response_type & 0x7F) {
+      case XCB_REPARENT_NOTIFY:
+        onFrameChangedLater(as<xcb_reparent_notify_event_t>(event).window);
+        break;
+      case XCB_PROPERTY_NOTIFY:
+        if (as<xcb_property_notify_event_t>(event).atom != xServer.frameExtents) break;
+        onFrameChangedLater(as<xcb_property_notify_event_t>(event).window);
+        break;
+      case XCB_FOCUS_IN:
+      case XCB_FOCUS_OUT: {
+        const auto& focus = as<xcb_focus_in_event_t>(event);
+        noteKeyboard(focus.event, focus.mode, (event.response_type & 0x7F) == XCB_FOCUS_IN);
+        break;
+      }
+      default:
+        break;
+    }
+    return false;
+  }
+};
+
+}  // namespace
+
+bool managerMakesFullScreen() {
+  return isSupported(atom("_NET_WM_STATE_FULLSCREEN"));
+}
+
+bool managerTellsFrames() {
+  return isSupported(xServer.requestFrameExtents);
+}
+
+// As an ordinary window first; those who only look whether the list has an entry float utilities.
+void floatWindow(Window* window) {
+  const xcb_atom_t utility = atom("_NET_WM_WINDOW_TYPE_UTILITY");
+  xcb_change_property(qtConnection(), XCB_PROP_MODE_APPEND, idOf(window),
+                      atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32, 1, &utility);
+  xcb_flush(qtConnection());
+}
+
+void setWindowAbove(Window* window, const Window* parent) {
+  if (parent == nullptr) {
+    xcb_delete_property(qtConnection(), idOf(window), XCB_ATOM_WM_TRANSIENT_FOR);
+  } else {
+    const xcb_window_t id = idOf(parent);
+    xcb_change_property(qtConnection(), XCB_PROP_MODE_REPLACE, idOf(window),
+                        XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, 32, 1, &id);
+  }
+  xcb_flush(qtConnection());
+}
+
+// A window manager's frame is hit before the window.
+void shapeInput(Window* window) {
+  const xcb_window_t root = xServer.screen->root;
+  for (auto part = idOf(window); part != root && part != XCB_NONE; part = parentOf(part)) {
+    setInputShape(part, window->hitTransparent);
+  }
+  xcb_flush(xServer.connection);
+}
+
+void followWindowManager() {
+  static ManagerEvents events;
+  QCoreApplication::instance()->installNativeEventFilter(&events);
+}
+
+void finishQtRequests() {
+  xcb_connection_t* const x = qtConnection();
+  const Received<xcb_get_input_focus_reply_t> done(
+      xcb_get_input_focus_reply(x, xcb_get_input_focus(x), nullptr));
+}
+
+}  // namespace tintora::platform

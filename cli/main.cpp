@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "cli/batch.h"
+#include "cli/check_command.h"
 #include "cli/curves_command.h"
 #include "cli/filter_command.h"
 #include "cli/list_command.h"
@@ -31,11 +32,13 @@ namespace {
 
 constexpr int exitRun = 1;
 constexpr int exitUsage = 2;
+constexpr int exitFindings = 3;
 
 struct Request {
   TransformOptions transform;
   MatrixFormat matrixFormat = MatrixFormat::Text;
   FilterRequest filter;
+  CheckRequest check;
 };
 
 void print(const std::string& text) {
@@ -134,6 +137,19 @@ void addFilterOptions(CLI::App& command, FilterRequest& request) {
   command.add_flag("--force", request.overwrites, "Overwrite files in the folder");
 }
 
+// Options of a transform may stand before a command, but some commands have none.
+void refuseTransformOptions(const Request& request, const std::string& command) {
+  if (request.transform.given.empty()) return;
+  throw UsageError(*request.transform.given.begin() + ": is not taken before " + command);
+}
+
+int runCheck(const Request& request) {
+  refuseTransformOptions(request, "check");
+  const CheckedInput checked = checkInput(request.check);
+  print(formatCheck(request.check, checked));
+  return checked.check.findings.empty() ? 0 : exitFindings;
+}
+
 int parseAndRun(int argc, const char* const* argv) {
   Request request;
   CLI::App app("Colour vision deficiency transforms: matrices, curves and image files");
@@ -168,6 +184,10 @@ int parseAndRun(int argc, const char* const* argv) {
   CLI::App& curves = addCommand(
       "curves", "Print the response curves of the simulated observer as CSV", &runCurves);
   addTransformOptions(curves, request.transform);
+  addCheckArguments(
+      addCommand("check", "Check a palette for colours that are lost to viewers with a deficiency",
+                 &runCheck),
+      request.check);
   addCommand("list", "List modes, algorithms with their sources, filters and swaps", &runList);
 
   try {
@@ -181,7 +201,8 @@ int parseAndRun(int argc, const char* const* argv) {
     complain(error.what());
     return exitUsage;
   }
-  if (run == nullptr) throw UsageError("a subcommand is needed: matrix, filter, curves or list");
+  if (run == nullptr)
+    throw UsageError("a subcommand is needed: matrix, filter, curves, check or list");
   return run(request);
 }
 

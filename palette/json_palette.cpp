@@ -54,6 +54,8 @@ PaletteText readJsonPalette(std::string_view text) {
     json = Json::parse(text);
   } catch (const Json::parse_error& error) {
     throw PaletteError("this is no valid JSON from byte " + std::to_string(error.byte) + " on");
+  } catch (const Json::out_of_range&) {
+    throw PaletteError("this is no valid JSON: a number in it is too large");
   }
   if (!json.is_array()) throw PaletteError("this is no JSON array");
   if (json.empty()) throw PaletteError("it holds no colour");

@@ -107,6 +107,7 @@ TEST(JsonPalette, WhatIsNoColourIsRefusedByItsPlace) {
   }
   EXPECT_EQ(refusal("[]"), "it holds no colour");
   EXPECT_EQ(refusal("[\"red\",]"), "this is no valid JSON from byte 8 on");
+  EXPECT_EQ(refusal("[1e999]"), "this is no valid JSON: a number in it is too large");
   EXPECT_EQ(refusal("['red']"), "this is no valid JSON from byte 2 on");
 }
 

@@ -1,14 +1,27 @@
-# Sourced by the other scripts: installs what is missing of Debian's packages.
+# Sourced by the other scripts: installs the Debian packages that are missing, and builds.
 
-# Everything that building the program itself takes.
-build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libpng-dev
-  libjpeg62-turbo-dev pkg-config qt6-base-dev libxcb1-dev libxcb-composite0-dev libxcb-damage0-dev
-  libxcb-randr0-dev libxcb-render0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-xfixes0-dev x11-utils)
+# What building takes at all, and what each program takes besides.
+compiler_packages=(g++ cmake ninja-build)
+tool_packages=(libcli11-dev nlohmann-json3-dev libpng-dev libjpeg62-turbo-dev)
+desktop_packages=(pkg-config qt6-base-dev libxcb1-dev libxcb-composite0-dev libxcb-damage0-dev
+  libxcb-randr0-dev libxcb-render0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-xfixes0-dev
+  x11-utils)
+
+# What the quick tests take besides.
+quick_test_packages=(libgtest-dev)
+
+# What all tests take besides: clang for formatting, lint and fuzzing; the cross-compiler and Wine for
+# the Windows program; another processor's compiler and emulator; compositing and window managers.
+test_packages=(python3 clang clang-format libclang-rt-14-dev
+  g++-mingw-w64-x86-64-posix wine wine64 fonts-wine libxcomposite1
+  g++-aarch64-linux-gnu qemu-user googletest
+  picom xcompmgr dbus-daemon fluxbox i3-wm icewm twm xfwm4
+  libxcb-res0-dev libxcb-xtest0-dev)
 
 # A virtual display with a window manager and software graphics.
 display_packages=(xvfb openbox x11-xserver-utils libgl1 libgl1-mesa-dri)
 
-# install_packages NAME...: does nothing, and asks for no rights, where all are there.
+# install_packages NAME...: installs those that are missing; needs no rights if none is.
 install_packages() {
   local missing=() name as_root=()
   for name in "$@"; do
@@ -25,7 +38,7 @@ install_packages() {
     { tail -n 20 build/packages.log; echo "The packages could not be installed."; return 1; }
 }
 
-# build PRESET [TARGET...]: configures and builds; its output is shown only where it fails.
+# build PRESET [TARGET...]: configures and builds, and shows the output only if that fails.
 build() {
   local preset=$1 log=build/$1.log
   shift
@@ -33,5 +46,5 @@ build() {
   echo "Building $preset"
   { cmake --preset "$preset" &&
     cmake --build --preset "$preset" ${1+--target "$@"}; } >"$log" 2>&1 ||
-    { tail -n 40 "$log"; echo "The $preset build failed; all of its output is in $log."; return 1; }
+    { tail -n 40 "$log"; echo "Building $preset failed; its whole output is in $log."; return 1; }
 }

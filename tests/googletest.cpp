@@ -1,0 +1,1 @@
+// Empty: this library exists for its precompiled header.

@@ -4,6 +4,8 @@
 #include <chrono>
 #include <random>
 
+#include "engine/apply_transform.h"
+
 namespace tintora::bench {
 
 namespace {

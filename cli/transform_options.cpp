@@ -10,9 +10,10 @@
 
 #include "cli/output_file.h"
 #include "cli/text.h"
+#include "engine/apply_transform.h"
 #include "engine/colour_simulation.h"
 #include "engine/custom_transforms.h"
-#include "engine/effect_matrix.h"
+#include "engine/transform_display.h"
 
 namespace tintora::cli {
 

@@ -6,8 +6,6 @@
 #include <iterator>
 #include <memory>
 
-#include "engine/effect_matrix.h"
-
 namespace tintora {
 
 std::vector<CustomTransform> customTransforms;
@@ -127,40 +125,6 @@ std::string customTransformPath(std::string_view commandLine) {
 void loadCustomTransforms(const std::string& path) {
   std::ranges::move(parseCustomTransforms(readTextFile(path)).transforms,
                     std::back_inserter(customTransforms));
-}
-
-void applyCustomTransform(std::uint32_t index) {
-  TransformSettings& settings = transformSettings;
-  if (customTransforms.empty()) return;
-  if (index >= customTransforms.size()) index = 0;
-  settings.customIndex = static_cast<std::int32_t>(index);
-
-  const CustomTransform& entry = customTransforms[index];
-  const double strength = entry.adjustable ? settings.severity : 1.0;
-  transformDisplay.showTitle(entry.name);
-
-  // identity + (file value - identity) * strength; at 0 nothing is left of the file, be it
-  // infinite.
-  const auto blend = [strength](double identity, float value) {
-    return strength == 0.0 ? identity : identity + (value - identity) * strength;
-  };
-  ColourEffect effect;
-  for (std::size_t row = 0; row < 3; ++row) {
-    for (std::size_t column = 0; column < 3; ++column) {
-      double& coefficient = effect.matrix[3 * row + column];
-      coefficient = blend(coefficient, entry.rows[row][column]);
-    }
-    effect.offset[row] = blend(0.0, entry.rows[row][3]);
-  }
-  storeColourEffect(effect);
-
-  transformDisplay.showEffectMatrix(effectMatrix);
-  settings.transformOff = false;
-  if (entry.adjustable) {
-    transformDisplay.showTitle(entry.name + "   " +
-                               std::to_string(wholePercent(settings.severity)) +
-                               "% (mouse-wheel adjusts %)");
-  }
 }
 
 }  // namespace tintora

@@ -51,8 +51,4 @@ std::string customTransformPath(std::string_view commandLine);
 // fault.
 void loadCustomTransforms(const std::string& path);
 
-// Applies an entry, the first where there is none of that index; nothing at all where there are no
-// entries. Leaves the index used in the settings and turns the transform on.
-void applyCustomTransform(std::uint32_t index);
-
 }  // namespace tintora

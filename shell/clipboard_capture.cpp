@@ -1,6 +1,6 @@
 #include "shell/clipboard_capture.h"
 
-#include "engine/effect_matrix.h"
+#include "engine/apply_transform.h"
 #include "platform/clipboard.h"
 #include "platform/window.h"
 #include "shell/shell_state.h"

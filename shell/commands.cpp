@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <array>
 
+#include "engine/apply_transform.h"
 #include "engine/colour_effects.h"
 #include "engine/custom_transforms.h"
-#include "engine/effect_matrix.h"
+#include "engine/transform_display.h"
 #include "platform/menu.h"
 #include "platform/program.h"
 #include "shell/clipboard_capture.h"

@@ -1,11 +1,13 @@
 #include "shell/menus.h"
 
 #include <array>
+#include <cstddef>
 #include <span>
 #include <string>
 
 #include "engine/custom_transforms.h"
-#include "engine/effect_matrix.h"
+#include "engine/transform_display.h"
+#include "engine/transform_settings.h"
 #include "platform/menu.h"
 #include "shell/shell_state.h"
 
@@ -38,11 +40,10 @@ struct MenuItem {
   MenuSlot submenu = nullptr;
   Condition condition = Condition::Always;
   // Where the position of the item is recorded for the engine's check marks.
-  int ViewerItemPositions::*position = nullptr;
+  int* position = nullptr;
 };
 
-constexpr MenuItem item(int command, const char* text,
-                        int ViewerItemPositions::*position = nullptr) {
+constexpr MenuItem item(int command, const char* text, int* position = nullptr) {
   return {.kind = ItemKind::Item, .text = text, .command = command, .position = position};
 }
 constexpr MenuItem item(Relative command, const char* text,
@@ -60,7 +61,7 @@ constexpr MenuItem separator() {
   return {.kind = ItemKind::Separator};
 }
 constexpr MenuItem submenu(MenuSlot menu, const char* text, Condition condition = Condition::Always,
-                           int ViewerItemPositions::*position = nullptr) {
+                           int* position = nullptr) {
   return {.kind = ItemKind::Submenu,
           .text = text,
           .submenu = menu,
@@ -78,13 +79,19 @@ constexpr std::array colourSwapItems{
     item(202, "Swap Green and Blue"),
 };
 
+constexpr MenuItem algorithmItem(SimulationAlgorithm algorithm, const char* text) {
+  const auto number = static_cast<std::size_t>(algorithm);
+  return item(300 + static_cast<int>(number), text, &transformDisplay.algorithmPositions[number]);
+}
+
 constexpr std::array alternativeTransformItems{
     label("Alternative transforms:"),
-    item(300, "Judd, 1948"),
-    item(303, "Vi\xE9not, Brettel && Mollon, 1997 - Approximated"),
-    item(304, "Vi\xE9not, Brettel && Mollon, 1999"),
-    item(301, "Yang, Ro, Wong && Lee, 2008"),
-    item(302, "Machado, Oliveira && Fernandes, 2009"),
+    algorithmItem(SimulationAlgorithm::Judd1948, "Judd, 1948"),
+    algorithmItem(SimulationAlgorithm::Vienot1997Approximated,
+                  "Vi\xE9not, Brettel && Mollon, 1997 - Approximated"),
+    algorithmItem(SimulationAlgorithm::Vienot1999, "Vi\xE9not, Brettel && Mollon, 1999"),
+    algorithmItem(SimulationAlgorithm::Yang2008, "Yang, Ro, Wong && Lee, 2008"),
+    algorithmItem(SimulationAlgorithm::Machado2009, "Machado, Oliveira && Fernandes, 2009"),
 };
 
 constexpr std::array otherColourEffectItems{
@@ -130,17 +137,17 @@ constexpr std::array mainItems{
     label("Severity\tmouse-wheel, +-"),
     separator(),
     label("For Colour Normal Viewers:\tKey"),
-    item(775, "Simulation\tS", &ViewerItemPositions::simulation),
+    item(775, "Simulation\tS", &transformDisplay.positions.simulation),
     submenu(&ShellMenus::alternativeTransforms, "Simulation Option",
             Condition::SimulationOptionsEnabled),
     separator(),
     label("For Colour Deficient Viewers:\tKey"),
-    item(776, "Daltonize\tA", &ViewerItemPositions::daltonize),
-    item(777, "Inverse Transform", &ViewerItemPositions::inverseTransform),
-    item(200, "Swap Red and Blue", &ViewerItemPositions::swapRedAndBlue),
+    item(776, "Daltonize\tA", &transformDisplay.positions.daltonize),
+    item(777, "Inverse Transform", &transformDisplay.positions.inverseTransform),
+    item(200, "Swap Red and Blue", &transformDisplay.positions.swapRedAndBlue),
     separator(),
     submenu(&ShellMenus::otherColourEffects, "Other Colour Effects", Condition::Always,
-            &ViewerItemPositions::otherColourEffects),
+            &transformDisplay.positions.otherColourEffects),
     submenu(&ShellMenus::colourSpace, "Colour Space Window"),
     submenu(&ShellMenus::viewOptions, "View Options"),
     submenu(&ShellMenus::help, "Help"),
@@ -182,7 +189,7 @@ void append(Menu* menu, std::span<const MenuItem> entries) {
   for (const MenuItem& entry : entries) {
     if (!isMet(entry.condition)) continue;
     append(menu, entry);
-    if (entry.position != nullptr) transformDisplay.positions.*entry.position = position;
+    if (entry.position != nullptr) *entry.position = position;
     ++position;
   }
 }

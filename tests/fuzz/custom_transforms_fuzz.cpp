@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "engine/apply_transform.h"
 #include "engine/custom_transforms.h"
 #include "engine/effect_matrix.h"
 #include "engine/pixel_filter.h"

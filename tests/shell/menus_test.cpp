@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/effect_matrix.h"
+#include "engine/transform_display.h"
 #include "program_run.h"
 #include "shell/shell_state.h"
 

@@ -11,6 +11,7 @@
 #include "colour_space/colour_space_view.h"
 #include "engine/custom_transforms.h"
 #include "engine/effect_matrix.h"
+#include "engine/transform_display.h"
 #include "shell/main.h"
 #include "shell/shell_state.h"
 #include "spectral/simulation_matrix.h"

@@ -8,8 +8,10 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/apply_transform.h"
 #include "engine/custom_transforms.h"
 #include "engine/effect_matrix.h"
+#include "engine/transform_display.h"
 #include "engine/transform_settings.h"
 #include "spectral/simulation_matrix.h"
 
@@ -41,6 +43,9 @@ inline const ProcessRecords& recordsAtStart() {
 // Unlike each other and unlike the type items 1 to 3.
 inline constexpr ViewerItemPositions testPositions{5, 6, 7, 9, 12};
 
+// As the menu has them.
+inline constexpr AlgorithmPositions testAlgorithmPositions{1, 4, 5, 2, 3};
+
 inline TransformDisplay recordingDisplay() {
   TransformDisplay display;
   display.showEffectMatrix = [](const EffectMatrix& matrix) {
@@ -62,6 +67,7 @@ inline TransformDisplay recordingDisplay() {
     displayRecord.modelAtRefresh = modelContext;
   };
   display.positions = testPositions;
+  display.algorithmPositions = testAlgorithmPositions;
   return display;
 }
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "display_recorder.h"
+#include "engine/colour_effects.h"
 #include "matrix_expectations.h"
 
 namespace tintora {

@@ -12,8 +12,10 @@
 #include <string>
 #include <vector>
 
+#include "engine/apply_transform.h"
 #include "engine/effect_matrix.h"
 #include "engine/pixel_kernels.h"
+#include "engine/transform_settings.h"
 #include "spectral/simulation_matrix.h"
 
 namespace tintora {

@@ -1,0 +1,7 @@
+#include "engine/transform_display.h"
+
+namespace tintora {
+
+TransformDisplay transformDisplay;
+
+}  // namespace tintora

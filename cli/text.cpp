@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "engine/windows_1252.h"
+
 namespace tintora::cli {
 
 namespace {
@@ -17,14 +19,6 @@ std::string shortestDecimal(Number value) {
   const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value);
   return {digits.data(), end};
 }
-
-// What Windows-1252 has at 0x80 to 0x9F; its five gaps stay the control characters they are in
-// Latin-1. All else is the code point of its own number.
-constexpr std::array<char16_t, 32> windows1252High{
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
-};
 
 void appendUtf8(std::string& text, char32_t codePoint) {
   const auto byte = [&](char32_t value) { text.push_back(static_cast<char>(value)); };
@@ -101,11 +95,7 @@ std::string shortest(double value) {
 std::string toUtf8(std::string_view text) {
   if (isUtf8(text)) return std::string(text);
   std::string converted;
-  for (const char c : text) {
-    const auto byte = static_cast<std::uint8_t>(c);
-    const bool high = byte >= 0x80 && byte < 0xA0;
-    appendUtf8(converted, high ? windows1252High[byte - 0x80U] : byte);
-  }
+  for (const char c : text) appendUtf8(converted, toCodePoint(c));
   return converted;
 }
 

@@ -18,16 +18,23 @@ struct Colour {
   bool operator==(const Colour&) const = default;
 };
 
+// The one font of painted text. A desktop that lacks the face takes its own.
+struct PaintFont {
+  const char* face;
+  int height;  // of a line, in pixels
+};
+inline constexpr PaintFont paintFont{"Microsoft Sans Serif", 16};
+
 // Begins to paint a window's client area.
 Canvas* beginPainting(Window* window);
 
-// Ends it; the canvas is gone then.
+// Shows what was painted and releases the canvas.
 void endPainting(Canvas* canvas);
 
 // Fills the whole client area.
 void fill(Canvas* canvas, Colour colour);
 
-// Text of 16 pixels height with its left top corner at a place.
+// Draws text in paintFont with its left top corner at a place.
 void drawText(Canvas* canvas, const Point& place, Colour colour, const std::string& text);
 
 }  // namespace tintora::platform

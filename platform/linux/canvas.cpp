@@ -16,8 +16,6 @@ struct Canvas {
 
 namespace {
 
-constexpr int fontHeight = 16;
-
 QRegion areaOf(const Window* window) {
   return QRect(QPoint(), window->window->size());
 }
@@ -25,7 +23,7 @@ QRegion areaOf(const Window* window) {
 }  // namespace
 
 Canvas* beginPainting(Window* window) {
-  static const QFont font = fontOfHeight(fontHeight);
+  static const QFont font = fontOfHeight(paintFont.height);
   if (!window->surface) window->surface = std::make_unique<QBackingStore>(window->window.get());
   QBackingStore& surface = *window->surface;
   surface.resize(window->window->size());

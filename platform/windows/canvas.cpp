@@ -15,8 +15,6 @@ struct Canvas {
 
 namespace {
 
-constexpr int fontHeight = 16;
-
 COLORREF native(Colour colour) {
   return RGB(colour.red, colour.green, colour.blue);
 }
@@ -27,8 +25,8 @@ Canvas* beginPainting(Window* window) {
   auto* const canvas = new Canvas{};
   canvas->window = native(window);
   BeginPaint(canvas->window, &canvas->painting);
-  canvas->font = CreateFontA(fontHeight, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, PROOF_QUALITY, 0,
-                             "Microsoft Sans Serif");
+  canvas->font =
+      CreateFontA(paintFont.height, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, PROOF_QUALITY, 0, paintFont.face);
   canvas->previousFont = SelectObject(canvas->painting.hdc, canvas->font);
   SetBkMode(canvas->painting.hdc, TRANSPARENT);
   return canvas;

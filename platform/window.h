@@ -18,6 +18,24 @@ enum class WindowKind {
   ColourSpace,  // a resizable frame, always on top
 };
 
+// Returns true if the program wants to be told of every mouse move over the window, and not only of
+// those with a button held: the cube's rotation follows the mouse at all times.
+constexpr bool hearsEveryMouseMove(WindowKind kind) {
+  return kind == WindowKind::ColourSpace;
+}
+
+// Returns true if the loop has to go round when part of the window is uncovered, because that is
+// when its picture is drawn. Other windows are painted in their Painting event.
+constexpr bool isDrawnByLoop(WindowKind kind) {
+  return kind == WindowKind::ColourSpace;
+}
+
+// Returns true if the program wants to be told when the desktop moves the window, and not only when
+// the user does.
+constexpr bool hearsMovesByDesktop(WindowKind kind) {
+  return kind == WindowKind::Main;
+}
+
 // The forms of the main window.
 enum class WindowForm { Framed, Frameless, FramedMaximised, FramelessMaximised, FullScreen };
 

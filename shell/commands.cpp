@@ -2,21 +2,28 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 
 #include "engine/apply_transform.h"
 #include "engine/colour_effects.h"
 #include "engine/custom_transforms.h"
 #include "engine/transform_display.h"
+#include "platform/keys.h"
 #include "platform/menu.h"
 #include "platform/program.h"
 #include "shell/clipboard_capture.h"
+#include "shell/colour_space_window.h"
+#include "shell/command_ids.h"
+#include "shell/control_window.h"
 #include "shell/shell_state.h"
 #include "shell/view_tracking.h"
-#include "shell/window_procedure.h"
+#include "shell/window_forms.h"
 
 namespace tintora {
 
 namespace {
+
+namespace keys = platform::keys;
 
 using platform::Rect;
 
@@ -136,31 +143,21 @@ void chooseSwap(int command) {
   chooseMode(TransformMode::ColourSwap);
 }
 
-// The item that the handler marks itself. For the last three it is not the one chosen, but applying
-// the transform sets the marks right at once.
-struct AlgorithmCommand {
-  SimulationAlgorithm algorithm;
-  int position;
-};
-constexpr int firstAlgorithmCommand = 300;
-constexpr std::array<AlgorithmCommand, 5> algorithmCommands{{
-    {SimulationAlgorithm::Judd1948, 1},
-    {SimulationAlgorithm::Yang2008, 4},
-    {SimulationAlgorithm::Machado2009, 2},
-    {SimulationAlgorithm::Vienot1997Approximated, 3},
-    {SimulationAlgorithm::Vienot1999, 5},
-}};
+// The items that the handler marks itself, in the order of the commands. The last three marks fall
+// on other items than the one chosen; that is as intended, and lasts only until the transform is
+// applied, which marks the right one.
+constexpr std::array<int, 5> handlerMarks{1, 4, 2, 3, 5};
 constexpr int algorithmPositionsCleared = 5;
 
 void chooseAlgorithm(int command) {
-  const auto index = static_cast<std::size_t>(command - firstAlgorithmCommand);
-  if (index < algorithmCommands.size()) {
+  const auto algorithm = static_cast<std::uint32_t>(command - command_ids::firstAlgorithm);
+  if (algorithm < handlerMarks.size()) {
     platform::Menu* const menu = shellState.menus.alternativeTransforms;
     for (int position = 0; position < algorithmPositionsCleared; ++position) {
       platform::checkMenuItem(menu, position, false);
     }
-    transformSettings.Option = algorithmCommands[index].algorithm;
-    platform::checkMenuItem(menu, algorithmCommands[index].position, true);
+    transformSettings.Option = SimulationAlgorithm{algorithm};
+    platform::checkMenuItem(menu, handlerMarks[algorithm], true);
   }
   applyChange();
 }
@@ -176,40 +173,47 @@ void plain(int /*command*/) {
   action();
 }
 
+constexpr CommandAction row(int command, void (*run)(int command)) {
+  return {command, command, run};
+}
+constexpr CommandAction row(command_ids::Relative command, void (*run)(int command)) {
+  return row(command.offset, run);
+}
+
 // Counted from the number of custom transforms.
 constexpr std::array<CommandAction, 15> relativeCommands{{
-    {1, 1, &plain<&choose<TransformMode::Protan>>},
-    {2, 2, &plain<&choose<TransformMode::Deutan>>},
-    {3, 3, &plain<&chooseTritan>},
-    {4, 4, &plain<&choose<TransformMode::Greyscale>>},
-    {5, 5, &plain<&choose<TransformMode::Invert>>},
-    {6, 6, &plain<&choose<TransformMode::Brightness>>},
-    {7, 7, &plain<&choose<TransformMode::Contrast>>},
-    {8, 8, &plain<&choose<TransformMode::Saturation>>},
-    {9, 9, &plain<&choose<TransformMode::CircadianLightBlock>>},
-    {50, 50, &plain<&toggleTransform>},
-    {51, 51, &plain<&toggleFrameByCommand>},
-    {52, 52, &plain<&copyToClipboard>},
-    {53, 53, &plain<&toggleHitTransparency>},
-    {54, 54, &plain<&toggleFullScreenByCommand>},
-    {55, 55, &plain<&openUserGuide>},
+    row(command_ids::protan, &plain<&choose<TransformMode::Protan>>),
+    row(command_ids::deutan, &plain<&choose<TransformMode::Deutan>>),
+    row(command_ids::tritan, &plain<&chooseTritan>),
+    row(command_ids::greyscale, &plain<&choose<TransformMode::Greyscale>>),
+    row(command_ids::invert, &plain<&choose<TransformMode::Invert>>),
+    row(command_ids::brightness, &plain<&choose<TransformMode::Brightness>>),
+    row(command_ids::contrast, &plain<&choose<TransformMode::Contrast>>),
+    row(command_ids::saturation, &plain<&choose<TransformMode::Saturation>>),
+    row(command_ids::circadianLightBlock, &plain<&choose<TransformMode::CircadianLightBlock>>),
+    row(command_ids::toggleTransform, &plain<&toggleTransform>),
+    row(command_ids::toggleFrame, &plain<&toggleFrameByCommand>),
+    row(command_ids::copyToClipboard, &plain<&copyToClipboard>),
+    row(command_ids::toggleHitTransparency, &plain<&toggleHitTransparency>),
+    row(command_ids::toggleFullScreen, &plain<&toggleFullScreenByCommand>),
+    row(command_ids::openUserGuide, &plain<&openUserGuide>),
 }};
-constexpr int firstAbsoluteCommand = 100;
 
 // The first row that holds the command counts.
 constexpr std::array<CommandAction, 12> absoluteCommands{{
-    {100, 199, &chooseFilter},
-    {300, 309, &chooseAlgorithm},
-    {700, 700, &plain<&toggleColourSpace>},
-    {701, 701, &plain<&toggleDocking>},
-    {702, 702, &plain<&showView<ViewCode::ResponseCurves>>},
-    {703, 703, &plain<&showView<ViewCode::RgbCube>>},
-    {704, 704, &plain<&showView<ViewCode::ChromaticityDiagram>>},
-    {705, 705, &plain<&toggleHelp>},
-    {775, 775, &plain<&chooseSimulation>},
-    {776, 776, &plain<&chooseDaltonize>},
-    {777, 777, &plain<&chooseInverse>},
-    {200, 65535, &chooseSwap},
+    {command_ids::firstFilter, command_ids::lastFilter, &chooseFilter},
+    {command_ids::firstAlgorithm, command_ids::lastAlgorithm, &chooseAlgorithm},
+    row(command_ids::toggleColourSpace, &plain<&toggleColourSpace>),
+    row(command_ids::toggleDocking, &plain<&toggleDocking>),
+    row(command_ids::of(ViewCode::ResponseCurves), &plain<&showView<ViewCode::ResponseCurves>>),
+    row(command_ids::of(ViewCode::RgbCube), &plain<&showView<ViewCode::RgbCube>>),
+    row(command_ids::of(ViewCode::ChromaticityDiagram),
+        &plain<&showView<ViewCode::ChromaticityDiagram>>),
+    row(command_ids::of(ViewCode::Help), &plain<&toggleHelp>),
+    row(command_ids::simulation, &plain<&chooseSimulation>),
+    row(command_ids::daltonize, &plain<&chooseDaltonize>),
+    row(command_ids::inverseTransform, &plain<&chooseInverse>),
+    {command_ids::firstSwap, command_ids::last, &chooseSwap},
 }};
 
 template <typename Actions>
@@ -237,12 +241,6 @@ void nudge(int x, int y) {
   updateSource();
 }
 
-template <bool up>
-void sendWheel() {
-  handleEvent(
-      {.kind = platform::EventKind::WheelTurned, .window = shellState.mainWindow, .wheelUp = up});
-}
-
 void copyOr(void (*otherwise)()) {
   if (platform::isControlDown()) {
     copyToClipboard();
@@ -251,25 +249,32 @@ void copyOr(void (*otherwise)()) {
   }
 }
 
+void stepUp() {
+  stepValue(true);
+}
+void stepDown() {
+  stepValue(false);
+}
+
 struct KeyAction {
   int key;
   void (*run)();
 };
 
 constexpr std::array<KeyAction, 32> keyActions{{
-    {9, &toggleTransform},    // Tab
-    {27, &restoreFrame},      // Esc
-    {32, &toggleFrame},       // Space
-    {33, &sendWheel<true>},   // Page Up
-    {107, &sendWheel<true>},  // numpad plus
-    {187, &sendWheel<true>},
-    {34, &sendWheel<false>},   // Page Down
-    {109, &sendWheel<false>},  // numpad minus
-    {189, &sendWheel<false>},
-    {37, [] { nudge(-1, 0); }},  // Left
-    {38, [] { nudge(0, -1); }},  // Up
-    {39, [] { nudge(1, 0); }},   // Right
-    {40, [] { nudge(0, 1); }},   // Down
+    {keys::tab, &toggleTransform},
+    {keys::escape, &restoreFrame},
+    {keys::space, &toggleFrame},
+    {keys::pageUp, &stepUp},
+    {keys::padPlus, &stepUp},
+    {keys::plus, &stepUp},
+    {keys::pageDown, &stepDown},
+    {keys::padMinus, &stepDown},
+    {keys::minus, &stepDown},
+    {keys::left, [] { nudge(-1, 0); }},
+    {keys::up, [] { nudge(0, -1); }},
+    {keys::right, [] { nudge(1, 0); }},
+    {keys::down, [] { nudge(0, 1); }},
     {'A', &chooseDaltonize},
     {'B', &choose<TransformMode::Brightness>},
     {'C', [] { copyOr(&showView<ViewCode::ChromaticityDiagram>); }},
@@ -289,7 +294,7 @@ constexpr std::array<KeyAction, 32> keyActions{{
     {'S', &chooseSimulation},
     {'T', &chooseTritan},
     {'W', &toggleColourSpace},
-    {112, &toggleHelp},  // F1
+    {keys::f1, &toggleHelp},
 }};
 
 struct WheelValue {
@@ -320,7 +325,7 @@ void runCommand(int command) {
   const int customCount = static_cast<int>(customTransforms.size());
   if (command < customCount) {
     chooseCustom(command);
-  } else if (command < firstAbsoluteCommand) {
+  } else if (command < command_ids::firstAbsolute) {
     runFrom(relativeCommands, command - customCount, command);
   } else {
     runFrom(absoluteCommands, command, command);

@@ -1,6 +1,5 @@
 #include "shell/main.h"
 
-#include <array>
 #include <string_view>
 
 #include "colour_space/colour_space_view.h"
@@ -15,7 +14,9 @@
 #include "platform/program.h"
 #include "platform/window.h"
 #include "shell/clipboard_capture.h"
+#include "shell/colour_space_window.h"
 #include "shell/commands.h"
+#include "shell/control_window.h"
 #include "shell/menus.h"
 #include "shell/settings_store.h"
 #include "shell/shell_state.h"
@@ -77,9 +78,7 @@ bool createWindows() {
       {0, state.magnifierTopOffset, state.mainBounds.width() - state.magnifierRightMargin,
        state.mainBounds.height()});
   if (state.magnifier == nullptr) return false;
-  state.controlWindow =
-      platform::createWindow(WindowKind::Control, state.controlText, {0, 0, 400, 120});
-  if (state.controlWindow == nullptr) return false;
+  if (!createControlWindow()) return false;
   state.colourSpaceWindow =
       platform::createWindow(WindowKind::ColourSpace, "Color Space", {0, 0, 400, 400});
   return state.colourSpaceWindow != nullptr;
@@ -91,31 +90,6 @@ void createRenderer() {
   state.colourSpaceClientSize = {client.width(), client.height()};
   createDevice(state.colourSpaceWindow, client.width(), client.height(), true);
   colourSpaceView.viewCode = state.view;
-}
-
-struct ViewCaption {
-  ViewCode view;
-  const char* caption;
-};
-constexpr std::array<ViewCaption, 4> viewCaptions{{
-    {ViewCode::ResponseCurves, "Photoreceptor Response Curves"},
-    {ViewCode::RgbCube, "RGB Cube"},
-    {ViewCode::ChromaticityDiagram, "Chromaticity Diagram"},
-    {ViewCode::Help, "Help"},
-}};
-
-// The colour space window repeats the main window's title and names its view.
-void renderColourSpace() {
-  const ShellState& state = shellState;
-  if (!state.colourSpaceVisible) return;
-  const std::string title = platform::windowTitle(state.mainWindow, titleLength);
-  for (const auto& [view, caption] : viewCaptions) {
-    if (view != state.view) continue;
-    platform::setTitle(state.colourSpaceWindow, caption);
-    colourSpaceView.viewCode = view;
-    colourSpaceView.titleText = title;
-  }
-  renderFrame();
 }
 
 bool startUp() {

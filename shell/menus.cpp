@@ -5,10 +5,12 @@
 #include <span>
 #include <string>
 
+#include "engine/colour_effects.h"
 #include "engine/custom_transforms.h"
 #include "engine/transform_display.h"
 #include "engine/transform_settings.h"
 #include "platform/menu.h"
+#include "shell/command_ids.h"
 #include "shell/shell_state.h"
 
 namespace tintora {
@@ -17,13 +19,6 @@ namespace {
 
 using platform::Menu;
 using MenuSlot = Menu* ShellMenus::*;
-
-constexpr int labelCommand = 99;
-
-// Commands below 100 are counted from the number of custom transforms.
-struct Relative {
-  int offset;
-};
 
 int customCount() {
   return static_cast<int>(customTransforms.size());
@@ -46,7 +41,7 @@ struct MenuItem {
 constexpr MenuItem item(int command, const char* text, int* position = nullptr) {
   return {.kind = ItemKind::Item, .text = text, .command = command, .position = position};
 }
-constexpr MenuItem item(Relative command, const char* text,
+constexpr MenuItem item(command_ids::Relative command, const char* text,
                         Condition condition = Condition::Always) {
   return {.kind = ItemKind::Item,
           .text = text,
@@ -55,7 +50,7 @@ constexpr MenuItem item(Relative command, const char* text,
           .condition = condition};
 }
 constexpr MenuItem label(const char* text) {
-  return {.kind = ItemKind::Label, .text = text, .command = labelCommand};
+  return {.kind = ItemKind::Label, .text = text, .command = command_ids::label};
 }
 constexpr MenuItem separator() {
   return {.kind = ItemKind::Separator};
@@ -69,19 +64,14 @@ constexpr MenuItem submenu(MenuSlot menu, const char* text, Condition condition 
           .position = position};
 }
 
-constexpr std::array colourFilterItems{
-    item(100, "Red"),    item(101, "Green"),   item(102, "Blue"),
-    item(103, "Yellow"), item(104, "Magenta"), item(105, "Cyan"),
-};
-
 constexpr std::array colourSwapItems{
-    item(201, "Swap Red and Green"),
-    item(202, "Swap Green and Blue"),
+    item(command_ids::of(ColourSwap::RedGreen), "Swap Red and Green"),
+    item(command_ids::of(ColourSwap::GreenBlue), "Swap Green and Blue"),
 };
 
 constexpr MenuItem algorithmItem(SimulationAlgorithm algorithm, const char* text) {
   const auto number = static_cast<std::size_t>(algorithm);
-  return item(300 + static_cast<int>(number), text, &transformDisplay.algorithmPositions[number]);
+  return item(command_ids::of(algorithm), text, &transformDisplay.algorithmPositions[number]);
 }
 
 constexpr std::array alternativeTransformItems{
@@ -97,54 +87,56 @@ constexpr std::array alternativeTransformItems{
 constexpr std::array otherColourEffectItems{
     submenu(&ShellMenus::colourSwap, "Colour Swap"),
     submenu(&ShellMenus::colourFilter, "Colour Filter"),
-    item(Relative{5}, "Invert\tI"),
-    item(Relative{4}, "Greyscale\tG"),
-    item(Relative{6}, "Brightness\tB"),
-    item(Relative{7}, "Contrast\tO"),
-    item(Relative{8}, "Saturation\tN"),
-    item(Relative{9}, "Circadian Light Block\tL"),
+    item(command_ids::invert, "Invert\tI"),
+    item(command_ids::greyscale, "Greyscale\tG"),
+    item(command_ids::brightness, "Brightness\tB"),
+    item(command_ids::contrast, "Contrast\tO"),
+    item(command_ids::saturation, "Saturation\tN"),
+    item(command_ids::circadianLightBlock, "Circadian Light Block\tL"),
 };
 
 constexpr std::array helpItems{
-    item(705, "Quick Help\tF1"),
-    item(Relative{55}, "User Guide (Website)"),
+    item(command_ids::of(ViewCode::Help), "Quick Help\tF1"),
+    item(command_ids::openUserGuide, "User Guide (Website)"),
     separator(),
 };
 
 constexpr std::array viewOptionItems{
-    item(Relative{53}, "Hit Transparent\tH"),
-    item(Relative{54}, "Full Screen\tF"),
-    item(Relative{50}, "Toggle Colour Transform\tTab"),
-    item(Relative{51}, "Toggle Window Frame\tSpace"),
-    item(Relative{52}, "Copy to Clipboard (single monitor setup only)\tCtrl C"),
+    item(command_ids::toggleHitTransparency, "Hit Transparent\tH"),
+    item(command_ids::toggleFullScreen, "Full Screen\tF"),
+    item(command_ids::toggleTransform, "Toggle Colour Transform\tTab"),
+    item(command_ids::toggleFrame, "Toggle Window Frame\tSpace"),
+    item(command_ids::copyToClipboard, "Copy to Clipboard (single monitor setup only)\tCtrl C"),
 };
 
 constexpr std::array colourSpaceItems{
-    item(703, "RGB Cube\tR"),
-    item(704, "Chromaticity Diagram\tC"),
-    item(702, "Photoreceptor Response Curves\tE"),
+    item(command_ids::of(ViewCode::RgbCube), "RGB Cube\tR"),
+    item(command_ids::of(ViewCode::ChromaticityDiagram), "Chromaticity Diagram\tC"),
+    item(command_ids::of(ViewCode::ResponseCurves), "Photoreceptor Response Curves\tE"),
     separator(),
-    item(700, "Show/Hide Colour Space Window\tW"),
-    item(701, "Dock to Main Window\tK"),
+    item(command_ids::toggleColourSpace, "Show/Hide Colour Space Window\tW"),
+    item(command_ids::toggleDocking, "Dock to Main Window\tK"),
 };
 
 constexpr std::array mainItems{
     label("Colour Vision Deficiency Type and Severity:\tKey"),
-    item(Relative{1}, "Protan: Long-wave deficient, 2.6% males, 0.04% females\tP"),
-    item(Relative{2}, "Deutan: Medium-wave deficient, 6.2% males, 0.36% females\tD"),
-    item(Relative{3}, "Tritan: Short-wave deficient, 0.001% males, 0.03% females\tT",
+    item(command_ids::protan, "Protan: Long-wave deficient, 2.6% males, 0.04% females\tP"),
+    item(command_ids::deutan, "Deutan: Medium-wave deficient, 6.2% males, 0.36% females\tD"),
+    item(command_ids::tritan, "Tritan: Short-wave deficient, 0.001% males, 0.03% females\tT",
          Condition::TritanEnabled),
     label("Severity\tmouse-wheel, +-"),
     separator(),
     label("For Colour Normal Viewers:\tKey"),
-    item(775, "Simulation\tS", &transformDisplay.positions.simulation),
+    item(command_ids::simulation, "Simulation\tS", &transformDisplay.positions.simulation),
     submenu(&ShellMenus::alternativeTransforms, "Simulation Option",
             Condition::SimulationOptionsEnabled),
     separator(),
     label("For Colour Deficient Viewers:\tKey"),
-    item(776, "Daltonize\tA", &transformDisplay.positions.daltonize),
-    item(777, "Inverse Transform", &transformDisplay.positions.inverseTransform),
-    item(200, "Swap Red and Blue", &transformDisplay.positions.swapRedAndBlue),
+    item(command_ids::daltonize, "Daltonize\tA", &transformDisplay.positions.daltonize),
+    item(command_ids::inverseTransform, "Inverse Transform",
+         &transformDisplay.positions.inverseTransform),
+    item(command_ids::of(ColourSwap::RedBlue), "Swap Red and Blue",
+         &transformDisplay.positions.swapRedAndBlue),
     separator(),
     submenu(&ShellMenus::otherColourEffects, "Other Colour Effects", Condition::Always,
             &transformDisplay.positions.otherColourEffects),
@@ -206,6 +198,13 @@ void build(MenuSlot slot, std::span<const MenuItem> entries) {
   append(renew(slot), entries);
 }
 
+void buildColourFilter() {
+  Menu* const menu = renew(&ShellMenus::colourFilter);
+  for (const ColourFilter& filter : colourFilters) {
+    platform::appendItem(menu, filter.command, std::string(filter.name));
+  }
+}
+
 void buildAlternativeTransforms() {
   build(&ShellMenus::alternativeTransforms, alternativeTransformItems);
   platform::checkMenuItem(shellState.menus.alternativeTransforms, 1, true);
@@ -214,14 +213,14 @@ void buildAlternativeTransforms() {
 void buildHelp() {
   build(&ShellMenus::help, helpItems);
   Menu* const menu = shellState.menus.help;
-  platform::appendLabel(menu, labelCommand, "Tintora Version " + shellState.versionText);
-  platform::appendLabel(menu, labelCommand, "Tintora contributors");
+  platform::appendLabel(menu, command_ids::label, "Tintora Version " + shellState.versionText);
+  platform::appendLabel(menu, command_ids::label, "Tintora contributors");
 }
 
 void buildMain() {
   Menu* const menu = renew(&ShellMenus::main);
   if (!customTransforms.empty()) {
-    platform::appendLabel(menu, labelCommand, "Custom Colour Transforms:");
+    platform::appendLabel(menu, command_ids::label, "Custom Colour Transforms:");
     for (int i = 0; i < customCount(); ++i) {
       platform::appendItem(menu, i, customTransforms[static_cast<std::size_t>(i)].name);
     }
@@ -251,7 +250,7 @@ void createEmptyMenus() {
 }
 
 void buildMenus() {
-  build(&ShellMenus::colourFilter, colourFilterItems);
+  buildColourFilter();
   build(&ShellMenus::colourSwap, colourSwapItems);
   buildAlternativeTransforms();
   build(&ShellMenus::otherColourEffects, otherColourEffectItems);

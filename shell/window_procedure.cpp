@@ -3,11 +3,15 @@
 #include <array>
 
 #include "colour_space/camera.h"
+#include "platform/keys.h"
 #include "platform/menu.h"
 #include "shell/clipboard_capture.h"
+#include "shell/colour_space_window.h"
 #include "shell/commands.h"
+#include "shell/control_window.h"
 #include "shell/shell_state.h"
 #include "shell/view_tracking.h"
+#include "shell/window_forms.h"
 
 namespace tintora {
 
@@ -25,7 +29,12 @@ bool isControl(const Event& event) {
   return event.window == shellState.controlWindow;
 }
 
+// Keys outside these are the desktop's own.
+constexpr int firstKey = platform::keys::tab;
+constexpr int lastKey = platform::keys::minus;
+
 bool onKeyDown(const Event& event) {
+  if (event.key < firstKey || event.key > lastKey) return false;
   runKey(event.key);
   return true;
 }
@@ -85,10 +94,7 @@ bool onRightUp(const Event& event) {
 
 bool onSized(const Event& event) {
   if (event.kind == EventKind::Sized && event.maximised) shellState.docked = false;
-  if (isControl(event)) return false;
-  fitMagnifierToMainWindow();
-  updateSource();
-  layOutColourSpace();
+  if (!isControl(event)) followMainWindowSize();
   return false;
 }
 

@@ -28,8 +28,6 @@ namespace tintora::platform {
 namespace {
 
 constexpr int wheelStep = 120;
-constexpr int firstKey = 9;
-constexpr int lastKey = 189;
 
 EventHandler eventHandler = nullptr;
 std::vector<Window*> translated;
@@ -87,7 +85,7 @@ bool onKey(Window* window, QKeyEvent& key) {
   // With these the key is the desktop's.
   if ((key.modifiers() & (Qt::AltModifier | Qt::MetaModifier)) != 0) return false;
   const int code = virtualKey(key);
-  if (code < firstKey || code > lastKey) return false;
+  if (code == 0) return false;
   const bool down = key.type() == QEvent::KeyPress;
   return handOver(
       {.kind = down ? EventKind::KeyDown : EventKind::KeyUp, .window = window, .key = code});
@@ -112,8 +110,7 @@ bool onMouse(Window* window, const QMouseEvent& mouse) {
 }
 
 bool onMouseMoved(Window* window, const QMouseEvent& mouse) {
-  // Without a button held only the colour space window cares where the mouse is.
-  if (mouse.buttons() == Qt::NoButton && window->kind != WindowKind::ColourSpace) return true;
+  if (mouse.buttons() == Qt::NoButton && !hearsEveryMouseMove(window->kind)) return true;
   return handOverMouse(EventKind::MouseMoved, window, mouse);
 }
 
@@ -139,11 +136,10 @@ bool onSized(Window* window) {
 // The program's own moves come back as events too, some of them late.
 bool onMoved(Window* window) {
   const Mover mover = moverOf(window);
-  const bool isMain = window->kind == WindowKind::Main;
-  if (isMain && mover != Mover::Program) noteMainMoved();
-  if (mover == Mover::User || (mover == Mover::WindowManager && isMain)) {
-    return handOver({.kind = EventKind::Moving, .window = window});
-  }
+  if (window->kind == WindowKind::Main && mover != Mover::Program) noteMainMoved();
+  const bool told =
+      mover == Mover::User || (mover == Mover::WindowManager && hearsMovesByDesktop(window->kind));
+  if (told) return handOver({.kind = EventKind::Moving, .window = window});
   takeTurn();
   return false;
 }
@@ -151,8 +147,7 @@ bool onMoved(Window* window) {
 bool onExposed(Window* window) {
   if (!window->window->isExposed()) return false;
   paint(window);
-  // The colour space window's frame is drawn when the loop has gone round.
-  if (window->kind == WindowKind::ColourSpace) handedOver = true;
+  if (isDrawnByLoop(window->kind)) handedOver = true;
   dispatcher()->wakeUp();
   return false;
 }

@@ -5,41 +5,62 @@
 #include <cstdint>
 #include <string_view>
 
+#include "platform/keys.h"
+
 namespace tintora::platform {
 
 namespace {
 
 struct NamedKey {
-  int key;  // Qt's
-  int code;
+  int key;   // Qt's
+  int code;  // of platform/keys.h
 };
 
 constexpr std::array<NamedKey, 33> namedKeys{{
-    {Qt::Key_Backspace, 8},   {Qt::Key_Tab, 9},       {Qt::Key_Backtab, 9},
-    {Qt::Key_Return, 13},     {Qt::Key_Enter, 13},    {Qt::Key_Shift, 16},
-    {Qt::Key_Control, 17},    {Qt::Key_Pause, 19},    {Qt::Key_CapsLock, 20},
-    {Qt::Key_Escape, 27},     {Qt::Key_Space, 32},    {Qt::Key_PageUp, 33},
-    {Qt::Key_PageDown, 34},   {Qt::Key_End, 35},      {Qt::Key_Home, 36},
-    {Qt::Key_Left, 37},       {Qt::Key_Up, 38},       {Qt::Key_Right, 39},
-    {Qt::Key_Down, 40},       {Qt::Key_Print, 44},    {Qt::Key_Insert, 45},
-    {Qt::Key_Delete, 46},     {Qt::Key_NumLock, 144}, {Qt::Key_ScrollLock, 145},
-    {Qt::Key_Semicolon, 186}, {Qt::Key_Plus, 187},    {Qt::Key_Equal, 187},
-    {Qt::Key_Comma, 188},     {Qt::Key_Minus, 189},   {Qt::Key_Underscore, 189},
-    {Qt::Key_Menu, 93},       {Qt::Key_Meta, 91},     {Qt::Key_Help, 47},
+    {Qt::Key_Backspace, keys::backspace},
+    {Qt::Key_Tab, keys::tab},
+    {Qt::Key_Backtab, keys::tab},
+    {Qt::Key_Return, keys::enter},
+    {Qt::Key_Enter, keys::enter},
+    {Qt::Key_Shift, keys::shift},
+    {Qt::Key_Control, keys::control},
+    {Qt::Key_Pause, keys::pause},
+    {Qt::Key_CapsLock, keys::capsLock},
+    {Qt::Key_Escape, keys::escape},
+    {Qt::Key_Space, keys::space},
+    {Qt::Key_PageUp, keys::pageUp},
+    {Qt::Key_PageDown, keys::pageDown},
+    {Qt::Key_End, keys::end},
+    {Qt::Key_Home, keys::home},
+    {Qt::Key_Left, keys::left},
+    {Qt::Key_Up, keys::up},
+    {Qt::Key_Right, keys::right},
+    {Qt::Key_Down, keys::down},
+    {Qt::Key_Print, keys::print},
+    {Qt::Key_Insert, keys::insert},
+    {Qt::Key_Delete, keys::del},
+    {Qt::Key_NumLock, keys::numLock},
+    {Qt::Key_ScrollLock, keys::scrollLock},
+    {Qt::Key_Semicolon, keys::semicolon},
+    {Qt::Key_Plus, keys::plus},
+    {Qt::Key_Equal, keys::plus},
+    {Qt::Key_Comma, keys::comma},
+    {Qt::Key_Minus, keys::minus},
+    {Qt::Key_Underscore, keys::minus},
+    {Qt::Key_Menu, keys::menu},
+    {Qt::Key_Meta, keys::leftMeta},
+    {Qt::Key_Help, keys::help},
 }};
 
 // On the number pad, with number lock; without it they are the keys above.
 constexpr std::array<NamedKey, 6> padKeys{{
-    {Qt::Key_Asterisk, 106},
-    {Qt::Key_Plus, 107},
-    {Qt::Key_Comma, 108},
-    {Qt::Key_Minus, 109},
-    {Qt::Key_Period, 110},
-    {Qt::Key_Slash, 111},
+    {Qt::Key_Asterisk, keys::padMultiply},
+    {Qt::Key_Plus, keys::padPlus},
+    {Qt::Key_Comma, keys::padSeparator},
+    {Qt::Key_Minus, keys::padMinus},
+    {Qt::Key_Period, keys::padDecimal},
+    {Qt::Key_Slash, keys::padDivide},
 }};
-constexpr int padZero = 96;
-constexpr int firstFunctionKey = 112;
-constexpr int lastFunctionKey = 135;
 
 // Rows of letters by the place of their keys on the keyboard, for scripts without Latin letters:
 // there a key keeps the code of the letter that stands beside it.
@@ -77,13 +98,13 @@ int letterByPlace(std::uint32_t scanCode) {
 int virtualKey(const QKeyEvent& event) {
   const int key = event.key();
   if (event.modifiers().testFlag(Qt::KeypadModifier)) {
-    if (isBetween(key, Qt::Key_0, Qt::Key_9)) return padZero + key - Qt::Key_0;
+    if (isBetween(key, Qt::Key_0, Qt::Key_9)) return keys::padZero + key - Qt::Key_0;
     if (const int code = lookUp(padKeys, key)) return code;
   }
   // Letters and digits are their own codes.
   if (isBetween(key, Qt::Key_A, Qt::Key_Z) || isBetween(key, Qt::Key_0, Qt::Key_9)) return key;
-  if (isBetween(key, Qt::Key_F1, Qt::Key_F1 + lastFunctionKey - firstFunctionKey)) {
-    return firstFunctionKey + key - Qt::Key_F1;
+  if (isBetween(key, Qt::Key_F1, Qt::Key_F1 + keys::f24 - keys::f1)) {
+    return keys::f1 + key - Qt::Key_F1;
   }
   if (const int code = lookUp(namedKeys, key)) return code;
   constexpr int lastLatin = 0x17F;

@@ -52,8 +52,6 @@ std::array<int, 5> showCommands() {
 }
 
 constexpr int iconResource = 101;
-constexpr WPARAM firstKey = 9;
-constexpr WPARAM lastKey = 189;
 constexpr UINT_PTR timerId = 0;
 
 EventHandler eventHandler = nullptr;
@@ -81,7 +79,6 @@ Event at(EventKind kind, Window* window, LPARAM place) {
 bool handleMessage(Window* window, UINT message, WPARAM first, LPARAM second) {
   switch (message) {
     case WM_KEYDOWN:
-      if (first < firstKey || first > lastKey) return false;
       return handle({.kind = EventKind::KeyDown, .window = window, .key = static_cast<int>(first)});
     case WM_KEYUP:
       return handle({.kind = EventKind::KeyUp, .window = window, .key = static_cast<int>(first)});

@@ -204,6 +204,18 @@ TEST_F(Keys, WithoutAMeaningDoNothing) {
   });
 }
 
+// Also those without a meaning: a character that follows from them is of no use either.
+TEST_F(Keys, FromTabToMinusAreNotLeftToTheDesktop) {
+  play([]() -> Script {
+    for (int key = 1; key <= 255; ++key) {
+      SCOPED_TRACE(key);
+      nullDesktop().handled = true;
+      co_yield {.kind = EventKind::KeyDown, .window = &controlWindow(), .key = key};
+      EXPECT_EQ(nullDesktop().handled, key >= 9 && key <= 189);
+    }
+  });
+}
+
 TEST_F(Keys, DoNothingWhenReleased) {
   play([]() -> Script {
     const std::string before = describe(transformSettings);

@@ -39,8 +39,8 @@ constexpr std::array<NamedValue<TransformMode>, 14> modes{{
 constexpr std::array<NamedValue<SimulationAlgorithm>, 6> algorithms{{
     {"judd", SimulationAlgorithm::Judd1948,
      "Judd 1948, Color perceptions of deuteranopic and protanopic observers, Journal of Research "
-     "of "
-     "the National Bureau of Standards 41, 247-271"},
+     "of the National Bureau of Standards 41, 247-271; the origin of the tritan matrix is not "
+     "published"},
     {"yang", SimulationAlgorithm::Yang2008,
      "Yang, Ro, Wong & Lee 2008, Quantification and standardized description of color vision "
      "deficiency caused by anomalous trichromats - Part I: Simulation and measurement, EURASIP "

@@ -15,6 +15,9 @@ namespace {
 constexpr std::string_view fieldSeparators = " \t";
 constexpr std::string_view lineEnds{"\n\r\0", 3};
 
+// The byte at which text mode ends a file on Windows.
+constexpr char endOfText = '\x1A';
+
 // Takes lines off the front of a text.
 struct LineReader {
   std::string_view rest;
@@ -25,7 +28,7 @@ struct LineReader {
     const std::size_t end = std::min(rest.find_first_of(lineEnds), rest.size());
     const std::string_view line = rest.substr(0, end);
     rest.remove_prefix(end);
-    // A carriage return and the line feed behind it are one end, on every desktop.
+    // A carriage return and the line feed behind it are one end.
     rest.remove_prefix(rest.starts_with("\r\n") ? 2 : std::min<std::size_t>(1, rest.size()));
     return line;
   }
@@ -43,20 +46,22 @@ std::vector<std::string> splitFields(std::string_view line) {
   }
 }
 
-// The number at the front of a field, for as far as it forms one; "inf" and "nan" are words here,
-// not numbers. The program never leaves the "C" locale's decimal point.
+bool isLetter(char c) {
+  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+// Returns the number that the longest leading part of a field forms, in any notation of C: decimal,
+// hexadecimal, or a signed "inf" or "nan". Without a sign those two are words and no numbers. The
+// program never leaves the "C" locale's decimal point.
 std::optional<float> leadingNumber(const std::string& field) {
-  const std::size_t digits = field.find_first_not_of("+-");
-  if (digits == std::string::npos) return std::nullopt;
-  const char first = field[digits];
-  if (first != '.' && (first < '0' || first > '9')) return std::nullopt;
+  if (isLetter(field.front())) return std::nullopt;
   char* end = nullptr;
   const float number = std::strtof(field.c_str(), &end);
   if (end == field.c_str()) return std::nullopt;
   return number;
 }
 
-// Reads four numbers into the row; returns what is wrong with the line, or nothing.
+// Reads four numbers into the row. Returns what is wrong with the line, or nothing.
 std::optional<std::string> parseRow(std::string_view line, std::array<float, 4>& row) {
   const std::vector<std::string> fields = splitFields(line);
   if (fields.size() != row.size()) {
@@ -75,9 +80,9 @@ bool isBlank(std::string_view text) {
   return text.find_first_not_of(blank) == std::string_view::npos;
 }
 
-std::string readTextFile(const std::string& path) {
+std::string readFile(const std::string& path) {
   std::string text;
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "r"),
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
                                                              &std::fclose);
   if (!file) return text;
   for (int c = std::fgetc(file.get()); c != EOF; c = std::fgetc(file.get())) {
@@ -90,7 +95,7 @@ std::string readTextFile(const std::string& path) {
 
 CustomTransformFile parseCustomTransforms(std::string_view text) {
   CustomTransformFile file;
-  LineReader lines{text};
+  LineReader lines{text.substr(0, text.find(endOfText))};
   while (!lines.rest.empty()) {
     const std::string_view recordText = lines.rest;
     const std::size_t nameLine = lines.lineNumber + 1;
@@ -123,7 +128,7 @@ std::string customTransformPath(std::string_view commandLine) {
 }
 
 void loadCustomTransforms(const std::string& path) {
-  std::ranges::move(parseCustomTransforms(readTextFile(path)).transforms,
+  std::ranges::move(parseCustomTransforms(readFile(path)).transforms,
                     std::back_inserter(customTransforms));
 }
 

@@ -36,8 +36,10 @@ struct CustomTransformFile {
 // The entries in file order: filled at start-up, unchanged afterwards.
 extern std::vector<CustomTransform> customTransforms;
 
-// Reads the text of a custom transform file: records of a name line ("$" first: adjustable) and
-// three lines of four numbers. The first malformed record ends the reading.
+// Reads the bytes of a custom transform file: records of a name line ("$" first: adjustable) and
+// three lines of four numbers. The first malformed record ends the reading. Every desktop reads the
+// bytes as Windows does in text mode: a carriage return with a line feed behind it is one line end,
+// and the byte 0x1A ends the file.
 CustomTransformFile parseCustomTransforms(std::string_view text);
 
 inline constexpr const char* customTransformFileName = "Tintora_custom.txt";

@@ -14,7 +14,8 @@ namespace {
 using MatrixByType = std::array<Matrix3x3, 3>;
 
 // Judd 1948, Color perceptions of deuteranopic and protanopic observers, Journal of Research of the
-// National Bureau of Standards 41, 247-271: what full severity adds to the identity.
+// National Bureau of Standards 41, 247-271: what full severity adds to the identity. The article
+// does not treat tritanopes, and the origin of the tritan matrix is not published.
 constexpr MatrixByType judd1948{{
     {-0.88, 0.88, 0.0,  //
      0.12, -0.12, 0.0,  //

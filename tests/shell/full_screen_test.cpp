@@ -184,6 +184,18 @@ TEST_F(FullScreen, UndocksTheColourSpaceWindowUntilKDocksItAgain) {
   });
 }
 
+// Full screen was never entered, so that the place at the start is the last one known.
+TEST_F(FullScreen, LeavesAWindowThatWasMaximisedFromTheStartForItsFirstPlace) {
+  play([]() -> Script {
+    mainWindow().bounds = {0, 0, 1920, 1080};
+    mainWindow().maximised = true;
+    co_yield keyDown('F');
+    EXPECT_EQ(mainWindow().form, WindowForm::Framed);
+    EXPECT_EQ(mainWindow().bounds, (Rect{710, 340, 1210, 740}));
+    EXPECT_FALSE(mainWindow().maximised);
+  });
+}
+
 // A window maximised by hand goes back to where full screen was entered last.
 TEST_F(FullScreen, LeavesAMaximisedWindow) {
   play([]() -> Script {

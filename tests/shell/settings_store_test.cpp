@@ -218,8 +218,20 @@ TEST_F(LoadedSettings, KeepTheSwapWithinItsRange) {
     std::uint32_t stored;
     int swap;
   };
-  const std::vector<Row> rows{{0, 200},   {150, 200}, {199, 200}, {200, 200}, {201, 201},
-                              {202, 202}, {203, 203}, {204, 203}, {999, 203}, {0x7FFFFFFF, 203}};
+  const std::vector<Row> rows{{0, 200},
+                              {150, 200},
+                              {199, 200},
+                              {200, 200},
+                              {201, 201},
+                              {202, 202},
+                              {203, 203},
+                              {204, 203},
+                              {999, 203},
+                              {0x7FFFFFFF, 203},
+                              // Negative ones.
+                              {0xFFFFFFFF, 200},
+                              {0xFFFFFF38, 200},
+                              {0x80000000, 200}};
   for (const Row& row : rows) {
     SCOPED_TRACE(row.stored);
     expectLoaded({{"Swap", row.stored}}, [&](Settings& s) { s.Swap = ColourSwap{row.swap}; });

@@ -98,6 +98,30 @@ TEST(CustomFile, TwoLineEndsThatAreNotOnePairMakeABlankLine) {
   }
 }
 
+// The second of two carriage returns goes with the line feed, the first is an end of its own.
+TEST(CustomFile, ACarriageReturnBeforeAPairMakesABlankLine) {
+  const CustomTransformFile file = parseCustomTransforms("one\r\r\n" + countedText);
+  EXPECT_TRUE(file.transforms.empty());
+  ASSERT_TRUE(file.malformed);
+  EXPECT_EQ(file.malformed->number, 2U);
+  const CustomTransformFile named = parseCustomTransforms("one\r\n" + countedText + "\r\r\n");
+  EXPECT_EQ(named.transforms.size(), 1U);
+}
+
+TEST(CustomFile, TheByteThatEndsTextEndsTheFile) {
+  const CustomTransformFile between =
+      parseCustomTransforms("one\n" + countedText + "\x1A" + "two\n" + countedText);
+  ASSERT_EQ(between.transforms.size(), 1U);
+  expectCounted(between.transforms[0], "one");
+  EXPECT_FALSE(between.malformed);
+  const CustomTransformFile within =
+      parseCustomTransforms("one\n" + countedText + "two\n1 2 3 4\n5 6 7 8\n9 10\x1A 11 12\n");
+  ASSERT_EQ(within.transforms.size(), 1U);
+  ASSERT_TRUE(within.malformed);
+  EXPECT_EQ(within.malformed->number, 8U);
+  EXPECT_TRUE(parseCustomTransforms("\x1Aone\n" + countedText).transforms.empty());
+}
+
 TEST(CustomFile, TheRestOfTheNameLineIsTheNameBlanksIncluded) {
   const auto nameOf = [](const std::string& line) {
     const CustomTransformFile file = parseCustomTransforms(line + "\n" + countedText);
@@ -172,14 +196,39 @@ TEST(CustomFile, AFieldCountsForItsLongestLeadingNumber) {
 }
 
 TEST(CustomFile, AFieldThatBeginsWithNoNumberEndsTheReading) {
-  for (const char* field : {"a", "abc0.5", "x1", "-", "+", ".", "e5", "-a", "$1", "\"1\"", "--1",
-                            "inf", "infinity", "nan", "nan(1)", "INF", "-inf", "+nan"}) {
+  for (const char* field :
+       {"a",   "abc0.5",   "x1",  "-",      "+",   ".",   "e5", "-a", "$1",   "\"1\"", "--1",
+        "inf", "infinity", "nan", "nan(1)", "INF", "x10", "\v", "\f", "\v\f", "\vx"}) {
     for (int place = 0; place < 4; ++place) {
       SCOPED_TRACE(field);
       std::string line;
       for (int i = 0; i < 4; ++i) line.append(i == place ? field : "1").append(" ");
       EXPECT_FALSE(isRead(line));
     }
+  }
+}
+
+TEST(CustomFile, AFieldMayBeginWithAVerticalTabOrAFormFeed) {
+  constexpr std::array<float, 4> expected{0.5F, -1.25F, 3.0F, 0.0F};
+  EXPECT_EQ(firstRow("\v0.5 \f-1.25 \v\f\v3 0\v"), expected);
+}
+
+TEST(CustomFile, AFieldMayBeHexadecimal) {
+  constexpr std::array<float, 4> expected{16.0F, -3.0F, 0.5F, 171.0F};
+  EXPECT_EQ(firstRow("0x10 -0X1.8p+1 0x.8 0xabg"), expected);
+  constexpr std::array<float, 4> cut{0.0F, 0.0F, 1.0F, 2.0F};
+  EXPECT_EQ(firstRow("0x 0xg 0x1p 0x2p+"), cut);
+}
+
+// A sign makes numbers of the words.
+TEST(CustomFile, AFieldMayBeASignedInfinityOrNotANumber) {
+  for (const char* infinity : {"-inf", "-INF", "-infinity", "-Infinitys"}) {
+    const float value = firstRow(std::string(infinity) + " 0 0 0")[0];
+    EXPECT_TRUE(std::isinf(value) && value < 0.0F) << infinity;
+  }
+  EXPECT_TRUE(std::isinf(firstRow("+inf 0 0 0")[0]));
+  for (const char* number : {"+nan", "-nan", "-NaN"}) {
+    EXPECT_TRUE(std::isnan(firstRow(std::string(number) + " 0 0 0")[0])) << number;
   }
 }
 

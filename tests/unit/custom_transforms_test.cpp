@@ -141,6 +141,23 @@ TEST_F(CustomTransforms, AnAdjustableEntryAtHalfAndFullStrengthIsExact) {
   expectSameEffect(displayRecord.matrix, effectOfRows(entryRows));
 }
 
+// identity + (value - identity) * strength loses a value that is nothing beside 1; another form of
+// the same blend would keep it.
+TEST_F(CustomTransforms, AnEntryIsBlendedByTheChangeItMakesToTheIdentity) {
+  constexpr double full = 1.0;
+  constexpr float tiny = 1e-30F;
+  customTransforms = {entryNamed("own", true)};
+  for (std::size_t row = 0; row < 3; ++row) customTransforms[0].rows[row].fill(tiny);
+  transformSettings.severity = full;
+  applyCustomTransform(0);
+  for (std::size_t output = 0; output < 3; ++output) {
+    for (std::size_t input = 0; input < 3; ++input) {
+      EXPECT_EQ(displayRecord.matrix[input][output], input == output ? 0.0F : tiny);
+    }
+    EXPECT_EQ(displayRecord.matrix[4][output], tiny);
+  }
+}
+
 TEST_F(CustomTransforms, AnAdjustableEntryAtZeroIsTheIdentityWhateverTheFileSays) {
   CustomTransform wild = entryNamed("wild", true);
   wild.rows[0] = {std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity(),

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -104,10 +105,14 @@ TEST(WholePercent, SurvivesRepeatedSteps) {
 TEST(WholePercent, CutsTowardsZeroWithAThousandthToSpare) {
   EXPECT_EQ(wholePercent(0.299), 29);
   EXPECT_EQ(wholePercent(0.29998), 29);
+  EXPECT_EQ(wholePercent(0.2999899), 29);
+  EXPECT_EQ(wholePercent(0.2999901), 30);
   EXPECT_EQ(wholePercent(0.299995), 30);
   EXPECT_EQ(wholePercent(0.009), 0);
   EXPECT_EQ(wholePercent(-0.299), -29);
   EXPECT_EQ(wholePercent(-0.29998), -29);
+  EXPECT_EQ(wholePercent(-0.2999899), -29);
+  EXPECT_EQ(wholePercent(-0.2999901), -30);
   EXPECT_EQ(wholePercent(-0.299995), -30);
   EXPECT_EQ(wholePercent(-0.009), 0);
 }
@@ -180,6 +185,8 @@ TEST(Titles, SeverityZeroUsesTheAnomalousWord) {
 TEST(Titles, AHairBelowFullSeverityIsStillAnomalous) {
   EXPECT_EQ(transformTitle(cvdSettings(Mode::Deutan, 0.999999)),
             " Simulation - Deuteranomalous 100% severity");
+  EXPECT_EQ(transformTitle(cvdSettings(Mode::Protan, std::nextafter(1.0, 0.0))),
+            " Simulation - Protanomalous 100% severity");
 }
 
 TEST(Titles, OfEveryOtherModeNameTheirOwnField) {

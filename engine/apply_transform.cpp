@@ -16,10 +16,10 @@ namespace tintora {
 
 namespace {
 
-// All the items of the "Alternative transforms:" menu, and one more.
+// The six positions of the "Alternative transforms:" menu, and one more that is cleared with them.
 constexpr int alternativeTransformsCleared = 7;
 
-// The "Normal" mode shows the mildest fifth of protan vision.
+// The "Normal" mode shows protan vision at a fifth of the severity.
 constexpr double normalVariationShare = 5.0;
 
 void checkMainItem(int position, bool checked) {
@@ -44,7 +44,7 @@ void checkAlgorithmItem() {
   transformDisplay.checkMenuItem(TransformMenu::AlternativeTransforms, positions[algorithm], true);
 }
 
-// Daltonize goes before Inversion here and in the matrix, but not in the title.
+// If both flags are set, Daltonize wins here and in the matrix, but Inversion wins in the title.
 int viewerItemPosition(const TransformSettings& settings) {
   const ViewerItemPositions& items = transformDisplay.positions;
   if (!isDeficiency(settings.Selected)) {
@@ -63,7 +63,7 @@ ColourEffect simulationEffect(CvdType type, double severity) {
                                   settings.Daltonize)};
 }
 
-// A mode or swap that is none of the known ones shows what the model last computed.
+// Returns the matrix that the model last computed, which unknown modes and swaps show.
 ColourEffect lastModelEffect() {
   return {modelContext.simulationMatrix};
 }
@@ -145,8 +145,8 @@ void applyCustomTransform(std::uint32_t index) {
   const double strength = entry.adjustable ? settings.severity : 1.0;
   transformDisplay.showTitle(entry.name);
 
-  // identity + (file value - identity) * strength; at 0 nothing is left of the file, be it
-  // infinite.
+  // identity + (file value - identity) * strength. At strength 0 the identity is shown even if the
+  // file's value is infinite.
   const auto blend = [strength](double identity, float value) {
     return strength == 0.0 ? identity : identity + (value - identity) * strength;
   };

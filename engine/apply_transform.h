@@ -1,19 +1,19 @@
-// From the settings in force to what is shown: matrix, title, check marks, views.
+// Turns the settings in force into what is shown: matrix, title, check marks, views.
 #pragma once
 
 #include <cstdint>
 
 namespace tintora {
 
-// Applies the settings in force: check marks, matrix, title, display, views. Turns the transform
-// on, unless it is a custom one and there are none.
+// Applies the settings in force: sets check marks, matrix and title and refreshes the views. Turns
+// the transform on, unless a custom one is chosen and none is loaded.
 void applyTransform();
 
-// Shows the screen as it is and says so in the title; the settings stay.
+// Shows the screen unchanged and says so in the title. The settings stay as they are.
 void transformOffApply();
 
-// Applies an entry of the custom transforms, the first if there is none of that index; does nothing
-// at all if there are no entries. Leaves the index used in the settings and turns the transform on.
+// Applies the custom transform of this index, or the first if the index is too large. Stores the
+// index used and turns the transform on. Does nothing if no custom transform is loaded.
 void applyCustomTransform(std::uint32_t index);
 
 }  // namespace tintora

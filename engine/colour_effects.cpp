@@ -6,8 +6,8 @@ namespace tintora {
 
 namespace {
 
-// The weights of red, green and blue in a grey. They sum to 0.9999, as published for NTSC luma to
-// four places.
+// The weights of red, green and blue in a grey: NTSC luma as published, to four places. They sum to
+// 0.9999 and are not corrected.
 constexpr std::array<double, 3> greyWeights{0.2989, 0.587, 0.114};
 
 ColourEffect diagonalEffect(double red, double green, double blue, double offset = 0.0) {

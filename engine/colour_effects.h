@@ -1,5 +1,5 @@
-// The plain colour effects: each one formula of a few settings. Channels 0..1, matrices in the
-// column-vector convention; nothing is clamped.
+// The plain colour effects. Each is one formula of a few settings. Channels are 0..1, matrices act
+// on column vectors, and nothing is clamped.
 #pragma once
 
 #include <array>
@@ -17,7 +17,7 @@ struct ColourEffect {
   std::array<double, 3> offset{};
 };
 
-// A colour filter of the menu: the channels it passes (1) and blocks (0).
+// A colour filter of the menu, with the channels it passes (1) and blocks (0).
 struct ColourFilter {
   std::int32_t command;
   std::string_view name;
@@ -33,10 +33,10 @@ inline constexpr std::array<ColourFilter, 6> colourFilters{{
     {105, "Cyan", 0.0, 1.0, 1.0},
 }};
 
-// The command of the full-strength red filter (TransformMode::RedFilter) and what it passes.
+// The full-strength red filter (TransformMode::RedFilter). It has a command but no menu item.
 inline constexpr ColourFilter fullRedFilter{106, "Red", 1.0, 0.0, 0.0};
 
-// Makes the filter the one in the settings; the mode stays.
+// Puts the filter into the settings. The mode stays.
 void chooseColourFilter(TransformSettings& settings, const ColourFilter& filter);
 
 ColourEffect greyscaleEffect();
@@ -47,7 +47,7 @@ ColourEffect saturationEffect(double saturation);                               
 ColourEffect filterEffect(const std::array<double, 3>& passed, double strength);  // each 0..1
 ColourEffect circadianEffect(double brightness);                                  // 0..1
 
-// Exchanges two channels, mixing them at strengths between 0 and 1. The swap is one of the four.
+// Exchanges two channels, or mixes them at strengths between 0 and 1. Expects a named ColourSwap.
 ColourEffect swapEffect(ColourSwap swap, double strength);
 
 }  // namespace tintora

@@ -18,7 +18,7 @@ constexpr std::string_view lineEnds{"\n\r\0", 3};
 // The byte at which text mode ends a file on Windows.
 constexpr char endOfText = '\x1A';
 
-// Takes lines off the front of a text.
+// Reads a text line by line.
 struct LineReader {
   std::string_view rest;
   std::size_t lineNumber = 0;
@@ -122,7 +122,7 @@ std::string customTransformPath(std::string_view commandLine) {
   const std::size_t start = std::min(commandLine.find_first_not_of(trimmed), commandLine.size());
   commandLine.remove_prefix(start);
   commandLine = commandLine.substr(0, commandLine.find_last_not_of(trimmed) + 1);
-  // Without a separator the position is npos, and npos + 1 is no character at all.
+  // If there is no separator, the position is npos, and npos + 1 is 0: no directory.
   const std::size_t directoryLength = commandLine.find_last_of("\\/") + 1;
   return std::string(commandLine.substr(0, directoryLength)).append(customTransformFileName);
 }

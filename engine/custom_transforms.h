@@ -22,7 +22,7 @@ struct CustomTransform {
   }};
 };
 
-// Where and why the reading of a custom transform file ended early.
+// The line at which reading a custom transform file stopped early, and why.
 struct MalformedLine {
   std::size_t number;  // from 1
   std::string reason;
@@ -33,7 +33,7 @@ struct CustomTransformFile {
   std::optional<MalformedLine> malformed;   // blank lines at the very end are not worth a word
 };
 
-// The entries in file order: filled at start-up, unchanged afterwards.
+// The entries in file order. They are loaded at start-up and do not change afterwards.
 extern std::vector<CustomTransform> customTransforms;
 
 // Reads the bytes of a custom transform file: records of a name line ("$" first: adjustable) and
@@ -44,13 +44,13 @@ CustomTransformFile parseCustomTransforms(std::string_view text);
 
 inline constexpr const char* customTransformFileName = "Tintora_custom.txt";
 
-// Returns where a command line, the program's path first, leads to: the file's name behind
-// everything up to the last slash or backslash. That is beside the program, or where the path of an
-// argument is.
+// Returns the path of the file that belongs to a command line: everything up to the last
+// slash or backslash, and the file's name. A path among the arguments therefore moves the
+// file.
 std::string customTransformPath(std::string_view commandLine);
 
-// Appends the entries of a file. A missing file adds none, a malformed one those before its first
-// fault.
+// Appends the entries of a file. A missing file adds none; a malformed file adds those before its
+// first fault.
 void loadCustomTransforms(const std::string& path);
 
 }  // namespace tintora

@@ -10,7 +10,7 @@ namespace tintora {
 
 namespace {
 
-// One matrix each for protan, deutan and tritan.
+// One matrix for each of protan, deutan and tritan.
 using MatrixByType = std::array<Matrix3x3, 3>;
 
 // Judd 1948, Color perceptions of deuteranopic and protanopic observers, Journal of Research of the
@@ -45,8 +45,8 @@ constexpr MatrixByType vienot1997{{
 }};
 
 // Viénot, Brettel & Mollon 1999, Digital video colourmaps for checking the legibility of displays
-// by dichromats, Color Research & Application 24, 243-252. The way back is a table of its own, not
-// the computed inverse; a projection replaces the missing cone's signal and keeps the other two.
+// by dichromats, Color Research & Application 24, 243-252. LMS to RGB is a table of its own, not
+// the computed inverse. A projection replaces the missing cone's signal and keeps the other two.
 constexpr Matrix3x3 vienot1999RgbToLms{
     17.8824,   43.5161,  4.11935,  //
     3.45565,   27.1554,  3.86714,  //
@@ -78,7 +78,7 @@ constexpr Matrix3x3 errorRedistribution{
     1.4, 0.0, 2.0,
 };
 
-// The place of a type in the tables; none for a value that is no type.
+// Returns the index of a type in the tables, or nothing for a value that is not a type.
 std::optional<std::size_t> typeIndex(CvdType type) {
   const auto index = static_cast<std::uint32_t>(type) - 1U;
   if (index > 2U) return std::nullopt;
@@ -114,7 +114,7 @@ Matrix3x3 machadoMatrix(const ModelContext& context, std::size_t type, double se
   return matrix;
 }
 
-// The simulation of the context's type and severity; the previous result where there is none.
+// Returns the simulation for the context, or the previous result if there is none.
 Matrix3x3 simulate(ModelContext& context) {
   if (context.Option == SimulationAlgorithm::Yang2008) return deriveSpectralMatrix(context);
   const std::optional<std::size_t> type = typeIndex(context.modelCvdType);

@@ -1,5 +1,5 @@
-// The matrices of the colour vision deficiency modes: five published simulations, and what is made
-// of them for viewers with the deficiency. Column-vector convention, on screen values.
+// The matrices of the colour vision deficiency modes: five published simulations, and the
+// corrections derived from them. They act on column vectors of screen values.
 #pragma once
 
 #include "spectral/simulation_matrix.h"
@@ -19,8 +19,8 @@ Matrix3x3 computeSimulationMatrix(CvdType modelCvdType, double modelSeverity,
 // (colour_simulation.h).
 Matrix3x3 simulationMatrix(CvdType type, double severity, SimulationAlgorithm algorithm);
 
-// The correction for a viewer who sees through the given simulation: what is lost in red and in
-// green and blue themselves is moved to where the viewer can see it.
+// Returns the correction for a viewer with the simulated deficiency. It moves the colour
+// differences that the viewer loses into channels where the viewer can see them.
 Matrix3x3 daltonize(const Matrix3x3& simulation);
 
 }  // namespace tintora

@@ -8,8 +8,8 @@ namespace tintora {
 struct ColourEffect;
 
 // [input channel][output channel] in the order R, G, B, A; row 4 holds the offsets. A colour is the
-// row vector (R, G, B, A, 1), channels 0..1, and the shown colour is that vector times the matrix.
-// The alpha row and column and [4][4] always are those of the identity.
+// row vector (R, G, B, A, 1) with channels 0..1, and the shown colour is that vector times the
+// matrix. The alpha row and column and [4][4] are always those of the identity.
 using EffectMatrix = std::array<std::array<float, 5>, 5>;
 
 inline constexpr EffectMatrix identityEffectMatrix{{
@@ -23,7 +23,7 @@ inline constexpr EffectMatrix identityEffectMatrix{{
 // The matrix in force.
 extern EffectMatrix effectMatrix;
 
-// Writes the nine colour entries and the three offsets of the matrix in force and nothing else.
+// Writes the nine colour entries and the three offsets of the matrix in force, and nothing else.
 void storeColourEffect(const ColourEffect& effect);
 
 }  // namespace tintora

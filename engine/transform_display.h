@@ -10,8 +10,8 @@ namespace tintora {
 
 enum class TransformMenu { Main, AlternativeTransforms };
 
-// Where the viewer items stand in the main menu, as its builder records them. Custom transforms at
-// the top of the menu are not counted.
+// The positions of the viewer items in the main menu. The menu's builder records them and does not
+// count the custom transforms at the top.
 struct ViewerItemPositions {
   int simulation;
   int daltonize;
@@ -20,21 +20,21 @@ struct ViewerItemPositions {
   int otherColourEffects;
 };
 
-// Where each algorithm stands in the menu of alternative transforms, in the order of
-// SimulationAlgorithm; recorded by the builder, too.
+// The position of each algorithm in the menu of alternative transforms, in the order of
+// SimulationAlgorithm. The menu's builder records these, too.
 using AlgorithmPositions = std::array<int, 5>;
 
-// What the engine tells the program around it. Every member may be replaced; as they stand they
-// do nothing, so that the engine runs alone.
+// The functions through which the engine tells the program what to show. By default they do
+// nothing, so that the engine runs alone; the program replaces them.
 struct TransformDisplay {
-  // Show the screen through this matrix.
+  // Shows the screen through this matrix.
   void (*showEffectMatrix)(const EffectMatrix&) = [](const EffectMatrix&) {};
-  // Name the transform in force; Windows-1252.
+  // Shows the name of the transform in force, in Windows-1252.
   void (*showTitle)(std::string_view) = [](std::string_view) {};
-  // Set or clear a check mark, by position.
+  // Sets or clears a check mark, by position.
   void (*checkMenuItem)(TransformMenu, int position, bool checked) = [](TransformMenu, int, bool) {
   };
-  // The model's matrices have changed; the colour space views must follow.
+  // Refreshes the colour space views after the model's matrices have changed.
   void (*refreshTransformViews)() = [] {};
 
   ViewerItemPositions positions{};

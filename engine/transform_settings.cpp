@@ -16,7 +16,7 @@ struct CvdTitleWords {
   std::string_view anomalous;
 };
 
-// Protan, Deutan, Tritan. "Tranform" is how the tritan title has always been spelled.
+// Protan, Deutan, Tritan. The tritan title has always been spelled "Tranform"; keep it.
 constexpr std::array<CvdTitleWords, 3> cvdTitleWords{{
     {" Inverse Transform -", " Protanope ", " Protanomalous "},
     {" Inverse Transform -", " Deuteranope ", " Deuteranomalous "},

@@ -8,7 +8,7 @@
 
 namespace tintora {
 
-// Any other value may stand in a stored setting and is kept.
+// A stored setting may hold any other value, which is kept.
 enum class TransformMode : std::int32_t {
   Custom = 0,
   Protan = 1,
@@ -26,7 +26,7 @@ enum class TransformMode : std::int32_t {
   RedFilter = 13,
 };
 
-// Which channels change places. Any other value may stand in a stored setting and is kept.
+// Which channels change places. A stored setting may hold any other value, which is kept.
 enum class ColourSwap : std::int32_t {
   RedBlue = 200,
   RedGreen = 201,
@@ -34,7 +34,7 @@ enum class ColourSwap : std::int32_t {
   RedBlueInFull = 203,
 };
 
-// The fields that are saved bear the names under which they are stored.
+// The fields that are saved have the names under which they are stored.
 struct TransformSettings {
   TransformMode Selected = TransformMode::Deutan;
   double severity = 1.0;  // 0..1; also the strength of filter, swap, light block and custom entries
@@ -54,21 +54,21 @@ struct TransformSettings {
   bool transformOff = false;
 };
 
-// The one set of choices of the program.
+// The settings in force.
 extern TransformSettings transformSettings;
 
-// Protan, Deutan or Tritan.
+// Returns true for Protan, Deutan and Tritan.
 bool isDeficiency(TransformMode mode);
 
-// One of the modes whose matrix the model computes: a deficiency, or Normal.
+// Returns true for the modes whose matrix the model computes: the deficiencies and Normal.
 bool isSimulation(TransformMode mode);
 
-// A fraction as the whole percentage that titles and the stored severity carry: value * 100 cut
-// towards zero, with 0.001 to spare for what repeated steps of 0.01 lose. For |value| below 1e7.
+// Returns a fraction as a whole percentage, truncated towards zero after 0.001 is added in its
+// direction to make up for what repeated steps of 0.01 lose. For |value| below 1e7.
 std::int32_t wholePercent(double value);
 
-// The title of the main window while these settings are in force, Windows-1252. Custom transforms
-// have titles of their own (custom_transforms.h).
+// Returns the title of the main window for these settings, in Windows-1252. Custom transforms have
+// titles of their own (apply_transform.h).
 std::string transformTitle(const TransformSettings& settings);
 
 }  // namespace tintora

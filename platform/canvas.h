@@ -1,4 +1,4 @@
-// Painting into a window that is being painted.
+// Paints into a window.
 #pragma once
 
 #include <cstdint>

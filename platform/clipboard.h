@@ -11,10 +11,10 @@ struct Picture;
 // Takes a picture of what the screen shows in a window's client area.
 Picture* captureClientArea(Window* window);
 
-// Puts a picture on the clipboard in the name of a window; false where that fails.
+// Puts a picture on the clipboard, with a window as its owner. Returns false on failure.
 bool putOnClipboard(Window* owner, Picture* picture);
 
-// Gives the picture back to the desktop; the clipboard keeps its own.
+// Releases a picture. The clipboard keeps a copy of its own.
 void deletePicture(Picture* picture);
 
 }  // namespace tintora::platform

@@ -14,7 +14,7 @@
 
 namespace tintora::platform {
 
-// All four are made and released one by one; none of the calls returns null.
+// Each of these is created and released by its own pair of calls. None of the calls returns null.
 struct GraphicsDevice;
 struct VertexBuffer;  // of ColourVertex
 struct IndexBuffer;   // of 16-bit indices
@@ -50,8 +50,8 @@ enum class PrimitiveKind {
   Triangles = 4,
 };
 
-// Where a buffer lives: on the device alone, or also in the program's memory, from where the device
-// takes it when it needs it.
+// Where a buffer is kept: on the device only, or also in the program's memory, from which the
+// device fetches it as needed.
 enum class BufferUse { OnDevice, Managed };
 
 struct TextFontForm {
@@ -60,61 +60,61 @@ struct TextFontForm {
   bool outlinesOnly;  // no bitmap font will do
 };
 
-// Makes a device that draws into a window's client area of this size in pixels, at once and without
-// waiting for the screen. Both faces of a triangle show, colours are those of the vertices, unlit,
-// and what is nearer hides what is farther. All transforms are the identity.
+// Creates a device that draws into a window's client area of this size in pixels, at once and
+// without waiting for the screen. Both faces of a triangle are drawn, unlit and in the vertices'
+// colours, and nearer points hide farther ones. All transforms are the identity.
 GraphicsDevice* createGraphicsDevice(Window* window, const Size& size);
 
-// Releases a device; its buffers and fonts first.
+// Releases a device. Release its buffers and fonts first.
 void releaseGraphicsDevice(GraphicsDevice* device);
 
-// A font in the weight and width it was designed in.
+// Creates a font in the weight and width it was designed in.
 TextFont* createTextFont(GraphicsDevice* device, const TextFontForm& form);
 void releaseTextFont(TextFont* font);
 
-// A buffer for so many vertices, or for these indices.
+// Create a buffer for this number of vertices, or for these indices.
 VertexBuffer* createVertexBuffer(GraphicsDevice* device, std::size_t vertices, BufferUse use);
 IndexBuffer* createIndexBuffer(GraphicsDevice* device, std::span<const std::uint16_t> indices,
                                BufferUse use);
 void releaseVertexBuffer(VertexBuffer* buffer);
 void releaseIndexBuffer(IndexBuffer* buffer);
 
-// Replaces the contents of a buffer; as many vertices as it was created for.
+// Replaces the contents of a buffer. Pass as many vertices as it was created for.
 void fillVertexBuffer(VertexBuffer* buffer, std::span<const ColourVertex> vertices);
 
-// The transform that what is drawn from now on passes through, and the one last set.
+// Sets the transform for everything drawn from now on; returns the one last set.
 void setTransform(GraphicsDevice* device, TransformKind kind, const Matrix4x4& matrix);
 Matrix4x4 transform(const GraphicsDevice* device, TransformKind kind);
 
-// The part of the window that is drawn into: all of the size the device was created with.
+// Returns the part of the window that is drawn into, which has the size of the device.
 Rect viewport(const GraphicsDevice* device);
 
 // Fills the picture with a colour and its depth with 1, or its depth alone.
 void clearPicture(GraphicsDevice* device, PackedColour colour);
 void clearDepth(GraphicsDevice* device);
 
-// Everything that is drawn stands between these two.
+// Begin and end a frame. Draw only between these two calls.
 void beginScene(GraphicsDevice* device);
 void endScene(GraphicsDevice* device);
 
 // Shows the picture in the window.
 void present(GraphicsDevice* device);
 
-// Says that vertices are of ColourVertex from now on.
+// Declares that vertices are ColourVertex from now on.
 void setVertexFormat(GraphicsDevice* device);
 
-// The buffers that are drawn from; the indices may be null where none are used.
+// Set the buffers to draw from. The index buffer may be null if no indices are used.
 void setVertexBuffer(GraphicsDevice* device, VertexBuffer* buffer);
 void setIndexBuffer(GraphicsDevice* device, IndexBuffer* buffer);
 
-// Draws so many primitives, from the start of the indices, which reach that many vertices.
+// Draws this number of primitives from the start of the indices, which refer to that many vertices.
 void drawIndexed(GraphicsDevice* device, PrimitiveKind kind, int vertices, int primitives);
 
-// Draws so many primitives from the start of the vertices.
+// Draws this number of primitives from the start of the vertices.
 void drawUnindexed(GraphicsDevice* device, PrimitiveKind kind, int primitives);
 
-// One line of text from the left top corner of a rectangle, cut off at its edges; returns the
-// line's height in pixels.
+// Draws one line of text from the top left corner of a rectangle and clips it at the edges. Returns
+// the line's height in pixels.
 int drawText(GraphicsDevice* device, TextFont* font, const Rect& area, PackedColour colour,
              const std::string& text);
 

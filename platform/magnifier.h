@@ -9,29 +9,29 @@
 
 namespace tintora::platform {
 
-// Makes the service ready; false where the desktop does not have it.
+// Starts the service. Returns false if the desktop does not have it.
 bool startMagnifier();
 
-// Lets the service go; once, after it was started.
+// Stops the service. Call it once for each successful start.
 void stopMagnifier();
 
-// Creates the view as a child of a window, with bounds in its client area; null where it cannot be
-// had.
+// Creates the view as a child of a window, with bounds in its client area. Returns null on
+// failure.
 Window* createMagnifier(Window* parent, const std::string& title, const Rect& bounds);
 
-// Shows everything at its own size.
+// Sets the view to show everything at its own size.
 void setUnmagnified(Window* magnifier);
 
-// The part of the screen to show.
+// Sets the part of the screen to show.
 void setMagnifierSource(Window* magnifier, const Rect& source);
 
-// The matrix to show it through.
+// Sets the matrix through which the view shows it.
 void setColourEffect(Window* magnifier, const EffectMatrix& matrix);
 
-// Bounds in the parent's client area.
+// Moves and sizes the view. The bounds are in the parent's client area.
 void fitMagnifier(Window* magnifier, const Rect& bounds);
 
-// Has the view drawn anew.
+// Requests that the view is drawn again.
 void invalidateMagnifier(Window* magnifier);
 
 }  // namespace tintora::platform

@@ -10,28 +10,28 @@ namespace tintora::platform {
 
 struct Menu;
 
-// An empty popup menu.
+// Creates an empty popup menu.
 Menu* createMenu();
 
 // Destroys a menu with its submenus.
 void destroyMenu(Menu* menu);
 
-// An item that sends its command, 0..65535, when it is chosen.
+// Appends an item that sends its command, 0..65535, when it is chosen.
 void appendItem(Menu* menu, int command, const std::string& text);
 
-// An item that cannot be chosen, without being greyed.
+// Appends an item that cannot be chosen but is not greyed.
 void appendLabel(Menu* menu, int command, const std::string& text);
 
-// A line between items.
+// Appends a line between items.
 void appendSeparator(Menu* menu);
 
-// An item that opens another menu, which from then on belongs to this one.
+// Appends an item that opens another menu. That menu belongs to this one from then on.
 void appendSubmenu(Menu* menu, Menu* submenu, const std::string& text);
 
-// Sets or clears the check mark of the item at a position from 0; nothing where there is none.
+// Sets or clears the check mark of the item at a position, from 0. Does nothing if there is none.
 void checkMenuItem(Menu* menu, int position, bool checked);
 
-// Opens the menu at a place on the screen; what is chosen arrives as a command of the window.
+// Opens the menu at a place on the screen. The user's choice arrives as a command of the window.
 void trackMenu(Menu* menu, const Point& place, Window* window);
 
 }  // namespace tintora::platform

@@ -11,13 +11,13 @@ namespace tintora::platform {
 // (engine/custom_transforms.h); relative paths start at the current directory.
 std::string customTransformFile();
 
-// What follows the program's own path on the command line, without the blanks between.
+// Returns the arguments as one string: the command line without the program's path.
 std::string programArguments();
 
-// The size of the primary screen.
+// Returns the size of the primary screen.
 Size screenSize();
 
-// Shows a page that stands beside the program in the user's web browser.
+// Opens a page that is installed with the program in the user's web browser.
 void openPageBesideProgram(const std::string& fileName);
 
 }  // namespace tintora::platform

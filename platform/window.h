@@ -1,5 +1,5 @@
-// Windows, what happens to them, and the loop that brings it in. No call reports a failure unless
-// it says so.
+// Windows, their events and the event loop. Calls do not report failure unless their comment says
+// so.
 #pragma once
 
 #include <cstddef>
@@ -39,7 +39,7 @@ constexpr bool hearsMovesByDesktop(WindowKind kind) {
 // The forms of the main window.
 enum class WindowForm { Framed, Frameless, FramedMaximised, FramelessMaximised, FullScreen };
 
-// AsStarted is how the desktop asked the program to appear; Shown keeps size and place.
+// AsStarted is the state that the desktop asked for at start. Shown keeps size and place.
 enum class ShowState { Hidden, Shown, AsStarted, Normal, Maximised };
 
 enum class EventKind {
@@ -62,7 +62,7 @@ enum class EventKind {
   Destroyed,
 };
 
-// One thing that happened to a window; only the members named with its kind count.
+// An event of a window. Only the members named beside its kind are meaningful.
 struct Event {
   EventKind kind;
   Window* window = nullptr;
@@ -76,20 +76,20 @@ struct Event {
   bool maximised = false;
 };
 
-// Takes an event; true where the desktop's own handling must not follow.
+// Handles an event. Returns true if the desktop must not handle it as well.
 using EventHandler = bool (*)(const Event&);
 
-// Prepares the kinds of windows and takes the handler for all events; the counterpart lets both go.
+// Registers the kinds of windows and the handler of all their events; removes both again.
 void registerWindowKinds(EventHandler handler);
 void unregisterWindowKinds();
 
-// Creates a window, hidden, with outer bounds in screen coordinates; null where it cannot be had.
+// Creates a hidden window with outer bounds in screen coordinates. Returns null on failure.
 Window* createWindow(WindowKind kind, const std::string& title, const Rect& bounds);
 
-// Puts the main window into a form; its size and hit transparency stay.
+// Gives the main window a form. Its size and hit transparency stay.
 void setWindowForm(Window* window, WindowForm form);
 
-// Lets mouse input through to what lies beneath the window, or takes it again.
+// Passes mouse input through to what lies beneath the window, or stops doing so.
 void setHitTransparent(Window* window, bool transparent);
 
 // Shows or hides a window.
@@ -98,56 +98,56 @@ void showWindow(Window* window, ShowState state);
 // Moves and sizes a window by its outer bounds in screen coordinates.
 void setWindowBounds(Window* window, const Rect& bounds);
 
-// The outer bounds in screen coordinates.
+// Returns the outer bounds in screen coordinates.
 Rect windowBounds(const Window* window);
 
-// The client area in its own coordinates: left and top are 0.
+// Returns the client area in its own coordinates: left and top are 0.
 Rect clientArea(const Window* window);
 
-// The screen coordinates of the client area's left top corner.
+// Returns the screen coordinates of the client area's top left corner.
 Point clientOrigin(const Window* window);
 
-// Whether the window fills the screen in one of the maximised forms.
+// Returns true if the window fills the screen in one of the maximised forms.
 bool isMaximised(const Window* window);
 
-// Gives the window its title.
+// Sets the window's title.
 void setTitle(Window* window, const std::string& title);
 
-// The first characters of the title, as many as are asked for at most.
+// Returns the title, cut off after at most this number of characters.
 std::string windowTitle(const Window* window, std::size_t most);
 
-// Has the whole window painted again.
+// Requests that the whole window is painted again.
 void invalidateWindow(Window* window);
 
-// Takes files that are dropped on the window, or no longer.
+// Accepts dropped files, or stops accepting them.
 void acceptDroppedFiles(Window* window, bool accept);
 
-// Starts the one timer of a window, which elapses every so many milliseconds until it is stopped.
+// Starts the one timer of a window. It elapses at this interval until it is stopped.
 void startTimer(Window* window, int milliseconds);
 
 // Stops the timer of a window.
 void stopTimer(Window* window);
 
-// Whether the left or the right of these keys is down, as of the event being handled.
+// Return true if the left or the right of these keys was down at the event being handled.
 bool isShiftDown();
 bool isControlDown();
 
-// The cursor's place on the screen.
+// Returns the cursor's place on the screen.
 Point cursorPosition();
 
 // Shows the cursor, or hides it while it is over the program's windows.
 void showCursor(bool shown);
 
-// Waits for the next event and has it handled; false when the program was told to end.
+// Waits for the next event and passes it to the handler. Returns false if the loop has to end.
 bool handleNextEvent();
 
-// Handles the events that wait, without waiting for more.
+// Handles the events that are waiting, and does not wait for more.
 void handleWaitingEvents();
 
-// Ends the loop; its result becomes the program's.
+// Ends the loop with the exit status of the program.
 void quit(int result);
 
-// The result that the loop ended with.
+// Returns the exit status with which the loop ended.
 int quitResult();
 
 }  // namespace tintora::platform

@@ -15,7 +15,7 @@ constexpr int confirmationMilliseconds = 3000;
 
 void copyToClipboard() {
   platform::Window* const window = shellState.mainWindow;
-  // Without the cursor, and with everything painted that waits for it.
+  // Hide the cursor and paint everything that is waiting, so that the copy shows neither.
   platform::showCursor(false);
   platform::handleWaitingEvents();
   platform::Picture* const picture = platform::captureClientArea(window);

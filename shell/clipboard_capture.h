@@ -1,4 +1,4 @@
-// A copy of the filtered image on the clipboard.
+// Copies the filtered image to the clipboard.
 #pragma once
 
 namespace tintora {
@@ -6,10 +6,10 @@ namespace tintora {
 // Copies what the main window shows to the clipboard and says so in its title for three seconds.
 void copyToClipboard();
 
-// Ends those three seconds: the title names the transform again.
+// Puts the transform's title back and stops the title timer.
 void restoreTitle();
 
-// Lets a pending title timer go.
+// Stops the title timer if it is running.
 void stopTitleTimer();
 
 }  // namespace tintora

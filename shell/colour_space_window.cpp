@@ -34,7 +34,7 @@ constexpr std::array<ViewCaption, 4> viewCaptions{{
 void moveColourSpaceBesideMain() {
   platform::Window* const window = shellState.colourSpaceWindow;
   const Rect bounds = platform::windowBounds(window);
-  // As the main window stands now: during a drag the last source update is a move behind.
+  // Asks the desktop: during a drag, shellState.mainBounds is one move behind.
   const Rect main = platform::windowBounds(shellState.mainWindow);
   const int left = main.right + dockingGap;
   const int top = main.top;

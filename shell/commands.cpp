@@ -54,7 +54,7 @@ void chooseCustom(int index) {
   paintControlWindow();
 }
 
-// Back to the deficiency that the model last held, seen in another way.
+// Returns to the deficiency that was applied last, as a simulation or one of its corrections.
 void chooseViewing(bool daltonize, bool inversion, int ViewerItemPositions::*item) {
   transformSettings.Daltonize = daltonize;
   transformSettings.Inversion = inversion;
@@ -143,9 +143,9 @@ void chooseSwap(int command) {
   chooseMode(TransformMode::ColourSwap);
 }
 
-// The items that the handler marks itself, in the order of the commands. The last three marks fall
-// on other items than the one chosen; that is as intended, and lasts only until the transform is
-// applied, which marks the right one.
+// The positions that this handler marks, in the order of the commands. The last three are not those
+// of the chosen items. That is intended and does not last: applying the transform marks the right
+// one at once.
 constexpr std::array<int, 5> handlerMarks{1, 4, 2, 3, 5};
 constexpr int algorithmPositionsCleared = 5;
 
@@ -180,7 +180,7 @@ constexpr CommandAction row(command_ids::Relative command, void (*run)(int comma
   return row(command.offset, run);
 }
 
-// Counted from the number of custom transforms.
+// Commands counted from the number of custom transforms.
 constexpr std::array<CommandAction, 15> relativeCommands{{
     row(command_ids::protan, &plain<&choose<TransformMode::Protan>>),
     row(command_ids::deutan, &plain<&choose<TransformMode::Deutan>>),
@@ -199,7 +199,7 @@ constexpr std::array<CommandAction, 15> relativeCommands{{
     row(command_ids::openUserGuide, &plain<&openUserGuide>),
 }};
 
-// The first row that holds the command counts.
+// The first row that contains the command applies.
 constexpr std::array<CommandAction, 12> absoluteCommands{{
     {command_ids::firstFilter, command_ids::lastFilter, &chooseFilter},
     {command_ids::firstAlgorithm, command_ids::lastAlgorithm, &chooseAlgorithm},
@@ -225,7 +225,7 @@ void runFrom(const Actions& actions, int place, int command) {
   }
 }
 
-// The arrow keys move the main window by a pixel, or with Shift or Control its right lower corner.
+// Moves the main window, or with Shift or Control its lower right corner.
 void nudge(int x, int y) {
   platform::Window* const window = shellState.mainWindow;
   if (platform::isMaximised(window)) return;
@@ -287,7 +287,7 @@ constexpr std::array<KeyAction, 32> keyActions{{
     {'K', &toggleDocking},
     {'L', &choose<TransformMode::CircadianLightBlock>},
     {'N', &choose<TransformMode::Saturation>},
-    // With Control the same as C, deliberately.
+    // With Control, O copies as C does. This is intended.
     {'O', [] { copyOr(&choose<TransformMode::Contrast>); }},
     {'P', &choose<TransformMode::Protan>},
     {'R', &showView<ViewCode::RgbCube>},

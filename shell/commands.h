@@ -5,16 +5,16 @@
 
 namespace tintora {
 
-// Applies the transform that is chosen, a custom one without touching the check marks.
+// Applies the chosen transform. A custom transform leaves the check marks as they are.
 void applyCurrentTransform();
 
 // Runs a menu command. Unknown ones are ignored.
 void runCommand(int command);
 
-// Runs what a key stands for.
+// Runs the action of a key. Keys without one are ignored.
 void runKey(int key);
 
-// One step up or down of the value that the mode has: severity for most.
+// Moves the value of the mode one step up or down: severity for most modes.
 void stepValue(bool up);
 
 }  // namespace tintora

@@ -33,7 +33,7 @@ using platform::Rect;
 using platform::ShowState;
 using platform::WindowKind;
 
-// Letters among the first characters of the arguments switch optional commands on.
+// Switches on optional commands by letters among the first characters of the arguments.
 void readArguments() {
   constexpr std::size_t read = 10;
   for (const char letter : platform::programArguments().substr(0, read)) {
@@ -57,7 +57,7 @@ void connectEngine() {
   transformDisplay.refreshTransformViews = &refreshTransformViews;
 }
 
-// The tables, and a first matrix from the settings as they were loaded.
+// Fills the model's tables and computes a first matrix from the loaded settings.
 void initialiseModel() {
   initialiseModelContext(modelContext);
   const TransformSettings& settings = transformSettings;

@@ -34,7 +34,7 @@ struct MenuItem {
   bool relative = false;
   MenuSlot submenu = nullptr;
   Condition condition = Condition::Always;
-  // Where the position of the item is recorded for the engine's check marks.
+  // Receives the item's position if the engine marks the item.
   int* position = nullptr;
 };
 
@@ -174,8 +174,8 @@ void append(Menu* menu, const MenuItem& entry) {
   }
 }
 
-// Appends the items whose condition is met and records the positions of those that are marked
-// later.
+// Appends the items whose condition is met and records the positions of those that the engine
+// marks.
 void append(Menu* menu, std::span<const MenuItem> entries) {
   int position = 0;
   for (const MenuItem& entry : entries) {
@@ -186,7 +186,7 @@ void append(Menu* menu, std::span<const MenuItem> entries) {
   }
 }
 
-// A menu is always made anew in place of the one before.
+// Replaces a menu by a new, empty one.
 Menu* renew(MenuSlot slot) {
   Menu*& menu = shellState.menus.*slot;
   platform::destroyMenu(menu);
@@ -230,7 +230,7 @@ void buildMain() {
   platform::checkMenuItem(menu, 1, true);
 }
 
-// In the order in which they are destroyed at the end.
+// In the order in which they are destroyed at shutdown.
 constexpr std::array<MenuSlot, 9> slots{
     &ShellMenus::main,
     &ShellMenus::colourFilter,

@@ -6,8 +6,8 @@ namespace tintora {
 // Creates the nine popup menus, empty.
 void createEmptyMenus();
 
-// Builds all menus anew for the custom transforms that are loaded and the options switched on, and
-// records where the items that the engine marks stand.
+// Builds all menus for the loaded custom transforms and the enabled options, and records the
+// positions of the items that the engine marks.
 void buildMenus();
 
 // Destroys the nine popup menus.

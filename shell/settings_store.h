@@ -7,16 +7,16 @@
 
 namespace tintora {
 
-// The selection as it is stored: the custom transforms by their indices, then the built-in modes,
+// Returns the selection as it is stored: a custom transform's index, or a built-in mode's number
 // counted from the number of custom transforms.
 std::uint32_t encodeSelection(const TransformSettings& settings, std::uint32_t customCount);
 
 // Puts a stored selection into the settings: mode, customIndex and, for the full-strength red
-// filter, the filter's colour. A value past the table leaves the mode.
+// filter, the filter's colour. A value beyond the table leaves the mode unchanged.
 void decodeSelection(TransformSettings& settings, std::uint32_t stored, std::uint32_t customCount);
 
 // Reads the saved settings into the transform settings and the shell's state, and centres the main
-// window's bounds on the screen. What is not stored stays as it is.
+// window's bounds on the screen. Settings that are not stored stay as they are.
 void loadSettings();
 
 void saveSettings();

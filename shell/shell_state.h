@@ -1,4 +1,4 @@
-// What the shell knows of its windows, menus and modes.
+// The state of the shell: its windows, menus and modes.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@
 
 namespace tintora {
 
-// How much of the main window's title the other windows repeat.
+// The most characters of the main window's title that other windows repeat.
 inline constexpr std::size_t titleLength = 200;
 
 inline constexpr const char* hitTransparentText = "Hit Transparent, Press H to exit";

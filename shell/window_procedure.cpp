@@ -29,7 +29,7 @@ bool isControl(const Event& event) {
   return event.window == shellState.controlWindow;
 }
 
-// Keys outside these are the desktop's own.
+// Keys outside this range are left to the desktop.
 constexpr int firstKey = platform::keys::tab;
 constexpr int lastKey = platform::keys::minus;
 
@@ -61,7 +61,7 @@ bool onLeftDown(const Event& event) {
   return true;
 }
 
-// In whichever window: a fast drag may have slipped out of the one it began in.
+// Ends the drag in any window, because a fast drag may have left the one where it began.
 bool onLeftUp(const Event& /*event*/) {
   shellState.drag.active = false;
   return true;

@@ -1,11 +1,11 @@
-// What the program does when something happens to one of its windows.
+// Handles the events of the program's windows.
 #pragma once
 
 #include "platform/window.h"
 
 namespace tintora {
 
-// Handles an event of any of the windows; true where the desktop's own handling must not follow.
+// Handles an event of any window. Returns true if the desktop must not handle it as well.
 bool handleEvent(const platform::Event& event);
 
 }  // namespace tintora

@@ -8,7 +8,7 @@
 
 namespace tintora {
 
-// The deficiency the model holds. Any other value moves no cone.
+// The deficiency that the model simulates. Any other value moves no cone.
 enum class CvdType : std::uint32_t { Protan = 1, Deutan = 2, Tritan = 3 };
 
 // One value for each cone: peak wavelengths in nm or photopigment optical densities.
@@ -53,8 +53,8 @@ void applyOpticalDensity(SpectralCurve& curve, double density);
 void buildConeModel(ConeModel& model, double peakS, double peakM, double peakL, double densityS,
                     double densityM, double densityL);
 
-// The peaks (nm) of the anomalous observer: one cone moves towards its neighbour as the severity,
-// 0..1, grows, and at 1 stands exactly on it.
+// Returns the peaks (nm) of the anomalous observer. One cone's peak moves towards its neighbour's
+// as the severity grows from 0, and reaches it at 1.
 ConeValues shiftedPeak(CvdType modelCvdType, double modelSeverity);
 
 }  // namespace tintora

@@ -5,7 +5,7 @@
 
 namespace tintora {
 
-// Row by row; acts on column vectors: out = M * (r, g, b).
+// Stored row by row; acts on column vectors: out = M * (r, g, b).
 using Matrix3x3 = std::array<double, 9>;
 
 inline constexpr Matrix3x3 identity3x3{1.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 1.0};
@@ -15,10 +15,10 @@ struct Inverse3x3 {
   bool succeeded = false;
 };
 
-// a * b
+// Returns a * b.
 Matrix3x3 multiply3x3(const Matrix3x3& a, const Matrix3x3& b);
 
-// The inverse by cofactors. It fails when the determinant comes out as exactly 0.0, and only then.
+// Returns the inverse by cofactors. It fails only if the determinant is computed as exactly 0.0.
 Inverse3x3 invert3x3(const Matrix3x3& m);
 
 }  // namespace tintora

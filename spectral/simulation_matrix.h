@@ -35,20 +35,20 @@ struct ModelContext {
   Matrix3x3 simulationMatrix = uninvertedMatrix;
 };
 
-// The one model of the program.
+// The model of the program.
 extern ModelContext modelContext;
 
 // Fills the constants of the record: the prereceptoral filter of both observers and the Machado
-// table. Once, before the first matrix is computed.
+// table. Call it once, before the first matrix is computed.
 void initialiseModelContext(ModelContext& context);
 
-// RGB to LMS and back, for an observer and the spectra of the display's primaries. Each row of RGB
-// to LMS sums to 1, so that display white gives (1, 1, 1) for every observer. Where RGB to LMS has
-// no inverse, LMS to RGB is all 0.
+// Computes RGB to LMS and back, for an observer and the spectra of the display's primaries. Each
+// row of RGB to LMS sums to 1, so display white gives (1, 1, 1) for every observer. If RGB to LMS
+// has no inverse, LMS to RGB is all 0.
 void integrateConeMatrix(ConeModel& model, const SpectralCurve& red, const SpectralCurve& green,
                          const SpectralCurve& blue);
 
-// The same for the opponent curves: achromatic, yellow-blue, red-green.
+// Computes the same for the opponent curves: achromatic, yellow-blue, red-green.
 void integrateOpponentMatrix(ConeModel& model, const SpectralCurve& red, const SpectralCurve& green,
                              const SpectralCurve& blue);
 

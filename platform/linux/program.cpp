@@ -18,7 +18,7 @@ namespace {
 
 std::string arguments;
 
-// Where the user's transforms are looked for: beside the program, else among the user's own files.
+// Returns the program's folder if it holds the user's transforms, else the user's own folder.
 QString folderOfCustomFile() {
   const QString beside = QCoreApplication::applicationDirPath();
   const QString file = beside + '/' + customTransformFileName;
@@ -36,7 +36,7 @@ QString configFolder() {
   return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + "/tintora";
 }
 
-// A path among the arguments takes part in the rule for the command line, and leads away from here.
+// A slash in the arguments makes the rule for the whole command line apply, as on every desktop.
 std::string customTransformFile() {
   const std::string folder = folderOfCustomFile().toStdString();
   if (arguments.find_first_of("\\/") == std::string::npos) {

@@ -1,4 +1,4 @@
-// What only this desktop's own rooms ask of the process.
+// Facts of the process that only this desktop's own files need.
 #pragma once
 
 #include <QString>
@@ -8,7 +8,7 @@ namespace tintora::platform {
 // Remembers the arguments as they were given, the program's name first.
 void setArguments(int count, char** given);
 
-// Where the user's files of this program are kept.
+// Returns the folder of the user's files.
 QString configFolder();
 
 }  // namespace tintora::platform

@@ -33,7 +33,7 @@ std::string text(PrimitiveKind kind) {
 std::string text(const std::string& value) {
   return value;
 }
-// Buffers, fonts and devices by their numbers.
+// Returns the number of a buffer, font or device.
 template <typename Thing>
 std::string text(const Thing* thing) {
   return thing == nullptr ? "none" : text(thing->number);

@@ -1,4 +1,4 @@
-// A graphics device that draws nothing: it keeps what it was asked, for tests to read.
+// A graphics device for tests. It draws nothing and records what it was asked.
 #pragma once
 
 #include <array>
@@ -60,7 +60,7 @@ struct DrawnText {
 };
 
 struct NullGraphics {
-  // Set before drawing.
+  // Prepared before drawing.
   bool keepsCalls = false;
   int spaceBelowLine = 0;  // what a line of text is higher than its font
   Point viewportCorner{};  // where in the window drawing begins
@@ -68,7 +68,7 @@ struct NullGraphics {
   // Every call by its name and arguments, while they are kept.
   std::vector<std::string> calls;
 
-  // What was made and not yet released.
+  // Everything created and not yet released.
   std::vector<std::unique_ptr<GraphicsDevice>> devices;
   std::vector<std::unique_ptr<VertexBuffer>> vertexBuffers;
   std::vector<std::unique_ptr<IndexBuffer>> indexBuffers;
@@ -87,7 +87,7 @@ struct NullGraphics {
 
 NullGraphics& nullGraphics();
 
-// Forgets everything; no device, buffer or font is valid then.
+// Forgets everything. Devices, buffers and fonts become invalid.
 void resetNullGraphics();
 
 }  // namespace tintora::platform

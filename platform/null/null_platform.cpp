@@ -15,7 +15,7 @@ struct Picture {};
 
 namespace {
 
-// What a frame takes of a window's bounds on this desktop.
+// The width of a window's frame and the height of its caption on this desktop.
 constexpr int frameWidth = 8;
 constexpr int captionHeight = 31;
 

@@ -1,5 +1,5 @@
-// A desktop that is not there: it keeps what it was asked in lists, and plays back scripted events.
-// For tests of the program without a display.
+// A desktop for tests without a display. It records what it was asked and plays back scripted
+// events.
 #pragma once
 
 #include <cstdint>
@@ -58,9 +58,9 @@ struct Canvas {
   std::vector<PaintedText> texts;
 };
 
-// All that the desktop knows. A test sets it up, runs the program or parts of it, and reads it.
+// The state of the desktop. A test prepares it, runs the program or parts of it, and reads it.
 struct NullDesktop {
-  // Before a run.
+  // Prepared before a run.
   std::string commandLine = "C:\\Tintora\\Tintora.exe";
   std::string arguments;
   Size screen{1920, 1080};
@@ -68,10 +68,10 @@ struct NullDesktop {
   bool hasClipboard = true;
   std::string windowThatFails;  // the name of one that cannot be created
   std::optional<std::map<std::string, std::uint32_t>> store;
-  // Each step returns the event to handle next; after the last the loop ends.
+  // Each step returns the event to handle next. The loop ends after the last step.
   std::deque<std::function<Event()>> script;
 
-  // After it. Every call that changes something, as its function's name and arguments.
+  // Read after a run. Every call that changes something, by its name and arguments.
   std::vector<std::string> calls;
   std::vector<std::unique_ptr<Window>> windows;
   std::vector<std::unique_ptr<Menu>> menus;  // those not destroyed

@@ -16,7 +16,7 @@ std::string customTransformFile() {
 }
 
 std::string programArguments() {
-  // The program's path ends at a blank, or where it is quoted at the closing quote.
+  // The program's path ends at a blank, or at the closing quote if it is quoted.
   const std::string line = GetCommandLineA();
   const bool quoted = line.starts_with('"');
   const std::size_t pathEnd = line.find_first_of(quoted ? "\"" : " \t", quoted ? 1 : 0);

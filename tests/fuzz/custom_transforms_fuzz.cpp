@@ -22,8 +22,8 @@ std::size_t linesIn(std::string_view text) {
 
 }  // namespace
 
-// Any text, in any of its entries, gives a matrix whose alpha entries are the identity's and that
-// the pixel filter takes.
+// Expects of any text that each of its entries gives a matrix that keeps the identity's alpha
+// entries and that the pixel filter accepts.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace tintora;
   const std::string_view text(reinterpret_cast<const char*>(data), size);

@@ -1,4 +1,4 @@
-// The calls that belong together, as lists to compare with what the desktop was asked.
+// Lists of calls that belong together, to compare with the calls that the desktop recorded.
 #pragma once
 
 #include <initializer_list>
@@ -11,7 +11,7 @@ namespace tintora {
 
 Calls joined(std::initializer_list<Calls> lists);
 
-// Where the items marked by the engine stand in the main menu.
+// The positions in the main menu of the items that the engine marks.
 struct ViewerItems {
   int simulation;
   int daltonize;
@@ -24,7 +24,7 @@ inline constexpr ViewerItems itemsWithTritan{7, 10, 11, 12, 14};
 inline constexpr ViewerItems itemsWithOptions{6, 10, 11, 12, 14};
 inline constexpr ViewerItems itemsWithBoth{7, 11, 12, 13, 15};
 
-// One application of the settings in force, with the menus of a run that had no letters.
+// One application of the settings in force, in a run without command line letters.
 struct Application {
   std::string title;
   int viewerItem;
@@ -34,7 +34,7 @@ struct Application {
 };
 Calls applied(const Application& application, const ViewerItems& items = itemsWithoutLetters);
 
-// A simulation of a type seen as one of the viewer items says.
+// The simulation of a type, or the correction that a viewer item stands for.
 Calls simulated(int type, const std::string& title,
                 int viewerItem = itemsWithoutLetters.simulation);
 
@@ -45,7 +45,7 @@ Calls otherEffect(const std::string& title,
 // The transform switched off.
 Calls switchedOff();
 
-// The check marks alone that come first in every application.
+// The check marks with which every application begins.
 Calls marksCleared(const ViewerItems& items = itemsWithoutLetters);
 
 Calls mainMark(int position, bool checked);
@@ -54,17 +54,17 @@ Calls algorithmMark(int position, bool checked);
 Calls magnifierInvalidated();
 Calls sourceSet(const std::string& source);
 
-// The control window painted and named.
+// Painting the control window and setting its title.
 Calls painted(const std::string& controlText = "Hit Transparent, Press H to exit");
 
-// The colour space window moved beside the main window as it stands at the start, and shown.
+// Moving the colour space window beside the main window at its first place, and showing it.
 Calls besideMain();
 Calls shownBesideMain();
 
-// Compares the calls of the last event, and that those of the message loop follow.
+// Compares the calls of the last event, and expects those of the message loop after them.
 void expectCalls(const Calls& expected);
 
-// The filtered picture's source after every event, for the main window as it now stands.
+// Returns the magnifier's source after every event, for the main window's present bounds.
 std::string expectedSource();
 
 std::string text(const platform::Rect& rect);

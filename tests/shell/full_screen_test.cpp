@@ -184,7 +184,7 @@ TEST_F(FullScreen, UndocksTheColourSpaceWindowUntilKDocksItAgain) {
   });
 }
 
-// Full screen was never entered, so that the place at the start is the last one known.
+// Full screen was never entered, so the window returns to its first bounds.
 TEST_F(FullScreen, LeavesAWindowThatWasMaximisedFromTheStartForItsFirstPlace) {
   play([]() -> Script {
     mainWindow().bounds = {0, 0, 1920, 1080};
@@ -196,7 +196,7 @@ TEST_F(FullScreen, LeavesAWindowThatWasMaximisedFromTheStartForItsFirstPlace) {
   });
 }
 
-// A window maximised by hand goes back to where full screen was entered last.
+// A window that the user maximised returns to the bounds at which full screen was last entered.
 TEST_F(FullScreen, LeavesAMaximisedWindow) {
   play([]() -> Script {
     mainWindow().bounds = placed;

@@ -177,7 +177,7 @@ TEST_F(Keys, DoWhatTheyStandForInEveryWindow) {
   }
 }
 
-// F has the most to do and is looked at closely elsewhere; here that it is a key at all.
+// full_screen_test.cpp covers what F does; this test covers that the key does it.
 TEST_F(Keys, FEntersAndLeavesFullScreen) {
   play([]() -> Script {
     co_yield keyDown('F');
@@ -204,7 +204,7 @@ TEST_F(Keys, WithoutAMeaningDoNothing) {
   });
 }
 
-// Also those without a meaning: a character that follows from them is of no use either.
+// This includes keys without an action.
 TEST_F(Keys, FromTabToMinusAreNotLeftToTheDesktop) {
   play([]() -> Script {
     for (int key = 1; key <= 255; ++key) {

@@ -254,7 +254,7 @@ TEST_F(Menus, CountBuiltInItemsFromTheNumberOfCustomTransforms) {
   });
 }
 
-// The items behind an optional one move up where it is absent.
+// If an optional item is absent, the items behind it move up.
 TEST_F(Menus, RecordWhereTheMarkedItemsStand) {
   struct Row {
     const char* letters;

@@ -1,4 +1,4 @@
-// Whatever the user does, in whatever order.
+// Random input: whatever the user does, in any order.
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -165,7 +165,7 @@ bool showsWhatTheEngineMade() {
   return std::memcmp(&nullDesktop().colourEffect, &effectMatrix, sizeof(effectMatrix)) == 0;
 }
 
-// What the shell knows of the windows is what the desktop has.
+// Expects the shell's state of the windows to agree with the desktop's.
 bool agreesWithTheDesktop() {
   const ShellState& state = shellState;
   const Window& main = mainWindow();
@@ -182,7 +182,7 @@ bool agreesWithTheDesktop() {
 
 class RandomUse : public ShellTest {
  protected:
-  // The first thing that is wrong after an event; nothing where all is well.
+  // Returns the first fault after an event, or nothing if all is well.
   std::string fault() {
     if (!keepsAlpha(effectMatrix)) return "alpha";
     if (!isInRange(transformSettings)) return "settings: " + describe(transformSettings);

@@ -1,4 +1,4 @@
-// Whole runs of the program, from start-up to shutdown, on the desktop that is not there.
+// Runs the whole program, from start-up to shutdown, on the null desktop.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -21,8 +21,8 @@ namespace tintora {
 using Calls = std::vector<std::string>;
 using Store = std::map<std::string, std::uint32_t>;
 
-// What a user does and sees: a coroutine that yields the next event and goes on when the program
-// has dealt with it.
+// What a user does and sees, as a coroutine. It yields the next event and continues after the
+// program has handled it.
 class Script {
  public:
   struct promise_type {
@@ -48,7 +48,7 @@ class Script {
   Script& operator=(const Script&) = delete;
   Script& operator=(Script&&) = delete;
 
-  // Goes on to the next event; none at the end.
+  // Continues to the next event. Returns nothing at the end.
   std::optional<platform::Event> next() {
     coroutine.resume();
     if (coroutine.done()) return std::nullopt;
@@ -60,17 +60,17 @@ class Script {
   std::coroutine_handle<promise_type> coroutine;
 };
 
-// Runs the program with a script; what the process returns. A last key-up event without a meaning
-// lets the script look at the outcome of the event before.
+// Runs the program with a script and returns the exit status. A meaningless key-up event is added
+// at the end, so that the script can examine the outcome of its last event.
 int play(const std::function<Script()>& script);
 
-// Start-up and shutdown with no event between.
+// Runs start-up and shutdown with no event between them.
 int playNothing();
 
-// All process-wide records and the desktop as they are when a process starts...
+// Restores all process-wide records and the desktop to their state when a process starts.
 void forgetEverything();
 
-// ... but with what outlives a process: its command line and the stored values.
+// Does the same but keeps the command line and the stored values, as for a second process.
 void restartProcess();
 
 class ShellTest : public testing::Test {
@@ -85,7 +85,7 @@ class ShellTest : public testing::Test {
   ~ShellTest() override { forgetEverything(); }
 };
 
-// A folder in which the program stands, removed at its end.
+// A folder that pretends to hold the program. It is removed at the end.
 class ProgramFolder {
  public:
   ProgramFolder();
@@ -117,10 +117,10 @@ platform::Event mouse(platform::EventKind kind, const platform::Window& window, 
 
 void holdKeys(bool shift, bool control);
 
-// The calls since the last event was handed over.
+// Returns the calls since the last event was passed to the program.
 Calls callsOfEvent();
 
-// All settings, in words.
+// Returns all settings as text.
 std::string describe(const TransformSettings& settings);
 
 }  // namespace tintora

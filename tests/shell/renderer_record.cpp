@@ -1,5 +1,5 @@
-// Writes down what the shell asks of the renderer among the calls of the desktop, then has it done.
-// The linker leads the shell's calls here (CMakeLists.txt).
+// Records the shell's calls of the renderer among those of the desktop and passes them on. The
+// linker directs the shell's calls here (CMakeLists.txt).
 #include <cstddef>
 #include <string>
 
@@ -12,7 +12,7 @@ namespace tintora {
 
 namespace {
 
-// What the renderer itself asks of the desktop is no matter of the shell's.
+// The renderer's own calls of the desktop are not recorded.
 template <typename Renderer>
 void passOn(const std::string& call, Renderer renderer) {
   auto& calls = platform::nullDesktop().calls;

@@ -141,7 +141,7 @@ TEST_F(SettingsRuns, ShowNormalVisionOnlyFromAStoredValue) {
   EXPECT_EQ(nullDesktop().store->at("Selected"), 1U);
 }
 
-// A stored selection does not follow when custom transforms come or go: it means another one.
+// If custom transforms are added or removed, a stored selection means another transform.
 TEST_F(SettingsRuns, ShiftWithTheNumberOfCustomTransforms) {
   struct Row {
     int before;

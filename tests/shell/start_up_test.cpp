@@ -25,7 +25,7 @@ Calls callsFrom(const std::string& first) {
   return {std::ranges::find(calls, first), calls.end()};
 }
 
-// Until the menus are built the engine has no items to mark, so its marks fall on nothing.
+// The marks that the engine sets before the menus are built have no effect and are left out.
 Calls withoutMarks(const Calls& calls) {
   Calls rest;
   std::ranges::remove_copy_if(calls, std::back_inserter(rest), [](const std::string& call) {
@@ -34,7 +34,7 @@ Calls withoutMarks(const Calls& calls) {
   return rest;
 }
 
-// The calls up to the first of those that build the menus.
+// Returns the calls before the first one that builds the menus.
 Calls callsBeforeMenus() {
   const Calls& calls = nullDesktop().calls;
   return withoutMarks({calls.begin(), std::ranges::find_if(calls, [](const std::string& call) {

@@ -1,4 +1,4 @@
-// What the main window can be titled, whatever the user has done since the start.
+// The titles that the main window can have, whatever the user does.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace tintora {
 
-// Whether a title is one of the program's. Names of custom transforms must hold no digits.
+// Returns true for the program's titles. Names of custom transforms must hold no digits.
 bool canBeTitle(const std::string& title, const std::vector<std::string>& customNames);
 
 }  // namespace tintora

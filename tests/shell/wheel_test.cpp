@@ -57,7 +57,7 @@ class WheelInEveryMode : public ShellTest {
   ProgramFolder folder;
 };
 
-// From values away from every limit, so that a step is a step.
+// Starts at values far from every limit, so that no step is clamped.
 void setMiddleValues() {
   transformSettings.severity = 0.5;
   transformSettings.brightness = 0.25;

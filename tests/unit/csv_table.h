@@ -1,4 +1,4 @@
-// The published tables as files, to hold the compiled ones against.
+// Reads the published tables from files, to compare the compiled ones with them.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@ namespace tintora {
 
 using CsvRow = std::vector<std::string>;
 
-// The rows below the header.
+// Returns the rows below the header.
 inline std::vector<CsvRow> readCsv(const std::string& name) {
   std::ifstream file(std::string(TINTORA_TEST_DATA) + "/" + name);
   std::string line;

@@ -1,4 +1,4 @@
-// Reading the custom transform file: its format, its faults, its place.
+// Tests reading the custom transform file: its format, its faults and its location.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -98,7 +98,7 @@ TEST(CustomFile, TwoLineEndsThatAreNotOnePairMakeABlankLine) {
   }
 }
 
-// The second of two carriage returns goes with the line feed, the first is an end of its own.
+// The line feed pairs with the second carriage return; the first ends a line by itself.
 TEST(CustomFile, ACarriageReturnBeforeAPairMakesABlankLine) {
   const CustomTransformFile file = parseCustomTransforms("one\r\r\n" + countedText);
   EXPECT_TRUE(file.transforms.empty());
@@ -220,7 +220,7 @@ TEST(CustomFile, AFieldMayBeHexadecimal) {
   EXPECT_EQ(firstRow("0x 0xg 0x1p 0x2p+"), cut);
 }
 
-// A sign makes numbers of the words.
+// With a sign, the words are numbers.
 TEST(CustomFile, AFieldMayBeASignedInfinityOrNotANumber) {
   for (const char* infinity : {"-inf", "-INF", "-infinity", "-Infinitys"}) {
     const float value = firstRow(std::string(infinity) + " 0 0 0")[0];

@@ -1,4 +1,4 @@
-// Applying custom transforms.
+// Tests applying custom transforms.
 #include "engine/custom_transforms.h"
 
 #include <gtest/gtest.h>
@@ -141,8 +141,8 @@ TEST_F(CustomTransforms, AnAdjustableEntryAtHalfAndFullStrengthIsExact) {
   expectSameEffect(displayRecord.matrix, effectOfRows(entryRows));
 }
 
-// identity + (value - identity) * strength loses a value that is nothing beside 1; another form of
-// the same blend would keep it.
+// identity + (value - identity) * strength loses a value that is tiny beside 1. Other forms of the
+// same blend would keep it.
 TEST_F(CustomTransforms, AnEntryIsBlendedByTheChangeItMakesToTheIdentity) {
   constexpr double full = 1.0;
   constexpr float tiny = 1e-30F;

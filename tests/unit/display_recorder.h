@@ -1,5 +1,5 @@
-// A display that writes down what the engine tells it, and a fixture that puts the process-wide
-// records back to what they were when the program started.
+// A display that records what the engine tells it, and a fixture that restores the process-wide
+// records to their state at the program's start.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -40,10 +40,10 @@ inline const ProcessRecords& recordsAtStart() {
   return records;
 }
 
-// Unlike each other and unlike the type items 1 to 3.
+// All different, and none of the type items 1 to 3.
 inline constexpr ViewerItemPositions testPositions{5, 6, 7, 9, 12};
 
-// As the menu has them.
+// The positions in the menu, in the order of SimulationAlgorithm.
 inline constexpr AlgorithmPositions testAlgorithmPositions{1, 4, 5, 2, 3};
 
 inline TransformDisplay recordingDisplay() {
@@ -71,7 +71,7 @@ inline TransformDisplay recordingDisplay() {
   return display;
 }
 
-// The calls of one application of the settings in force.
+// Applies the settings in force and returns the calls that this makes.
 inline std::vector<std::string> callsOfApplication() {
   displayRecord.calls.clear();
   applyTransform();

@@ -77,7 +77,7 @@ TEST_F(EffectMatrixTest, TakesTheModelsMatrixTransposed) {
   expectSameEffect(displayRecord.matrix, effectMatrix);
 }
 
-// No entry outside the nine of colour and the three offsets is anything else.
+// Expects the identity in all entries but the nine of colour and the three offsets.
 void expectUntouched(float mark) {
   for (std::size_t row = 0; row < 5; ++row) {
     for (std::size_t column = row == 3 ? 0 : 3; column < 5; ++column) {

@@ -1,4 +1,4 @@
-// Every mode from the settings to the display: which formula, of which fields, with which calls.
+// Tests every mode from the settings to the display: its formula, its fields and its calls.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -27,7 +27,7 @@ constexpr std::array<Algorithm, 5> algorithms{
     Algorithm::Judd1948, Algorithm::Yang2008, Algorithm::Machado2009,
     Algorithm::Vienot1997Approximated, Algorithm::Vienot1999};
 
-// No two fields alike, so that no mode takes another's unnoticed.
+// No two fields are equal, so that a mode that reads the wrong one is noticed.
 void chooseDistinctSettings() {
   TransformSettings& settings = transformSettings;
   settings.severity = 0.6;
@@ -64,7 +64,7 @@ std::vector<std::string> callsAfterTheMarks() {
 TEST_F(Modes, OfPlainEffectsShowTheirFormulaUnderTheirTitleAndLeaveTheModel) {
   chooseDistinctSettings();
   setDistinctModel();
-  // Neither flag plays a part in a plain effect.
+  // Neither flag affects a plain effect.
   transformSettings.Daltonize = true;
   transformSettings.Inversion = true;
   const Matrix3x3 simulation = modelContext.simulationMatrix;

@@ -32,7 +32,7 @@ inline void expectSameEffect(const EffectMatrix& actual, const EffectMatrix& exp
   }
 }
 
-// To the last bits of a float.
+// Compares to within the last bits of a float.
 inline void expectNearlySameEffect(const EffectMatrix& actual, const EffectMatrix& expected) {
   for (std::size_t input = 0; input < 5; ++input) {
     for (std::size_t output = 0; output < 5; ++output) {

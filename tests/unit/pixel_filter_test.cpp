@@ -30,7 +30,7 @@ Bytes randomPixels(std::size_t pixels, unsigned seed) {
   std::mt19937 random(seed);
   Bytes bytes(pixels * 4);
   for (std::uint8_t& byte : bytes) {
-    // The ends of the range come up more often than chance would have it.
+    // Choose the ends of the range more often than chance would.
     const auto value = random() % 320;
     byte = static_cast<std::uint8_t>(value < 256 ? value : value % 2 * 255);
   }

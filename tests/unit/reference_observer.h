@@ -1,6 +1,6 @@
-// The spectral model once more, in extended precision and written another way: explicit powers for
-// the template, Gauss-Jordan elimination for the inverse, densities straight from the published
-// tables.
+// An independent spectral model in extended precision, to compare the program's with. It uses
+// explicit powers for the template, Gauss-Jordan elimination for the inverse, and densities read
+// directly from the published tables.
 #pragma once
 
 #include <array>

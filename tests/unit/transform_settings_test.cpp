@@ -196,7 +196,7 @@ TEST(Titles, OfEveryOtherModeNameTheirOwnField) {
   settings.contrast = 0.7;
   settings.saturation = 0.35;
   settings.filterName = "Magenta";
-  // Neither flag plays a part outside the deficiencies.
+  // Neither flag affects other modes than the deficiencies.
   settings.Daltonize = true;
   settings.Inversion = true;
   struct Row {
@@ -246,7 +246,7 @@ TEST(Titles, OfBrightnessCarryTheSign) {
            Row{0.29, "Brightness +29%"},
            Row{-0.29, "Brightness -29%"},
            Row{-0.01, "Brightness -1%"},
-           // What ten steps up and ten down can leave: no longer "+", not yet "-".
+           // What ten steps up and ten down can leave: no "+" any more and no "-" yet.
            Row{-1e-17, "Brightness 0%"},
        }) {
     TransformSettings settings;

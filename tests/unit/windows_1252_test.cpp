@@ -1,4 +1,4 @@
-// The code page of the program's text.
+// Tests the code page of the program's text.
 #include "engine/windows_1252.h"
 
 #include <gtest/gtest.h>

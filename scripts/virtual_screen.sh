@@ -19,20 +19,24 @@ wait_for() {
   return 1
 }
 
-# open_screen FOLDER SIZE: starts a display and a window manager that end with the script. FOLDER
-# is emptied and becomes the home of all that runs there.
-open_screen() {
+# new_scene FOLDER: empties the folder and makes it the home of all that runs there. What runs in the
+# background ends with the script.
+new_scene() {
   scene=$PWD/$1
   rm -rf "$scene"
   mkdir -p "$scene/tintora"
   export XDG_CONFIG_HOME=$scene HOME=$scene XDG_RUNTIME_DIR=$scene
   chmod 700 "$scene"
   trap 'kill "${processes[@]}" 2>/dev/null || true; wait' EXIT
-  in_background Xvfb -displayfd 3 -screen 0 "$2x24" -noreset -nolisten tcp 3>"$scene/number"
+}
+
+# open_screen SIZE [ARGUMENT...]: starts a display, and a window manager with these arguments.
+open_screen() {
+  in_background Xvfb -displayfd 3 -screen 0 "$1x24" -noreset -nolisten tcp 3>"$scene/number"
   until [ -s "$scene/number" ]; do sleep 0.1; done
   DISPLAY=:$(cat "$scene/number")
   export DISPLAY
   # openbox does not manage windows that appear while it starts.
-  in_background openbox --startup "touch $scene/managed"
+  in_background openbox "${@:2}" --startup "touch $scene/managed"
   for _ in $(seq 100); do [ -e "$scene/managed" ] || sleep 0.1; done
 }

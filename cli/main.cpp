@@ -24,6 +24,7 @@
 #include "cli/messages.h"
 #include "cli/output_file.h"
 #include "cli/progress_bar.h"
+#include "cli/report_command.h"
 #include "cli/transform_options.h"
 
 namespace tintora::cli {
@@ -39,6 +40,7 @@ struct Request {
   MatrixFormat matrixFormat = MatrixFormat::Text;
   FilterRequest filter;
   CheckRequest check;
+  ReportRequest report;
 };
 
 void print(const std::string& text) {
@@ -150,6 +152,12 @@ int runCheck(const Request& request) {
   return checked.check.findings.empty() ? 0 : exitFindings;
 }
 
+int runReport(const Request& request) {
+  refuseTransformOptions(request, "report");
+  writeReport(request.report);
+  return 0;
+}
+
 int parseAndRun(int argc, const char* const* argv) {
   Request request;
   CLI::App app("Colour vision deficiency transforms: matrices, curves and image files");
@@ -188,6 +196,10 @@ int parseAndRun(int argc, const char* const* argv) {
       addCommand("check", "Check a palette for colours that are lost to viewers with a deficiency",
                  &runCheck),
       request.check);
+  addReportArguments(
+      addCommand("report", "Write a web page that shows pictures and palettes as others see them",
+                 &runReport),
+      request.report);
   addCommand("list", "List modes, algorithms with their sources, filters and swaps", &runList);
 
   try {
@@ -202,7 +214,7 @@ int parseAndRun(int argc, const char* const* argv) {
     return exitUsage;
   }
   if (run == nullptr)
-    throw UsageError("a subcommand is needed: matrix, filter, curves, check or list");
+    throw UsageError("a subcommand is needed: matrix, filter, curves, check, report or list");
   return run(request);
 }
 

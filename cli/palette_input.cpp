@@ -5,6 +5,7 @@
 #include <cmath>
 #include <filesystem>
 #include <string_view>
+#include <system_error>
 
 #include "cli/output_file.h"
 #include "cli/text.h"
@@ -16,8 +17,6 @@ namespace tintora::cli {
 
 namespace {
 
-constexpr std::uint64_t mostPictureBytes = std::uint64_t{4} << 30;
-
 std::string percentText(double share) {
   const double percent = 100.0 * share;
   if (percent < 1.0) return "<1%";
@@ -25,6 +24,13 @@ std::string percentText(double share) {
 }
 
 }  // namespace
+
+void requireFile(const std::string& argument) {
+  std::error_code unknown;
+  if (argument == "-" || std::filesystem::exists(argument, unknown)) return;
+  throw UsageError("\"" + argument + "\" is neither a colour (#rgb, #rrggbb or a CSS name) nor a " +
+                   "file");
+}
 
 void addPaletteText(InputPalette& input, const std::string& name,
                     std::span<const std::uint8_t> contents) {
@@ -46,11 +52,7 @@ void addArgument(InputPalette& input, const std::string& argument) {
     addColour(input.palette, {*colour, argument.starts_with('#') ? "" : argument});
     return;
   }
-  std::error_code unknown;
-  if (argument != "-" && !std::filesystem::exists(argument, unknown)) {
-    throw UsageError("\"" + argument + "\" is neither a colour (#rgb, #rrggbb or a CSS name) nor " +
-                     "a file");
-  }
+  requireFile(argument);
   addPaletteText(input, argument == "-" ? "standard input" : argument,
                  readFileWhole(argument, mostPaletteBytes));
 }
@@ -65,8 +67,12 @@ void addMainColours(InputPalette& input, const std::string& name, const Image& p
 }
 
 Image readPicture(const std::string& path) {
+  return decodePicture(path, readFileWhole(path, mostPictureBytes));
+}
+
+Image decodePicture(const std::string& path, std::span<const std::uint8_t> contents) {
   try {
-    return decodeImage(readFileWhole(path, mostPictureBytes));
+    return decodeImage(contents);
   } catch (const ImageError& error) {
     throw RunError(path + ": " + error.what());
   }

@@ -18,6 +18,9 @@ struct InputPalette {
   std::vector<std::string> leftOut;  // translucent colours, as written
 };
 
+// Throws UsageError if the argument, which is no colour, is no file either; "-" is standard input.
+void requireFile(const std::string& argument);
+
 // Adds a colour as parseColour reads it, or the colours of a palette file; "-" is standard input.
 // Throws UsageError if the argument is neither a colour nor a file, and std::runtime_error, naming
 // the file, if the file holds no palette.
@@ -32,11 +35,16 @@ void addPaletteText(InputPalette& input, const std::string& name,
 void addMainColours(InputPalette& input, const std::string& name, const Image& picture,
                     std::size_t most);
 
-// Reads a picture. Throws std::runtime_error with its name.
+// Reads a picture file. Throws std::runtime_error with its name.
 Image readPicture(const std::string& path);
+
+// Reads a picture from the contents of its file. Throws RunError with its name.
+Image decodePicture(const std::string& path, std::span<const std::uint8_t> contents);
 
 // Returns true if the file begins as a PNG or JPEG picture does.
 bool isPicture(std::span<const std::uint8_t> contents);
+
+inline constexpr std::uint64_t mostPictureBytes = std::uint64_t{4} << 30;
 
 // Palette files are small; this leaves room for the style sheets of large sites.
 inline constexpr std::uint64_t mostPaletteBytes = std::uint64_t{8} << 20;

@@ -11,12 +11,13 @@ desktop_packages=(pkg-config qt6-base-dev libxcb1-dev libxcb-composite0-dev libx
 quick_test_packages=(libgtest-dev)
 
 # What all tests take besides: clang for formatting, lint and fuzzing; the cross-compiler and Wine for
-# the Windows program; another processor's compiler and emulator; compositing and window managers.
+# the Windows program; another processor's compiler and emulator; compositing and window managers; a
+# browser for the pages that the tool writes.
 test_packages=(python3 clang clang-format libclang-rt-14-dev
   g++-mingw-w64-x86-64-posix wine wine64 fonts-wine libxcomposite1
   g++-aarch64-linux-gnu qemu-user googletest
   picom xcompmgr dbus-daemon fluxbox i3-wm icewm twm xfwm4
-  libxcb-res0-dev libxcb-xtest0-dev)
+  libxcb-res0-dev libxcb-xtest0-dev chromium)
 
 # A virtual display with a window manager and software graphics.
 display_packages=(xvfb openbox x11-xserver-utils libgl1 libgl1-mesa-dri)

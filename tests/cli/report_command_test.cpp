@@ -1,0 +1,246 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "cli/image_file.h"
+#include "cli/orientation.h"
+#include "tests/cli/image_samples.h"
+#include "tests/cli/tool_run.h"
+
+namespace tintora::cli {
+namespace {
+
+using Words = std::vector<std::string>;
+
+ToolRun report(const Words& arguments, const std::string& input = "") {
+  Words words{"report"};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  return runTool(words, input);
+}
+
+void expectRefused(const ToolRun& run, int status, const std::string& mention) {
+  EXPECT_EQ(run.status, status);
+  EXPECT_EQ(run.output, "");
+  EXPECT_EQ(std::count(run.error.begin(), run.error.end(), '\n'), 1) << run.error;
+  EXPECT_NE(run.error.find(mention), std::string::npos) << run.error;
+}
+
+std::string textOf(const Bytes& bytes) {
+  return {bytes.begin(), bytes.end()};
+}
+
+Bytes decodedBase64(const std::string& text) {
+  const std::string digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  Bytes bytes;
+  std::uint32_t bits = 0;
+  int count = 0;
+  for (const char c : text) {
+    if (c == '=') break;
+    bits = bits << 6U | static_cast<std::uint32_t>(digits.find(c));
+    count += 6;
+    if (count < 8) continue;
+    count -= 8;
+    bytes.push_back(static_cast<std::uint8_t>(bits >> count));
+  }
+  return bytes;
+}
+
+// The pictures of the page whose alternative text is this one.
+std::vector<Image> picturesOf(const std::string& page, const std::string& alt) {
+  std::vector<Image> pictures;
+  const std::string mark = "\" alt=\"" + alt + "\"";
+  for (std::size_t end = page.find(mark); end != std::string::npos;
+       end = page.find(mark, end + 1)) {
+    const std::size_t begin = page.rfind("base64,", end) + 7;
+    pictures.push_back(decodeImage(decodedBase64(page.substr(begin, end - begin))));
+  }
+  return pictures;
+}
+
+TEST(Report, HoldsEachPictureAndWhatFilterMakesOfIt) {
+  const TemporaryFolder folder;
+  // With an alpha channel every picture in the page is a PNG, and so exact.
+  const Image original = randomImage(61, 40, true, 7);
+  const std::string path = folder.write("a.png", textOf(encodeImage(original, ImageFormat::Png)));
+  const ToolRun run = report({path, "-o", "-"});
+  ASSERT_EQ(run.status, 0) << run.error;
+  EXPECT_EQ(run.error, "");
+  // Large, and small in the rows of three types, two each.
+  const std::vector<Image> originals = picturesOf(run.output, "a.png, original");
+  ASSERT_EQ(originals.size(), 1U + 3U * 2U);
+  for (const Image& shown : originals) EXPECT_EQ(shown.pixels, original.pixels);
+  for (const std::string type : {"protan", "deutan", "tritan"}) {
+    for (const std::string severity : {"60", "100"}) {
+      const ToolRun filtered =
+          runTool({"filter", "--mode", type, "--severity", severity, path, "-"});
+      const Bytes file(filtered.output.begin(), filtered.output.end());
+      const std::vector<Image> shown =
+          picturesOf(run.output, "a.png as seen with " + type + " " + severity + "%");
+      // In the grid, and among the severity steps.
+      ASSERT_EQ(shown.size(), 2U);
+      for (const Image& each : shown) EXPECT_EQ(each.pixels, decodeImage(file).pixels);
+    }
+  }
+  for (const std::string name : {"Judd 1948", "Machado et al. 2009", "Brettel et al. 1997"}) {
+    EXPECT_EQ(picturesOf(run.output, "a.png as seen with tritan " + name).size(), 1U) << name;
+  }
+}
+
+TEST(Report, LargePicturesAreMadeSmallerByTheirLight) {
+  const TemporaryFolder folder;
+  Image stripes;
+  stripes.width = 256;
+  stripes.height = 64;
+  stripes.hasAlpha = true;
+  for (std::uint32_t i = 0; i < stripes.width * stripes.height; ++i) {
+    const std::uint8_t value = i % 2 == 0 ? 255 : 0;
+    // Black that is transparent counts for nothing.
+    const bool upper = i < stripes.width * stripes.height / 2;
+    const std::uint8_t alpha = upper || value == 255 ? 255 : 0;
+    stripes.pixels.insert(stripes.pixels.end(), {value, value, value, alpha});
+  }
+  const std::string path = folder.write("a.png", textOf(encodeImage(stripes, ImageFormat::Png)));
+  const Image shown =
+      picturesOf(report({path, "--width", "128", "-o", "-"}).output, "a.png, original").front();
+  EXPECT_EQ(shown.width, 128U);
+  EXPECT_EQ(shown.height, 32U);
+  // Half of the light of white is 188 on the encoded scale.
+  const Bytes top(shown.pixels.begin(), shown.pixels.begin() + 4);
+  const Bytes bottom(shown.pixels.end() - 4, shown.pixels.end());
+  EXPECT_EQ(top, (Bytes{188, 188, 188, 255}));
+  EXPECT_EQ(bottom, (Bytes{255, 255, 255, 128}));
+}
+
+TEST(Report, AnOddReductionKeepsTheMeanLight) {
+  const TemporaryFolder folder;
+  Image ramp;
+  ramp.width = 100;
+  ramp.height = 10;
+  ramp.hasAlpha = true;
+  for (std::uint32_t i = 0; i < ramp.width * ramp.height; ++i) {
+    ramp.pixels.insert(ramp.pixels.end(), {90, 140, 200, 255});
+  }
+  const std::string path = folder.write("a.png", textOf(encodeImage(ramp, ImageFormat::Png)));
+  const Image shown =
+      picturesOf(report({path, "--width", "67", "-o", "-"}).output, "a.png, original").front();
+  EXPECT_EQ(shown.width, 67U);
+  EXPECT_EQ(shown.height, 7U);
+  for (std::size_t i = 0; i < shown.pixels.size(); i += 4) {
+    EXPECT_EQ((Bytes{shown.pixels.begin() + static_cast<std::ptrdiff_t>(i),
+                     shown.pixels.begin() + static_cast<std::ptrdiff_t>(i) + 4}),
+              (Bytes{90, 140, 200, 255}));
+  }
+}
+
+// The eight orientations as the standard draws them: an F of 2 x 3 pixels, its rows and columns
+// named by where the first row and the first column of the file are when it is shown.
+TEST(Report, PicturesStandUpright) {
+  const std::string shownRows[9] = {"",        "ab/cd/ef", "ba/dc/fe", "fe/dc/ba", "ef/cd/ab",
+                                    "ace/bdf", "eca/fdb",  "fdb/eca",  "bdf/ace"};
+  for (int orientation = 1; orientation <= 8; ++orientation) {
+    Image image;
+    image.width = 2;
+    image.height = 3;
+    for (const char letter : std::string("abcdef")) {
+      const auto value = static_cast<std::uint8_t>(letter);
+      image.pixels.insert(image.pixels.end(), {value, 0, value, 255});
+    }
+    image.exif = exifOf();
+    image.exif.at(19) = static_cast<std::uint8_t>(orientation);
+    const Image upright = uprightPicture(image);
+    std::string rows;
+    for (std::uint32_t y = 0; y < upright.height; ++y) {
+      rows += y == 0 ? "" : "/";
+      for (std::uint32_t x = 0; x < upright.width; ++x) {
+        rows += static_cast<char>(upright.pixels[4 * (y * upright.width + x)]);
+      }
+    }
+    EXPECT_EQ(rows, shownRows[orientation]) << orientation;
+    EXPECT_TRUE(upright.exif.empty());
+  }
+}
+
+TEST(Report, OrientationIsReadFromWhateverExifDataThereIs) {
+  EXPECT_EQ(orientationOf(exifOf()), 6);
+  EXPECT_EQ(orientationOf(bytesOf("II*\0\x08\0\0\0\x01\0\x12\x01\x03\0\x01\0\0\0\x08\0\0\0"s)), 8);
+  EXPECT_EQ(orientationOf({}), 1);
+  Bytes exif = exifOf();
+  for (const std::uint8_t wrong : {std::uint8_t{0}, std::uint8_t{9}}) {
+    exif.at(19) = wrong;
+    EXPECT_EQ(orientationOf(exif), 1);
+  }
+  // Cut short anywhere it must not be read past its end.
+  for (std::size_t size = 0; size < exifOf().size(); ++size) {
+    const Bytes whole = exifOf();
+    const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+    const int orientation = orientationOf(cut);
+    EXPECT_TRUE(orientation == 1 || orientation == 6);
+  }
+  exif = exifOf();
+  for (std::size_t i = 4; i < 8; ++i) exif.at(i) = 0xFF;
+  EXPECT_EQ(orientationOf(exif), 1);
+}
+
+TEST(Report, IsOnePageThatStandsAlone) {
+  const TemporaryFolder folder;
+  const std::string palette = folder.write("a.gpl", "GIMP Palette\n255 0 0 Red\n0 128 0 Green\n");
+  const std::string picture =
+      folder.write("b.jpg", textOf(encodeImage(smoothImage(300, 200), ImageFormat::Jpeg)));
+  const std::string page = folder / "page.html";
+  const ToolRun run = report({palette, "tomato", picture, "#123", "-o", page});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.output + run.error, "");
+  const std::string html = readFile(page);
+  EXPECT_EQ(html.rfind("<!DOCTYPE html>", 0), 0U);
+  EXPECT_NE(html.find("</html>"), std::string::npos);
+  EXPECT_EQ(html.find("http://"), std::string::npos);
+  EXPECT_EQ(html.find("https://"), std::string::npos);
+  // Each input is a section of its own, the colours together one at the end.
+  std::vector<std::string> headings;
+  const std::regex heading("<h2[^>]*>([^<]*)</h2>");
+  for (std::sregex_iterator found(html.begin(), html.end(), heading), end; found != end; ++found) {
+    headings.push_back((*found)[1]);
+  }
+  EXPECT_EQ(headings, (Words{"a.gpl", "b.jpg", "Colours"}));
+  EXPECT_NE(html.find("<code>#ff6347</code>"), std::string::npos);
+  EXPECT_EQ(folder.names(), (Words{"a.gpl", "b.jpg", "page.html"}));
+}
+
+TEST(Report, ReadsStandardInput) {
+  const ToolRun palette = report({"-", "-o", "-"}, "#ff0000 #008000");
+  EXPECT_EQ(palette.status, 0);
+  EXPECT_NE(palette.output.find("standard input"), std::string::npos);
+  const Bytes png = encodeImage(randomImage(9, 9, true, 1), ImageFormat::Png);
+  EXPECT_EQ(
+      picturesOf(report({"-", "-o", "-"}, textOf(png)).output, "standard input, original").size(),
+      7U);
+}
+
+TEST(Report, WhatCannotBeReadIsOneLineAndNothingIsWritten) {
+  const TemporaryFolder folder;
+  const std::string good = folder.write("a.gpl", "GIMP Palette\n255 0 0\n0 128 0\n");
+  const std::string page = folder / "page.html";
+  const auto broken = [&](const std::string& name, const std::string& contents) {
+    return folder.write(name, contents);
+  };
+  expectRefused(report({good, broken("b.png", "\x89PNG\r\n\x1a\nxx"), "-o", page}), 1, "b.png");
+  expectRefused(report({good, broken("c.txt", "nothing"), "-o", page}), 1, "c.txt");
+  expectRefused(report({good, broken("d.json", "[3]"), "-o", page}), 1, "d.json");
+  expectRefused(report({good, "no-such-file", "-o", page}), 2, "no-such-file");
+  expectRefused(report({good, "-o", folder / "none/page.html"}), 1, "none/page.html");
+  expectRefused(report({good, "-o", good}), 2, "a.gpl");
+  expectRefused(report({"-o", page}), 2, "inputs");
+  expectRefused(report({good}), 2, "--output");
+  expectRefused(report({good, "-o", page, "--width", "63"}), 2, "63");
+  expectRefused(report({good, "-o", page, "--width", "9.5"}), 2, "9.5");
+  expectRefused(report({good, "-o", page, "--severity", "x"}), 2, "\"x\"");
+  expectRefused(runTool({"--mode", "tritan", "report", good, "-o", page}), 2, "--mode");
+  EXPECT_EQ(folder.names(), (Words{"a.gpl", "b.png", "c.txt", "d.json"}));
+  EXPECT_EQ(readFile(good), "GIMP Palette\n255 0 0\n0 128 0\n");
+}
+
+}  // namespace
+}  // namespace tintora::cli

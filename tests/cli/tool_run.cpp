@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -61,9 +62,17 @@ ToolRun runToolOnTerminal(const std::vector<std::string>& arguments, bool output
   const int screen = open(name.c_str(), O_RDWR | O_NOCTTY);
   const std::string out = outputToo ? name : (folder / "out").string();
   const int status = runWith(arguments, "/dev/null", out, name);
-  std::string shown(1 << 16, '\0');
-  const ssize_t length = read(terminal, shown.data(), shown.size());
-  shown.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+  // What was written arrives bit by bit; a mark tells where it ends.
+  const std::string mark("\x04", 1);
+  std::string shown;
+  bool arrives = write(screen, mark.data(), mark.size()) == 1;
+  while (arrives && !shown.ends_with(mark)) {
+    std::array<char, 4096> part;
+    const ssize_t length = read(terminal, part.data(), part.size());
+    arrives = length > 0;
+    if (arrives) shown.append(part.data(), static_cast<std::size_t>(length));
+  }
+  if (shown.ends_with(mark)) shown.pop_back();
   close(screen);
   close(terminal);
   return {status, readFile(folder / "out"), shown};

@@ -5,4 +5,4 @@ add_test(views.same_on_both_desktops linux/tests/desktop/tintora_views_compariso
 set_tests_properties(
   views.same_on_both_desktops
   PROPERTIES ENVIRONMENT TINTORA_OTHER_PICTURES=windows/tests/pictures FIXTURES_REQUIRED
-             windows_pictures RUN_SERIAL TRUE TIMEOUT 120)
+             windows_pictures TIMEOUT 120)

@@ -7,6 +7,9 @@ desktop_packages=(pkg-config qt6-base-dev libxcb1-dev libxcb-composite0-dev libx
   libxcb-randr0-dev libxcb-render0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-xfixes0-dev
   x11-utils)
 
+# What building both programs takes.
+build_packages=("${compiler_packages[@]}" "${tool_packages[@]}" "${desktop_packages[@]}")
+
 # What the quick tests take besides.
 quick_test_packages=(libgtest-dev)
 

@@ -25,6 +25,7 @@
 
 namespace tintora {
 
+const char* const programVersionText = TINTORA_VERSION " 64-bit";
 ShellState shellState;
 
 namespace {

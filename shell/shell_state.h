@@ -15,6 +15,8 @@ namespace tintora {
 inline constexpr std::size_t titleLength = 200;
 
 inline constexpr const char* hitTransparentText = "Hit Transparent, Press H to exit";
+// The version from CMake's project(), as the menu shows it.
+extern const char* const programVersionText;
 
 // The nine popup menus.
 struct ShellMenus {
@@ -59,7 +61,7 @@ struct ShellState {
 
   bool tritanEnabled = false;
   bool simulationOptionsEnabled = false;
-  std::string versionText = "1.1.4 64-bit";
+  std::string versionText = programVersionText;
   std::string controlText = hitTransparentText;
 };
 

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "engine/apply_transform.h"
+#include "engine/transform_settings.h"
 
 namespace tintora::bench {
 

@@ -7,6 +7,7 @@
 #include "engine/custom_transforms.h"
 #include "engine/effect_matrix.h"
 #include "engine/pixel_filter.h"
+#include "engine/transform_settings.h"
 
 namespace {
 

@@ -11,6 +11,7 @@
 #include "colour_space/colour_space_view.h"
 #include "colour_space/frame.h"
 #include "colour_space/renderer.h"
+#include "expected_vertex.h"
 #include "platform/null/null_graphics.h"
 #include "platform/null/null_platform.h"
 #include "spectral/simulation_matrix.h"
@@ -19,18 +20,6 @@ namespace tintora {
 
 using Calls = std::vector<std::string>;
 using Vertices = std::vector<ColourVertex>;
-
-// A position in higher precision and the components of a colour before they are cut off to whole
-// ones.
-struct ExpectedVertex {
-  long double x = 0.0L;
-  long double y = 0.0L;
-  long double z = 0.0L;
-  long double red = 0.0L;
-  long double green = 0.0L;
-  long double blue = 0.0L;
-};
-using ExpectedVertices = std::vector<ExpectedVertex>;
 
 struct Simulation {
   CvdType type;

@@ -109,7 +109,7 @@ TEST_F(Background, ANamedPixmapIsSeen) {
   storeValues({{"Selected", 4}});
   start();
   scene().setBackdrop(tile);
-  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  EXPECT_TRUE(viewShows(expected::greyscale()));
 }
 
 TEST_F(Background, ASmallNamedPixmapIsRepeated) {
@@ -118,18 +118,18 @@ TEST_F(Background, ASmallNamedPixmapIsRepeated) {
   storeValues({{"Selected", 4}});
   start();
   scene().setBackdrop(tile);
-  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  EXPECT_TRUE(viewShows(expected::greyscale()));
 }
 
 TEST_F(Background, AChangeOfTheNamedPixmapIsFollowed) {
   storeValues({{"Selected", 4}});
   start();
-  ASSERT_TRUE(viewShows(windows_test::greyscale()));
+  ASSERT_TRUE(viewShows(expected::greyscale()));
   for (const std::uint32_t seed : {1U, 2U}) {
     const Picture tile = noise(300, 200, seed);
     set(tile);
     scene().setBackdrop(tile);
-    EXPECT_TRUE(viewShows(windows_test::greyscale())) << seed;
+    EXPECT_TRUE(viewShows(expected::greyscale())) << seed;
   }
 }
 
@@ -143,7 +143,7 @@ TEST_F(Background, AnUnnamedPixmapIsSeen) {
   storeValues({{"Selected", 4}});
   start();
   scene().setBackdrop(tile);
-  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  EXPECT_TRUE(viewShows(expected::greyscale()));
 }
 
 TEST_F(Background, APixmapThatIsGoneIsNotTaken) {
@@ -153,7 +153,7 @@ TEST_F(Background, APixmapThatIsGoneIsNotTaken) {
   x().sync();
   storeValues({{"Selected", 4}});
   start();
-  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  EXPECT_TRUE(viewShows(expected::greyscale()));
 }
 
 }  // namespace

@@ -30,7 +30,7 @@ class Clipboard : public ProgramTest {
     start();
     const Area area = view();
     scene().addNoise({area.x - 20, area.y - 40, 400, 300}, 1);
-    ASSERT_TRUE(viewShows(windows_test::inverted()));
+    ASSERT_TRUE(viewShows(expected::inverted()));
     reader_ = std::make_unique<XClient>(display().name());
     asker_ = xcb_generate_id(reader_->connection());
     const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
@@ -61,7 +61,7 @@ class Clipboard : public ProgramTest {
     ASSERT_EQ(copied.width, area.width);
     ASSERT_EQ(copied.height, area.height);
     for (std::size_t i = 0; i < beneath.size(); ++i) {
-      const Colour expected = desktop_test::filtered(beneath[i], windows_test::inverted());
+      const Colour expected = desktop_test::filtered(beneath[i], expected::inverted());
       const Colour actual = colourOf(copied.pixels[i]);
       for (std::size_t c = 0; c < 3; ++c) ASSERT_LE(std::abs(actual[c] - expected[c]), 1.0) << i;
     }

@@ -14,7 +14,7 @@ class Drawing : public ProgramTest {
     start();
     const Area area = view();
     scene().addNoise({area.x - 50, area.y - 50, 600, 500}, 1);
-    ASSERT_TRUE(viewShows(windows_test::greyscale()));
+    ASSERT_TRUE(viewShows(expected::greyscale()));
     watch();
   }
   void watch() {
@@ -44,7 +44,7 @@ class Drawing : public ProgramTest {
     for (const Area& area : areas) sum += area.width * area.height;
     return sum;
   }
-  bool shows() { return viewShows(windows_test::greyscale()); }
+  bool shows() { return viewShows(expected::greyscale()); }
 
  private:
   std::unique_ptr<XClient> watcher_;
@@ -114,7 +114,7 @@ TEST_F(Drawing, AChangeThatIsHiddenBeneathDrawsNothingNew) {
 TEST_F(Drawing, ATransformIsDrawnOnceOverTheWholeView) {
   drawn();
   press(XK_i);
-  ASSERT_TRUE(viewShows(windows_test::inverted()));
+  ASSERT_TRUE(viewShows(expected::inverted()));
   EXPECT_EQ(pixels(drawn()), view().width * view().height);
 }
 

@@ -20,9 +20,9 @@ class Endurance : public ProgramTest {
     scene().add({.place = {view().x + 20, view().y + 20, 50, 50},
                  .picture = solid(50, 50, 0x80402010),
                  .translucent = true});
-    EXPECT_TRUE(viewShows(windows_test::greyscale()));
+    EXPECT_TRUE(viewShows(expected::greyscale()));
     scene().remove(scene().at(0));
-    EXPECT_TRUE(viewShows(windows_test::greyscale()));
+    EXPECT_TRUE(viewShows(expected::greyscale()));
   }
 
   void settleWell() {
@@ -157,7 +157,7 @@ TEST_F(Endurance, TenThousandWindowsComeAndGo) {
   while (crowd.created() < 500) crowd.act();
   crowd.leave();
   settleWell();
-  ASSERT_TRUE(viewShows(windows_test::greyscale()));
+  ASSERT_TRUE(viewShows(expected::greyscale()));
   const auto before = resources();
   ASSERT_TRUE(before.contains("PIXMAP"));
   const long memory = process().memory();
@@ -172,11 +172,11 @@ TEST_F(Endurance, TenThousandWindowsComeAndGo) {
   crowd.leave();
   settleWell();
   ASSERT_TRUE(process().isRunning());
-  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  EXPECT_TRUE(viewShows(expected::greyscale()));
   scene().addNoise({view().x + 20, view().y + 20, 300, 200}, 1);
-  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  EXPECT_TRUE(viewShows(expected::greyscale()));
   scene().remove(scene().at(0));
-  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  EXPECT_TRUE(viewShows(expected::greyscale()));
   settleWell();
   EXPECT_EQ(resources(), before);
   constexpr long kilobytes = 16 * 1024;
@@ -203,7 +203,7 @@ TEST_F(Endurance, AProgramThatIsKilledWhileItDrawsIsNoHarm) {
     settle();
     ASSERT_TRUE(process().isRunning());
   }
-  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  EXPECT_TRUE(viewShows(expected::greyscale()));
   settleWell();
   EXPECT_EQ(resources(), before);
   end();
@@ -226,7 +226,7 @@ TEST_F(Endurance, AThousandSizesAndTransformsLeaveNothingBehind) {
   const auto before = resources();
   const long memory = process().memory();
   for (int i = 0; i < 3; ++i) round();
-  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  EXPECT_TRUE(viewShows(expected::greyscale()));
   EXPECT_EQ(resources(), before);
   constexpr long kilobytes = 16 * 1024;
   EXPECT_LT(process().memory() - memory, kilobytes);

@@ -9,7 +9,7 @@
 namespace tintora::desktop_test {
 namespace {
 
-using namespace windows_test;
+using namespace expected;
 
 constexpr double severity = 0.6;
 const std::string deutanTitle = " Simulation - Deuteranomalous 60% severity";
@@ -114,22 +114,22 @@ const std::vector<ItemRow> itemRows{
      swapped(1, 2, severity)},
     {{"Other Colour Effects", "Colour Filter", "Red"},
      "60% Red Filter",
-     windows_test::filtered({1, 0, 0}, severity)},
+     expected::filtered({1, 0, 0}, severity)},
     {{"Other Colour Effects", "Colour Filter", "Green"},
      "60% Green Filter",
-     windows_test::filtered({0, 1, 0}, severity)},
+     expected::filtered({0, 1, 0}, severity)},
     {{"Other Colour Effects", "Colour Filter", "Blue"},
      "60% Blue Filter",
-     windows_test::filtered({0, 0, 1}, severity)},
+     expected::filtered({0, 0, 1}, severity)},
     {{"Other Colour Effects", "Colour Filter", "Yellow"},
      "60% Yellow Filter",
-     windows_test::filtered({1, 1, 0}, severity)},
+     expected::filtered({1, 1, 0}, severity)},
     {{"Other Colour Effects", "Colour Filter", "Magenta"},
      "60% Magenta Filter",
-     windows_test::filtered({1, 0, 1}, severity)},
+     expected::filtered({1, 0, 1}, severity)},
     {{"Other Colour Effects", "Colour Filter", "Cyan"},
      "60% Cyan Filter",
-     windows_test::filtered({0, 1, 1}, severity)},
+     expected::filtered({0, 1, 1}, severity)},
     {{"Other Colour Effects", "Invert"}, "Invert ", inverted()},
     {{"Other Colour Effects", "Greyscale"}, "Greyscale", greyscale()},
     {{"Other Colour Effects", "Brightness"}, "Brightness +0%", identityEffect},

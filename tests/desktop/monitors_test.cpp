@@ -4,7 +4,7 @@
 namespace tintora::desktop_test {
 namespace {
 
-const ColourEffect grey = windows_test::greyscale();
+const ColourEffect grey = expected::greyscale();
 
 struct Monitors {
   const char* name;  // where the primary one stands

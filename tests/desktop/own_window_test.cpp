@@ -6,7 +6,7 @@
 namespace tintora::desktop_test {
 namespace {
 
-const ColourEffect grey = windows_test::greyscale();
+const ColourEffect grey = expected::greyscale();
 
 // In greyscale over a picture of the whole screen.
 class OwnWindow : public ProgramTest {

@@ -10,10 +10,14 @@
 
 #include "colour_effect.h"
 
+namespace tintora {
+namespace windows_test = expected;
+}
+
 namespace tintora::desktop_test {
 
-using windows_test::ColourEffect;
-using windows_test::identityEffect;
+using expected::ColourEffect;
+using expected::identityEffect;
 
 struct Area {
   int x = 0;

@@ -4,8 +4,8 @@
 namespace tintora::desktop_test {
 namespace {
 
-using windows_test::effectOf;
-using windows_test::juddDeutan;
+using expected::effectOf;
+using expected::juddDeutan;
 
 const ColourEffect deutan = effectOf(juddDeutan(1));
 

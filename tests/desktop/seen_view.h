@@ -11,7 +11,7 @@
 
 namespace tintora::desktop_test {
 
-using windows_test::Weights;
+using expected::Weights;
 inline constexpr Weights untransformed{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
 
 // The surface that the views are drawn on.

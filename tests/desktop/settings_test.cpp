@@ -48,8 +48,7 @@ TEST_F(Settings, ComeBackAtTheNextStart) {
   start();
   EXPECT_TRUE(titleBecomes(" Daltonize - Deuteranomalous 35% severity"));
   EXPECT_TRUE(eventually([this] { return title(colourSpace()) == "Chromaticity Diagram"; }));
-  EXPECT_TRUE(
-      viewShows(windows_test::effectOf(windows_test::daltonized(windows_test::juddDeutan(0.35)))));
+  EXPECT_TRUE(viewShows(expected::effectOf(expected::daltonized(expected::juddDeutan(0.35)))));
   end();
   EXPECT_EQ(storedValues(), expected);
 }

@@ -21,16 +21,16 @@ class Start : public ProgramTest {
     storeValues({{"Selected", 5}, {"ColorSpace", 0}});
     start();
     Sheet& sheet = scene().addNoise({300, 200, 900, 500}, 1);
-    EXPECT_TRUE(viewShows(windows_test::inverted()));
+    EXPECT_TRUE(viewShows(expected::inverted()));
     scene().draw(sheet, noise(111, 99, 2), 201, 153);
-    EXPECT_TRUE(viewShows(windows_test::inverted()));
+    EXPECT_TRUE(viewShows(expected::inverted()));
     for (const int width : {1111, 317}) {
       x().resize(main(), width, 600);
       EXPECT_TRUE(eventually([&] { return view().width == width; }));
-      EXPECT_TRUE(viewShows(windows_test::inverted()));
+      EXPECT_TRUE(viewShows(expected::inverted()));
     }
     press(XK_g);
-    EXPECT_TRUE(viewShows(windows_test::greyscale()));
+    EXPECT_TRUE(viewShows(expected::greyscale()));
     end();
   }
   // For starts that open no window.
@@ -129,14 +129,14 @@ TEST_F(Start, WithoutAWindowManagerItWorks) {
   start();
   EXPECT_EQ(x().outerAreaOf(main()), (Area{390, 200, 500, 400}));
   Sheet& sheet = scene().addNoise({300, 150, 500, 300}, 1);
-  EXPECT_TRUE(viewShows(windows_test::inverted()));
+  EXPECT_TRUE(viewShows(expected::inverted()));
   press(XK_g);
   EXPECT_TRUE(titleBecomes("Greyscale"));
-  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  EXPECT_TRUE(viewShows(expected::greyscale()));
   press(XK_Right);
   EXPECT_TRUE(eventually([this] { return view().x == 391; }));
   scene().draw(sheet, noise(100, 100, 2), 120, 130);
-  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  EXPECT_TRUE(viewShows(expected::greyscale()));
   press(XK_h);
   EXPECT_TRUE(showing(control(), true));
   press(XK_h);
@@ -149,7 +149,7 @@ TEST_F(Start, AWindowManagerThatComesLaterIsNoHarm) {
   storeValues({{"Selected", 4}, {"ColorSpace", 0}});
   start();
   Sheet& sheet = scene().addNoise({200, 100, 900, 600}, 1);
-  ASSERT_TRUE(viewShows(windows_test::greyscale()));
+  ASSERT_TRUE(viewShows(expected::greyscale()));
   display().startManager();
   // It lists the windows that it has done with.
   ASSERT_TRUE(eventually([this] {
@@ -158,9 +158,9 @@ TEST_F(Start, AWindowManagerThatComesLaterIsNoHarm) {
   }));
   // Where the frame goes among windows that are not its own is the manager's affair.
   x().restack(sheet.window, XCB_STACK_MODE_BELOW, x().topLevelOf(main()));
-  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  EXPECT_TRUE(viewShows(expected::greyscale()));
   press(XK_i);
-  EXPECT_TRUE(viewShows(windows_test::inverted()));
+  EXPECT_TRUE(viewShows(expected::inverted()));
 }
 
 TEST_F(Start, AWindowManagerTooSlowToTellItsFramesMakesNoWindowLarger) {
@@ -200,7 +200,7 @@ TEST_F(Start, TwoAtOnceLive) {
   storeValues({{"Selected", 4}, {"ColorSpace", 0}});
   start();
   scene().addNoise({1000, 280, 500, 400}, 1);
-  ASSERT_TRUE(viewShows(windows_test::greyscale()));
+  ASSERT_TRUE(viewShows(expected::greyscale()));
   Process other(launch());
   // It opens at the same place, above the first or below it.
   ASSERT_TRUE(eventually([&] {
@@ -215,10 +215,10 @@ TEST_F(Start, TwoAtOnceLive) {
   x().move(main(), 300, 300);
   ASSERT_TRUE(eventually([this] { return view().x < 400; }));
   scene().addNoise({280, 280, 540, 440}, 2);
-  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  EXPECT_TRUE(viewShows(expected::greyscale()));
   other.signal(SIGTERM);
   EXPECT_EQ(other.result(), 0);
-  EXPECT_TRUE(viewShows(windows_test::greyscale()));
+  EXPECT_TRUE(viewShows(expected::greyscale()));
   end();
 }
 

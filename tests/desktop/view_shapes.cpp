@@ -4,7 +4,7 @@
 #include <numbers>
 #include <utility>
 
-#include "../colour_space/reference_diagram.h"
+#include "reference_diagram.h"
 #include "reference_observer.h"
 #include "seen_view.h"
 

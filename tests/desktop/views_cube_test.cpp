@@ -6,9 +6,9 @@
 namespace tintora::desktop_test {
 namespace {
 
-using windows_test::juddDeutan;
-using windows_test::juddProtan;
-using windows_test::juddTritan;
+using expected::juddDeutan;
+using expected::juddProtan;
+using expected::juddTritan;
 
 Turn turnOf(int right, int down) {
   return {.right = right * degreesPerPixel, .down = down * degreesPerPixel};

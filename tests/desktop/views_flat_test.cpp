@@ -1,13 +1,13 @@
 // The chromaticity diagram and the response curves on the screen.
-#include "../colour_space/reference_diagram.h"
+#include "reference_diagram.h"
 #include "views_run.h"
 
 namespace tintora::desktop_test {
 namespace {
 
-using windows_test::juddDeutan;
-using windows_test::juddProtan;
-using windows_test::juddTritan;
+using expected::juddDeutan;
+using expected::juddProtan;
+using expected::juddTritan;
 
 std::vector<Area> withTitle(std::vector<Area> areas) {
   areas.push_back({12, 10, 400, 20});

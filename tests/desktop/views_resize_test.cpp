@@ -10,7 +10,7 @@
 namespace tintora::desktop_test {
 namespace {
 
-using windows_test::juddDeutan;
+using expected::juddDeutan;
 
 class ResizedViews : public ViewsTest {
  protected:

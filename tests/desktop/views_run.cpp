@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "../colour_space/reference_diagram.h"
+#include "reference_diagram.h"
 
 namespace tintora::desktop_test {
 

@@ -9,12 +9,9 @@
 #include <system_error>
 
 #include "colour_space/colour_space_view.h"
-#include "engine/custom_transforms.h"
-#include "engine/effect_matrix.h"
-#include "engine/transform_display.h"
+#include "engine_records.h"
 #include "shell/main.h"
 #include "shell/shell_state.h"
-#include "spectral/simulation_matrix.h"
 
 namespace tintora {
 
@@ -26,11 +23,7 @@ using platform::nullDesktop;
 using platform::Window;
 
 struct ProcessRecords {
-  TransformSettings settings = transformSettings;
-  EffectMatrix effect = effectMatrix;
-  ModelContext model = modelContext;
-  std::vector<CustomTransform> custom = customTransforms;
-  TransformDisplay display = transformDisplay;
+  EngineRecords engine;
   ShellState shell = shellState;
   ColourSpaceView view = colourSpaceView;
 };
@@ -66,11 +59,7 @@ int playNothing() {
 
 void forgetEverything() {
   const ProcessRecords& start = recordsAtStart();
-  transformSettings = start.settings;
-  effectMatrix = start.effect;
-  modelContext = start.model;
-  customTransforms = start.custom;
-  transformDisplay = start.display;
+  restore(start.engine);
   shellState = start.shell;
   colourSpaceView = start.view;
   platform::resetNullDesktop();

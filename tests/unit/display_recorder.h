@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "engine/apply_transform.h"
-#include "engine/custom_transforms.h"
 #include "engine/effect_matrix.h"
 #include "engine/transform_display.h"
 #include "engine/transform_settings.h"
+#include "engine_records.h"
 #include "spectral/simulation_matrix.h"
 
 namespace tintora {
@@ -26,17 +26,9 @@ struct DisplayRecord {
 
 inline DisplayRecord displayRecord;
 
-struct ProcessRecords {
-  TransformSettings settings = transformSettings;
-  EffectMatrix effect = effectMatrix;
-  ModelContext model = modelContext;
-  std::vector<CustomTransform> custom = customTransforms;
-  TransformDisplay display = transformDisplay;
-};
-
 // The records as they were before the first test that could change them.
-inline const ProcessRecords& recordsAtStart() {
-  static const ProcessRecords records;
+inline const EngineRecords& recordsAtStart() {
+  static const EngineRecords records;
   return records;
 }
 
@@ -81,27 +73,17 @@ inline std::vector<std::string> callsOfApplication() {
 class EngineTest : public testing::Test {
  protected:
   EngineTest() {
-    restoreRecords();
+    restore(recordsAtStart());
     initialiseModelContext(modelContext);
     displayRecord = {};
     transformDisplay = recordingDisplay();
   }
-  ~EngineTest() override { restoreRecords(); }
+  ~EngineTest() override { restore(recordsAtStart()); }
 
   EngineTest(const EngineTest&) = delete;
   EngineTest& operator=(const EngineTest&) = delete;
   EngineTest(EngineTest&&) = delete;
   EngineTest& operator=(EngineTest&&) = delete;
-
- private:
-  static void restoreRecords() {
-    const ProcessRecords& start = recordsAtStart();
-    transformSettings = start.settings;
-    effectMatrix = start.effect;
-    modelContext = start.model;
-    customTransforms = start.custom;
-    transformDisplay = start.display;
-  }
 };
 
 }  // namespace tintora

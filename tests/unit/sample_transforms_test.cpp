@@ -8,9 +8,9 @@
 #include <fstream>
 #include <iterator>
 #include <map>
-#include <sstream>
 #include <string>
 
+#include "csv_table.h"
 #include "engine/custom_transforms.h"
 
 namespace tintora {
@@ -158,15 +158,9 @@ TEST(SampleTransforms, DaltonizeMovesTheLostRedAndGreenAsPublishedIn2005) {
 // The last three lines of the published table: tritan at full severity.
 Rows publishedTritanopia() {
   Rows rows{};
-  std::ifstream file(std::string(TINTORA_TEST_DATA) + "/machado_2009.csv");
-  for (std::string line; std::getline(file, line);) {
-    std::ranges::replace(line, ',', ' ');
-    std::istringstream fields(line);
-    std::string type;
-    std::string severity;
-    std::size_t row = 0;
-    if (!(fields >> type >> severity >> row) || type != "tritan" || severity != "1.0") continue;
-    fields >> rows.at(row)[0] >> rows.at(row)[1] >> rows.at(row)[2];
+  for (const CsvRow& row : readCsv("machado_2009.csv")) {
+    if (row.at(0) != "tritan" || row.at(1) != "1.0") continue;
+    for (std::size_t i = 0; i < 3; ++i) rows.at(std::stoul(row.at(2)))[i] = csvNumber(row, 3 + i);
   }
   return rows;
 }

@@ -12,6 +12,8 @@
 namespace tintora::windows_test {
 namespace {
 
+using namespace expected;
+
 constexpr double degreesPerPixel = 0.25;
 
 Turn turnOf(int right, int down) {

@@ -9,6 +9,8 @@
 namespace tintora::windows_test {
 namespace {
 
+using namespace expected;
+
 struct ModeRow {
   const char* name;
   bool byKey;

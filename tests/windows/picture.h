@@ -13,6 +13,9 @@
 
 namespace tintora::windows_test {
 
+using expected::ColourEffect;
+using expected::identityEffect;
+
 using Colour = std::array<std::uint8_t, 3>;  // red, green, blue
 
 struct Picture {

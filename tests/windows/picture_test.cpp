@@ -13,6 +13,8 @@
 namespace tintora::windows_test {
 namespace {
 
+using namespace expected;
+
 constexpr Bounds beneath{100, 50, 1100, 750};
 constexpr const char* copiedTitle = "Image Copied To Clipboard";
 constexpr const char* firstTitle = " Simulation - Protanope 100% severity";

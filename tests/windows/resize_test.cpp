@@ -64,7 +64,8 @@ TEST_F(Resizing, LeavesNothingBehindAndEverythingAsItWas) {
   const DrawingStraight quick;
   startWith(ColourSpaceView::CubeView, size, 2, 50);
   drag(MK_LBUTTON, {{200, 200}, {300, 240}});
-  const CubeForm form{.turns = {{.right = 25.0, .down = 10.0}}, .weights = juddDeutan(0.5)};
+  const CubeForm form{.turns = {{.right = 25.0, .down = 10.0}},
+                      .weights = expected::juddDeutan(0.5)};
   resizeAtRandom(untilSettled);
   resize(size);
   const Picture before = shown();

@@ -30,7 +30,7 @@ Parts partsOf(const Point& place) {
   return {(1 - place[0]) / 2, (place[1] + 1) / 2, (place[2] + 1) / 2};
 }
 
-Parts transformed(const Parts& parts, const Weights& weights) {
+Parts transformed(const Parts& parts, const expected::Weights& weights) {
   Parts result{};
   for (std::size_t i = 0; i < 3; ++i) {
     for (std::size_t j = 0; j < 3; ++j) result[i] += weights[i][j] * parts[j];

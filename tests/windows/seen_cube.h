@@ -22,8 +22,9 @@ struct Turn {
 };
 
 struct CubeForm {
-  std::vector<Turn> turns{};                                             // one after the other
-  Weights weights{{{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}}};  // of the solid cube
+  std::vector<Turn> turns{};  // one after the other
+  expected::Weights weights{
+      {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}}};  // of the solid cube
 };
 
 // Whether the sides of the solid cube that face the eye carry their colours in a picture.

@@ -12,6 +12,8 @@ namespace tintora::windows_test {
 
 namespace {
 
+using namespace expected;
+
 constexpr DWORD invalidView = 42;
 
 StoredValues defaultsWith(const StoredValues& others) {

@@ -12,6 +12,8 @@
 namespace tintora::windows_test {
 namespace {
 
+using namespace expected;
+
 using StartUp = ProgramTest;
 using ShutDown = ProgramTest;
 

@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "scene.h"
+#include "expected_vertex.h"
+#include "spectral/matrix3x3.h"
 
 namespace tintora {
 

@@ -8,7 +8,7 @@
 
 #include "colour_effect.h"
 
-namespace tintora::windows_test {
+namespace tintora::expected {
 
 // One row for each output channel: the weights of red, green and blue.
 using Weights = std::array<std::array<double, 3>, 3>;
@@ -43,4 +43,4 @@ ColourEffect swapped(std::size_t one, std::size_t other, double strength);
 
 testing::AssertionResult areEqual(const ColourEffect& actual, const ColourEffect& expected);
 
-}  // namespace tintora::windows_test
+}  // namespace tintora::expected

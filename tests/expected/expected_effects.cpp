@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <utility>
 
-namespace tintora::windows_test {
+namespace tintora::expected {
 
 namespace {
 
@@ -151,4 +151,4 @@ testing::AssertionResult areEqual(const ColourEffect& actual, const ColourEffect
   return testing::AssertionSuccess();
 }
 
-}  // namespace tintora::windows_test
+}  // namespace tintora::expected

@@ -3,7 +3,7 @@
 
 #include <array>
 
-namespace tintora::windows_test {
+namespace tintora::expected {
 
 // Five rows of five: a colour is the row vector (red, green, blue, alpha, 1).
 using ColourEffect = std::array<float, 25>;
@@ -11,4 +11,4 @@ using ColourEffect = std::array<float, 25>;
 constexpr ColourEffect identityEffect{1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 1,
                                       0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 1};
 
-}  // namespace tintora::windows_test
+}  // namespace tintora::expected

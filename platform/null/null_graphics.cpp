@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
+#include "platform/null/null_platform.h"
+
 namespace tintora::platform {
 
 namespace {
-
-NullGraphics graphics;
 
 std::string text(std::size_t value) {
   return std::to_string(value);
@@ -39,12 +39,27 @@ std::string text(const Thing* thing) {
   return thing == nullptr ? "none" : text(thing->number);
 }
 
+std::string text(const Window* window) {
+  return window->name;
+}
+
 template <typename... Arguments>
-void record(const char* function, const Arguments&... arguments) {
-  if (!graphics.keepsCalls) return;
+std::string inWords(const char* function, const Arguments&... arguments) {
   std::string call = function;
   ((call += ' ' + text(arguments)), ...);
-  graphics.calls.push_back(std::move(call));
+  return call;
+}
+
+template <typename... Arguments>
+void record(const char* function, const Arguments&... arguments) {
+  NullGraphics& graphics = nullGraphics();
+  if (graphics.keepsCalls) graphics.calls.push_back(inWords(function, arguments...));
+}
+
+// Records a call among those to the desktop.
+template <typename... Arguments>
+void recordForDesktop(const char* function, const Arguments&... arguments) {
+  nullDesktop().calls.push_back(inWords(function, arguments...));
 }
 
 template <typename Thing>
@@ -61,36 +76,34 @@ void remove(std::vector<std::unique_ptr<Thing>>& things, const Thing* thing) {
 
 void keepDrawn(const GraphicsDevice* device, PrimitiveKind kind, int vertices, int primitives) {
   const auto& [world, view, projection] = device->transforms;
-  graphics.drawn.push_back({kind, vertices, primitives, world, view, projection,
-                            device->vertexBuffer, device->indexBuffer});
+  nullGraphics().drawn.push_back({kind, vertices, primitives, world, view, projection,
+                                  device->vertexBuffer, device->indexBuffer});
 }
 
 }  // namespace
 
 NullGraphics& nullGraphics() {
-  return graphics;
-}
-
-void resetNullGraphics() {
-  graphics = NullGraphics();
+  return nullDesktop().graphics;
 }
 
 GraphicsDevice* createGraphicsDevice(Window* window, const Size& size) {
-  GraphicsDevice* const device = add(graphics.devices, graphics.devicesMade);
+  GraphicsDevice* const device = add(nullGraphics().devices, nullGraphics().devicesMade);
   device->window = window;
   device->size = size;
   device->transforms.fill(identity4x4);
   record("createGraphicsDevice", size);
+  recordForDesktop("createGraphicsDevice", window, size);
   return device;
 }
 
 void releaseGraphicsDevice(GraphicsDevice* device) {
   record("releaseGraphicsDevice", device);
-  remove(graphics.devices, device);
+  recordForDesktop("releaseGraphicsDevice");
+  remove(nullGraphics().devices, device);
 }
 
 TextFont* createTextFont(GraphicsDevice* /*device*/, const TextFontForm& form) {
-  TextFont* const font = add(graphics.fonts, graphics.fontsMade);
+  TextFont* const font = add(nullGraphics().fonts, nullGraphics().fontsMade);
   font->face = form.face;
   font->height = form.height;
   font->outlinesOnly = form.outlinesOnly;
@@ -100,11 +113,11 @@ TextFont* createTextFont(GraphicsDevice* /*device*/, const TextFontForm& form) {
 
 void releaseTextFont(TextFont* font) {
   record("releaseTextFont", font);
-  remove(graphics.fonts, font);
+  remove(nullGraphics().fonts, font);
 }
 
 VertexBuffer* createVertexBuffer(GraphicsDevice* /*device*/, std::size_t vertices, BufferUse use) {
-  VertexBuffer* const buffer = add(graphics.vertexBuffers, graphics.vertexBuffersMade);
+  VertexBuffer* const buffer = add(nullGraphics().vertexBuffers, nullGraphics().vertexBuffersMade);
   buffer->capacity = vertices;
   buffer->use = use;
   record("createVertexBuffer", vertices, use);
@@ -113,7 +126,7 @@ VertexBuffer* createVertexBuffer(GraphicsDevice* /*device*/, std::size_t vertice
 
 IndexBuffer* createIndexBuffer(GraphicsDevice* /*device*/, std::span<const std::uint16_t> indices,
                                BufferUse use) {
-  IndexBuffer* const buffer = add(graphics.indexBuffers, graphics.indexBuffersMade);
+  IndexBuffer* const buffer = add(nullGraphics().indexBuffers, nullGraphics().indexBuffersMade);
   buffer->indices.assign(indices.begin(), indices.end());
   buffer->use = use;
   record("createIndexBuffer", indices.size(), use);
@@ -122,16 +135,17 @@ IndexBuffer* createIndexBuffer(GraphicsDevice* /*device*/, std::span<const std::
 
 void releaseVertexBuffer(VertexBuffer* buffer) {
   record("releaseVertexBuffer", buffer);
-  remove(graphics.vertexBuffers, buffer);
+  remove(nullGraphics().vertexBuffers, buffer);
 }
 
 void releaseIndexBuffer(IndexBuffer* buffer) {
   record("releaseIndexBuffer", buffer);
-  remove(graphics.indexBuffers, buffer);
+  remove(nullGraphics().indexBuffers, buffer);
 }
 
 void fillVertexBuffer(VertexBuffer* buffer, std::span<const ColourVertex> vertices) {
   record("fillVertexBuffer", buffer, vertices.size());
+  recordForDesktop("fillVertexBuffer", vertices.size());
   buffer->vertices.assign(vertices.begin(), vertices.end());
 }
 
@@ -145,15 +159,15 @@ Matrix4x4 transform(const GraphicsDevice* device, TransformKind kind) {
 }
 
 Rect viewport(const GraphicsDevice* device) {
-  const auto& [left, top] = graphics.viewportCorner;
+  const auto& [left, top] = nullGraphics().viewportCorner;
   return {left, top, left + device->size.width, top + device->size.height};
 }
 
 void clearPicture(GraphicsDevice* /*device*/, PackedColour colour) {
   record("clearPicture");
-  graphics.background = colour;
-  graphics.drawn.clear();
-  graphics.texts.clear();
+  nullGraphics().background = colour;
+  nullGraphics().drawn.clear();
+  nullGraphics().texts.clear();
 }
 
 void clearDepth(GraphicsDevice* /*device*/) {
@@ -170,7 +184,8 @@ void endScene(GraphicsDevice* /*device*/) {
 
 void present(GraphicsDevice* /*device*/) {
   record("present");
-  ++graphics.picturesShown;
+  recordForDesktop("present");
+  ++nullGraphics().picturesShown;
 }
 
 void setVertexFormat(GraphicsDevice* /*device*/) {
@@ -200,8 +215,8 @@ void drawUnindexed(GraphicsDevice* device, PrimitiveKind kind, int primitives) {
 int drawText(GraphicsDevice* /*device*/, TextFont* font, const Rect& area, PackedColour colour,
              const std::string& text) {
   record("drawText", font, area, text);
-  graphics.texts.push_back({font, area, colour, text});
-  return font->height + graphics.spaceBelowLine;
+  nullGraphics().texts.push_back({font, area, colour, text});
+  return font->height + nullGraphics().spaceBelowLine;
 }
 
 }  // namespace tintora::platform

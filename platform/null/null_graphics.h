@@ -87,7 +87,4 @@ struct NullGraphics {
 
 NullGraphics& nullGraphics();
 
-// Forgets everything. Devices, buffers and fonts become invalid.
-void resetNullGraphics();
-
 }  // namespace tintora::platform

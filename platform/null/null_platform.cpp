@@ -6,7 +6,6 @@
 #include "engine/custom_transforms.h"
 #include "platform/clipboard.h"
 #include "platform/magnifier.h"
-#include "platform/null/null_graphics.h"
 #include "platform/program.h"
 
 namespace tintora::platform {
@@ -89,7 +88,6 @@ NullDesktop& nullDesktop() {
 
 void resetNullDesktop() {
   desktop = NullDesktop();
-  resetNullGraphics();
 }
 
 Window* NullDesktop::window(const std::string& name) const {

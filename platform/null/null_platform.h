@@ -15,6 +15,7 @@
 #include "platform/canvas.h"
 #include "platform/geometry.h"
 #include "platform/menu.h"
+#include "platform/null/null_graphics.h"
 #include "platform/value_store.h"
 #include "platform/window.h"
 
@@ -71,7 +72,9 @@ struct NullDesktop {
   // Each step returns the event to handle next. The loop ends after the last step.
   std::deque<std::function<Event()>> script;
 
-  // Read after a run. Every call that changes something, by its name and arguments.
+  // Read after a run. Every call that changes something, by its name and arguments. Of the calls to
+  // the graphics device, these are its creation and release, filled vertex buffers and shown
+  // pictures.
   std::vector<std::string> calls;
   std::vector<std::unique_ptr<Window>> windows;
   std::vector<std::unique_ptr<Menu>> menus;  // those not destroyed
@@ -90,6 +93,7 @@ struct NullDesktop {
   std::vector<std::string> readNames;     // in the order of the last reading
   std::vector<std::string> writtenNames;  // in the order of the last writing
   std::optional<int> quitResult;
+  NullGraphics graphics;
 
   Window* window(const std::string& name) const;  // null where there is none
 };

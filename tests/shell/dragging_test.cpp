@@ -1,6 +1,8 @@
 #include <string>
 #include <vector>
 
+#include "colour_space/camera.h"
+#include "colour_space/colour_space_view.h"
 #include "expected_calls.h"
 #include "program_run.h"
 #include "shell/shell_state.h"
@@ -140,15 +142,43 @@ TEST_F(Dragging, DoesNotBeginInTheColourSpaceWindow) {
   }
 }
 
+// The view as a move of the mouse leaves it when it reaches the renderer.
+ColourSpaceView afterMove(const ColourSpaceView& before, const DragKeys& held,
+                          const platform::Point& place) {
+  const ColourSpaceView now = colourSpaceView;
+  const Calls calls = nullDesktop().calls;
+  colourSpaceView = before;
+  rotateByMouse(held, place.x, place.y);
+  ColourSpaceView after = colourSpaceView;
+  colourSpaceView = now;
+  nullDesktop().calls = calls;
+  return after;
+}
+
+void expectSameCamera(const ColourSpaceView& actual, const ColourSpaceView& expected) {
+  EXPECT_EQ(actual.viewMatrix, expected.viewMatrix);
+  EXPECT_EQ(actual.lastMouseX, expected.lastMouseX);
+  EXPECT_EQ(actual.lastMouseY, expected.lastMouseY);
+  EXPECT_EQ(actual.firstDragMove, expected.firstDragMove);
+  EXPECT_EQ(actual.lockHorizontal, expected.lockHorizontal);
+}
+
 TEST_F(CubeRotation, BeginsWithTheLeftButton) {
   nullDesktop().store = Store{{"View", 703}};
   play([]() -> Script {
     co_yield mouse(EventKind::LeftDown, colourSpaceWindow(), 120, 80);
-    expectCalls({"beginDrag 120 80"});
+    expectCalls({});
+    EXPECT_EQ(colourSpaceView.lastMouseX, 120);
+    EXPECT_EQ(colourSpaceView.lastMouseY, 80);
+    EXPECT_TRUE(colourSpaceView.firstDragMove);
+    colourSpaceView.firstDragMove = false;
     co_yield mouse(EventKind::LeftUp, colourSpaceWindow(), 120, 80);
     expectCalls({});
-    co_yield mouse(EventKind::RightDown, colourSpaceWindow(), 120, 80);
+    co_yield mouse(EventKind::RightDown, colourSpaceWindow(), 130, 70);
     expectCalls({});
+    EXPECT_EQ(colourSpaceView.lastMouseX, 120);
+    EXPECT_EQ(colourSpaceView.lastMouseY, 80);
+    EXPECT_FALSE(colourSpaceView.firstDragMove);
   });
 }
 
@@ -163,10 +193,11 @@ TEST_F(CubeRotation, TakesEveryMoveOfTheMouse) {
       event.leftHeld = left;
       event.rightHeld = right;
       event.shiftHeld = shift;
+      beginDrag(40, 30);
+      const ColourSpaceView before = colourSpaceView;
       co_yield event;
-      const auto word = [](bool value) { return value ? " true" : " false"; };
-      expectCalls({std::string("rotateByMouse") + word(left) + word(right) + word(shift) + ' ' +
-                   std::to_string(100 + held) + ' ' + std::to_string(200 - held)});
+      expectCalls(left || right ? frameDrawn() : Calls{});
+      expectSameCamera(colourSpaceView, afterMove(before, {left, right, shift}, event.position));
     }
   });
 }

@@ -40,7 +40,7 @@ Calls caption(int view) {
 Calls turnOfLoop() {
   Calls calls = sourceSet(expectedSource());
   if (colourSpaceWindow().shown == platform::ShowState::Hidden) return calls;
-  return joined({calls, caption(static_cast<int>(shellState.view)), {"renderFrame"}});
+  return joined({calls, caption(static_cast<int>(shellState.view)), frameDrawn()});
 }
 
 }  // namespace
@@ -77,8 +77,7 @@ Calls applied(const Application& application, const ViewerItems& items) {
   if (application.typeItem != 0) calls.push_back(mark(mainMenu, application.typeItem, true));
   calls.push_back("setTitle main " + application.title);
   calls.emplace_back("setColourEffect magnifier");
-  if (application.refreshesViews) calls.emplace_back("refreshTransformViews");
-  return calls;
+  return application.refreshesViews ? joined({calls, viewsRefreshed()}) : calls;
 }
 
 Calls simulated(int type, const std::string& title, int viewerItem) {
@@ -106,6 +105,35 @@ Calls sourceSet(const std::string& source) {
 Calls painted(const std::string& controlText) {
   return {"beginPainting control", "endPainting", "setTitle control " + controlText,
           "invalidateWindow control"};
+}
+
+// The cube and its frame, three reference and three live curves, then the locus, the primaries, the
+// gamut and its outline.
+Calls deviceCreated(int width, int height) {
+  return {
+      "createGraphicsDevice colour space " + std::to_string(width) + 'x' + std::to_string(height),
+      "fillVertexBuffer 8",
+      "fillVertexBuffer 8",
+      "fillVertexBuffer 400",
+      "fillVertexBuffer 400",
+      "fillVertexBuffer 400",
+      "fillVertexBuffer 400",
+      "fillVertexBuffer 400",
+      "fillVertexBuffer 400",
+      "fillVertexBuffer 460",
+      "fillVertexBuffer 120",
+      "fillVertexBuffer 1200",
+      "fillVertexBuffer 120"};
+}
+
+// The cube, the live curves, the gamut and its outline.
+Calls viewsRefreshed() {
+  return {"fillVertexBuffer 8",   "fillVertexBuffer 400",  "fillVertexBuffer 400",
+          "fillVertexBuffer 400", "fillVertexBuffer 1200", "fillVertexBuffer 120"};
+}
+
+Calls frameDrawn() {
+  return {"present"};
 }
 
 Calls besideMain() {

@@ -61,6 +61,12 @@ Calls painted(const std::string& controlText = "Hit Transparent, Press H to exit
 Calls besideMain();
 Calls shownBesideMain();
 
+// Return the calls that create the colour space window's device with all its objects, that refresh
+// what a transform changes, and that draw a frame.
+Calls deviceCreated(int width, int height);
+Calls viewsRefreshed();
+Calls frameDrawn();
+
 // Compares the calls of the last event, and expects those of the message loop after them.
 void expectCalls(const Calls& expected);
 

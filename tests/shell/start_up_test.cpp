@@ -59,10 +59,12 @@ TEST_F(StartUp, TakesItsStepsInOrderUpToTheMenus) {
       callsBeforeMenus(),
       joined({nineEmptyMenus,
               {"startMagnifier", "readValues", "registerWindowKinds", createMain, createMagnifier,
-               createControl, createColourSpace, "createDevice colour space 384 361 true",
-               "acceptDroppedFiles main true", "setUnmagnified magnifier",
-               "setTitle main  Simulation - Protanope 100% severity", "setColourEffect magnifier",
-               "refreshTransformViews"}}));
+               createControl, createColourSpace},
+              deviceCreated(384, 361),
+              {"acceptDroppedFiles main true", "setUnmagnified magnifier",
+               "setTitle main  Simulation - Protanope 100% severity", "setColourEffect magnifier"},
+              viewsRefreshed()}));
+  EXPECT_EQ(colourSpaceView.cameraDistance, 4.0F) << "The camera is not set up.";
 }
 
 TEST_F(StartUp, BuildsEveryMenuAnewAndTheMainMenuLast) {
@@ -126,7 +128,8 @@ TEST_F(StartUp, ShowsNoColourSpaceWindowThatWasHidden) {
     co_return;
   });
   // The renderer is made ready all the same.
-  EXPECT_EQ(std::ranges::count(nullDesktop().calls, "createDevice colour space 384 361 true"), 1);
+  EXPECT_EQ(std::ranges::count(nullDesktop().calls, "createGraphicsDevice colour space 384x361"),
+            1);
 }
 
 TEST_F(StartUp, CentresTheMainWindowOnTheScreen) {
@@ -218,11 +221,12 @@ TEST_F(ShutDown, TakesItsStepsInOrder) {
   EXPECT_EQ(callsFrom("quit 0"),
             joined({{"quit 0"},
                     sourceSet("718,371,1210,740"),
-                    {"setTitle colour space Help", "renderFrame", "writeValues", "stopMagnifier",
+                    {"setTitle colour space Help", "present", "writeValues", "stopMagnifier",
                      "destroyMenu menu 18", "destroyMenu menu 10", "destroyMenu menu 11",
                      "destroyMenu menu 12", "destroyMenu menu 15", "destroyMenu menu 16",
                      "destroyMenu menu 13", "destroyMenu menu 14", "destroyMenu menu 17",
-                     "acceptDroppedFiles main false", "unregisterWindowKinds", "releaseDevice"}}));
+                     "acceptDroppedFiles main false", "unregisterWindowKinds",
+                     "releaseGraphicsDevice"}}));
   EXPECT_TRUE(platform::nullGraphics().devices.empty());
   EXPECT_TRUE(nullDesktop().menus.empty());
 }

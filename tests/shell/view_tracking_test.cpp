@@ -155,12 +155,13 @@ TEST_F(Sizing, OfTheColourSpaceWindowMakesTheRendererFollow) {
       const std::string right = std::to_string(1214 + width);
       colourSpaceWindow().bounds = {1214, 340, 1214 + width, 840};
       co_yield happens(kind, colourSpaceWindow());
-      expectCalls(
-          joined({{"fitMagnifier magnifier 0,0,484,361"},
-                  sourceSet("718,371,1210,740"),
-                  {"setWindowBounds colour space 1214,340," + right + ",840",
-                   "resizeDevice " + std::to_string(width - 16) + " 461", "refreshTransformViews"},
-                  painted()}));
+      expectCalls(joined({{"fitMagnifier magnifier 0,0,484,361"},
+                          sourceSet("718,371,1210,740"),
+                          {"setWindowBounds colour space 1214,340," + right + ",840"},
+                          {"releaseGraphicsDevice"},
+                          deviceCreated(width - 16, 461),
+                          viewsRefreshed(),
+                          painted()}));
       EXPECT_EQ(colourSpaceView.width, width - 16);
       EXPECT_EQ(colourSpaceView.height, 461);
       width += 100;

@@ -118,9 +118,9 @@ TEST_F(Views, AreHiddenByClosingTheirWindow) {
     EXPECT_FALSE(shellState.colourSpaceVisible);
     // No longer drawn, until it is shown again.
     co_yield keyDown('G');
-    EXPECT_EQ(std::ranges::count(callsOfEvent(), "renderFrame"), 0);
+    EXPECT_EQ(std::ranges::count(callsOfEvent(), "present"), 0);
     co_yield keyDown('W');
-    EXPECT_EQ(std::ranges::count(callsOfEvent(), "renderFrame"), 1);
+    EXPECT_EQ(std::ranges::count(callsOfEvent(), "present"), 1);
     EXPECT_EQ(shellState.view, ViewCode::RgbCube);
   });
 }
@@ -171,7 +171,7 @@ TEST_F(Captions, AreKeptForAnUnknownView) {
   play([]() -> Script {
     co_yield keyDown('G');
     EXPECT_EQ(colourSpaceWindow().title, "Color Space");
-    EXPECT_EQ(callsOfEvent().back(), "renderFrame");
+    EXPECT_EQ(callsOfEvent().back(), "present");
   });
 }
 

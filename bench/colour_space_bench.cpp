@@ -1,5 +1,5 @@
-// What the colour space window costs: from a turn of the mouse wheel to the frame that shows it,
-// and for a frame alone, for each view on a virtual display. One table on standard output. The
+// Measures the colour space window on a virtual display, view by view: the time from a turn of the
+// mouse wheel to the frame that shows it, and the time of a frame alone. Prints one table. The
 // argument is the program.
 #include <xcb/xtest.h>
 
@@ -62,7 +62,7 @@ struct Measured {
   int frames = 0;
 };
 
-// Does something many times over; each time takes until the window has been drawn.
+// Repeats an action many times. Each time ends when the window has been drawn.
 template <typename Action>
 Measured measure(DrawingWatch& watch, Action action) {
   constexpr std::chrono::milliseconds rest{20};

@@ -11,7 +11,7 @@ namespace tintora::bench {
 
 namespace {
 
-// So many that what the other left in the caches counts for little.
+// Enough runs that what the other left in the caches hardly matters.
 constexpr int runsInTurn = 8;
 
 double secondsOf(const std::function<void()>& work) {

@@ -1,4 +1,4 @@
-// Two things timed turn by turn, so that whatever else the machine does befalls both.
+// Times two functions in turns, so that other load on the machine affects both.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -12,12 +12,12 @@
 
 namespace tintora::bench {
 
-// Runs each a few times in turn in every iteration. The benchmark's time is the candidate's;
-// counters give the medians of both in milliseconds and their ratio, candidate to baseline.
+// Runs each a few times in turn in every iteration. The benchmark's time is the candidate's.
+// Counters give the medians of both in milliseconds, and the ratio of candidate to baseline.
 void compare(benchmark::State& state, const std::function<void()>& candidate,
              const std::function<void()>& baseline);
 
-// A screenful at 3840x2160, 4 bytes a pixel, with contents of no pattern.
+// Returns a frame of 3840x2160 pixels of 4 bytes, with random contents.
 struct Frames {
   static constexpr std::size_t width = 3840;
   static constexpr std::size_t height = 2160;
@@ -26,7 +26,7 @@ struct Frames {
 };
 Frames& frames();
 
-// A deutan simulation, and one whose entries no fixed point holds.
+// Return a deutan simulation, and a matrix whose entries do not fit fixed point.
 EffectMatrix ordinaryMatrix();
 EffectMatrix outOfRangeMatrix();
 

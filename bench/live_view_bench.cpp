@@ -1,5 +1,5 @@
-// How fast the live view is: what changes beneath it on a virtual display, and when the view shows
-// it. One table on standard output. The argument is the program.
+// Measures the live view on a virtual display: the time from a change beneath it until the view
+// shows it. Prints one table. The argument is the program.
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -31,7 +31,7 @@ std::uint32_t inverted(std::uint32_t colour) {
   return 0xFFFFFFU - colour;
 }
 
-// The program in full screen, inverting, over a picture that the measurement draws.
+// Runs the program in full screen, inverting a picture that the measurement draws.
 class View {
  public:
   View(Screen& screen, const std::string& program) : screen_(screen), program_(program) {
@@ -49,7 +49,7 @@ class View {
   const Process& tintora() const { return *tintora_; }
   Milliseconds firstPixel() const { return firstPixel_; }
 
-  // Draws a small mark somewhere; returns when the view shows it.
+  // Draws a small mark at a random place. Returns when the view shows it.
   Milliseconds changeMark() {
     std::uniform_int_distribution<int> x(0, screen_.width() - markSize);
     std::uniform_int_distribution<int> y(0, screen_.height() / 4);  // beside the control window
@@ -61,14 +61,14 @@ class View {
     return waitForView(left, top, inverted(colour)) - start;
   }
 
-  // Draws the whole picture anew; returns when all of it is shown.
+  // Draws the whole picture again. Returns when the view shows all of it.
   Milliseconds changeAll() {
     const auto start = Clock::now();
     const std::uint32_t mark = drawFrame();
     return waitForView(screen_.width() - 1, screen_.height() - 1, inverted(mark)) - start;
   }
 
-  // Draws new frames at a rate for a while; returns how many of them were seen per second.
+  // Draws new frames at a rate for a while. Returns how many the view showed per second.
   double animate(double framesPerSecond) {
     int seen = 0;
     std::uint32_t last = 0;
@@ -141,7 +141,7 @@ class View {
     xcb_flush(x());
   }
 
-  // Another one than all before it for long enough.
+  // A colour that has not been drawn for a long time.
   std::uint32_t nextColour() {
     colour_ = (colour_ * 1664525U + 1013904223U) & 0xFFFFFFU;
     return colour_;
@@ -157,7 +157,7 @@ class View {
     return mark;
   }
 
-  // Waits until the view was drawn at a place, or a time has come; false then.
+  // Waits until the view is drawn at a place. Returns false if that takes until a given time.
   bool viewDrawn(int left, int top, Clock::time_point until) {
     while (const auto area = watch_->next(until)) {
       if (left >= area->x && left < area->x + area->width && top >= area->y &&
@@ -198,7 +198,7 @@ class View {
   std::mt19937 random_{1};
 };
 
-// What a stretch of time cost, in percent of one processor.
+// Returns the cost of a stretch of time, in percent of one processor.
 class Cost {
  public:
   Cost(const Process& program, const Process& server)
@@ -227,7 +227,7 @@ void printDistribution(const char* name, const Screen& screen, const View& view,
   const Cost cost(view.tintora(), screen.server());
   for (int i = 0; i < changes; ++i) {
     times.push_back(change().count());
-    // As on a screen: not all at once.
+    // A screen is not drawn all at once either.
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
   const double program = cost.program();
@@ -250,7 +250,7 @@ void printAnimation(const Screen& screen, View& view, double rate) {
 }
 
 void printIdle(const Screen& screen, const View& view) {
-  // What the last change set in motion comes to rest first.
+  // First lets the last change finish.
   std::this_thread::sleep_for(seconds(2));
   const Cost cost(view.tintora(), screen.server());
   const std::uint64_t before = view.tintora().contextSwitches();

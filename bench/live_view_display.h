@@ -1,5 +1,5 @@
-// A virtual display with the program on it, for measuring: what is drawn beneath, and when the view
-// shows it.
+// A virtual display to measure the program on: draws beneath the view and tells when the view shows
+// it.
 #pragma once
 
 #include <sys/types.h>
@@ -15,10 +15,11 @@ namespace tintora {
 
 using Clock = std::chrono::steady_clock;
 
-// A process of the measurement, ended with it.
+// A child process. The destructor ends it.
 class Process {
  public:
-  // Arguments between blanks; an X server writes its display's number to the pipe.
+  // Starts a command, its arguments separated by blanks. An X server writes its display number to
+  // the pipe.
   Process(const std::string& program, const std::string& arguments, const std::string& display,
           int displayPipe = -1);
   ~Process();
@@ -28,7 +29,7 @@ class Process {
   Clock::time_point started() const { return started_; }
 
   double processorSeconds() const;
-  // Voluntary and forced switches of all its threads: what the kernel woke it for.
+  // Returns the voluntary and forced context switches of all its threads.
   std::uint64_t contextSwitches() const;
   double residentMegabytes() const;
 
@@ -37,7 +38,7 @@ class Process {
   Clock::time_point started_;
 };
 
-// A virtual screen with nothing on it.
+// An empty virtual screen.
 class Screen {
  public:
   Screen(int width, int height);
@@ -55,11 +56,11 @@ class Screen {
 
   // Presses and releases a key of the X11 keyboard in a window.
   void pressKey(xcb_window_t window, std::uint8_t keycode);
-  // One pixel of what the screen shows.
+  // Returns one pixel of the screen.
   std::uint32_t pixel(int x, int y) const;
-  // The first top-level window with this title; XCB_NONE where there is none.
+  // Returns the first top-level window with this title, or XCB_NONE.
   xcb_window_t windowTitled(const std::string& wanted) const;
-  void finish() const;  // returns when the server has done everything
+  void finish() const;  // waits until the server has handled everything
 
  private:
   int width_;
@@ -70,11 +71,11 @@ class Screen {
   const xcb_screen_t* screen_ = nullptr;
 };
 
-// Tells of every drawing in a window.
+// Reports everything that is drawn in a window.
 class DrawingWatch {
  public:
   DrawingWatch(const Screen& screen, xcb_window_t window);
-  // The next place that was drawn, or nothing until a time has come.
+  // Returns the next place that was drawn, or nothing if none was until a given time.
   std::optional<xcb_rectangle_t> next(Clock::time_point until);
 
  private:
@@ -82,7 +83,7 @@ class DrawingWatch {
   std::uint8_t event_ = 0;
 };
 
-// Settings of the measurement's own, in a folder of its own that goes with it.
+// Settings for the program in a temporary folder. The destructor removes it.
 class SettingsFolder {
  public:
   SettingsFolder();

@@ -8,8 +8,8 @@
 namespace tintora::bench {
 namespace {
 
-// cv::transform of the same frame by the same matrix, on one thread. The goal: at most 0.125 with
-// an ordinary matrix, at most 1 with any.
+// Compares with cv::transform of the same frame by the same matrix on one thread. The goal: a ratio
+// of at most 0.125 for an ordinary matrix, and at most 1 for any.
 void compareWithOpenCv(benchmark::State& state, const EffectMatrix& matrix) {
   cv::setNumThreads(1);
   // Rows are output channels in memory order, the last column is the offset.

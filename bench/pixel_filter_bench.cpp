@@ -67,7 +67,7 @@ void outOfRangeFrameToMemcpy(benchmark::State& state) {
 }
 BENCHMARK(outOfRangeFrameToMemcpy)->UseManualTime()->Iterations(8)->Unit(benchmark::kMillisecond);
 
-// Each kernel that this processor runs, by its place from the fastest. The goal for SSE2: at
+// Runs each kernel that this processor supports, numbered from the fastest. The goal for SSE2: at
 // most 3.
 void kernelToMemcpy(benchmark::State& state) {
   const auto place = static_cast<std::size_t>(state.range(0));

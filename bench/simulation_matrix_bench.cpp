@@ -21,7 +21,8 @@ void simulationMatrix(benchmark::State& state) {
 }
 BENCHMARK(simulationMatrix)->DenseRange(0, 4)->Unit(benchmark::kMicrosecond);
 
-// Where the spectral one's time goes. Each label says how often the step runs in one matrix.
+// Times the steps of the spectral algorithm. Each label says how often the step runs for one
+// matrix.
 void stepTemplate(benchmark::State& state) {
   SpectralCurve curve;
   state.SetLabel("x 6");

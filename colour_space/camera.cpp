@@ -23,7 +23,7 @@ struct Turn {
   float sight = 0.0F;
 };
 
-// A quarter of a degree for each pixel, against the drag.
+// Returns the angle, in radians, for a drag between two places: opposite to the drag.
 float angleOfDrag(int from, int to) {
   constexpr double degreesPerPixel = 0.25;
   const double pixels = static_cast<double>(to) - static_cast<double>(from);
@@ -34,7 +34,7 @@ Vector3 direction(const Vector4& v) {
   return {v[0], v[1], v[2]};
 }
 
-// The camera turned about the axes of the screen, all three as they stand before the turn.
+// Returns the camera turned about the axes of the screen. All three are taken before the turn.
 Matrix4x4 turned(const Matrix4x4& view, const Turn& by) {
   const std::optional<Matrix4x4> toWorld = inverse(view);
   if (!toWorld) return view;
@@ -46,7 +46,7 @@ Matrix4x4 turned(const Matrix4x4& view, const Turn& by) {
       multiply(rotationAbout(right, by.right), multiply(rotationAbout(up, by.up), view)));
 }
 
-// Keeps one axis of a drag: that of the larger part of its first move.
+// Drops one part of a drag: the smaller one of its first move.
 void lockToAxis(Turn& turn) {
   ColourSpaceView& view = colourSpaceView;
   if (view.firstDragMove) {
@@ -81,7 +81,7 @@ void storeMouse(int x, int y) {
   colourSpaceView.lastMouseY = y;
 }
 
-// The whole scene is shrunk in place of moving the eye.
+// Shrinks the whole scene instead of moving the eye.
 void placeCamera() {
   ColourSpaceView& view = colourSpaceView;
   view.cameraDistance = firstDistance;

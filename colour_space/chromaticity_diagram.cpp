@@ -20,7 +20,7 @@ namespace {
 using platform::BufferUse;
 using platform::PrimitiveKind;
 
-// The last sample of the grid, at 760 nm, is left off.
+// Without the last sample of the grid, at 760 nm.
 constexpr std::size_t locusSamples = SpectralGrid::samples - 1;
 constexpr std::size_t locusCapacity = 460;
 
@@ -59,7 +59,8 @@ const ColourMatching& colourMatching() {
   return functions;
 }
 
-// The diagram is magnified four times and its middle moved to the middle of the view.
+// Returns where the diagram draws a colour: magnified four times, its middle in the middle of the
+// view.
 Place inDiagram(const Tristimulus& colour) {
   const double sum = colour.X + colour.Y + colour.Z;
   return {4.0 * colour.X / sum - 1.4, 4.0 * colour.Y / sum - 1.8};
@@ -76,7 +77,7 @@ Tristimulus tristimulus(const DisplayPrimary& primary) {
   return {spectralDot(spectrum, x), spectralDot(spectrum, y), spectralDot(spectrum, z)};
 }
 
-// X, Y and Z of a display colour with components of 0..255.
+// Returns X, Y and Z of a display colour with components from 0 to 255.
 Tristimulus tristimulus(const Components& colour) {
   static const Tristimulus red = tristimulus(redPrimary);
   static const Tristimulus green = tristimulus(greenPrimary);
@@ -88,7 +89,7 @@ Tristimulus tristimulus(const Components& colour) {
           mixed(red.Z, green.Z, blue.Z)};
 }
 
-// At full brightness, a colour of the gamut's surface.
+// Scales a colour to full brightness: its largest component becomes 255.
 Components brightened(const Components& colour) {
   const double largest = std::max({colour.red, colour.green, colour.blue});
   const auto scaled = [largest](double component) {
@@ -110,7 +111,7 @@ void placeTransformed(ColourVertex& vertex, const Components& colour, const Matr
   if (isFinite(bright)) placeColour(vertex, bright);
 }
 
-// The colours along the edges of the gamut: from blue to red, to green, and back to blue.
+// Returns the colours along the edges of the gamut: from blue to red, to green, and back to blue.
 const std::vector<Components>& edgeColours() {
   static const std::vector<Components> colours = [] {
     constexpr int steps = 40;
@@ -135,9 +136,9 @@ const std::vector<Components>& edgeColours() {
 }
 
 constexpr std::size_t meshSide = 20;
-constexpr std::size_t meshIndexCapacity = 7200;  // those of two triangles for each vertex
+constexpr std::size_t meshIndexCapacity = 7200;  // two triangles for each vertex
 
-// The colours of the three faces of the RGB cube on which one component is 255.
+// Returns the colours of the three faces of the RGB cube on which one component is 255.
 const std::vector<Components>& meshColours() {
   static const std::vector<Components> colours = [] {
     constexpr auto share = [](std::size_t i) {
@@ -165,7 +166,7 @@ const std::vector<Components>& meshColours() {
   return colours;
 }
 
-// Two triangles for each four neighbours of a patch.
+// Returns two triangles for every four neighbouring vertices of a patch.
 std::vector<std::uint16_t> meshIndices() {
   std::vector<std::uint16_t> indices;
   const auto add = [&indices](std::size_t vertex) {
@@ -190,7 +191,8 @@ ColourVertex* writeLocus(ColourVertex* vertex, const Place& place) {
   return vertex + 1;
 }
 
-// The end of a tick mark: to the left of the locus as it is travelled.
+// Returns the end of a tick mark that starts at `to`, at a right angle to the locus and on its
+// left.
 Place tickEnd(const Place& from, const Place& to) {
   constexpr double length = 0.025;
   const double dx = to.x - from.x;

@@ -1,4 +1,4 @@
-// A colour of the display by its components, on a scale of 0 to 255 that a transform may leave.
+// A display colour by its components. They run from 0 to 255, but a transform may take them beyond.
 #pragma once
 
 #include "colour_space/scene_object.h"
@@ -12,13 +12,13 @@ struct Components {
   double blue = 0.0;
 };
 
-// matrix * (red, green, blue)
+// Returns matrix * (red, green, blue).
 Components transformed(const Components& colour, const Matrix3x3& matrix);
 
-// Whether no component is an infinity or not a number.
+// Returns true if every component is finite.
 bool isFinite(const Components& colour);
 
-// The opaque colour of components within 0..255, whose fractions are cut off.
+// Returns the opaque colour of components from 0 to 255. Fractions are cut off.
 PackedColour packed(const Components& colour);
 
 }  // namespace tintora

@@ -28,7 +28,7 @@ void drawObject(const SceneObject& object) {
   }
 }
 
-// White, with a black shadow one pixel to the right and below.
+// Draws the title in white, with a black shadow one pixel to the right and below.
 void drawTitle() {
   const ColourSpaceView& view = colourSpaceView;
   constexpr platform::Rect area{12, 10, 412, 210};

@@ -3,7 +3,7 @@
 
 namespace tintora {
 
-// Draws the page over whatever is in the window.
+// Draws the page over what is already in the window.
 void drawHelpPage();
 
 }  // namespace tintora

@@ -1,4 +1,4 @@
-// Text that stands beside what is drawn in space.
+// Text beside what is drawn in space.
 #pragma once
 
 #include <string>
@@ -8,15 +8,15 @@
 
 namespace tintora {
 
-// Of labels, and of the line they stand along.
+// The colour of the labels and of the spectral locus.
 inline constexpr platform::PackedColour lightGrey = 0xFFB4B4B4;
 
-// The pixel, cut off to whole ones, on which the current camera sees a point of the world, moved to
-// the right by an offset in pixels.
+// Returns the pixel at which the device's camera sees a point of the world, moved to the right by
+// an offset in pixels. Fractions are cut off.
 platform::Point seenAt(const Vector3& point, int offsetX);
 
-// Draws text from its left top corner, in the colour and font of the labels; what does not fit into
-// 100 x 50 pixels is cut off.
+// Draws text with its top left corner at a place, in the colour and font of the labels. What does
+// not fit into 100 by 50 pixels is clipped.
 void drawLabel(const platform::Point& place, const std::string& text);
 
 }  // namespace tintora

@@ -37,7 +37,7 @@ Direction direction(const Vector3& v) {
   return {v.x, v.y, v.z};
 }
 
-// The matrix without a row and a column.
+// Returns the determinant of the matrix without a row and a column.
 double minorOf(const Matrix4x4& m, std::size_t row, std::size_t column) {
   std::array<Direction, 3> rest{};
   for (std::size_t i = 0; i < 3; ++i) {

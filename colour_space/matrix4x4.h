@@ -1,4 +1,5 @@
-// 4x4 matrices in space: row vectors, left-handed, computed in double precision and kept as floats.
+// 4x4 transforms for row vectors in left-handed space, computed in double precision and kept as
+// floats.
 #pragma once
 
 #include <array>
@@ -19,33 +20,33 @@ struct Vector3 {
 
 using Vector4 = std::array<float, 4>;
 
-// a * b: first a, then b.
+// Returns a * b, which applies first a, then b.
 Matrix4x4 multiply(const Matrix4x4& a, const Matrix4x4& b);
 
-// The inverse; none where the determinant is 0 or no number.
+// Returns the inverse, or nothing if the determinant is 0 or not finite.
 std::optional<Matrix4x4> inverse(const Matrix4x4& m);
 
 Matrix4x4 scaling(float factor);
 Matrix4x4 translation(const Vector3& by);
 
-// Rotations, clockwise as seen looking along the axis towards the origin. Angles in radians; the
-// axis may have any length but 0.
+// Return rotations, clockwise if you look along the axis towards the origin. Angles are in radians;
+// the axis may have any length but 0.
 Matrix4x4 rotationX(float angle);
 Matrix4x4 rotationY(float angle);
 Matrix4x4 rotationZ(float angle);
 Matrix4x4 rotationAbout(const Vector3& axis, float angle);
 
-// From the world to what an eye sees that looks at a point: x to the right, y up, z away from it.
+// Returns the view of an eye that looks at a point: x to its right, y up, z away from it.
 Matrix4x4 lookAt(const Vector3& eye, const Vector3& at, const Vector3& up);
 
-// The vertical field of view in radians, the aspect as width / height, and the distances between
-// which depth runs from 0 to 1.
+// Returns a perspective projection. The vertical field of view is in radians, the aspect is width /
+// height, and depth runs from 0 at the near plane to 1 at the far plane.
 Matrix4x4 perspective(float fieldOfView, float aspect, float nearPlane, float farPlane);
 
-// v * m
+// Returns v * m.
 Vector4 transformed(const Vector4& v, const Matrix4x4& m);
 
-// The point (x, y, z, 1) * m, divided by its w.
+// Returns (x, y, z, 1) * m, divided by its w.
 Vector3 transformedPoint(const Vector3& point, const Matrix4x4& m);
 
 }  // namespace tintora

@@ -13,7 +13,7 @@ namespace tintora {
 
 namespace {
 
-// The last sample of the grid, at 760 nm, is left off.
+// Without the last sample of the grid, at 760 nm.
 constexpr std::size_t shownSamples = SpectralGrid::samples - 1;
 
 struct CurveForm {
@@ -29,7 +29,7 @@ constexpr std::array<CurveForm, 3> curveForms{{
 }};
 constexpr PackedColour referenceColour = 0xFF8CA0B4;
 
-// How the curves are laid out: the place of 360 nm, and where sensitivities of 0 and 1 lie.
+// The layout of the curves: 360 nm is at the left, a sensitivity of 0 at the foot.
 constexpr double nanometresPerUnit = 100.0;
 constexpr double left = -2.0;
 constexpr double height = 2.0;
@@ -60,7 +60,7 @@ void writeCurve(SceneObject& object, const SpectralCurve& curve, PackedColour co
   uploadVertices(object);
 }
 
-// A curve of the normal observer.
+// Builds a curve of the normal observer.
 void buildCurve(SceneRole role, ViewCode view, double ConeValues::*cone, PackedColour colour) {
   SceneObject& object = addObject(role, view, shownSamples, platform::BufferUse::Managed);
   object.kind = platform::PrimitiveKind::LineStrip;

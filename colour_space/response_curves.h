@@ -1,20 +1,20 @@
-// The sensitivities of the three cones over wavelength.
+// The spectral sensitivities of the three cones.
 #pragma once
 
 #include "spectral/cone_model.h"
 
 namespace tintora {
 
-// Builds the curves of the normal observer that stay as they are, for reference.
+// Builds the reference curves, which stay those of the normal observer.
 void buildReferenceCurves();
 
-// Builds the curves of the normal observer that the transform moves.
+// Builds the live curves, which the transform moves, as those of the normal observer.
 void buildLiveCurves();
 
-// Moves the live curves to an observer's. The severity counts up to 1.
+// Moves the live curves to those of an observer with a deficiency. A severity above 1 counts as 1.
 void refreshCurves(CvdType type, double severity);
 
-// Writes the wavelengths along the bottom.
+// Draws the wavelengths along the bottom.
 void drawCurveLabels();
 
 }  // namespace tintora

@@ -31,7 +31,7 @@ constexpr std::array<ColourVertex, 8> corners{{
 constexpr std::array<std::uint16_t, 36> faces{0, 1, 2, 0, 2, 3, 4, 6, 5, 4, 7, 6, 4, 5, 1, 4, 1, 0,
                                               3, 2, 6, 3, 6, 7, 1, 5, 6, 1, 6, 2, 4, 0, 3, 4, 3, 7};
 
-// The face without blue, the edges along blue, the face with it, and the grey axis.
+// The face without blue, the edges along blue, the face with full blue, and the grey axis.
 constexpr std::array<std::uint16_t, 26> edges{0, 1, 1, 2, 2, 3, 3, 0, 0, 4, 1, 5, 2,
                                               6, 3, 7, 4, 5, 5, 6, 6, 7, 7, 4, 3, 5};
 

@@ -1,4 +1,4 @@
-// The RGB colour space as a cube: a solid one that the transform deforms, in a frame that it does
+// The RGB colour space as a solid cube, which the transform deforms, in a wire frame, which it does
 // not.
 #pragma once
 
@@ -6,12 +6,12 @@
 
 namespace tintora {
 
-// Builds the solid cube and its frame, untransformed.
+// Builds the solid cube and its wire frame, both untransformed.
 void buildCube();
 
-// Moves the corners of the solid cube to where the matrix takes their colours, which it shows
-// clamped. The matrix acts on components of 0..255. A corner that it would take to no finite place
-// stays where it is.
+// Moves the corners of the solid cube to where the matrix takes their colours, and shows these
+// colours clamped. The matrix acts on components from 0 to 255. A corner whose new place would not
+// be finite stays where it is.
 void refreshCube(const Matrix3x3& matrix);
 
 }  // namespace tintora

@@ -14,27 +14,26 @@ using platform::ColourVertex;
 using platform::PackedColour;
 
 struct SceneObject {
-  Matrix4x4 world = identity4x4;  // made of the next two by buildWorldMatrix
+  Matrix4x4 world = identity4x4;  // built from the next two by buildWorldMatrix
   Vector3 translation;
   Vector3 rotation;  // radians about x, then y, then z
   ViewCode viewCode = ViewCode::Help;
   platform::PrimitiveKind kind = platform::PrimitiveKind::LineStrip;
-  int count = 0;           // vertices where there are indices, else primitives
-  int primitiveCount = 0;  // where there are indices
+  int count = 0;           // vertices if there are indices, else primitives
+  int primitiveCount = 0;  // if there are indices
   std::array<ColourVertex, 2000> vertices{};
-  std::size_t bufferVertices = 0;  // that vertexBuffer holds, from the first
+  std::size_t bufferVertices = 0;  // how many of them vertexBuffer holds
   platform::VertexBuffer* vertexBuffer = nullptr;
-  platform::IndexBuffer* indexBuffer = nullptr;  // null where there are no indices
+  platform::IndexBuffer* indexBuffer = nullptr;  // null if there are no indices
 };
 
-// Rotation, then translation.
+// Computes the world matrix: first the rotation, then the translation.
 void buildWorldMatrix(SceneObject& object);
 
-// Writes a vertex. Where a coordinate is no number that a float can hold, place and colour stay as
-// they were.
+// Writes a vertex. If a coordinate does not fit a float, the vertex keeps its place and colour.
 void placeVertex(ColourVertex& vertex, double x, double y, double z, PackedColour colour);
 
-// Brings the device's copy of the vertices up to date.
+// Copies the vertices to the device.
 void uploadVertices(const SceneObject& object);
 
 }  // namespace tintora

@@ -26,7 +26,7 @@ struct Quaternion {
   double z = 0.0;
 };
 
-// First b, then a.
+// Returns the turn by b, then by a.
 Quaternion operator*(const Quaternion& a, const Quaternion& b) {
   return {
       a.w * b.w - a.x * b.x - a.y * b.y - a.z * b.z, a.w * b.x + a.x * b.w + a.y * b.z - a.z * b.y,
@@ -44,14 +44,14 @@ std::array<double, 3> turned(const Quaternion& q, const std::array<double, 3>& p
   return {image.x, image.y, image.z};
 }
 
-// A turn of the cube as it is seen: about the vertical axis of the screen, its horizontal axis and
-// the line of sight, in degrees; the last comes first.
+// Returns a turn of the cube as seen on the screen, in degrees: about the line of sight, then about
+// the horizontal and the vertical axis of the screen.
 Quaternion seenTurn(double vertical, double horizontal, double sight) {
   return about(0.0, 1.0, 0.0, vertical) * about(1.0, 0.0, 0.0, horizontal) *
          about(0.0, 0.0, 1.0, sight);
 }
 
-// A cube of 8/11 of its size, turned, 5.5 in front of the eye.
+// Expects the camera to see the cube turned, 5.5 away and shrunk to 8/11 of its size.
 void expectCamera(const Quaternion& orientation, double tolerance = 2e-6) {
   constexpr double scale = 4.0 / 5.5;
   constexpr std::array<std::array<double, 3>, 3> axes{
@@ -76,7 +76,8 @@ void press(int x, int y) {
   beginDrag(x, y);
 }
 
-// So that a lock to the vertical is seen to be chosen; the cube is as before any drag.
+// Locks drags to the horizontal, so that a lock to the vertical can be told from the start. The
+// cube is unturned afterwards.
 void lockToHorizontal() {
   press(0, 0);
   rotateByMouse(right, 40, 0);

@@ -41,7 +41,7 @@ ExpectedVertices transformedBy(const Matrix3x3& matrix,
   return expected;
 }
 
-// How far a vertex is from a line through two others.
+// Returns the distance of a vertex from the line through two others.
 double distanceFromLine(const ColourVertex& vertex, const ColourVertex& a, const ColourVertex& b) {
   const double dx = static_cast<double>(b.x) - static_cast<double>(a.x);
   const double dy = static_cast<double>(b.y) - static_cast<double>(a.y);
@@ -50,7 +50,7 @@ double distanceFromLine(const ColourVertex& vertex, const ColourVertex& a, const
   return std::abs(dx * toY - dy * toX) / std::hypot(dx, dy);
 }
 
-// The labels drawn in a frame of the diagram; the title and its shadow come first.
+// Returns the labels of a frame of the diagram: all texts but the title and its shadow.
 std::vector<DrawnText> labelsDrawn() {
   const std::vector<DrawnText>& texts = nullGraphics().texts;
   return {texts.begin() + 2, texts.end()};
@@ -153,7 +153,7 @@ TEST_F(Gamut, EachPatchHasOneComponentWhole) {
   }
 }
 
-// Equal parts of the primaries: the corner that the three patches share.
+// White, in equal parts of the primaries, is the corner that the three patches share.
 TEST_F(Gamut, IsWhiteAtTheChromaticityOfAllPrimariesTogether) {
   const ExpectedVertex white = referenceVertex({255.0L, 255.0L, 255.0L});
   for (const std::size_t corner : {399U, 799U, 1199U}) {
@@ -213,7 +213,7 @@ TEST_F(Gamut, IdentityLaysTheOutlineOnThePrimariesTriangle) {
 }
 
 TEST_F(Gamut, DichromatCollapsesItOntoALine) {
-  // Of rank 2 exactly.
+  // Exactly of rank 2.
   show(Matrix3x3{0.12, 0.88, 0.0, 0.12, 0.88, 0.0, 0.0, 0.0, 1.0});
   const Vertices& outline = verticesOf(SceneRole::GamutOutline);
   const ColourVertex& blue = outline.front();
@@ -229,7 +229,7 @@ TEST_F(Gamut, DichromatCollapsesItOntoALine) {
 TEST_F(Gamut, ColourThatBecomesBlackStaysWhereItWas) {
   const Vertices mesh = verticesOf(SceneRole::GamutMesh);
   const Vertices outline = verticesOf(SceneRole::GamutOutline);
-  // Without red nothing is left of it; all else moves.
+  // Pure red becomes black without red; every other colour moves.
   const Matrix3x3 blind{-0.5, 0.0, 0.0, -0.1, 0.8, 0.1, 0.0, 0.1, 0.6};
   show(blind);
   const std::vector<ReferenceColour> colours = referenceEdgeColours();

@@ -1,4 +1,4 @@
-// The device: how it is made, resized and released, and in which order.
+// How the device is created, resized and released, and in which order.
 #include <algorithm>
 #include <cmath>
 #include <cstddef>

@@ -33,7 +33,7 @@ Calls drawing(int vertexBuffer, const std::string& indexBuffer, const std::strin
           "setIndexBuffer " + indexBuffer, call};
 }
 
-// The calls without the labels, which have tests of their own.
+// Returns the calls of a frame without the labels, which have tests of their own.
 Calls callsOfFrame(ViewCode view) {
   colourSpaceView.titleText = "title";
   colourSpaceView.viewCode = view;

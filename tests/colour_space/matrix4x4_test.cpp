@@ -115,7 +115,7 @@ TEST(Matrix4x4, LookAtPutsTheEyeInTheOriginAndItsAimAhead) {
   expectPoint(transformedPoint(eye, view), {0.0F, 0.0F, 0.0F});
   expectPoint(transformedPoint(at, view), {0.0F, 0.0F, 5.0F});
   expectPoint(transformedPoint({1.0F, 3.0F, -3.0F}, view), {0.0F, 1.0F, 0.0F});
-  // To the right of one who looks along (3, 0, 4) with y upwards.
+  // To the right if you look along (3, 0, 4) with y upwards.
   expectPoint(transformedPoint({1.8F, 2.0F, -3.6F}, view), {1.0F, 0.0F, 0.0F});
 }
 

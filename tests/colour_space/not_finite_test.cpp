@@ -1,4 +1,4 @@
-// Whatever the matrix, no infinity and nothing that is no number reaches the device.
+// Whatever the matrix, only finite numbers reach the device.
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -87,7 +87,7 @@ TEST_F(NotFinite, MatrixOfNoNumbersLeavesEverythingInPlace) {
   }
 }
 
-// Red and blue alone would still have a place.
+// Red and blue alone would still have a finite place.
 TEST_F(NotFinite, OneRowWithoutANumberLeavesTheGamutInPlace) {
   const Vertices mesh = verticesOf(SceneRole::GamutMesh);
   const Vertices outline = verticesOf(SceneRole::GamutOutline);

@@ -17,8 +17,8 @@ void expectCoordinate(float actual, long double expected) {
               static_cast<double>(tolerance));
 }
 
-// Where the exact value lies on a whole number, the last bit of the computation decides whether
-// that number or the one below it is left.
+// If the exact value is a whole number, the last bit of the computation decides between that number
+// and the one below.
 void expectComponent(std::uint32_t actual, long double expected) {
   const long double nearest = std::round(expected);
   if (std::abs(expected - nearest) < 1e-6L && nearest > 0.0L) {

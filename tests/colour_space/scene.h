@@ -1,4 +1,4 @@
-// The renderer on the desktop that is not there, and what its device holds.
+// The renderer on the null desktop, and what its device holds.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -28,25 +28,25 @@ struct Simulation {
   std::string name;
 };
 
-// Every type at 0, 60 and 100 % by every algorithm.
+// Returns every type at 0, 60 and 100 % by every algorithm.
 std::vector<Simulation> allSimulations();
 
-// Has the model compute a simulation, and the views show it.
+// Computes a simulation and shows it in the views.
 void show(const Simulation& simulation);
-// Has the views show a matrix.
+// Shows a matrix in the views.
 void show(const Matrix3x3& matrix);
 
-// What the device holds of an object.
+// Return an object and what the device holds of it.
 const SceneObject& object(SceneRole role);
 const Vertices& verticesOf(SceneRole role);
 const std::vector<std::uint16_t>& indicesOf(SceneRole role);
 
 void expectVertex(const ColourVertex& actual, const ExpectedVertex& expected);
 void expectVertices(const Vertices& actual, const ExpectedVertices& expected);
-// Where the colours are constants, to the last bit of them too.
+// Expects colours that are constants, to the last bit.
 void expectConstantColours(const Vertices& actual, const ExpectedVertices& expected);
 
-// The calls that the device gets while something is done.
+// Returns the calls to the device during an action.
 template <typename Action>
 Calls callsOf(Action action) {
   platform::NullGraphics& graphics = platform::nullGraphics();
@@ -57,7 +57,7 @@ Calls callsOf(Action action) {
   return graphics.calls;
 }
 
-// A renderer just created for a client area of 400 by 400 pixels.
+// Each test starts with a new device for a client area of 400 by 400 pixels.
 class ColourSpaceTest : public ::testing::Test {
  protected:
   ColourSpaceTest();

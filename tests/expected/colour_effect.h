@@ -5,7 +5,7 @@
 
 namespace tintora::expected {
 
-// Five rows of five: a colour is the row vector (red, green, blue, alpha, 1).
+// Five rows of five numbers. A colour is the row vector (red, green, blue, alpha, 1).
 using ColourEffect = std::array<float, 25>;
 
 constexpr ColourEffect identityEffect{1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 1,

@@ -1,4 +1,4 @@
-// The published tables as files, to hold the compiled ones against.
+// The published tables as files, to compare the compiled ones with.
 #pragma once
 
 #include <cstddef>

@@ -66,7 +66,7 @@ Weights vienot1997Protan() {
   return {{{0.222, 1.006, -0.228}, {0.191, 0.723, 0.086}, {-0.01, -0.019, 1.029}}};
 }
 
-// To cone signals and back, with the long-wave signal made from the other two.
+// Goes to cone signals and back, with the long-wave signal computed from the other two.
 Weights vienot1999Protan() {
   constexpr Weights toCones{
       {{17.8824, 43.5161, 4.11935}, {3.45565, 27.1554, 3.86714}, {0.0299566, 0.184309, 1.46709}}};

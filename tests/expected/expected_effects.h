@@ -1,5 +1,5 @@
-// The colour effects that the program should ask for, computed from the published matrices and from
-// the plain formulas.
+// The colour effects that the program should ask for, computed from the published matrices and
+// plain formulas.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,23 +10,23 @@
 
 namespace tintora::expected {
 
-// One row for each output channel: the weights of red, green and blue.
+// The weights of red, green and blue, one row for each output channel.
 using Weights = std::array<std::array<double, 3>, 3>;
 using Offsets = std::array<double, 3>;
 
 ColourEffect effectOf(const Weights& weights, const Offsets& offsets = {});
 
-// Judd 1948, by severity.
+// Judd 1948, at a severity from 0 to 1.
 Weights juddProtan(double severity);
 Weights juddDeutan(double severity);
 Weights juddTritan(double severity);
 
-// At full severity.
+// The other algorithms, at full severity.
 Weights machadoProtan();
 Weights vienot1997Protan();
 Weights vienot1999Protan();
 
-// What a viewer loses by a simulation, spread over green and blue.
+// Returns the correction that spreads what a simulation loses over green and blue.
 Weights daltonized(const Weights& simulation);
 Weights inverse(const Weights& simulation);
 
@@ -38,7 +38,7 @@ ColourEffect withSaturation(double saturation);
 ColourEffect filtered(const std::array<double, 3>& passed, double strength);
 ColourEffect circadian(double brightness);
 
-// Swaps two channels, counted from red, by a strength.
+// Exchanges two channels, counted from red, by a strength from 0 to 1.
 ColourEffect swapped(std::size_t one, std::size_t other, double strength);
 
 testing::AssertionResult areEqual(const ColourEffect& actual, const ColourEffect& expected);

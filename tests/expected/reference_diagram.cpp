@@ -57,7 +57,7 @@ ReferencePoint step(std::size_t nanometres) {
   return {to.x - from.x, to.y - from.y};
 }
 
-// A quarter turn to the left of the way the locus is going.
+// Returns the end of a tick mark: a quarter turn to the left of the direction of the locus.
 ReferencePoint tick(std::size_t nanometres) {
   const ReferencePoint place = referencePlace(referenceChromaticity(nanometres));
   const auto [dx, dy] = step(nanometres);
@@ -109,8 +109,7 @@ std::vector<ReferenceColour> referenceMeshColours() {
   return colours;
 }
 
-// The hues from one primary to the next: first the one that comes grows, then the one that goes
-// fades.
+// From one primary to the next, first the new component grows, then the old one fades.
 std::vector<ReferenceColour> referenceEdgeColours() {
   constexpr std::array<std::array<std::size_t, 2>, 3> ends{{{2, 0}, {0, 1}, {1, 2}}};
   std::vector<ReferenceColour> colours;

@@ -1,4 +1,4 @@
-// The chromaticity diagram once more, in extended precision and from the published tables.
+// The chromaticity diagram, computed a second time from the published tables in extended precision.
 #pragma once
 
 #include <array>
@@ -24,21 +24,21 @@ struct ReferenceLabel {
 
 using ReferenceColour = std::array<long double, 3>;
 
-// The chromaticity of a wavelength, from the table of the colour-matching functions.
+// Returns the chromaticity of a wavelength, from the table of the colour-matching functions.
 ReferencePoint referenceChromaticity(std::size_t nanometres);
-// ... and where the diagram draws it.
+// Returns where the diagram draws a chromaticity.
 ReferencePoint referencePlace(const ReferencePoint& chromaticity);
 
 ExpectedVertices referenceLocus();
 std::vector<ReferenceLabel> referenceLabels();
 
-// The colours of the two parts of the gamut, on a scale of 0 to 255.
+// Return the colours of the gamut and of its outline, from 0 to 255.
 std::vector<ReferenceColour> referenceMeshColours();
 std::vector<ReferenceColour> referenceEdgeColours();
 
-// A colour of the display where the diagram draws it.
+// Returns the vertex of a display colour.
 ExpectedVertex referenceVertex(const ReferenceColour& colour);
-// ... and what a matrix makes of it, at full brightness.
+// Returns the vertex of a display colour transformed by a matrix, at full brightness.
 ExpectedVertex referenceVertex(const ReferenceColour& colour, const Matrix3x3& matrix);
 
 }  // namespace tintora

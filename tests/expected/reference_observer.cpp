@@ -17,7 +17,7 @@ long double wavelength(std::size_t sample) {
   return 360.0L + static_cast<long double>(sample);
 }
 
-// A density table from 391 nm on, behind a constant.
+// Returns a density table that starts at 391 nm, with a constant before it.
 ReferenceCurve referenceDensity(const std::string& file, long double head) {
   ReferenceCurve curve;
   curve.fill(head);

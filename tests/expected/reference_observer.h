@@ -22,20 +22,20 @@ ReferenceCurve referenceGaussian(long double amplitude, long double peak, long d
 
 ReferenceCurve referenceTemplate(long double peak);
 ReferenceCurve referenceAbsorptance(const ReferenceCurve& absorbance, long double density);
-// Through the lens and the macular pigment, largest sample 1.
+// Returns the curve behind the lens and the macular pigment; its largest sample is 1.
 ReferenceCurve referenceCone(long double peak, long double density);
 
-// L, M, S.
+// Returns L, M, S.
 ReferenceCurves referenceCones(const ConeValues& peaks, const ConeValues& densities);
-// Achromatic, yellow-blue, red-green.
+// Returns achromatic, yellow-blue, red-green.
 ReferenceCurves referenceOpponents(const ReferenceCurves& cones);
 
-// The responses of the curves to the display primaries, rows scaled to sum to 1.
+// Returns the responses of the curves to the display primaries. Each row is scaled to a sum of 1.
 ReferenceMatrix referenceResponses(const ReferenceCurves& curves);
 ReferenceMatrix referenceProduct(const ReferenceMatrix& a, const ReferenceMatrix& b);
 ReferenceMatrix referenceInverse(ReferenceMatrix matrix);
 
-// The simulation by the peaks of the anomalous observer.
+// Returns the simulation for an anomalous observer with these peaks.
 ReferenceMatrix referenceSimulation(const ConeValues& anomalousPeaks);
 
 Matrix3x3 inDoubles(const ReferenceMatrix& matrix);

@@ -146,6 +146,7 @@ bool onMoved(Window* window) {
 
 bool onExposed(Window* window) {
   if (!window->window->isExposed()) return false;
+  noteAppearance(window);
   paint(window);
   if (isDrawnByLoop(window->kind)) handedOver = true;
   dispatcher()->wakeUp();

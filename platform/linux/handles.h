@@ -32,6 +32,7 @@ struct Window {
   QMargins formerFrame;           // that it had when it last had one, or will have
   std::deque<AskedBounds> asked;  // of late, the oldest first
   bool travels = false;           // to where it was last asked to be
+  bool insists = false;           // on its place, against the first answer to its appearance
   bool hitTransparent = false;
   // By the window manager, while the window has the focus: it does so while the user moves it.
   bool keyboardHeld = false;

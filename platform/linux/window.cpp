@@ -1,6 +1,7 @@
 #include "platform/window.h"
 
 #include <QGuiApplication>
+#include <QTimer>
 #include <array>
 
 #include "platform/linux/event_loop.h"
@@ -73,12 +74,18 @@ void fillPrimaryMonitor(Window* window) {
   window->window->setWindowStates(Qt::WindowFullScreen);
 }
 
-// Returns the focus to the main window when the window that has it goes.
-void passFocusOn(const Window* window) {
-  if (window == mainWindow || QGuiApplication::focusWindow() != window->window.get()) return;
-  if (mainWindow != nullptr && mainWindow->window->isVisible()) {
-    mainWindow->window->requestActivate();
-  }
+// Returns the focus to the main window if the window has it: a window manager would give it to
+// another program. Some do so late, after the focus has moved: then it is asked for once more.
+void hideWindow(Window* window) {
+  const bool passesFocus = window != mainWindow && mainWindow->window->isVisible() &&
+                           QGuiApplication::focusWindow() == window->window.get();
+  window->window->setVisible(false);
+  if (!passesFocus) return;
+  constexpr int milliseconds = 150;
+  mainWindow->window->requestActivate();
+  QTimer::singleShot(milliseconds, mainWindow->window.get(), [] {
+    if (QGuiApplication::focusWindow() == nullptr) mainWindow->window->requestActivate();
+  });
 }
 
 }  // namespace
@@ -128,15 +135,15 @@ void setHitTransparent(Window* window, bool transparent) {
 
 void showWindow(Window* window, ShowState state) {
   QWindow& shown = *window->window;
-  if (state == ShowState::Hidden) {
-    passFocusOn(window);
-    return shown.setVisible(false);
-  }
+  if (state == ShowState::Hidden) return hideWindow(window);
   if (state == ShowState::Normal) shown.setWindowStates(Qt::WindowNoState);
   if (state == ShowState::Maximised && window->form != WindowForm::FullScreen) {
     shown.setWindowStates(Qt::WindowMaximized);
   }
-  if (!shown.isVisible()) window->shown = std::chrono::steady_clock::now();
+  if (!shown.isVisible()) {
+    window->shown = std::chrono::steady_clock::now();
+    window->insists = true;
+  }
   shown.setVisible(true);
   if (window->kind == WindowKind::ColourSpace && fillsScreen(mainWindow)) {
     setWindowAbove(window, mainWindow);
@@ -145,9 +152,9 @@ void showWindow(Window* window, ShowState state) {
 }
 
 void setWindowBounds(Window* window, const Rect& bounds) {
-  // Asked for its bounds, a window manager takes a window out of full screen.
-  if (fillsScreen(window) && managerMakesFullScreen()) return;
   const QRect outer = onRoot(bounds);
+  // Asked for its bounds, a window manager takes a window out of full screen.
+  if (fillsScreen(window) && managerMakesFullScreen()) return expectBounds(window, outer);
   if (outer == boundsAskedFor(window)) return;
   if (window == mainWindow) noteMainMoved();
   askForBounds(window, outer);

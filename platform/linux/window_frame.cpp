@@ -65,12 +65,25 @@ void requestFrame(xcb_window_t window) {
 }
 
 bool isAtRest(const Window* window) {
-  return window->form == WindowForm::Framed && window->window->windowStates() == Qt::WindowNoState;
+  return window->form == WindowForm::Framed &&
+         window->window->windowStates() == Qt::WindowNoState && !isFilled(window);
+}
+
+// Qt hears of it later.
+QSize sizeOnServer(const Window* window) {
+  xcb_connection_t* const x = xServer.connection;
+  const auto id = static_cast<xcb_window_t>(window->window->winId());
+  const Received<xcb_get_geometry_reply_t> geometry(
+      xcb_get_geometry_reply(x, xcb_get_geometry(x, id), nullptr));
+  return geometry ? QSize(geometry->width, geometry->height) : QSize();
 }
 
 void moveInto(Window* window, const AskedBounds& asked) {
   const QRect inner = asked.outer.marginsRemoved(asked.frame);
   if (window->kind == WindowKind::Control) fixSize(window, inner.size());
+  // Qt asks for nothing where it believes the window to be, though an earlier request may be on its
+  // way.
+  if (window->window->geometry() == inner) return requestGeometry(window, inner);
   window->window->setGeometry(inner);
 }
 
@@ -109,20 +122,26 @@ void askForFrame(Window* window) {
   }
 }
 
-void askForBounds(Window* window, const QRect& outer) {
+void expectBounds(Window* window, const QRect& outer) {
   std::erase_if(window->asked,
                 [](const AskedBounds& asked) { return !isWithin(answerTime, asked.time); });
   window->asked.push_back({outer, frameOf(window), Clock::now()});
   window->travels = true;
+}
+
+void askForBounds(Window* window, const QRect& outer) {
+  expectBounds(window, outer);
   moveInto(window, window->asked.back());
 }
 
 void allowForFrame(Window* window) {
-  if (!isAtRest(window) || window->asked.empty()) return;
-  rememberFrame(window);
+  if (window->form != WindowForm::Framed || window->asked.empty()) return;
   AskedBounds& last = window->asked.back();
   const QMargins frame = frameOf(window);
-  if (frame == last.frame || !isWithin(answerTime, last.time)) return;
+  if (frame == last.frame || !isWithin(answerTime, last.time) || !isAtRest(window)) return;
+  // Another size has come with the frame: the window manager is at work on another form.
+  if (sizeOnServer(window) != last.outer.marginsRemoved(last.frame).size()) return;
+  rememberFrame(window);
   last.frame = frame;
   window->travels = true;
   moveInto(window, last);
@@ -146,11 +165,29 @@ void fixSize(Window* window, const QSize& size) {
 Mover moverOf(Window* window) {
   const QRect outer = outerBounds(window);
   const auto asked = std::ranges::find(window->asked, outer, &AskedBounds::outer);
-  if (asked != window->asked.end() && isWithin(travelTime, asked->time)) return Mover::Program;
+  if (asked != window->asked.end() && isWithin(travelTime, asked->time)) {
+    if (window->window->isExposed()) window->insists = false;
+    return Mover::Program;
+  }
   window->travels = false;
-  if (!isHeldByUser(window) && answersRequest(window)) return Mover::WindowManager;
-  window->asked.clear();
-  return Mover::User;
+  if (isHeldByUser(window) || !answersRequest(window)) {
+    window->asked.clear();
+    return Mover::User;
+  }
+  // Some place a window where they like when it appears, but obey when they are told again.
+  if (window->insists && isAtRest(window) && isWithin(answerTime, window->shown) &&
+      !window->asked.empty() && window->asked.back().outer.size() == outer.size()) {
+    window->insists = false;
+    window->travels = true;
+    moveInto(window, window->asked.back());
+  }
+  return Mover::WindowManager;
+}
+
+void noteAppearance(Window* window) {
+  if (!window->asked.empty() && outerBounds(window) == window->asked.back().outer) {
+    window->insists = false;
+  }
 }
 
 void noteMainMoved() {

@@ -12,6 +12,9 @@ namespace tintora::platform {
 // Returns without one if it does not answer at once.
 void askForFrame(Window* window);
 
+// Notes outer bounds that the window is on its way to.
+void expectBounds(Window* window, const QRect& outer);
+
 // Asks for outer bounds.
 void askForBounds(Window* window, const QRect& outer);
 
@@ -34,6 +37,9 @@ void fixSize(Window* window, const QSize& size);
 // On whose behalf a window has come to where it is.
 enum class Mover { Program, WindowManager, User };
 Mover moverOf(Window* window);
+
+// Notes that the window is seen: if it stands where it was asked to, it may be moved from there.
+void noteAppearance(Window* window);
 
 // Notes that the main window moves: what follows it is not moved by the user.
 void noteMainMoved();

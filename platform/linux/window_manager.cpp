@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -92,12 +93,13 @@ const Event& as(const xcb_generic_event_t& event) {
   return reinterpret_cast<const Event&>(event);
 }
 
-// Qt hears of these events first from here, so that its own picture of the frame is old until then.
+// After the other changes that a window manager makes together with that of a frame, which come one
+// by one.
 void onFrameChangedLater(xcb_window_t id) {
+  constexpr int milliseconds = 30;
   Window* const window = windowOf(id);
   if (window == nullptr) return;
-  QMetaObject::invokeMethod(
-      window->window.get(), [window] { onFrameChanged(window); }, Qt::QueuedConnection);
+  QTimer::singleShot(milliseconds, window->window.get(), [window] { onFrameChanged(window); });
 }
 
 void noteKeyboard(xcb_window_t id, std::uint8_t mode, bool in) {
@@ -148,6 +150,26 @@ void floatWindow(Window* window) {
   const xcb_atom_t utility = atom("_NET_WM_WINDOW_TYPE_UTILITY");
   xcb_change_property(qtConnection(), XCB_PROP_MODE_APPEND, idOf(window),
                       atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32, 1, &utility);
+  xcb_flush(qtConnection());
+}
+
+bool isFilled(const Window* window) {
+  const auto reply = property(idOf(window), atom("_NET_WM_STATE"), XCB_ATOM_ATOM);
+  const auto states = numbers(reply.get());
+  return std::ranges::any_of(
+      std::array{atom("_NET_WM_STATE_MAXIMIZED_HORZ"), atom("_NET_WM_STATE_MAXIMIZED_VERT"),
+                 atom("_NET_WM_STATE_FULLSCREEN")},
+      [&](xcb_atom_t state) { return std::ranges::find(states, state) != states.end(); });
+}
+
+void requestGeometry(const Window* window, const QRect& inner) {
+  const std::array<std::uint32_t, 4> values{
+      static_cast<std::uint32_t>(inner.x()), static_cast<std::uint32_t>(inner.y()),
+      static_cast<std::uint32_t>(inner.width()), static_cast<std::uint32_t>(inner.height())};
+  xcb_configure_window(qtConnection(), idOf(window),
+                       XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                           XCB_CONFIG_WINDOW_HEIGHT,
+                       values.data());
   xcb_flush(qtConnection());
 }
 

@@ -17,6 +17,12 @@ bool managerTellsFrames();
 // flags of the window have changed.
 void floatWindow(Window* window);
 
+// Asks for a window's place and size without its frame, on the root.
+void requestGeometry(const Window* window, const QRect& inner);
+
+// Returns true if the window manager has maximised the window or fills the screen with it.
+bool isFilled(const Window* window);
+
 // Keeps a window above another one that fills the screen, or with null no longer.
 void setWindowAbove(Window* window, const Window* parent);
 

@@ -56,6 +56,7 @@ struct Client {
   bool maximised = false;
   bool fullScreen = false;
   bool above = false;
+  int layer = 0;
   xcb_window_t transientFor = XCB_NONE;
 
   bool isFramed() const { return wantsFrame && !fullScreen; }
@@ -307,7 +308,8 @@ int Manager::layerOf(const Client& client) {
 }
 
 void Manager::restackAll() {
-  std::ranges::stable_sort(clients_, {}, [this](const auto& client) { return layerOf(*client); });
+  for (const auto& client : clients_) client->layer = layerOf(*client);
+  std::ranges::stable_sort(clients_, {}, [](const auto& client) { return client->layer; });
   for (std::size_t i = 0; i < clients_.size(); ++i) {
     const auto leader = std::ranges::find_if(
         clients_, [&](const auto& other) { return other->window == clients_[i]->transientFor; });
@@ -343,6 +345,9 @@ void Manager::activate(Client& client) {
 void Manager::minimise(Client& client, bool minimised) {
   client.minimised = minimised;
   tellState(client);
+  // On a screen that nobody composes, what is mapped is seen.
+  if (!options_.composites && minimised) xcb_unmap_window(c(), client.topLevel());
+  if (!options_.composites && !minimised) xcb_map_window(c(), client.topLevel());
   restackAll();
 }
 
@@ -461,7 +466,8 @@ void Manager::take(const xcb_generic_event_t& event) {
       const auto& unmapped = reinterpret_cast<const xcb_unmap_notify_event_t&>(event);
       const Client* const client = find(unmapped.window);
       // Putting it into its frame unmaps it as well; then it is told of as the root's child.
-      if (client != nullptr && client->frame != XCB_NONE && unmapped.event == unmapped.window &&
+      const bool framed = client != nullptr && client->frame != XCB_NONE;
+      if (client != nullptr && (!framed || unmapped.event == unmapped.window) &&
           !x_.isShown(unmapped.window)) {
         forget(unmapped.window);
       }

@@ -27,8 +27,13 @@ class MonitorTest : public ProgramTest {
     };
     const std::string geometry = side(area.width) + "x" + side(area.height) + "+" +
                                  std::to_string(area.x) + "+" + std::to_string(area.y);
-    Process xrandr({.command = {"xrandr", "--setmonitor", name, geometry, output},
-                    .environment = {{"DISPLAY", display().name()}}});
+    runXrandr({"--setmonitor", name, geometry, output});
+  }
+  void deleteMonitor(const std::string& name) { runXrandr({"--delmonitor", name}); }
+  void runXrandr(const std::vector<std::string>& arguments) {
+    Launch launch{.command = {"xrandr"}, .environment = {{"DISPLAY", display().name()}}};
+    launch.command.insert(launch.command.end(), arguments.begin(), arguments.end());
+    Process xrandr(launch);
     ASSERT_EQ(xrandr.result(), 0);
   }
   void begin() {
@@ -139,6 +144,21 @@ TEST_F(MonitorTest, AMonitorThatComesAsThePrimaryOneIsFollowed) {
   EXPECT_TRUE(viewShows(grey));
   press(XK_f);
   EXPECT_TRUE(viewBecomes({800, 0, 1280, 1000}));
+}
+
+TEST_F(MonitorTest, FullScreenFollowsThePrimaryOne) {
+  useDisplay({}, Manager::Openbox, "2080x1000");
+  setMonitor("*Primary", {0, 0, 1280, 1000}, "screen");
+  begin();
+  press(XK_f);
+  ASSERT_TRUE(viewBecomes({0, 0, 1280, 1000}));
+  deleteMonitor("Primary");
+  setMonitor("*Primary", {0, 0, 1000, 700}, "screen");
+  EXPECT_TRUE(viewBecomes({0, 0, 1000, 700}));
+  deleteMonitor("Primary");
+  setMonitor("*Primary", {600, 200, 1480, 800}, "screen");
+  EXPECT_TRUE(viewBecomes({600, 200, 1480, 800}));
+  EXPECT_TRUE(viewShows(grey, {600, 200, 1480, 150}));
 }
 
 }  // namespace

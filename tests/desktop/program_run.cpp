@@ -165,7 +165,7 @@ std::vector<xcb_window_t> ProgramTest::findWindows(bool menus) const {
       if (!own && depth > 1) self(self, child, depth - 1);
     }
   };
-  search(search, x().root(), menus ? 1 : 2);
+  search(search, x().root(), menus ? 1 : 3);
   // In the order in which they were made.
   std::ranges::sort(found);
   return found;

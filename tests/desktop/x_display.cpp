@@ -73,7 +73,8 @@ std::map<std::string, std::optional<std::string>> XDisplay::environment() const 
 }
 
 void XDisplay::startManager() {
-  const ManagerCommand manager = commandOf(kind_, folder_.path());
+  const ManagerCommand manager =
+      commandOf(kind_ == Manager::None ? Manager::Openbox : kind_, folder_.path());
   manager_ =
       std::make_unique<Process>(Launch{.command = manager.command, .environment = environment()});
   // Managers name themselves on the root window, and even say that they redirect its windows,

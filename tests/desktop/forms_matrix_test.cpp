@@ -1,0 +1,294 @@
+// The program's windows on every desktop: where they start, and what becomes of them when they are
+// moved, sized, made full screen, hit-transparent, maximised, minimised and docked. What holds is
+// asked of the X server.
+#include <algorithm>
+#include <iterator>
+#include <sstream>
+
+#include "on_desktop.h"
+
+namespace tintora::desktop_test {
+namespace {
+
+const ColourEffect grey = windows_test::greyscale();
+constexpr int dockingGap = 4;
+
+class Forms : public OnDesktop {
+ protected:
+  void begin(bool withColourSpace = false) {
+    storeValues({{"Selected", 4}, {"View", 703}, {"ColorSpace", withColourSpace ? 1 : 0}});
+    start();
+    const Area screen = x().screenArea();
+    scene().addNoise({0, 0, screen.width, screen.height}, 7);
+  }
+
+  bool supports(const std::string& request) const {
+    const auto atoms = x().numbers(x().root(), "_NET_SUPPORTED");
+    return std::ranges::find(atoms, x().atom(request)) != atoms.end();
+  }
+  bool hasState(const std::string& state) const {
+    const auto states = x().numbers(main(), "_NET_WM_STATE");
+    return std::ranges::find(states, x().atom(state)) != states.end();
+  }
+  void ask(bool on, const std::string& state, const std::string& other = {}) {
+    x().tellManager(main(), "_NET_WM_STATE",
+                    {on ? 1U : 0U, x().atom(state), other.empty() ? 0U : x().atom(other), 2});
+  }
+
+  // A window with what is seen of its frame: the window manager tells how much that is, or the
+  // frame is all that stands around it.
+  Area outer(xcb_window_t window) const {
+    const auto frame = x().numbers(window, "_NET_FRAME_EXTENTS");
+    if (frame.size() != 4) return x().outerAreaOf(window);
+    const Area inner = x().areaOf(window);
+    const auto width = [&](std::size_t side) { return static_cast<int>(frame[side]); };
+    return {inner.x - width(0), inner.y - width(2), inner.width + width(0) + width(1),
+            inner.height + width(2) + width(3)};
+  }
+  testing::AssertionResult outerBecomes(xcb_window_t window, const Area& area) const {
+    if (eventually([&] { return outer(window) == area; })) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << testing::PrintToString(outer(window)) << " instead of "
+                                       << testing::PrintToString(area);
+  }
+  testing::AssertionResult fillsScreen() const {
+    if (!eventually([&] { return view() == x().screenArea(); })) {
+      return testing::AssertionFailure() << testing::PrintToString(view());
+    }
+    if (supports("_NET_WM_STATE_FULLSCREEN") &&
+        !eventually([&] { return hasState("_NET_WM_STATE_FULLSCREEN"); })) {
+      return testing::AssertionFailure() << "It is not in the state of full screen.";
+    }
+    return testing::AssertionSuccess();
+  }
+  testing::AssertionResult hasFocus(xcb_window_t window) const {
+    if (eventually([&] { return x().focus() == window; })) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << std::hex << x().focus() << ", not " << window;
+  }
+  // Whether a window stands above another one, with its frame.
+  testing::AssertionResult isAbove(xcb_window_t window, xcb_window_t other) const {
+    const auto holds = [&] {
+      const auto stack = x().children(x().root());
+      return std::ranges::find(stack, x().topLevelOf(window)) >
+             std::ranges::find(stack, x().topLevelOf(other));
+    };
+    if (eventually(holds)) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "It is beneath.";
+  }
+  // A window manager that raises its windows leaves those alone that it does not know.
+  void lowerScene() {
+    x().restack(scene().at(0).window, XCB_STACK_MODE_BELOW, x().topLevelOf(main()));
+  }
+  testing::AssertionResult showsGrey() {
+    return showsInTheEnd([this] { return viewShows(grey); });
+  }
+  testing::AssertionResult showsGrey(const Area& part) {
+    return showsInTheEnd([&] { return viewShows(grey, part); });
+  }
+  // A frame that comes late is put beneath the scene.
+  template <typename Look>
+  testing::AssertionResult showsInTheEnd(Look look) {
+    lowerScene();
+    if (look()) return testing::AssertionSuccess();
+    lowerScene();
+    return look();
+  }
+  void dragInside(int byX, int byY, int steps) {
+    lowerScene();
+    dragMouse(view().x + 60, view().y + 60, byX, byY, steps);
+  }
+  Area controlPlace() const {
+    const Area area = outer(main());
+    return {area.x + area.width / 2 - 200, area.y + area.height / 2 - 60, 400, 120};
+  }
+  Area startPlace() const {
+    const Area screen = x().screenArea();
+    return {screen.width / 2 - 250, screen.height / 2 - 200, 500, 400};
+  }
+  testing::AssertionResult isDocked() const {
+    const auto place = [&] {
+      const Area beside = outer(main());
+      const Area own = outer(colourSpace());
+      return own.x == beside.right() + dockingGap && own.y == beside.y;
+    };
+    if (eventually(place)) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << testing::PrintToString(outer(colourSpace())) << " beside "
+                                       << testing::PrintToString(outer(main()));
+  }
+  // Until the main window is where a mouse drag within it should have brought it.
+  void dragMain(int byX, int byY) {
+    const Area before = outer(main());
+    dragInside(byX, byY, 8);
+    EXPECT_TRUE(
+        outerBecomes(main(), {before.x + byX, before.y + byY, before.width, before.height}));
+  }
+  void pressFocused(xcb_keysym_t symbol) {
+    x().press(symbol);
+    settle();
+  }
+};
+
+TEST_P(Forms, ItStartsInTheMiddleAndIsMovedAndSized) {
+  begin();
+  ASSERT_TRUE(outerBecomes(main(), startPlace()));
+  EXPECT_TRUE(showsGrey());
+  Area expected = startPlace();
+  for (int i = 0; i < 3; ++i) press(XK_Right);
+  press(XK_Down);
+  expected.x += 3;
+  expected.y += 1;
+  EXPECT_TRUE(outerBecomes(main(), expected));
+  press(XK_Right, {XK_Shift_L});
+  press(XK_Up, {XK_Shift_L});
+  expected.width += 1;
+  expected.height -= 1;
+  EXPECT_TRUE(outerBecomes(main(), expected));
+  EXPECT_TRUE(showsGrey());
+  dragMain(-120, 45);
+  EXPECT_TRUE(showsGrey());
+  saveScreen("start_" + GetParam().name, x().screenArea());
+}
+
+TEST_P(Forms, FullScreenComesAndGoesWithoutATrace) {
+  begin();
+  ASSERT_TRUE(outerBecomes(main(), startPlace()));
+  const Area screen = x().screenArea();
+  for (int round = 0; round < 3; ++round) {
+    press(XK_f);
+    ASSERT_TRUE(fillsScreen());
+    ASSERT_TRUE(showing(control(), true));
+    EXPECT_TRUE(outerBecomes(control(), controlPlace()));
+    EXPECT_TRUE(isAbove(control(), main()));
+    EXPECT_TRUE(showsGrey({0, 0, screen.width, 200}));
+    EXPECT_TRUE(showsGrey({0, screen.height - 200, screen.width, 200}));
+    if (round == 0) saveScreen("full_screen_" + GetParam().name, screen);
+    pressIn(control(), XK_f);
+    EXPECT_TRUE(showing(control(), false));
+    EXPECT_TRUE(outerBecomes(main(), startPlace())) << round;
+    EXPECT_TRUE(hasFocus(main()));
+    EXPECT_TRUE(showsGrey());
+  }
+}
+
+TEST_P(Forms, HitTransparencyLetsClicksThroughAndGivesTheFocusBack) {
+  begin();
+  ASSERT_TRUE(outerBecomes(main(), startPlace()));
+  // Another program's, which has the focus while the clicks go through.
+  Sheet& other =
+      scene().add({.place = {40, 60, 150, 100}, .picture = noise(150, 100, 3), .managed = true});
+  ASSERT_TRUE(eventually([&] { return x().isShown(other.window); }));
+  x().tellManager(main(), "_NET_ACTIVE_WINDOW", {2, 0, 0});
+  settle();
+  press(XK_h);
+  ASSERT_TRUE(showing(control(), true));
+  EXPECT_TRUE(outerBecomes(control(), controlPlace()));
+  lowerScene();
+  const int before = scene().clicksIn(scene().at(0));
+  x().moveMouse(view().x + 20, view().y + 20);
+  settle();
+  x().click(1);
+  EXPECT_TRUE(eventually([&] { return scene().clicksIn(scene().at(0)) > before; }));
+  x().tellManager(other.window, "_NET_ACTIVE_WINDOW", {2, 0, 0});
+  eventually([&] { return x().focus() == other.window; }, std::chrono::milliseconds(500));
+  x().moveMouse(x().areaOf(control()));
+  settle();
+  x().click(1);
+  pressIn(control(), XK_h);
+  EXPECT_TRUE(showing(control(), false));
+  EXPECT_TRUE(hasFocus(main()));
+  pressFocused(XK_i);
+  EXPECT_TRUE(titleBecomes("Invert "));
+}
+
+TEST_P(Forms, FullScreenFromHitTransparencyEndsBoth) {
+  begin();
+  ASSERT_TRUE(outerBecomes(main(), startPlace()));
+  press(XK_h);
+  ASSERT_TRUE(showing(control(), true));
+  press(XK_f);
+  ASSERT_TRUE(fillsScreen());
+  EXPECT_TRUE(isAbove(control(), main()));
+  press(XK_f);
+  EXPECT_TRUE(showing(control(), false));
+  EXPECT_TRUE(outerBecomes(main(), startPlace()));
+  EXPECT_TRUE(showsGrey());
+}
+
+TEST_P(Forms, MaximisedItComesBackToTheSameBounds) {
+  begin();
+  ASSERT_TRUE(outerBecomes(main(), startPlace()));
+  if (!supports("_NET_WM_STATE_MAXIMIZED_VERT")) GTEST_SKIP() << "It maximises no windows.";
+  for (int round = 0; round < 3; ++round) {
+    ask(true, "_NET_WM_STATE_MAXIMIZED_HORZ", "_NET_WM_STATE_MAXIMIZED_VERT");
+    ASSERT_TRUE(eventually(
+        [&] { return view().width > 1200 && hasState("_NET_WM_STATE_MAXIMIZED_HORZ"); }));
+    settle();
+    EXPECT_TRUE(showsGrey());
+    // The key that leaves full screen ends it, too.
+    press(XK_f);
+    EXPECT_TRUE(outerBecomes(main(), startPlace())) << round;
+    EXPECT_TRUE(showsGrey());
+  }
+  EXPECT_FALSE(x().isShown(control()));
+}
+
+TEST_P(Forms, MinimisedItComesBack) {
+  begin();
+  ASSERT_TRUE(outerBecomes(main(), startPlace()));
+  constexpr std::uint32_t iconic = 3;
+  x().tellManager(main(), "WM_CHANGE_STATE", {iconic});
+  const bool minimised =
+      eventually([&] { return !x().isShown(main()) || hasState("_NET_WM_STATE_HIDDEN"); },
+                 std::chrono::milliseconds(1500));
+  if (!minimised) GTEST_SKIP() << "It minimises no windows.";
+  scene().draw(scene().at(0), noise(300, 200, 9), 500, 350);
+  x().tellManager(main(), "_NET_ACTIVE_WINDOW", {2, 0, 0});
+  if (!x().isShown(main()) && !supports("_NET_ACTIVE_WINDOW")) {
+    xcb_map_window(x().connection(), main());
+    x().sync();
+  }
+  ASSERT_TRUE(showing(main(), true));
+  EXPECT_TRUE(outerBecomes(main(), startPlace()));
+  EXPECT_TRUE(showsGrey());
+}
+
+TEST_P(Forms, TheColourSpaceWindowStaysDockedPastTheEdge) {
+  begin(true);
+  ASSERT_TRUE(showing(colourSpace(), true));
+  ASSERT_TRUE(outerBecomes(main(), startPlace()));
+  dragMain(-300, 0);
+  EXPECT_TRUE(isDocked());
+  // Where the window manager may keep it on the screen.
+  for (int round = 0; round < 2; ++round) {
+    const Area before = outer(main());
+    dragInside(600, 150, 12);
+    ASSERT_TRUE(eventually([&] { return outer(main()).x == before.x + 600; }));
+    settle();
+    dragInside(-600, -150, 12);
+    EXPECT_TRUE(outerBecomes(main(), before));
+    EXPECT_TRUE(isDocked()) << round;
+  }
+}
+
+TEST_P(Forms, ItEndsAndStartsAgain) {
+  for (int round = 0; round < 2; ++round) {
+    begin(true);
+    EXPECT_TRUE(outerBecomes(main(), startPlace()));
+    dragMain(-300, 0);
+    EXPECT_TRUE(isDocked());
+    end();
+    EXPECT_EQ(readFile(errorsFile()), "");
+  }
+}
+
+std::vector<Desktop> desktops() {
+  std::vector<Desktop> chosen;
+  std::ranges::copy_if(allDesktops(), std::back_inserter(chosen), [](const Desktop& desktop) {
+    return desktop.compositor == Compositor::None && desktop.manager != Manager::Twm;
+  });
+  return chosen;
+}
+
+INSTANTIATE_TEST_SUITE_P(On, Forms, testing::ValuesIn(desktops()), nameOf);
+
+}  // namespace
+}  // namespace tintora::desktop_test

@@ -14,6 +14,7 @@
 #include <QWidget>
 #include <QWindowStateChangeEvent>
 #include <algorithm>
+#include <cstdlib>
 #include <optional>
 #include <vector>
 
@@ -21,13 +22,12 @@
 #include "platform/linux/handles.h"
 #include "platform/linux/keys.h"
 #include "platform/linux/screen_place.h"
+#include "platform/linux/wheel.h"
 #include "platform/linux/window_frame.h"
 
 namespace tintora::platform {
 
 namespace {
-
-constexpr int wheelStep = 120;
 
 EventHandler eventHandler = nullptr;
 std::vector<Window*> translated;
@@ -80,8 +80,26 @@ bool passToMenu(QKeyEvent& key) {
   return true;
 }
 
+bool opensMenu(const QKeyEvent& key) {
+  return key.key() == Qt::Key_Menu ||
+         (key.key() == Qt::Key_F10 && key.modifiers() == Qt::ShiftModifier);
+}
+
+// As the right button does, at the pointer if it is over the window, else in the middle of it.
+bool openMenuByKey(Window* window) {
+  const QRect area = window->window->geometry();
+  const QPoint place = area.contains(QCursor::pos()) ? QCursor::pos() : area.center();
+  mousePlace = place;
+  const QPoint inside = place - area.topLeft();
+  const bool handled = handOver(
+      {.kind = EventKind::RightUp, .window = window, .position = {inside.x(), inside.y()}});
+  mousePlace.reset();
+  return handled;
+}
+
 bool onKey(Window* window, QKeyEvent& key) {
   if (passToMenu(key)) return true;
+  if (opensMenu(key)) return key.type() != QEvent::KeyPress || openMenuByKey(window);
   // With these the key is the desktop's.
   if ((key.modifiers() & (Qt::AltModifier | Qt::MetaModifier)) != 0) return false;
   const int code = virtualKey(key);
@@ -114,16 +132,10 @@ bool onMouseMoved(Window* window, const QMouseEvent& mouse) {
   return handOverMouse(EventKind::MouseMoved, window, mouse);
 }
 
-// Fine wheels send a step in many pieces.
 bool onWheel(Window* window, const QWheelEvent& wheel) {
-  const int travel = wheel.angleDelta().y();
-  if ((travel > 0) != (window->wheelTravel > 0)) window->wheelTravel = 0;
-  window->wheelTravel += travel;
-  for (; window->wheelTravel >= wheelStep; window->wheelTravel -= wheelStep) {
-    handOver({.kind = EventKind::WheelTurned, .window = window, .wheelUp = true});
-  }
-  for (; window->wheelTravel <= -wheelStep; window->wheelTravel += wheelStep) {
-    handOver({.kind = EventKind::WheelTurned, .window = window, .wheelUp = false});
+  const int steps = wholeSteps(window->wheelTravel, wheel.angleDelta().y());
+  for (int i = 0; i < std::abs(steps); ++i) {
+    handOver({.kind = EventKind::WheelTurned, .window = window, .wheelUp = steps > 0});
   }
   return true;
 }

@@ -5,7 +5,8 @@
 
 namespace tintora::platform {
 
-// The font whose lines are so many pixels high, ascent and descent together.
+// Returns the font for lines of a height in pixels, ascent and descent together, as the font meant
+// has them: a substitute has letters of the same size, and may have taller lines.
 QFont fontOfHeight(int height);
 
 }  // namespace tintora::platform

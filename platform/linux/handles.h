@@ -10,6 +10,7 @@
 #include <chrono>
 #include <deque>
 #include <memory>
+#include <string>
 
 #include "platform/window.h"
 
@@ -26,6 +27,7 @@ struct Window {
   WindowKind kind = WindowKind::Main;
   std::unique_ptr<QWindow> window = std::make_unique<QWindow>();
   WindowForm form = WindowForm::Framed;
+  std::string title;
   bool acceptsFiles = false;
   bool stale = false;             // invalidated while it was being painted
   int wheelTravel = 0;            // what does not make a whole step yet

@@ -33,18 +33,19 @@ constexpr const char* help =
     "  s    choose among the simulation algorithms in the menu\n"
     "  t    tritan vision in the menu and with key T\n"
     "\n"
-    "  --help       show this\n"
+    "  -h, --help   show this\n"
     "  --version    show the version\n"
     "\n"
     "Files: tintora/settings.ini and tintora/Tintora_custom.txt in the user's configuration "
     "folder\n"
     "(XDG_CONFIG_HOME, else ~/.config); a Tintora_custom.txt beside the program comes first.\n";
 
-// What is told and done instead of opening windows.
+// Returns true if an argument asks for a text instead of windows, and prints it.
 bool answers(std::string_view argument) {
-  if (argument == "--help") std::cout << help;
+  const bool wantsHelp = argument == "--help" || argument == "-h";
+  if (wantsHelp) std::cout << help;
   if (argument == "--version") std::cout << "tintora " << TINTORA_VERSION << '\n';
-  return argument == "--help" || argument == "--version";
+  return wantsHelp || argument == "--version";
 }
 
 // Before Qt starts: windows in pixels of the screen, whatever scale the desktop sets for Qt's own
@@ -84,7 +85,9 @@ void endOnSignals(QSocketNotifier& notifier) {
 }  // namespace
 
 int main(int count, char** arguments) {
-  if (count > 1 && answers(arguments[1])) return std::cout.flush() ? 0 : 1;
+  for (int i = 1; i < count; ++i) {
+    if (answers(arguments[i])) return std::cout.flush() ? 0 : 1;
+  }
   if (const auto obstacle = tintora::platform::connectToXServer()) {
     std::cerr << "tintora: " << *obstacle << '\n';
     return 1;

@@ -7,9 +7,11 @@
 
 namespace tintora::platform {
 
+// Text that is valid UTF-8 is read as such, because users' files of this desktop are written in it;
+// the program's own text never is, except where both are the same.
 QString toUnicode(std::string_view text);
 
-// What Windows-1252 does not have becomes a question mark.
-std::string fromUnicode(const QString& text);
+// Returns the first bytes of a text, at most so many, without cutting a character of UTF-8.
+std::string_view firstBytes(std::string_view text, std::size_t most);
 
 }  // namespace tintora::platform

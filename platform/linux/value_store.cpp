@@ -45,6 +45,9 @@ bool readValues(std::span<StoredValue> values) {
 
 // Whole or not at all: Qt writes a new file beside the old one and puts it in its place.
 void writeValues(std::span<const StoredValue> values) {
+  const QFileInfo file(settingsPath());
+  // A pipe in its place would be waited for.
+  if (file.exists() && !file.isFile()) return;
   QSettings settings(settingsPath(), QSettings::IniFormat);
   if (settings.status() == QSettings::FormatError) settings.clear();
   for (const StoredValue& value : values) {

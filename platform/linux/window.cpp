@@ -185,11 +185,12 @@ bool isMaximised(const Window* window) {
 }
 
 void setTitle(Window* window, const std::string& title) {
+  window->title = title;
   window->window->setTitle(toUnicode(title));
 }
 
 std::string windowTitle(const Window* window, std::size_t most) {
-  return fromUnicode(window->window->title()).substr(0, most);
+  return std::string(firstBytes(window->title, most));
 }
 
 void acceptDroppedFiles(Window* window, bool accept) {

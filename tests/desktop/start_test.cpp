@@ -53,10 +53,13 @@ class Start : public ProgramTest {
 };
 
 TEST_F(Start, HelpIsTold) {
-  const Outcome outcome = run(launch({"--help"}));
-  EXPECT_EQ(outcome.result, 0);
-  EXPECT_TRUE(outcome.output.starts_with("Usage: tintora"));
-  EXPECT_EQ(outcome.errors, "");
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"--help"}, {"-h"}, {"-st", "--help"}}) {
+    const Outcome outcome = run(launch(arguments));
+    EXPECT_EQ(outcome.result, 0);
+    EXPECT_TRUE(outcome.output.starts_with("Usage: tintora"));
+    EXPECT_EQ(outcome.errors, "");
+  }
 }
 
 TEST_F(Start, TheVersionIsTold) {

@@ -1,4 +1,6 @@
 // Two monitors side by side or one above the other, and monitors that change while it runs.
+#include <cstdlib>
+
 #include "program_run.h"
 
 namespace tintora::desktop_test {
@@ -132,6 +134,40 @@ INSTANTIATE_TEST_SUITE_P(
                     Monitors{"Below", "1280x1700", {0, 800, 1280, 900}, {0, 0, 1280, 800}},
                     Monitors{"Shifted", "2080x1300", {800, 300, 1280, 1000}, {0, 0, 800, 1000}}),
     [](const auto& given) { return std::string(given.param.name); });
+
+// Set by desktops for Qt's own programs; the view shows pixels of the screen whatever they say.
+TEST_F(MonitorTest, ScalesOfTheDesktopLeaveThePixelsAlone) {
+  for (const char* const scale : {"1.5", "2"}) {
+    for (const char* const name : {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS"}) {
+      setenv(name, scale, 1);
+      setenv("QT_AUTO_SCREEN_SCALE_FACTOR", "1", 1);
+      setenv("QT_ENABLE_HIGHDPI_SCALING", "1", 1);
+      begin();
+      unsetenv(name);
+      unsetenv("QT_AUTO_SCREEN_SCALE_FACTOR");
+      unsetenv("QT_ENABLE_HIGHDPI_SCALING");
+      EXPECT_TRUE(outerBecomes(centredOn(x().screenArea()))) << name << scale;
+      EXPECT_TRUE(viewShows(grey)) << name << scale;
+      end();
+    }
+  }
+}
+
+TEST_F(MonitorTest, TheResolutionOfTheScreenLeavesThePixelsAlone) {
+  useDisplay({}, Manager::Openbox, "1600x1000");
+  for (const char* const resolution : {"96", "144", "192"}) {
+    const std::string text = std::string("Xft.dpi:\t") + resolution + "\n";
+    xcb_change_property(x().connection(), XCB_PROP_MODE_REPLACE, x().root(),
+                        x().atom("RESOURCE_MANAGER"), XCB_ATOM_STRING, 8,
+                        static_cast<std::uint32_t>(text.size()), text.c_str());
+    x().sync();
+    begin();
+    EXPECT_TRUE(outerBecomes(centredOn(x().screenArea()))) << resolution;
+    EXPECT_TRUE(viewShows(grey)) << resolution;
+    saveScreen(std::string("resolution_") + resolution, x().screenArea());
+    end();
+  }
+}
 
 TEST_F(MonitorTest, AMonitorThatComesAsThePrimaryOneIsFollowed) {
   useDisplay({}, Manager::Openbox, "2080x1000");

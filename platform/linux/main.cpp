@@ -2,15 +2,18 @@
 
 #include <fcntl.h>
 #include <unistd.h>
+#include <xcb/xcb.h>
 
 #include <QApplication>
 #include <QIcon>
+#include <QMessageBox>
 #include <QSocketNotifier>
 #include <array>
 #include <clocale>
 #include <csignal>
 #include <iostream>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "platform/linux/environment.h"
@@ -82,6 +85,22 @@ void endOnSignals(QSocketNotifier& notifier) {
     static_cast<void>(std::signal(signal, &onSignal));
 }
 
+// Shows a window with what stands in the way of starting, where that can be done and nobody reads
+// it on a terminal.
+void showObstacle(const std::string& obstacle, int& count, char** arguments) {
+  if (isatty(STDERR_FILENO) != 0) return;
+  xcb_connection_t* const display = xcb_connect(nullptr, nullptr);
+  const bool hasDisplay = xcb_connection_has_error(display) == 0;
+  xcb_disconnect(display);
+  if (!hasDisplay) return;
+  tintora::platform::setOwnVariable("QT_QPA_PLATFORM", "xcb");
+  const QApplication application(count, arguments);
+  const QString text = QString::fromStdString(obstacle);
+  QMessageBox(QMessageBox::Critical, "Tintora", "Tintora cannot start: " + text + ".",
+              QMessageBox::Close)
+      .exec();
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -90,6 +109,8 @@ int main(int count, char** arguments) {
   }
   if (const auto obstacle = tintora::platform::connectToXServer()) {
     std::cerr << "tintora: " << *obstacle << '\n';
+    int ownName = 1;
+    showObstacle(*obstacle, ownName, arguments);
     return 1;
   }
   if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY")) {

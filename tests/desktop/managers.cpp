@@ -35,13 +35,14 @@ constexpr const char* openboxSettings = R"(<?xml version="1.0" encoding="UTF-8"?
 </openbox_config>
 )";
 
-// Windows that float, as those do that a user calls up over tiled ones.
-constexpr const char* i3Settings = R"(# i3 config file (v4)
+// Windows that float, as those do that a user calls up over tiled ones; the program's own must do
+// so without being told.
+constexpr const char* i3Settings = R"i3(# i3 config file (v4)
 font pango:monospace 8
 floating_modifier Mod1
 focus_follows_mouse no
-for_window [class=".*"] floating enable
-)";
+for_window [class="^(?!tintora)"] floating enable
+)i3";
 
 // No window waits for a click to be placed.
 constexpr const char* twmSettings = R"(RandomPlacement

@@ -44,6 +44,31 @@ class Start : public ProgramTest {
     EXPECT_TRUE(text.starts_with("tintora: ")) << text;
     EXPECT_NE(text.find(word), std::string::npos) << text;
   }
+  // A user who started it by a click sees no terminal.
+  void expectRefusalInAWindow(const std::string& word) {
+    const Launch refused = launch();
+    Process process(refused);
+    xcb_window_t window = XCB_NONE;
+    ASSERT_TRUE(eventually([&] {
+      for (const xcb_window_t child : x().children(x().root())) {
+        if (x().isShown(child) && x().text(child, "_NET_WM_NAME") == "Tintora") window = child;
+      }
+      return window != XCB_NONE;
+    })) << readFile(refused.errors);
+    saveScreen("refusal", x().areaOf(window));
+    EXPECT_TRUE(process.isRunning());
+    xcb_client_message_event_t close{};
+    close.response_type = XCB_CLIENT_MESSAGE;
+    close.format = 32;
+    close.window = window;
+    close.type = x().atom("WM_PROTOCOLS");
+    close.data.data32[0] = x().atom("WM_DELETE_WINDOW");
+    xcb_send_event(x().connection(), 0, window, XCB_EVENT_MASK_NO_EVENT,
+                   reinterpret_cast<const char*>(&close));
+    x().sync();
+    EXPECT_EQ(process.result(2 * patience), 1);
+    expectOneLine(readFile(refused.errors), word);
+  }
   void expectRefusal(const Launch& launch, const std::string& word) const {
     const Outcome outcome = run(launch);
     EXPECT_EQ(outcome.result, 1);
@@ -100,12 +125,17 @@ TEST_F(Start, OnWaylandAloneItSaysSo) {
 
 TEST_F(Start, WithoutTheCompositeExtensionItSaysSo) {
   useDisplay({"-extension", "Composite"}, Manager::None);
-  expectRefusal(launch(), "Composite");
+  expectRefusalInAWindow("Composite");
 }
 
 TEST_F(Start, WithoutTheDamageExtensionItSaysSo) {
   useDisplay({"-extension", "DAMAGE"}, Manager::None);
-  expectRefusal(launch(), "Damage");
+  expectRefusalInAWindow("Damage");
+}
+
+TEST_F(Start, OnAScreenOfAnotherDepthItSaysSo) {
+  useDisplay({"-screen", "0", "800x600x16"}, Manager::None);
+  expectRefusalInAWindow("24 bits");
 }
 
 TEST_F(Start, ADisplayNamedByAPlatformOfQtsIsNotTaken) {

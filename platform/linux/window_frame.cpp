@@ -37,10 +37,19 @@ bool isWithin(std::chrono::milliseconds duration, Clock::time_point since) {
   return Clock::now() - since < duration;
 }
 
+// Under a window manager that does not tell its frames, Qt measures them, and while the window
+// changes its size it compares the old one with the new.
+bool isPlausible(const QMargins& frame) {
+  constexpr int widest = 100;
+  const auto isWidth = [](int width) { return width >= 0 && width <= widest; };
+  return isWidth(frame.left()) && isWidth(frame.top()) && isWidth(frame.right()) &&
+         isWidth(frame.bottom());
+}
+
 QMargins frameOf(const Window* window) {
   if (!isFramed(window->form)) return {};
   const QMargins frame = window->window->frameMargins();
-  return frame.isNull() ? window->formerFrame : frame;
+  return frame.isNull() || !isPlausible(frame) ? window->formerFrame : frame;
 }
 
 std::optional<QMargins> toldFrame(xcb_window_t window) {

@@ -162,7 +162,7 @@ void appendFindings(Table& table) {
     if (finding.suggestion) {
       appendSuggestion(table, *finding.suggestion);
     } else {
-      table.text += "    no change of one of the two alone separates them\n";
+      table.text += "    no change of one of the two alone was found that separates them\n";
     }
   }
 }

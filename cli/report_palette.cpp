@@ -69,7 +69,7 @@ std::string findingRow(const std::string& what, const std::string& swatches,
 
 std::string suggestionRows(const CheckedInput& checked, const Finding& finding) {
   if (!finding.suggestion) {
-    return "<li>No change of one of the two alone separates them.</li>\n";
+    return "<li>No change of one of the two alone was found that separates them.</li>\n";
   }
   const Suggestion& suggestion = *finding.suggestion;
   const std::vector<PaletteColour>& colours = checked.input.palette.colours;

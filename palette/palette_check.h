@@ -43,7 +43,7 @@ struct Suggestion {
 struct Finding {
   std::size_t pair = 0;                  // a place among the pairs
   std::vector<std::size_t> lostTo;       // places among the viewers, at least one
-  std::optional<Suggestion> suggestion;  // none if there is no such change of one colour
+  std::optional<Suggestion> suggestion;  // none if no such change was found
 };
 
 struct PaletteCheck {

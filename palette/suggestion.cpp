@@ -19,6 +19,9 @@ struct Candidate {
 
 constexpr double mostLightness = 100.0;
 
+// In larger palettes there is hardly a free place, and looking for it everywhere takes long.
+constexpr std::size_t mostColoursForEveryHue = 32;
+
 bool isDisplayable(const Colour& colour) {
   return std::ranges::all_of(colour,
                              [](double channel) { return channel >= 0.0 && channel <= 1.0; });
@@ -42,7 +45,7 @@ Candidate candidateOf(const CheckedPalette& palette, std::size_t changed, Rgb8 t
 
 void addLightnessChanges(const CheckedPalette& palette, std::size_t changed,
                          std::vector<Candidate>& candidates) {
-  constexpr double step = 0.125;
+  const double step = palette.colours.size() <= mostColoursForEveryHue ? 0.125 : 0.5;
   const Lab original = palette.looks[changed].before.lab;
   for (double lightness = 0.0; lightness <= mostLightness; lightness += step) {
     const Rgb8 to = roundColour(withinDisplay({lightness, original.a, original.b}));
@@ -156,6 +159,7 @@ std::optional<Suggestion> suggestChange(const CheckedPalette& palette, std::size
     addLightnessChanges(palette, changed, candidates);
   }
   if (auto suggestion = nearest(palette, first, second, std::move(candidates))) return suggestion;
+  if (palette.colours.size() > mostColoursForEveryHue) return std::nullopt;
 
   candidates.clear();
   for (const std::size_t changed : {first, second}) {

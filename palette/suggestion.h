@@ -19,7 +19,8 @@ struct CheckedPalette {
 
 // Returns the nearest change, by CIEDE2000, of one of the two colours that keeps the promises of
 // Suggestion; none if there is none. It changes lightness alone if that is enough, with as much of
-// the chroma as the display has at that lightness. Else it looks at every hue and chroma.
+// the chroma as the display has at that lightness. Else it looks at a grid over every hue and
+// chroma, unless the palette has more than 32 colours.
 std::optional<Suggestion> suggestChange(const CheckedPalette& palette, std::size_t first,
                                         std::size_t second);
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
 #include <utility>
 #include <vector>
@@ -164,6 +165,26 @@ TEST(Suggestions, ChangeLightnessByNoMoreThanIsNeeded) {
         checkPalette(std::vector<Rgb8>{colours[0], grey}, viewers, limits).findings.empty())
         << level;
   }
+}
+
+// Larger palettes have hardly a free place; there lightness alone is tried.
+TEST(Suggestions, OfLargePalettesChangeLightnessAlone) {
+  std::vector<Rgb8> colours = palette({"#ff4f80", "#808080"});
+  for (int i = 0; i < 31; ++i) {
+    // Near to black, so that they are in nobody's way.
+    const auto channel = static_cast<std::uint8_t>(i);
+    colours.push_back({channel, channel, channel});
+  }
+  const std::vector<ColourSimulation> viewers{{CvdType::Deutan, 1.0}};
+  const PaletteCheck check = checkPalette(colours, viewers, {});
+  ASSERT_EQ(check.findings.size(), 1U);
+  const Suggestion suggestion = check.findings.front().suggestion.value();
+  const Lab from = toLab(toColour(colours[suggestion.changed]));
+  const Lab to = toLab(toColour(suggestion.to));
+  // The display may have less chroma at the new lightness; the hue is the same.
+  EXPECT_NEAR(std::atan2(to.b, to.a), std::atan2(from.b, from.a), 0.02);
+  EXPECT_LE(std::hypot(to.a, to.b), std::hypot(from.a, from.b) + 0.5);
+  EXPECT_GE(leastDifference(suggestion.pair), 8.0);
 }
 
 TEST(Suggestions, ThereIsNoneWhereNothingHelps) {

@@ -177,6 +177,7 @@ TEST_P(Forms, HitTransparencyLetsClicksThroughAndGivesTheFocusBack) {
       scene().add({.place = {40, 60, 150, 100}, .picture = noise(150, 100, 3), .managed = true});
   ASSERT_TRUE(eventually([&] { return x().isShown(other.window); }));
   x().tellManager(main(), "_NET_ACTIVE_WINDOW", {2, 0, 0});
+  ASSERT_TRUE(hasFocus(main()));
   settle();
   press(XK_h);
   ASSERT_TRUE(showing(control(), true));

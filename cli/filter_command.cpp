@@ -7,6 +7,7 @@
 #include <span>
 #include <system_error>
 
+#include "cli/filter_stream.h"
 #include "cli/output_file.h"
 #include "cli/transform_options.h"
 
@@ -17,7 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::string_view standardStream = "-";
-constexpr std::uint64_t mostImageBytes = std::uint64_t{4} << 30;
 
 std::optional<ImageFormat> formatOf(const fs::path& output) {
   if (output == standardStream) return ImageFormat::Png;
@@ -106,32 +106,23 @@ FilterPlan planFilterJobs(const FilterRequest& request) {
   throw UsageError("filter takes INPUT and OUTPUT, or any number of inputs and a folder");
 }
 
-void filterImage(const FilterJob& job, const FilterRequest& request, const PictureFilter& filter) {
-  // Each step names the file it works on.
-  const auto named = [](const fs::path& path, const auto& step) {
-    try {
-      return step();
-    } catch (const ImageError& error) {
-      throw RunError(path.string() + ": " + error.what());
-    }
-  };
+void filterImage(const FilterJob& job, const FilterRequest& request, const FilterSet& filters) {
   if (!job.format) throw RunError(unknownFormat(job.output));
   std::error_code unknown;
   if (!job.mayOverwrite && fs::exists(job.output, unknown)) {
     throw RunError(job.output.string() + ": exists; --force overwrites it");
   }
-  Image image = named(job.input, [&] {
-    return decodeImage(readFileWhole(job.input, mostImageBytes), request.pixelLimit);
-  });
-  filterPicture(filter, image.pixels.data(), std::size_t{image.width} * image.height);
-  const std::vector<std::uint8_t> encoded =
-      named(job.output, [&] { return encodeImage(image, *job.format, request.quality); });
-
-  if (job.output == standardStream) {
-    writeStandardOutput(encoded);
-  } else {
-    writeFileWhole(job.output, encoded);
+  InputFile input(job.input);
+  OutputFile output(job.output);
+  try {
+    filterStream(input.source, output.sink, filters,
+                 {*job.format, request.quality, request.pixelLimit});
+  } catch (const ImageReadError& error) {
+    throw RunError(job.input.string() + ": " + error.what());
+  } catch (const ImageWriteError& error) {
+    throw RunError(job.output.string() + ": " + error.what());
   }
+  output.commit();
 }
 
 }  // namespace tintora::cli

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/filtered_rows.h"
 #include "cli/image_file.h"
-#include "engine/picture_filter.h"
 
 namespace tintora::cli {
 
@@ -41,8 +41,7 @@ struct FilterPlan {
 // input or another output, or be binary data on a terminal.
 FilterPlan planFilterJobs(const FilterRequest& request);
 
-// Puts one image through the filter, which is one for 8 bits; its output appears whole or not at
-// all. Throws RunError.
-void filterImage(const FilterJob& job, const FilterRequest& request, const PictureFilter& filter);
+// Puts one image through the transform; its output appears whole or not at all. Throws RunError.
+void filterImage(const FilterJob& job, const FilterRequest& request, const FilterSet& filters);
 
 }  // namespace tintora::cli

@@ -1,13 +1,21 @@
 #include "cli/image_file.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
+#include <cstring>
 #include <new>
 #include <string>
 #include <string_view>
+#include <utility>
 
-#include "cli/jpeg_codec.h"
-#include "cli/png_codec.h"
+#include "cli/exif.h"
+#include "cli/filtered_rows.h"
+#include "cli/icc_conversion.h"
+#include "cli/jpeg_reader.h"
+#include "cli/jpeg_writer.h"
+#include "cli/png_reader.h"
+#include "cli/png_writer.h"
 
 namespace tintora::cli {
 
@@ -54,24 +62,6 @@ bool holds(std::span<const std::uint8_t> file, const Signature& signature) {
                    std::string(other->format));
 }
 
-// Colours are always handled as RGB, so a profile for grey or CMYK would tell viewers nonsense.
-bool isRgbProfile(std::span<const std::uint8_t> profile) {
-  constexpr std::size_t headerAndTagCount = 132;
-  constexpr std::size_t colourSpaceOffset = 16;
-  constexpr std::size_t signatureOffset = 36;
-  if (profile.size() < headerAndTagCount) return false;
-  const std::uint32_t statedSize = std::uint32_t{profile[0]} << 24 |
-                                   std::uint32_t{profile[1]} << 16 |
-                                   std::uint32_t{profile[2]} << 8 | profile[3];
-  return statedSize == profile.size() && holdsAt(profile, colourSpaceOffset, "RGB "sv) &&
-         holdsAt(profile, signatureOffset, "acsp"sv);
-}
-
-bool isTiff(std::span<const std::uint8_t> exif) {
-  constexpr std::size_t headerSize = 8;
-  return exif.size() >= headerSize && (holdsAt(exif, 0, "II*\0"sv) || holdsAt(exif, 0, "MM\0*"sv));
-}
-
 bool isOpaque(const Image& image) {
   std::uint8_t alphas = 0xFF;
   for (std::size_t i = 3; i < image.pixels.size(); i += 4) alphas &= image.pixels[i];
@@ -86,25 +76,61 @@ void checkImage(const Image& image, bool opaque) {
   if (!image.hasAlpha && !opaque) {
     throw ImageError("an image without alpha channel has transparent pixels");
   }
-  if (!image.iccProfile.empty() && !isRgbProfile(image.iccProfile)) {
+  if (!image.iccProfile.empty() && profileColours(image.iccProfile) != ProfileColours::Rgb) {
     throw ImageError("the colour profile is damaged or not for RGB colours");
   }
-  if (!image.exif.empty() && !isTiff(image.exif)) throw ImageError("the EXIF data is damaged");
+  if (!image.exif.empty() && !isExif(image.exif)) throw ImageError("the EXIF data is damaged");
 }
 
-Image decodeByFormat(std::span<const std::uint8_t> file, std::uint64_t pixelLimit) {
-  if (holds(file, pngSignature)) return decodePng(file, pixelLimit);
-  if (holds(file, jpegSignature)) return decodeJpeg(file, pixelLimit);
-  throwUnknownFormat(file);
+constexpr std::size_t longestSignature = 16;
+
+void readAll(const ImageReader& reader, Image& image) {
+  const RowFilter plain = planPlainRows(reader.header);
+  std::vector<std::uint8_t> row(rowBytes(reader.header));
+  const std::size_t bytes = rowBytes(plain.header);
+  image.pixels.resize(bytes * image.height);
+  for (std::size_t y = 0; y < image.height; ++y) {
+    reader.readRow(row.data());
+    plain.filterRow(row.data(), image.pixels.data() + y * bytes);
+  }
+  const std::vector<std::uint8_t> exif = reader.finish();
+  if (isExif(exif)) image.exif = exif;
+}
+
+RowsHeader plainHeader(const Image& image) {
+  RowsHeader header;
+  static_cast<ImageHeader&>(header) = image;
+  return header;
 }
 
 }  // namespace
 
+ImageReader openImage(ByteSource& source, std::uint64_t pixelLimit) {
+  const auto start = peek(source, longestSignature);
+  if (source.error != 0) throw ImageError(std::strerror(source.error));
+  const bool png = holds(start, pngSignature);
+  if (!png && !holds(start, jpegSignature)) throwUnknownFormat(start);
+  const std::uint64_t limit = std::min(pixelLimit, highestPixelLimit);
+  ImageReader reader = png ? openPng(source, limit) : openJpeg(source, limit);
+  ImageHeader& header = reader.header;
+  if (profileColours(header.iccProfile) == ProfileColours::None) header.iccProfile.clear();
+  if (!isExif(header.exif)) header.exif.clear();
+  return reader;
+}
+
+bool isJpeg(ByteSource& source) {
+  return holds(peek(source, longestSignature), jpegSignature);
+}
+
 Image decodeImage(std::span<const std::uint8_t> file, std::uint64_t pixelLimit) {
   try {
-    Image image = decodeByFormat(file, std::min(pixelLimit, highestPixelLimit));
-    if (!isRgbProfile(image.iccProfile)) image.iccProfile.clear();
-    if (!isTiff(image.exif)) image.exif.clear();
+    ByteSource source;
+    source.rest = file;
+    const ImageReader reader = openImage(source, pixelLimit);
+    Image image;
+    static_cast<ImageHeader&>(image) = reader.header;
+    if (profileColours(image.iccProfile) != ProfileColours::Rgb) image.iccProfile.clear();
+    readAll(reader, image);
     return image;
   } catch (const std::bad_alloc&) {
     throw ImageError("there is not enough memory to read the image");
@@ -114,19 +140,21 @@ Image decodeImage(std::span<const std::uint8_t> file, std::uint64_t pixelLimit) 
 std::vector<std::uint8_t> encodeImage(const Image& image, ImageFormat format, int quality) {
   const bool opaque = isOpaque(image);
   checkImage(image, opaque);
+  if (format == ImageFormat::Jpeg && !opaque) {
+    throw ImageError("JPEG cannot keep transparency; choose a PNG output");
+  }
   try {
-    if (format == ImageFormat::Png) return encodePng(image);
-    if (!opaque) throw ImageError("JPEG cannot keep transparency; choose a PNG output");
-    return encodeJpeg(image, quality);
+    ByteSink sink;
+    const RowsHeader header = plainHeader(image);
+    const ImageWriter writer =
+        format == ImageFormat::Png ? startPng(sink, header) : startJpeg(sink, header, quality);
+    for (std::size_t y = 0; y < image.height; ++y) {
+      writer.writeRow(image.pixels.data() + y * rowBytes(header));
+    }
+    writer.finish({});
+    return std::move(sink.bytes);
   } catch (const std::bad_alloc&) {
     throw ImageError("there is not enough memory to write the image");
-  }
-}
-
-void checkImageSize(std::uint32_t width, std::uint32_t height, std::uint64_t pixelLimit) {
-  if (std::uint64_t{width} * height > pixelLimit) {
-    throw ImageError("the image is " + std::to_string(width) + " x " + std::to_string(height) +
-                     " pixels, more than the limit of " + std::to_string(pixelLimit));
   }
 }
 

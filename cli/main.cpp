@@ -86,8 +86,7 @@ int runList(const Request& /*request*/) {
 int runFilter(const Request& request) {
   const FilterPlan plan = planFilterJobs(request.filter);
   applyOptions(request.transform);
-  const PictureFilter filter =
-      makePictureFilter(appliedColourTransform(request.transform), SampleDepth::Bits8);
+  const FilterSet filters(appliedColourTransform(request.transform));
   if (plan.folder) std::filesystem::create_directories(*plan.folder);
 
   std::vector<std::string> names;
@@ -95,7 +94,7 @@ int runFilter(const Request& request) {
   const bool showsProgress = names.size() > 1 && standardErrorIsTerminal();
   const std::size_t failed =
       runBatch(names, request.filter.threads, showsProgress,
-               [&](std::size_t i) { filterImage(plan.jobs[i], request.filter, filter); });
+               [&](std::size_t i) { filterImage(plan.jobs[i], request.filter, filters); });
   if (failed == 0) return 0;
   if (names.size() > 1) {
     complain(std::to_string(failed) + " of " + std::to_string(names.size()) +

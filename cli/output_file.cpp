@@ -6,11 +6,12 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstddef>
+#include <cstdlib>
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -18,6 +19,7 @@ namespace tintora::cli {
 
 namespace {
 
+constexpr std::string_view standardStream = "-";
 constexpr const char* standardOutputName = "standard output";
 
 [[noreturn]] void throwUnreadable(const std::string& name, const std::string& why) {
@@ -26,73 +28,6 @@ constexpr const char* standardOutputName = "standard output";
 
 [[noreturn]] void throwUnwritable(const std::string& name, int error) {
   throw std::runtime_error("cannot write " + name + ": " + std::generic_category().message(error));
-}
-
-struct Descriptor {
-  int number = -1;
-
-  explicit Descriptor(int opened) : number(opened) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() {
-    if (number >= 0) ::close(number);
-  }
-};
-
-// While this lives, a closed pipe or the file size limit fails the write and does not end the
-// program.
-struct WriteSignalsHeld {
-  sigset_t maskBefore{};
-  sigset_t pendingBefore{};
-
-  WriteSignalsHeld() {
-    sigset_t held{};
-    sigemptyset(&held);
-    sigaddset(&held, SIGPIPE);
-    sigaddset(&held, SIGXFSZ);
-    sigpending(&pendingBefore);
-    pthread_sigmask(SIG_BLOCK, &held, &maskBefore);
-  }
-  WriteSignalsHeld(const WriteSignalsHeld&) = delete;
-  WriteSignalsHeld& operator=(const WriteSignalsHeld&) = delete;
-  ~WriteSignalsHeld() {
-    for (const int signal : {SIGPIPE, SIGXFSZ}) {
-      sigset_t pending{};
-      sigpending(&pending);
-      if (sigismember(&pending, signal) == 0 || sigismember(&pendingBefore, signal) != 0) continue;
-      sigset_t raised{};
-      sigemptyset(&raised);
-      sigaddset(&raised, signal);
-      int taken = 0;
-      sigwait(&raised, &taken);
-    }
-    pthread_sigmask(SIG_SETMASK, &maskBefore, nullptr);
-  }
-};
-
-// Whether a read or write that failed is to be tried again, which for a descriptor that does not
-// block may have to wait.
-bool mayRetry(int error, int descriptor, short direction) {
-  if (error != EAGAIN) return error == EINTR;
-  pollfd ready{descriptor, direction, 0};
-  ::poll(&ready, 1, -1);
-  return true;
-}
-
-// Returns 0 or the error number.
-int writeAll(int descriptor, std::span<const std::uint8_t> contents) {
-  const WriteSignalsHeld signals;
-  while (!contents.empty()) {
-    const ssize_t written = ::write(descriptor, contents.data(), contents.size());
-    if (written > 0) {
-      contents = contents.subspan(static_cast<std::size_t>(written));
-    } else if (written == 0) {
-      return EIO;
-    } else if (!mayRetry(errno, descriptor, POLLOUT)) {
-      return errno;
-    }
-  }
-  return 0;
 }
 
 std::vector<std::uint8_t> readAll(int descriptor, const std::string& name, std::uint64_t limit) {
@@ -149,30 +84,16 @@ std::filesystem::path followLinks(std::filesystem::path target) {
   return target;
 }
 
-// A new file, removed again unless it has been moved to its place.
-struct TemporaryFile {
-  std::filesystem::path path;
-  Descriptor file{-1};
-  bool moved = false;
-
-  TemporaryFile() = default;
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-  ~TemporaryFile() {
-    if (!path.empty() && !moved) ::unlink(path.c_str());
-  }
-};
-
 // Returns 0 or the error number.
-int create(TemporaryFile& temporary, const std::filesystem::path& directory) {
+int create(OutputFile& output, const std::filesystem::path& directory) {
   constexpr int mostAttempts = 100;
   std::random_device random;
   for (int attempt = 0; attempt < mostAttempts; ++attempt) {
     std::filesystem::path path =
         directory / (".tintora-" + std::to_string(random()) + std::to_string(random()) + ".tmp");
-    temporary.file.number = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (temporary.file.number >= 0) {
-      temporary.path = std::move(path);
+    output.file.number = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (output.file.number >= 0) {
+      output.temporary = std::move(path);
       return 0;
     }
     if (errno != EEXIST) return errno;
@@ -193,20 +114,49 @@ int passOnPermissions(const struct stat& replaced, int file) {
   return ::fchmod(file, mode) == 0 ? 0 : errno;
 }
 
-// Returns 0 or the error number.
-int fill(TemporaryFile& temporary, const struct stat* replaced,
-         std::span<const std::uint8_t> contents) {
-  if (replaced != nullptr) {
-    const int error = passOnPermissions(*replaced, temporary.file.number);
-    if (error != 0) return error;
+std::string nameOf(const std::filesystem::path& target) {
+  return target == standardStream ? standardOutputName : target.string();
+}
+
+// A file without a name, which is gone when it is closed.
+void openSpool(OutputFile& output) {
+  const std::filesystem::path folder = std::filesystem::temp_directory_path();
+  std::string path = folder / "tintora-XXXXXX";
+  output.file.number = ::mkostemp(path.data(), O_CLOEXEC);
+  if (output.file.number < 0) {
+    throw std::runtime_error("cannot write " + nameOf(output.target) + ": no temporary file in " +
+                             folder.string() + ": " + std::generic_category().message(errno));
   }
-  const int error = writeAll(temporary.file.number, contents);
-  if (error != 0) return error;
-  if (::fsync(temporary.file.number) != 0) return errno;
-  return ::close(std::exchange(temporary.file.number, -1)) == 0 ? 0 : errno;
+  ::unlink(path.c_str());
+  output.sink.descriptor = output.file.number;
+}
+
+void copySpool(OutputFile& output) {
+  const Descriptor opened(output.target == standardStream
+                              ? -1
+                              : ::open(output.target.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+  const bool toStream = output.target == standardStream;
+  if (!toStream && opened.number < 0) throwUnwritable(output.target.string(), errno);
+  ByteSource spool;
+  spool.descriptor = output.file.number;
+  if (::lseek(spool.descriptor, 0, SEEK_SET) < 0) throwUnwritable(nameOf(output.target), errno);
+  while (refill(spool)) {
+    const int error = writeAll(toStream ? STDOUT_FILENO : opened.number, spool.rest);
+    if (error != 0) throwUnwritable(nameOf(output.target), error);
+  }
+  if (spool.error != 0) throwUnwritable(nameOf(output.target), spool.error);
 }
 
 }  // namespace
+
+InputFile::InputFile(const std::filesystem::path& path)
+    : file(path == standardStream ? -1 : ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY)) {
+  const bool fromStream = path == standardStream;
+  if (!fromStream && file.number < 0) {
+    throwUnreadable(path.string(), std::generic_category().message(errno));
+  }
+  source.descriptor = fromStream ? STDIN_FILENO : file.number;
+}
 
 std::vector<std::uint8_t> readFileWhole(const std::filesystem::path& source, std::uint64_t limit) {
   if (source == "-") return readAll(STDIN_FILENO, "standard input", limit);
@@ -215,31 +165,59 @@ std::vector<std::uint8_t> readFileWhole(const std::filesystem::path& source, std
   return readAll(file.number, source.string(), limit);
 }
 
-void writeFileWhole(const std::filesystem::path& target, std::span<const std::uint8_t> contents) {
+OutputFile::OutputFile(std::filesystem::path path) : target(std::move(path)) {
   struct stat status {};
-  const bool exists = ::stat(target.c_str(), &status) == 0;
-  if (!exists && errno != ENOENT) throwUnwritable(target.string(), errno);
-  if (exists) {
-    if (isStandardOutput(status)) return writeStandardOutput(contents);
-    if (!S_ISREG(status.st_mode)) return writeDirectly(target, contents);
-    // Replacing needs no leave of the file itself, but who protected it meant it.
-    if (::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) {
-      throwUnwritable(target.string(), errno);
-    }
+  const bool toStream = target == standardStream;
+  const bool exists = !toStream && ::stat(target.c_str(), &status) == 0;
+  if (!toStream && !exists && errno != ENOENT) throwUnwritable(target.string(), errno);
+  if (toStream || (exists && (isStandardOutput(status) || !S_ISREG(status.st_mode)))) {
+    spools = true;
+    openSpool(*this);
+    return;
   }
-
-  const std::filesystem::path place = followLinks(target);
-  TemporaryFile temporary;
-  int error = create(temporary, place.parent_path());
+  // rename() would ignore write protection; honour it.
+  if (exists && ::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) {
+    throwUnwritable(target.string(), errno);
+  }
+  place = followLinks(target);
+  int error = create(*this, place.parent_path());
   if (error != 0) {
     throw std::runtime_error(
         "cannot write " + target.string() +
         ": no file can be made beside it: " + std::generic_category().message(error));
   }
-  error = fill(temporary, exists ? &status : nullptr, contents);
-  if (error == 0 && ::rename(temporary.path.c_str(), place.c_str()) != 0) error = errno;
+  if (exists) error = passOnPermissions(status, file.number);
+  if (error != 0) {
+    ::unlink(temporary.c_str());
+    throwUnwritable(target.string(), error);
+  }
+  sink.descriptor = file.number;
+}
+
+OutputFile::~OutputFile() {
+  if (!temporary.empty()) ::unlink(temporary.c_str());
+}
+
+void OutputFile::commit() {
+  if (!flush(sink)) throwUnwritable(nameOf(target), sink.error);
+  if (spools) return copySpool(*this);
+  int error = ::fsync(file.number) == 0 ? 0 : errno;
+  const int closed = ::close(std::exchange(file.number, -1));
+  if (error == 0 && closed != 0) error = errno;
+  if (error == 0 && ::rename(temporary.c_str(), place.c_str()) != 0) error = errno;
   if (error != 0) throwUnwritable(target.string(), error);
-  temporary.moved = true;
+  temporary.clear();
+}
+
+void writeFileWhole(const std::filesystem::path& target, std::span<const std::uint8_t> contents) {
+  struct stat status {};
+  if (::stat(target.c_str(), &status) == 0) {
+    if (isStandardOutput(status)) return writeStandardOutput(contents);
+    if (!S_ISREG(status.st_mode)) return writeDirectly(target, contents);
+  }
+  OutputFile output(target);
+  put(output.sink, contents);
+  output.commit();
 }
 
 void writeStandardOutput(std::span<const std::uint8_t> contents) {

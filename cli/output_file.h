@@ -6,6 +6,8 @@
 #include <span>
 #include <vector>
 
+#include "cli/byte_stream.h"
+
 namespace tintora::cli {
 
 // Every failure below is a std::runtime_error of one line that says what could not be read or
@@ -20,6 +22,33 @@ std::vector<std::uint8_t> readFileWhole(const std::filesystem::path& source, std
 // written. What is not a regular file, such as a device or a pipe, and the file that is standard
 // output are written to directly.
 void writeFileWhole(const std::filesystem::path& target, std::span<const std::uint8_t> contents);
+
+// A file that is read piece by piece; "-" is standard input.
+struct InputFile {
+  explicit InputFile(const std::filesystem::path& path);
+
+  Descriptor file;
+  ByteSource source;
+};
+
+// A file that is written piece by piece into the sink and appears whole, or not at all, as
+// writeFileWhole says; "-" is standard output. What is not a regular file gets its bytes at the
+// end, from a temporary file.
+struct OutputFile {
+  explicit OutputFile(std::filesystem::path path);
+  ~OutputFile();
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  void commit();
+
+  std::filesystem::path target;
+  ByteSink sink;
+  Descriptor file{-1};              // of the sink
+  std::filesystem::path temporary;  // removed unless committed
+  std::filesystem::path place;      // where the temporary file goes
+  bool spools = false;
+};
 
 void writeStandardOutput(std::span<const std::uint8_t> contents);
 

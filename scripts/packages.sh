@@ -2,7 +2,8 @@
 
 # What building takes at all, and what each program takes besides.
 compiler_packages=(g++ cmake ninja-build)
-tool_packages=(libcli11-dev nlohmann-json3-dev libpng-dev libjpeg62-turbo-dev)
+tool_packages=(libcli11-dev nlohmann-json3-dev libpng-dev libjpeg62-turbo-dev
+  liblcms2-dev)
 desktop_packages=(pkg-config qt6-base-dev libxcb1-dev libxcb-composite0-dev libxcb-damage0-dev
   libxcb-randr0-dev libxcb-render0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-xfixes0-dev
   x11-utils)

@@ -1,5 +1,6 @@
-// Any bytes as an image file: reading them ends in an image or an ImageError, and an image read can
-// be written and read again.
+// Any bytes as an image file: reading them ends in an image or an ImageError, an image read can be
+// written and read again, and filtering it row by row, with its palette, profile and EXIF data,
+// makes a file of the same size or ends in an ImageError.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -9,7 +10,10 @@
 #include <utility>
 #include <vector>
 
+#include "cli/exif.h"
+#include "cli/filter_stream.h"
 #include "cli/image_file.h"
+#include "engine/colour_simulation.h"
 
 namespace tintora::cli {
 namespace {
@@ -71,8 +75,44 @@ void checkImage(Image image) {
   }
 }
 
+// On encoded values, and in linear light, where colour profiles are converted.
+const FilterSet& filtersOf(bool linear) {
+  static const FilterSet encoded(
+      makeSimulation({CvdType::Tritan, 1.0, SimulationAlgorithm::Yang2008}));
+  static const FilterSet halfPlanes(
+      makeSimulation({CvdType::Protan, 0.7, SimulationAlgorithm::Brettel1997}));
+  return linear ? halfPlanes : encoded;
+}
+
+void checkFiltering(std::span<const std::uint8_t> file, bool linear, ImageFormat format,
+                    const std::optional<Image>& image) {
+  ByteSource source;
+  source.rest = file;
+  ByteSink sink;
+  try {
+    filterStream(source, sink, filtersOf(linear), {format, 90, pixelLimit});
+  } catch (const ImageReadError&) {
+    require(!image);
+    return;
+  } catch (const ImageWriteError&) {
+    return;  // a malformed profile, transparency in JPEG, a side too long for it
+  }
+  require(image.has_value());
+  const Image filtered = decodeImage(sink.bytes);
+  require(std::uint64_t{filtered.width} * filtered.height ==
+          std::uint64_t{image->width} * image->height);
+  require(format == ImageFormat::Jpeg || exifOrientation(image->exif) != 1 ||
+          filtered.width == image->width);
+}
+
 void checkFile(std::span<const std::uint8_t> file) {
-  if (auto image = decoded(file)) checkImage(std::move(*image));
+  auto image = decoded(file);
+  for (const bool linear : {false, true}) {
+    for (const ImageFormat format : {ImageFormat::Png, ImageFormat::Jpeg}) {
+      checkFiltering(file, linear, format, image);
+    }
+  }
+  if (image) checkImage(std::move(*image));
 }
 
 std::uint32_t crcOf(std::span<const std::uint8_t> bytes) {

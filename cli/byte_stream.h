@@ -1,0 +1,54 @@
+// Bytes in and out, piece by piece, for codecs that must not be left by exceptions.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <vector>
+
+namespace tintora::cli {
+
+// An open file, closed at the end; -1 for none.
+struct Descriptor {
+  int number = -1;
+
+  explicit Descriptor(int opened) : number(opened) {}
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  ~Descriptor();
+};
+
+// Where an image is read from: memory, or an open file, of which a piece at a time is in the
+// buffer.
+struct ByteSource {
+  std::span<const std::uint8_t> rest;  // read and not yet taken
+  int descriptor = -1;                 // -1: there is no more than the rest
+  std::vector<std::uint8_t> buffer;
+  int error = 0;  // why reading failed, or 0
+};
+
+// Reads the next piece into an empty rest. Returns false at the end of the file and after an error.
+bool refill(ByteSource& source) noexcept;
+
+// Returns the next bytes, as many as asked for if the file has them, and leaves them in the source.
+std::span<const std::uint8_t> peek(ByteSource& source, std::size_t count);
+
+// Where an image is written to: the bytes, or an open file that they are flushed to.
+struct ByteSink {
+  std::vector<std::uint8_t> bytes;
+  int descriptor = -1;  // -1: all bytes are kept
+  int error = 0;        // why writing failed, or 0
+};
+
+// Returns false if there is no memory or the file cannot be written; the error then says why.
+bool put(ByteSink& sink, std::span<const std::uint8_t> bytes) noexcept;
+bool flush(ByteSink& sink) noexcept;
+
+// Waits until a call that failed with this error can be tried again. Returns false if it cannot.
+bool mayRetry(int error, int descriptor, short direction);
+
+// Writes all bytes to an open file. Returns 0 or the error number.
+int writeAll(int descriptor, std::span<const std::uint8_t> contents);
+
+}  // namespace tintora::cli

@@ -1,0 +1,137 @@
+#include "cli/filter_stream.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <utility>
+#include <vector>
+
+#include "cli/exif.h"
+#include "cli/image_file.h"
+#include "cli/jpeg_writer.h"
+#include "cli/png_writer.h"
+
+namespace tintora::cli {
+
+namespace {
+
+// Runs a step and tells which image its failure is about.
+template <typename Error, typename Step>
+auto telling(const char* noMemory, const Step& step) {
+  try {
+    return step();
+  } catch (const ImageError& error) {
+    throw Error(error.what());
+  } catch (const std::bad_alloc&) {
+    throw Error(noMemory);
+  }
+}
+
+template <typename Step>
+auto reading(const Step& step) {
+  return telling<ImageReadError>("there is not enough memory to read the image", step);
+}
+
+template <typename Step>
+auto writing(const Step& step) {
+  return telling<ImageWriteError>("there is not enough memory to write the image", step);
+}
+
+ImageWriter startImage(ByteSink& sink, const RowsHeader& header, const StreamOptions& options) {
+  if (options.format == ImageFormat::Png) return startPng(sink, header);
+  return startJpeg(sink, header, options.quality);
+}
+
+// ---- Turning
+
+constexpr int firstSideways = 5;
+
+// Where the pixel that comes to stand at (x, y) is taken from, for an image that has this width and
+// height before it is turned. Orientations as EXIF 2.3 numbers them.
+std::pair<std::size_t, std::size_t> sourceOf(int orientation, std::size_t x, std::size_t y,
+                                             std::size_t width, std::size_t height) {
+  switch (orientation) {
+    case 2:
+      return {width - 1 - x, y};
+    case 3:
+      return {width - 1 - x, height - 1 - y};
+    case 4:
+      return {x, height - 1 - y};
+    case 5:
+      return {y, x};
+    case 6:
+      return {y, height - 1 - x};
+    case 7:
+      return {width - 1 - y, height - 1 - x};
+    case 8:
+      return {width - 1 - y, x};
+    default:
+      return {x, y};
+  }
+}
+
+RowsHeader turnedHeader(const RowsHeader& header, int orientation) {
+  RowsHeader turned = header;
+  setExifUpright(turned.exif);
+  if (orientation >= firstSideways) {
+    std::swap(turned.width, turned.height);
+    if (turned.density) std::swap(turned.density->across, turned.density->down);
+  }
+  return turned;
+}
+
+void writeTurned(const std::vector<std::vector<std::uint8_t>>& rows, const RowsHeader& header,
+                 int orientation, const ImageWriter& writer) {
+  const bool sideways = orientation >= firstSideways;
+  const std::size_t width = sideways ? header.height : header.width;
+  const std::size_t height = sideways ? header.width : header.height;
+  const std::size_t pixelBytes = rowBytes(header) / header.width;
+  std::vector<std::uint8_t> turned(width * pixelBytes);
+  for (std::size_t y = 0; y < height; ++y) {
+    for (std::size_t x = 0; x < width; ++x) {
+      const auto [fromX, fromY] = sourceOf(orientation, x, y, header.width, header.height);
+      std::memcpy(&turned[x * pixelBytes], &rows[fromY][fromX * pixelBytes], pixelBytes);
+    }
+    writer.writeRow(turned.data());
+  }
+}
+
+}  // namespace
+
+void filterStream(ByteSource& source, ByteSink& sink, const FilterSet& filters,
+                  const StreamOptions& options) {
+  const bool fromJpeg = isJpeg(source);
+  ImageReader reader = reading([&] { return openImage(source, options.pixelLimit); });
+  dropExifThumbnail(reader.header.exif);
+  const RowFilter plan =
+      reading([&] { return planRowFilter(reader.header, filters, options.format); });
+  const bool turns = fromJpeg && options.format == ImageFormat::Png;
+  const int orientation = turns ? exifOrientation(reader.header.exif) : 1;
+  const ImageWriter writer = writing([&] {
+    return startImage(sink, turns ? turnedHeader(plan.header, orientation) : plan.header, options);
+  });
+
+  std::vector<std::uint8_t> row(rowBytes(reader.header));
+  std::vector<std::uint8_t> filtered(rowBytes(plan.header));
+  std::vector<std::vector<std::uint8_t>> rows;
+  for (std::uint32_t y = 0; y < reader.header.height; ++y) {
+    reading([&] {
+      reader.readRow(row.data());
+      plan.filterRow(row.data(), filtered.data());
+      if (orientation != 1) rows.push_back(filtered);
+    });
+    if (orientation == 1) writing([&] { writer.writeRow(filtered.data()); });
+  }
+  std::vector<std::uint8_t> lateExif = reading([&] { return reader.finish(); });
+  if (!isExif(lateExif)) lateExif.clear();
+  dropExifThumbnail(lateExif);
+  writing([&] {
+    if (orientation != 1) writeTurned(rows, plan.header, orientation, writer);
+    writer.finish(lateExif);
+    if (!flush(sink)) throw ImageError(std::strerror(sink.error));
+  });
+}
+
+}  // namespace tintora::cli

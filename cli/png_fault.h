@@ -1,0 +1,38 @@
+// Errors of libpng, which leaves its caller by a jump.
+#pragma once
+
+#include <png.h>
+
+#include <array>
+#include <csetjmp>
+#include <cstddef>
+#include <string_view>
+#include <type_traits>
+
+namespace tintora::cli {
+
+using FaultText = std::array<char, 200>;
+
+// libpng reports an error through this and must not be returned to.
+[[noreturn]] inline void pngFailed(png_structp png, png_const_charp text) {
+  auto& fault = *static_cast<FaultText*>(png_get_error_ptr(png));
+  fault.fill('\0');
+  std::string_view(text).copy(fault.data(), fault.size() - 1);
+  png_longjmp(png, 1);
+}
+
+// Warnings are about oddities that leave the picture as it is; damage to it arrives as an error.
+inline void pngWarned(png_structp /*png*/, png_const_charp /*text*/) {}
+
+// Runs a step that calls libpng, and returns whether it came to its end. On an error the step is
+// left by a jump that runs no destructors, so that it must not own anything: it works on objects of
+// its caller.
+template <typename Step>
+[[nodiscard]] bool completes(png_structp png, const Step& step) {
+  static_assert(std::is_trivially_destructible_v<Step>);
+  if (setjmp(png_jmpbuf(png)) != 0) return false;  // NOLINT(cert-err52-cpp)
+  step();
+  return true;
+}
+
+}  // namespace tintora::cli

@@ -285,6 +285,23 @@ TEST_F(Drag, OfTheObjectsTurnsThemAllInPlaceOfTheCamera) {
   }
 }
 
+// Objects are turned about x and y only, and Shift leaves neither of a drag's parts.
+TEST_F(Drag, OfTheObjectsWithShiftTurnsNothing) {
+  for (const DragKeys& held : {leftShift, rightShift}) {
+    press(0, 0);
+    colourSpaceView.cameraMode = false;
+    rotateByMouse(held, 40, 80);
+    expectCamera({});
+    for (const SceneObject& each : colourSpaceView.objects) {
+      EXPECT_EQ(each.rotation.x, 0.0F);
+      EXPECT_EQ(each.rotation.y, 0.0F);
+      EXPECT_EQ(each.rotation.z, 0.0F);
+      EXPECT_EQ(each.world, identity4x4);
+    }
+  }
+  EXPECT_EQ(nullGraphics().picturesShown, 2);
+}
+
 TEST_F(Drag, CubeKeepsItsShapeThroughAThousandMoves) {
   press(0, 0);
   Quaternion expected;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 #include "views_run.h"
 
@@ -33,9 +34,20 @@ bool hasNear(const Picture& picture, int x, int y, std::uint32_t pixel) {
 // Pixels outside text.
 struct Comparison {
   int compared = 0;
-  int moved = 0;  // edges, to the next pixel
+  int edges = 0;  // unlike the pixel to the left or above
+  int moved = 0;  // as the next pixel of the other picture
   int wrong = 0;
+
+  // Edges may be drawn a pixel aside here and there. A picture that is moved as a whole has almost
+  // half of its edges elsewhere, or more.
+  bool isOfOneKind() const { return wrong == 0 && moved <= edges / 10; }
 };
+
+bool isEdge(const Picture& picture, int x, int y) {
+  const std::uint32_t pixel = picture.at(x, y);
+  return (x > 0 && !isLike(picture.at(x - 1, y), pixel)) ||
+         (y > 0 && !isLike(picture.at(x, y - 1), pixel));
+}
 
 Comparison compare(const Picture& a, const Picture& b, const std::vector<Area>& texts) {
   Comparison result;
@@ -45,9 +57,22 @@ Comparison compare(const Picture& a, const Picture& b, const std::vector<Area>& 
         continue;
       }
       ++result.compared;
+      result.edges += isEdge(a, x, y) ? 1 : 0;
       if (isLike(a.at(x, y), b.at(x, y))) continue;
       const bool moved = hasNear(a, x, y, b.at(x, y)) && hasNear(b, x, y, a.at(x, y));
       ++(moved ? result.moved : result.wrong);
+    }
+  }
+  return result;
+}
+
+// The picture moved by some pixels, its border repeated.
+Picture moved(const Picture& picture, int byX, int byY) {
+  Picture result = solid(picture.width, picture.height, 0);
+  for (int y = 0; y < picture.height; ++y) {
+    for (int x = 0; x < picture.width; ++x) {
+      result.pixels[static_cast<std::size_t>(y * picture.width + x)] = picture.at(
+          std::clamp(x - byX, 0, picture.width - 1), std::clamp(y - byY, 0, picture.height - 1));
     }
   }
   return result;
@@ -90,9 +115,13 @@ class ViewsBesideAnotherDesktops : public ViewsTest,
     ASSERT_EQ(other.width, own.width) << name;
     ASSERT_EQ(other.height, own.height) << name;
     const Comparison found = compare(own, other, texts());
-    std::printf("%s: %d of %d pixels beside text differ, %d of them along edges.\n", name.c_str(),
-                found.moved + found.wrong, found.compared, found.moved);
-    EXPECT_EQ(found.wrong, 0);
+    std::printf("%s: %d of %d pixels beside text differ, %d of them along %d edges.\n",
+                name.c_str(), found.moved + found.wrong, found.compared, found.moved, found.edges);
+    EXPECT_TRUE(found.isOfOneKind());
+    if (GetParam().view == View::Help) return;  // all of it text
+    for (const auto& [x, y] : {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}}) {
+      EXPECT_FALSE(compare(own, moved(other, x, y), texts()).isOfOneKind()) << x << "," << y;
+    }
   }
 };
 

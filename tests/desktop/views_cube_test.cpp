@@ -101,6 +101,26 @@ INSTANTIATE_TEST_SUITE_P(By, TransformedCube,
                                          TransformRow{"Tritan", 3, &juddTritan}),
                          [](const auto& row) { return std::string(row.param.name); });
 
+// Whether a colour is found within two pixels of a place.
+bool hasColourNear(const Picture& picture, int x, int y, const Colour& colour) {
+  for (int row = y - 2; row <= y + 2; ++row) {
+    for (int column = x - 2; column <= x + 2; ++column) {
+      if (isNear(colourOf(picture.at(column, row)), colour)) return true;
+    }
+  }
+  return false;
+}
+
+// The spectral model takes blue to (0.2233, -0.1032, 1.0005), below the frame. The corner stands at
+// (0.5534, -1.2064, 1.001) and is seen 48 pixels to the right of the middle and 105 below it.
+TEST_F(CubeView, HasACornerOutsideItsFrameByTheSpectralModel) {
+  startStored({{"Selected", 2}, {"ScrollPc", 60}, {"Option", 1}, {"View", 703}, {"ColorSpace", 1}},
+              {});
+  const Picture picture = shown();
+  EXPECT_TRUE(hasColourNear(picture, 248, 305, {56, 0, 255}));
+  EXPECT_EQ(picture.at(248, 309) & 0xFFFFFFU, viewBackground);
+}
+
 TEST_F(CubeView, IsFlatForADeuteranopeAtBothSizes) {
   for (const PictureSize& size : pictureSizes) {
     startWith(View::Cube, size, 2, 100);

@@ -1,4 +1,10 @@
 // The chromaticity diagram and the response curves on the screen.
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string>
+#include <vector>
+
 #include "reference_diagram.h"
 #include "views_run.h"
 
@@ -49,6 +55,16 @@ INSTANTIATE_TEST_SUITE_P(For, DiagramView,
                                          TransformRow{"Tritan", 3, &juddTritan}),
                          [](const auto& row) { return std::string(row.param.name); });
 
+TEST_F(ViewsTest, DiagramHasTheGamutOfTheSpectralModel) {
+  for (const PictureSize& size : pictureSizes) {
+    startStored(
+        {{"Selected", 2}, {"ScrollPc", 60}, {"Option", 1}, {"View", 704}, {"ColorSpace", 1}}, size);
+    EXPECT_TRUE(shows(shown(), diagramShapes(expected::yangDeutanAt60()),
+                      withTitle(wavelengthLabelAreas(size))));
+    end();
+  }
+}
+
 // The part of a label's area that the locus, which has the label's colour, does not cross.
 Area besideLocus(const Area& label, bool rising) {
   return {label.x + 2, label.y + 1, rising ? 16 : 24, 12};
@@ -66,6 +82,65 @@ TEST_F(ViewsTest, DiagramNamesWavelengthsBesideTheLocus) {
           << labels[i].text;
     }
     end();
+  }
+}
+
+// The ink of the three figures of a label whose text begins at a place, each without its outermost
+// columns, where its neighbours' ink may be.
+std::array<std::vector<double>, 3> figuresAt(const Picture& picture, int x, int y) {
+  constexpr std::array<std::array<int, 2>, 3> columns{{{1, 5}, {6, 10}, {12, 15}}};
+  constexpr std::array<int, 2> rows{2, 12};
+  const double background = colourOf(viewBackground)[0];
+  const double text = colourOf(labelColour)[0];
+  std::array<std::vector<double>, 3> figures;
+  for (std::size_t i = 0; i < figures.size(); ++i) {
+    for (int row = y + rows[0]; row < y + rows[1]; ++row) {
+      for (int column = x + columns[i][0]; column < x + columns[i][1]; ++column) {
+        figures[i].push_back((colourOf(picture.at(column, row))[0] - background) /
+                             (text - background));
+      }
+    }
+  }
+  return figures;
+}
+
+double difference(const std::vector<double>& a, const std::vector<double>& b) {
+  double largest = 0;
+  for (std::size_t i = 0; i < a.size(); ++i) largest = std::max(largest, std::abs(a[i] - b[i]));
+  return largest;
+}
+
+// All labels of both views have the same figure in a place if and only if they look the same there.
+TEST_F(ViewsTest, LabelsHaveTheFiguresOfTheirWavelengths) {
+  constexpr PictureSize size{800, 600};
+  struct Label {
+    std::string text;
+    std::array<std::vector<double>, 3> figures;
+  };
+  std::vector<Label> labels;
+  const auto addLabels = [&](const std::vector<Area>& areas, const auto& textOf) {
+    const Picture picture = shown();
+    for (std::size_t i = 0; i < areas.size(); ++i) {
+      const Area& area = areas[i];
+      labels.push_back({textOf(i), figuresAt(picture, area.x + 2, area.y + 1)});
+    }
+  };
+  startWith(View::Diagram, size);
+  addLabels(wavelengthLabelAreas(size), [](std::size_t i) { return referenceLabels()[i].text; });
+  turnTo(View::Curves);
+  addLabels(curveLabelAreas(size), [](std::size_t i) { return std::to_string(400 + 50 * i); });
+  ASSERT_EQ(labels.size(), 31U);
+  for (const Label& a : labels) {
+    for (const Label& b : labels) {
+      for (std::size_t i = 0; i < 3; ++i) {
+        const double seen = difference(a.figures[i], b.figures[i]);
+        if (a.text[i] == b.text[i]) {
+          EXPECT_LT(seen, 0.35) << a.text << " and " << b.text << ", figure " << i;
+        } else {
+          EXPECT_GT(seen, 0.5) << a.text << " and " << b.text << ", figure " << i;
+        }
+      }
+    }
   }
 }
 

@@ -77,6 +77,13 @@ Weights vienot1999Protan() {
   return product(fromCones, product(projection, toCones));
 }
 
+// Computed by tests/reference in exact arithmetic.
+Weights yangDeutanAt60() {
+  return {{{0.58262974, 0.19407052, 0.22329973},
+           {0.19285864, 0.91032380, -0.10318245},
+           {-0.00089610, 0.00041667, 1.00047946}}};
+}
+
 Weights daltonized(const Weights& simulation) {
   constexpr Weights spread{{{0, 0, 0}, {1.4, 2.0, 0}, {1.4, 0, 2.0}}};
   return sum(identity, product(spread, sum(identity, simulation, -1)), 1);

@@ -26,6 +26,9 @@ Weights machadoProtan();
 Weights vienot1997Protan();
 Weights vienot1999Protan();
 
+// Yang 2008 at a severity of 60 %.
+Weights yangDeutanAt60();
+
 // Returns the correction that spreads what a simulation loses over green and blue.
 Weights daltonized(const Weights& simulation);
 Weights inverse(const Weights& simulation);

@@ -10,7 +10,7 @@
 namespace tintora::desktop_test {
 namespace {
 
-const ColourEffect grey = windows_test::greyscale();
+const ColourEffect grey = expected::greyscale();
 constexpr int dockingGap = 4;
 
 class Forms : public OnDesktop {

@@ -10,10 +10,6 @@
 
 #include "colour_effect.h"
 
-namespace tintora {
-namespace windows_test = expected;
-}
-
 namespace tintora::desktop_test {
 
 using expected::ColourEffect;

@@ -1,10 +1,9 @@
 #include "engine/custom_transforms.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <iterator>
-#include <memory>
 
 namespace tintora {
 
@@ -80,15 +79,9 @@ bool isBlank(std::string_view text) {
   return text.find_first_not_of(blank) == std::string_view::npos;
 }
 
-std::string readFile(const std::string& path) {
-  std::string text;
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
-                                                             &std::fclose);
-  if (!file) return text;
-  for (int c = std::fgetc(file.get()); c != EOF; c = std::fgetc(file.get())) {
-    text.push_back(static_cast<char>(c));
-  }
-  return text;
+std::string readFile(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 }  // namespace
@@ -127,7 +120,7 @@ std::string customTransformPath(std::string_view commandLine) {
   return std::string(commandLine.substr(0, directoryLength)).append(customTransformFileName);
 }
 
-void loadCustomTransforms(const std::string& path) {
+void loadCustomTransforms(const std::filesystem::path& path) {
   std::ranges::move(parseCustomTransforms(readFile(path)).transforms,
                     std::back_inserter(customTransforms));
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -51,6 +52,6 @@ std::string customTransformPath(std::string_view commandLine);
 
 // Appends the entries of a file. A missing file adds none; a malformed file adds those before its
 // first fault.
-void loadCustomTransforms(const std::string& path);
+void loadCustomTransforms(const std::filesystem::path& path);
 
 }  // namespace tintora

@@ -1,6 +1,8 @@
 // Places and sizes in pixels; x to the right, y downwards.
 #pragma once
 
+#include <cmath>
+
 namespace tintora::platform {
 
 struct Point {
@@ -26,5 +28,10 @@ struct Rect {
   int width() const { return right - left; }
   int height() const { return bottom - top; }
 };
+
+// Returns a length or a place multiplied by a scale, to the nearest pixel.
+inline int scaled(int pixels, double scale) {
+  return static_cast<int>(std::lround(pixels * scale));
+}
 
 }  // namespace tintora::platform

@@ -52,17 +52,23 @@ enum class EventKind {
   RightDown,    // position
   RightUp,      // position
   MouseMoved,   // position, leftHeld, rightHeld, shiftHeld
+  MouseLost,    // the desktop took the mouse away from a drag
   Sized,        // maximised
   Sizing,
-  Moving,
+  Moving,         // by the user; the window may not stand at its new place yet
+  Moved,          // the window stands at its new place
+  ScreenChanged,  // the size of the screen
   Painting,
   FilesDropped,
   TimerElapsed,  // of the one timer of the main window
   Closing,
   Destroyed,
+  SessionEnding,  // the process may be ended as soon as this is handled
 };
 
-// An event of a window. Only the members named beside its kind are meaningful.
+// An event of a window. Only the members named beside its kind are meaningful. From LeftDown to
+// LeftUp the main window and the control window get all events of the mouse, wherever it is; the
+// colour space window gets moves only while the mouse is over it.
 struct Event {
   EventKind kind;
   Window* window = nullptr;
@@ -106,6 +112,11 @@ Rect clientArea(const Window* window);
 
 // Returns the screen coordinates of the client area's top left corner.
 Point clientOrigin(const Window* window);
+
+// Returns how many pixels of the window's screen stand for one of a screen with 96 to the inch.
+// Text and places on a canvas and on a graphics device are multiplied by it; bounds are the
+// screen's own.
+double windowScale(const Window* window);
 
 // Returns true if the window fills the screen in one of the maximised forms.
 bool isMaximised(const Window* window);

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/canvas.h"
+#include "platform/program.h"
 #include "platform/window.h"
 #include "shell/shell_state.h"
 
@@ -14,25 +15,41 @@ namespace {
 using platform::Colour;
 using platform::Point;
 using platform::ShowState;
+using platform::Size;
 
-constexpr platform::Size windowSize{400, 120};
+constexpr Size windowSize{400, 120};
+
+Size scaledSize(double scale) {
+  return {platform::scaled(windowSize.width, scale), platform::scaled(windowSize.height, scale)};
+}
+
+void centreOverMainWindow(double scale) {
+  const platform::Rect& main = shellState.mainBounds;
+  const Size size = scaledSize(scale);
+  const int left = (main.left + main.right) / 2 - size.width / 2;
+  const int top = (main.top + main.bottom) / 2 - size.height / 2;
+  platform::setWindowBounds(shellState.controlWindow,
+                            {left, top, left + size.width, top + size.height});
+}
 
 }  // namespace
 
 bool createControlWindow() {
   ShellState& state = shellState;
+  const Size size = scaledSize(platform::screenScale());
   state.controlWindow = platform::createWindow(platform::WindowKind::Control, state.controlText,
-                                               {0, 0, windowSize.width, windowSize.height});
+                                               {0, 0, size.width, size.height});
   return state.controlWindow != nullptr;
 }
 
 void showControlWindow() {
   ShellState& state = shellState;
   state.mainBounds = platform::windowBounds(state.mainWindow);
-  const int left = (state.mainBounds.left + state.mainBounds.right) / 2 - windowSize.width / 2;
-  const int top = (state.mainBounds.top + state.mainBounds.bottom) / 2 - windowSize.height / 2;
-  platform::setWindowBounds(state.controlWindow,
-                            {left, top, left + windowSize.width, top + windowSize.height});
+  const double scale = platform::windowScale(state.controlWindow);
+  centreOverMainWindow(scale);
+  // There it may be on another screen, with another scale.
+  const double scaleThere = platform::windowScale(state.controlWindow);
+  if (scaleThere != scale) centreOverMainWindow(scaleThere);
   platform::showWindow(state.controlWindow, ShowState::Shown);
 }
 

@@ -80,8 +80,10 @@ bool createWindows() {
        state.mainBounds.height()});
   if (state.magnifier == nullptr) return false;
   if (!createControlWindow()) return false;
+  constexpr int colourSpaceSize = 400;
+  const int size = platform::scaled(colourSpaceSize, platform::screenScale());
   state.colourSpaceWindow =
-      platform::createWindow(WindowKind::ColourSpace, "Color Space", {0, 0, 400, 400});
+      platform::createWindow(WindowKind::ColourSpace, "Color Space", {0, 0, size, size});
   return state.colourSpaceWindow != nullptr;
 }
 

@@ -80,7 +80,8 @@ std::array<platform::StoredValue, storedSettings.size()> namedValues() {
 }
 
 platform::Rect centredOnScreen() {
-  constexpr platform::Size size{500, 400};
+  const double scale = platform::screenScale();
+  const platform::Size size{platform::scaled(500, scale), platform::scaled(400, scale)};
   const platform::Size screen = platform::screenSize();
   const int left = screen.width / 2 - size.width / 2;
   const int top = screen.height / 2 - size.height / 2;

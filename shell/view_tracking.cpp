@@ -22,7 +22,12 @@ void updateSource() {
     source.right = screen.width;
     source.bottom = screen.height;
   }
-  platform::setMagnifierSource(state.magnifier, source);
+  // Maximised on another monitor, the window may lie right of or below the primary screen.
+  if (source.width() <= 0) source.right = state.mainBounds.right;
+  if (source.height() <= 0) source.bottom = state.mainBounds.bottom;
+  if (source.width() > 0 && source.height() > 0) {
+    platform::setMagnifierSource(state.magnifier, source);
+  }
   invalidateView();
 }
 

@@ -90,6 +90,11 @@ void followMainWindowSize() {
   layOutColourSpace();
 }
 
+void fitToScreen() {
+  if (shellState.fullScreen) platform::setWindowBounds(shellState.mainWindow, wholeScreen());
+  followMainWindowSize();
+}
+
 void toggleFrame() {
   if (shellState.fullScreen) return;
   setFrame(!shellState.framed, platform::isMaximised(shellState.mainWindow));

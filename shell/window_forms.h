@@ -7,6 +7,9 @@ namespace tintora {
 // changed.
 void followMainWindowSize();
 
+// Fits the main window, in full screen, and the magnifier to a screen whose size has changed.
+void fitToScreen();
+
 // Shows or hides the main window's frame. A command takes the window as not maximised.
 void toggleFrame();
 void toggleFrameByCommand();

@@ -9,6 +9,7 @@
 #include "shell/colour_space_window.h"
 #include "shell/commands.h"
 #include "shell/control_window.h"
+#include "shell/settings_store.h"
 #include "shell/shell_state.h"
 #include "shell/view_tracking.h"
 #include "shell/window_forms.h"
@@ -108,6 +109,30 @@ bool onMoving(const Event& event) {
   return false;
 }
 
+// During a drag the desktop says that the window is moving before it has moved.
+bool onMoved(const Event& event) {
+  if (event.window != shellState.mainWindow) return false;
+  updateSource();
+  layOutColourSpace();
+  return false;
+}
+
+bool onScreenChanged(const Event& event) {
+  if (event.window != shellState.mainWindow) return false;
+  fitToScreen();
+  return false;
+}
+
+bool onMouseLost(const Event& /*event*/) {
+  shellState.drag.active = false;
+  return false;
+}
+
+bool onSessionEnding(const Event& event) {
+  if (event.window == shellState.mainWindow) saveSettings();
+  return false;
+}
+
 bool onPainting(const Event& /*event*/) {
   paintControlWindow();
   return false;
@@ -149,7 +174,7 @@ struct EventAction {
   bool (*handle)(const Event& event);
 };
 
-constexpr std::array<EventAction, 17> eventActions{{
+constexpr std::array<EventAction, 21> eventActions{{
     {EventKind::KeyDown, &onKeyDown},
     {EventKind::KeyUp, &swallow},
     {EventKind::WheelTurned, &onWheelTurned},
@@ -159,14 +184,18 @@ constexpr std::array<EventAction, 17> eventActions{{
     {EventKind::RightDown, &swallow},
     {EventKind::RightUp, &onRightUp},
     {EventKind::MouseMoved, &onMouseMoved},
+    {EventKind::MouseLost, &onMouseLost},
     {EventKind::Sized, &onSized},
     {EventKind::Sizing, &onSized},
     {EventKind::Moving, &onMoving},
+    {EventKind::Moved, &onMoved},
+    {EventKind::ScreenChanged, &onScreenChanged},
     {EventKind::Painting, &onPainting},
     {EventKind::FilesDropped, &onFilesDropped},
     {EventKind::TimerElapsed, &onTimerElapsed},
     {EventKind::Closing, &onClosing},
     {EventKind::Destroyed, &onDestroyed},
+    {EventKind::SessionEnding, &onSessionEnding},
 }};
 
 }  // namespace

@@ -129,6 +129,11 @@ bool onMouse(Window* window, const QMouseEvent& mouse) {
 
 bool onMouseMoved(Window* window, const QMouseEvent& mouse) {
   if (mouse.buttons() == Qt::NoButton && !hearsEveryMouseMove(window->kind)) return true;
+  // X sends the moves of a held button from outside the window, too. They do not turn the cube.
+  const QRect client(QPoint(), window->window->size());
+  if (window->kind == WindowKind::ColourSpace && !client.contains(mouse.position().toPoint())) {
+    return true;
+  }
   return handOverMouse(EventKind::MouseMoved, window, mouse);
 }
 

@@ -37,7 +37,7 @@ QString configFolder() {
 }
 
 // A slash in the arguments makes the rule for the whole command line apply, as on every desktop.
-std::string customTransformFile() {
+std::filesystem::path customTransformFile() {
   const std::string folder = folderOfCustomFile().toStdString();
   if (arguments.find_first_of("\\/") == std::string::npos) {
     return folder + '/' + customTransformFileName;
@@ -52,6 +52,10 @@ std::string programArguments() {
 Size screenSize() {
   const QSize size = primaryMonitor().size();
   return {size.width(), size.height()};
+}
+
+double screenScale() {
+  return 1.0;
 }
 
 void openPageBesideProgram(const std::string& fileName) {

@@ -178,6 +178,10 @@ Point clientOrigin(const Window* window) {
   return fromRoot(window->window->geometry().topLeft());
 }
 
+double windowScale(const Window* /*window*/) {
+  return 1.0;
+}
+
 bool isMaximised(const Window* window) {
   return window->form == WindowForm::FullScreen ||
          window->window->windowStates().testFlag(Qt::WindowMaximized) ||

@@ -95,7 +95,7 @@ Window* NullDesktop::window(const std::string& name) const {
   return found == windows.end() ? nullptr : found->get();
 }
 
-std::string customTransformFile() {
+std::filesystem::path customTransformFile() {
   return customTransformPath(desktop.commandLine);
 }
 std::string programArguments() {
@@ -103,6 +103,9 @@ std::string programArguments() {
 }
 Size screenSize() {
   return desktop.screen;
+}
+double screenScale() {
+  return desktop.scale;
 }
 void openPageBesideProgram(const std::string& fileName) {
   record("openPageBesideProgram", fileName);
@@ -142,6 +145,10 @@ void showWindow(Window* window, ShowState state) {
 void setWindowBounds(Window* window, const Rect& bounds) {
   record("setWindowBounds", window, bounds);
   window->bounds = bounds;
+}
+
+double windowScale(const Window* /*window*/) {
+  return desktop.scale;
 }
 
 Rect windowBounds(const Window* window) {

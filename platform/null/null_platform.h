@@ -65,6 +65,7 @@ struct NullDesktop {
   std::string commandLine = "C:\\Tintora\\Tintora.exe";
   std::string arguments;
   Size screen{1920, 1080};
+  double scale = 1.0;  // of the screen and of every window
   bool hasMagnifier = true;
   bool hasClipboard = true;
   std::string windowThatFails;  // the name of one that cannot be created

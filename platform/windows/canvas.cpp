@@ -3,6 +3,8 @@
 #include <windows.h>
 
 #include "platform/windows/handles.h"
+#include "platform/windows/scale.h"
+#include "platform/windows/text.h"
 
 namespace tintora::platform {
 
@@ -11,6 +13,7 @@ struct Canvas {
   PAINTSTRUCT painting;
   HFONT font;
   HGDIOBJ previousFont;
+  double scale;  // of the window's monitor
 };
 
 namespace {
@@ -25,8 +28,9 @@ Canvas* beginPainting(Window* window) {
   auto* const canvas = new Canvas{};
   canvas->window = native(window);
   BeginPaint(canvas->window, &canvas->painting);
-  canvas->font =
-      CreateFontA(paintFont.height, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, PROOF_QUALITY, 0, paintFont.face);
+  canvas->scale = scaleOf(canvas->window);
+  canvas->font = CreateFontW(scaled(paintFont.height, canvas->scale), 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
+                             PROOF_QUALITY, 0, wide(paintFont.face).c_str());
   canvas->previousFont = SelectObject(canvas->painting.hdc, canvas->font);
   SetBkMode(canvas->painting.hdc, TRANSPARENT);
   return canvas;
@@ -49,7 +53,9 @@ void fill(Canvas* canvas, Colour colour) {
 
 void drawText(Canvas* canvas, const Point& place, Colour colour, const std::string& text) {
   SetTextColor(canvas->painting.hdc, native(colour));
-  TextOutA(canvas->painting.hdc, place.x, place.y, text.data(), static_cast<int>(text.size()));
+  const std::wstring line = wide(text);
+  TextOutW(canvas->painting.hdc, scaled(place.x, canvas->scale), scaled(place.y, canvas->scale),
+           line.data(), static_cast<int>(line.size()));
 }
 
 }  // namespace tintora::platform

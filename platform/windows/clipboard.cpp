@@ -5,6 +5,7 @@
 #include <array>
 #include <cstring>
 
+#include "platform/windows/composition.h"
 #include "platform/windows/handles.h"
 
 namespace tintora::platform {
@@ -40,7 +41,7 @@ BITMAPINFO* asInfo(void* header) {
 // cannot be had.
 HGLOBAL makeDib(HDC screen, HBITMAP bitmap) {
   BITMAP facts{};
-  GetObjectA(bitmap, sizeof facts, &facts);
+  GetObjectW(bitmap, sizeof facts, &facts);
   const Depth depth = depthFor(facts.bmBitsPixel);
   BitmapHeader description{};
   BITMAPINFOHEADER& header = description.header;
@@ -76,6 +77,8 @@ HGLOBAL makeDib(HDC screen, HBITMAP bitmap) {
 }  // namespace
 
 Picture* captureClientArea(Window* window) {
+  // What was drawn last may not be on the screen yet.
+  awaitComposition();
   const HDC screen = GetDC(nullptr);
   const Rect area = clientArea(window);
   const Point origin = clientOrigin(window);

@@ -10,6 +10,7 @@
 
 #include "platform/windows/graphics_device.h"
 #include "platform/windows/handles.h"
+#include "platform/windows/scale.h"
 #include "platform/windows/system_library.h"
 
 namespace tintora::platform {
@@ -137,7 +138,8 @@ void fill(Buffer* buffer, const void* source, std::size_t bytes) {
 }  // namespace
 
 GraphicsDevice* createGraphicsDevice(Window* window, const Size& size) {
-  auto* const created = new GraphicsDevice{.direct3d = createDirect3d(), .size = size};
+  auto* const created = new GraphicsDevice{
+      .direct3d = createDirect3d(), .size = size, .scale = scaleOf(native(window))};
   if (created->direct3d == nullptr) return created;
   created->device = createDevice(created->direct3d, native(window), size);
   if (created->device == nullptr) return created;
@@ -202,11 +204,12 @@ Matrix4x4 transform(const GraphicsDevice* device, TransformKind kind) {
 
 Rect viewport(const GraphicsDevice* device) {
   D3DVIEWPORT9 area{};
-  if (device->device == nullptr || FAILED(device->device->GetViewport(&area))) {
-    return {0, 0, device->size.width, device->size.height};
+  Rect pixels{0, 0, device->size.width, device->size.height};
+  if (device->device != nullptr && SUCCEEDED(device->device->GetViewport(&area))) {
+    pixels = {static_cast<int>(area.X), static_cast<int>(area.Y),
+              static_cast<int>(area.X + area.Width), static_cast<int>(area.Y + area.Height)};
   }
-  return {static_cast<int>(area.X), static_cast<int>(area.Y), static_cast<int>(area.X + area.Width),
-          static_cast<int>(area.Y + area.Height)};
+  return scaled(pixels, 1.0 / device->scale);
 }
 
 void clearPicture(GraphicsDevice* device, PackedColour colour) {

@@ -17,6 +17,7 @@ struct GraphicsDevice {
   IDirect3D9* direct3d = nullptr;      // null where the desktop has no Direct3D
   IDirect3DDevice9* device = nullptr;  // null where it cannot draw
   Size size;
+  double scale = 1.0;  // of the window's monitor: text and the viewport are the program's pixels
 };
 
 struct TextFont {

@@ -5,7 +5,9 @@
 #include <array>
 
 #include "platform/windows/handles.h"
+#include "platform/windows/magnifier.h"
 #include "platform/windows/system_library.h"
+#include "platform/windows/text.h"
 
 namespace tintora::platform {
 
@@ -24,6 +26,16 @@ struct MagnificationApi {
 
 MagnificationApi api;
 
+HWND view = nullptr;
+RECT source{};  // of the view, as last asked for
+WNDPROC controlProcedure = nullptr;
+
+// The mouse over the view belongs to the window around it, whatever the control would have of it.
+LRESULT CALLBACK leaveMouse(HWND window, UINT message, WPARAM first, LPARAM second) {
+  if (message == WM_NCHITTEST) return HTTRANSPARENT;
+  return CallWindowProcW(controlProcedure, window, message, first, second);
+}
+
 template <typename Function>
 bool find(HMODULE library, const char* name, Function*& function) {
   function = libraryFunction<Function>(library, name);
@@ -41,6 +53,15 @@ bool loadApi() {
 
 }  // namespace
 
+HWND viewWindow() {
+  return view;
+}
+
+void refreshView() {
+  api.setWindowSource(view, source);
+  InvalidateRect(view, nullptr, TRUE);
+}
+
 bool startMagnifier() {
   return loadApi() && api.initialize() != FALSE;
 }
@@ -51,10 +72,14 @@ void stopMagnifier() {
 
 Window* createMagnifier(Window* parent, const std::string& title, const Rect& bounds) {
   constexpr DWORD showMagnifiedCursor = 1;
-  return fromNative(CreateWindowExA(0, "Magnifier", title.c_str(),
-                                    WS_CHILD | WS_VISIBLE | showMagnifiedCursor, bounds.left,
-                                    bounds.top, bounds.width(), bounds.height(), native(parent),
-                                    nullptr, GetModuleHandleA(nullptr), nullptr));
+  view = CreateWindowExW(0, L"Magnifier", wide(title).c_str(),
+                         WS_CHILD | WS_VISIBLE | showMagnifiedCursor, bounds.left, bounds.top,
+                         bounds.width(), bounds.height(), native(parent), nullptr,
+                         GetModuleHandleW(nullptr), nullptr);
+  if (view == nullptr) return nullptr;
+  controlProcedure = reinterpret_cast<WNDPROC>(
+      SetWindowLongPtrW(view, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&leaveMouse)));
+  return fromNative(view);
 }
 
 void setUnmagnified(Window* magnifier) {
@@ -62,8 +87,9 @@ void setUnmagnified(Window* magnifier) {
   api.setWindowTransform(native(magnifier), &identity);
 }
 
-void setMagnifierSource(Window* magnifier, const Rect& source) {
-  api.setWindowSource(native(magnifier), native(source));
+void setMagnifierSource(Window* magnifier, const Rect& area) {
+  source = native(area);
+  api.setWindowSource(native(magnifier), source);
 }
 
 void setColourEffect(Window* magnifier, const EffectMatrix& matrix) {

@@ -3,14 +3,15 @@
 #include <windows.h>
 
 #include "platform/windows/handles.h"
+#include "platform/windows/text.h"
 
 namespace tintora::platform {
 
 namespace {
 
 // A label is disabled without being greyed.
-void append(Menu* menu, UINT flags, UINT_PTR id, const char* text) {
-  AppendMenuA(native(menu), flags, id, text);
+void append(Menu* menu, UINT flags, UINT_PTR id, const std::string& text) {
+  AppendMenuW(native(menu), flags, id, wide(text).c_str());
 }
 
 }  // namespace
@@ -24,19 +25,19 @@ void destroyMenu(Menu* menu) {
 }
 
 void appendItem(Menu* menu, int command, const std::string& text) {
-  append(menu, MF_STRING, static_cast<UINT_PTR>(command), text.c_str());
+  append(menu, MF_STRING, static_cast<UINT_PTR>(command), text);
 }
 
 void appendLabel(Menu* menu, int command, const std::string& text) {
-  append(menu, MF_DISABLED, static_cast<UINT_PTR>(command), text.c_str());
+  append(menu, MF_DISABLED, static_cast<UINT_PTR>(command), text);
 }
 
 void appendSeparator(Menu* menu) {
-  append(menu, MF_SEPARATOR, 0, nullptr);
+  append(menu, MF_SEPARATOR, 0, {});
 }
 
 void appendSubmenu(Menu* menu, Menu* submenu, const std::string& text) {
-  append(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(native(submenu)), text.c_str());
+  append(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(native(submenu)), text);
 }
 
 void checkMenuItem(Menu* menu, int position, bool checked) {

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/windows/graphics_device.h"
+#include "platform/windows/text.h"
 
 namespace tintora::platform {
 
@@ -160,7 +161,8 @@ namespace {
 
 Size textureSize(const PaintedFont& font, const std::string& text) {
   SIZE extent{};
-  GetTextExtentPoint32A(font.context, text.data(), static_cast<int>(text.size()), &extent);
+  const std::wstring line = wide(text);
+  GetTextExtentPoint32W(font.context, line.data(), static_cast<int>(line.size()), &extent);
   // The last letter may reach over its end.
   return {textureLength(extent.cx + font.height), textureLength(font.height)};
 }
@@ -173,7 +175,8 @@ PaintedLine paintLine(const PaintedFont& font, const std::string& text) {
   auto* const bitmap = CreateDIBSection(font.context, &info, DIB_RGB_COLORS, &pixels, nullptr, 0);
   if (bitmap == nullptr) return line;
   auto* const previous = SelectObject(font.context, bitmap);
-  TextOutA(font.context, 0, 0, text.data(), static_cast<int>(text.size()));
+  const std::wstring letters = wide(text);
+  TextOutW(font.context, 0, 0, letters.data(), static_cast<int>(letters.size()));
   GdiFlush();
   line.texture = makeTexture(font.device, static_cast<const std::uint32_t*>(pixels), line.size);
   SelectObject(font.context, previous);
@@ -223,14 +226,14 @@ PaintedFont* createPaintedFont(IDirect3DDevice9* device, const TextFontForm& for
   font->kept = recordStates(device);
   font->context = CreateCompatibleDC(nullptr);
   font->font =
-      CreateFontA(form.height, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+      CreateFontW(form.height, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
                   form.outlinesOnly ? OUT_TT_ONLY_PRECIS : OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,
-                  DEFAULT_QUALITY, DEFAULT_PITCH | FF_DONTCARE, form.face);
+                  DEFAULT_QUALITY, DEFAULT_PITCH | FF_DONTCARE, wide(form.face).c_str());
   font->previousFont = SelectObject(font->context, font->font);
   SetTextColor(font->context, RGB(255, 255, 255));
   SetBkMode(font->context, TRANSPARENT);
-  TEXTMETRICA metrics{};
-  GetTextMetricsA(font->context, &metrics);
+  TEXTMETRICW metrics{};
+  GetTextMetricsW(font->context, &metrics);
   font->height = metrics.tmHeight;
   return font;
 }

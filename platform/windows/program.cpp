@@ -1,23 +1,49 @@
 #include "platform/program.h"
 
 #include <windows.h>
+#include <objbase.h>
 #include <shellapi.h>
 
-#include <algorithm>
-#include <array>
-#include <string_view>
+#include <string>
 
 #include "engine/custom_transforms.h"
+#include "platform/windows/scale.h"
+#include "platform/windows/text.h"
 
 namespace tintora::platform {
 
-std::string customTransformFile() {
-  return customTransformPath(GetCommandLineA());
+namespace {
+
+// As long as any path may be.
+constexpr std::size_t longestPath = 32768;
+
+std::wstring fullPath(const std::wstring& path) {
+  std::wstring full(longestPath, L'\0');
+  full.resize(GetFullPathNameW(path.c_str(), longestPath, full.data(), nullptr));
+  return full;
+}
+
+// Long paths are opened only if they say that they are meant literally.
+std::wstring openable(const std::wstring& path) {
+  const std::wstring full = fullPath(path);
+  if (full.size() < MAX_PATH || full.starts_with(L"\\\\?\\")) return full;
+  const bool onNetwork = full.starts_with(L"\\\\");
+  return onNetwork ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
+}
+
+}  // namespace
+
+std::filesystem::path customTransformFile() {
+  // In UTF-8 no part of a letter looks like a backslash, as it may in other code pages.
+  const std::u8string line = utf8(GetCommandLineW());
+  const std::string path =
+      customTransformPath({reinterpret_cast<const char*>(line.data()), line.size()});
+  return openable(std::filesystem::path(std::u8string(path.begin(), path.end())).wstring());
 }
 
 std::string programArguments() {
   // The program's path ends at a blank, or at the closing quote if it is quoted.
-  const std::string line = GetCommandLineA();
+  const std::string line = narrow(GetCommandLineW());
   const bool quoted = line.starts_with('"');
   const std::size_t pathEnd = line.find_first_of(quoted ? "\"" : " \t", quoted ? 1 : 0);
   if (pathEnd == std::string::npos) return {};
@@ -29,12 +55,18 @@ Size screenSize() {
   return {GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
 }
 
+double screenScale() {
+  return scaleOf(nullptr);
+}
+
 void openPageBesideProgram(const std::string& fileName) {
-  std::array<char, 32768> path;
-  const DWORD length = GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()));
-  const std::string_view program(path.data(), length);
-  const std::string page(program.substr(0, program.find_last_of('\\') + 1));
-  ShellExecuteA(nullptr, "open", (page + fileName).c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+  std::wstring program(longestPath, L'\0');
+  program.resize(GetModuleFileNameW(nullptr, program.data(), longestPath));
+  const std::wstring page = program.substr(0, program.find_last_of(L'\\') + 1) + wide(fileName);
+  // Browsers may be started through COM, which the calling thread has to make ready.
+  const HRESULT ready = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
+  ShellExecuteW(nullptr, L"open", page.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+  if (SUCCEEDED(ready)) CoUninitialize();
 }
 
 }  // namespace tintora::platform

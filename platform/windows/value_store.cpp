@@ -19,11 +19,10 @@ bool readValues(std::span<StoredValue> values) {
   }
   for (StoredValue& value : values) {
     DWORD stored = 0;
-    DWORD type = 0;
     DWORD size = sizeof stored;
-    const LSTATUS status = RegQueryValueExA(key, std::string(value.name).c_str(), nullptr, &type,
+    const LSTATUS status = RegQueryValueExA(key, std::string(value.name).c_str(), nullptr, nullptr,
                                             reinterpret_cast<BYTE*>(&stored), &size);
-    if (status == ERROR_SUCCESS && type == REG_DWORD) value.value = stored;
+    if (status == ERROR_SUCCESS) value.value = stored;
   }
   RegCloseKey(key);
   return true;

@@ -53,6 +53,12 @@ TEST(Executable, IsAProtected64BitWindowProgram) {
   }
 }
 
+// For a lower one Windows keeps the frames of windows that cannot be sized as they once were.
+TEST(Executable, IsOfATodaysSubsystem) {
+  const IMAGE_OPTIONAL_HEADER64& facts = headersOf(programPath()).OptionalHeader;
+  EXPECT_GE(MAKELONG(facts.MinorSubsystemVersion, facts.MajorSubsystemVersion), MAKELONG(2, 6));
+}
+
 // Without its relocations a program cannot be moved, whatever it says.
 TEST(Executable, CanBeMovedInMemory) {
   const IMAGE_NT_HEADERS64 headers = headersOf(programPath());

@@ -26,8 +26,32 @@ struct RecordedCall {
   std::array<char, 120> title{};   // of the window around the magnifier, at the time of the call
 };
 
-// What the stand-in refuses, as a desktop may.
-enum class Refusal : std::uint32_t { Nothing, Initialize, MagnifierWindow };
+// What the stand-in refuses, as a desktop may. A setter that is refused changes nothing.
+enum class Refusal : std::uint32_t {
+  Nothing,
+  Initialize,
+  MagnifierWindow,
+  SetWindowTransform,
+  SetWindowSource,
+  SetColorEffect,
+};
+
+// How the stand-in behaves where the documentation leaves it open. Cleared, it is as harsh as a
+// desktop may be: it paints as often as it is asked to.
+struct MagnifierHabits {
+  std::atomic<bool> throttled;         // holds each paint up until the screen's next picture
+  std::atomic<bool> keepsMouse;        // answers HTCLIENT to hit tests, else HTTRANSPARENT
+  std::atomic<bool> restsWhenModal;    // paints nothing while a menu is open or a window is moved
+  std::atomic<bool> drawsNothing;      // paints without reading the screen, to be measured alone
+  std::atomic<bool> showsLastPicture;  // what was drawn is seen after the desktop composed it
+};
+
+// Where the view stood and what it was aimed at when it was painted.
+struct RecordedPaint {
+  POINT corner{};  // of the magnifier's client area, on the screen
+  RECT source{};
+  bool modal = false;  // a menu was open or a window was being moved or sized
+};
 
 // One item of a menu; the items of its submenu follow it, one level deeper.
 struct RecordedMenuItem {
@@ -36,7 +60,7 @@ struct RecordedMenuItem {
   std::uint32_t state = 0;
   std::uint32_t command = 0;
   bool submenu = false;
-  std::array<char, 120> text{};
+  std::array<wchar_t, 120> text{};
 };
 
 // What the program registered for a window's class.
@@ -51,17 +75,26 @@ struct RecordedClass {
 // The latest calls; call n stands at n modulo the room.
 constexpr std::size_t recordedCalls = 8192;
 constexpr std::size_t recordedMenuItems = 128;
+constexpr std::size_t recordedPaints = 1024;
 
 struct MagnifierRecord {
   std::atomic<Refusal> refusal;
+  MagnifierHabits habits;
   std::atomic<std::uint64_t> calls;
-  std::atomic<std::uint32_t> marker;  // the last one reached
+  std::atomic<std::uint32_t> marker;     // the last one reached
+  std::atomic<std::uint64_t> paints;     // the latest stand in the ring below, as calls do
+  std::atomic<std::uint64_t> titleSets;  // WM_SETTEXT to any of the program's windows
+  std::atomic<std::uint64_t> composed;   // calls to DwmFlush
+  std::atomic<std::uint32_t> corners;    // the corner preference asked for, 0 if none
+  RECT suggested;                        // bounds at another resolution
   std::uint32_t menuItems;
   RecordedClass windowClass;
   std::uint32_t graphicsObjects;
   std::uint32_t userObjects;
+  std::uint64_t processorTime;  // of the program so far, in units of 100 ns
   std::array<RecordedCall, recordedCalls> call;
   std::array<RecordedMenuItem, recordedMenuItems> menuItem;
+  std::array<RecordedPaint, recordedPaints> paint;
 };
 
 constexpr const char* magnifierRecordName = "Local\\TintoraMagnifierRecord";
@@ -78,6 +111,13 @@ enum Request : UINT {
   CountObjects,
   // Holds down the key in the first parameter as far as the program can see; 0 lets all go.
   HoldKey,
+  // Tells the window in the first parameter of another resolution, the new dpi in the second, and
+  // suggests the bounds in the record.
+  ChangeResolution,
+  // Drops a file on the window in the first parameter and answers 1 if it keeps the drop.
+  DropFile,
+  // Writes down how much processor time the program has taken.
+  ReadProcessorTime,
 };
 
 }  // namespace tintora::windows_test

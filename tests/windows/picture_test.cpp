@@ -166,6 +166,19 @@ TEST_F(Clipboard, HoldsTheFilteredClientArea) {
       areAlike(bitmap.picture, filteredPicture(backdrop().picture(client()), inverted()), 0));
 }
 
+// What is drawn is on the screen only after the desktop has composed it.
+TEST_F(Clipboard, HoldsWhatWasDrawnLast) {
+  startOver();
+  magnifierRecord().habits.showsLastPicture = true;
+  for (const int command : {5, 52}) {
+    PostMessageA(windows().main, WM_COMMAND, static_cast<WPARAM>(command), 0);
+  }
+  ASSERT_TRUE(eventuallyCopied());
+  EXPECT_GT(magnifierRecord().composed, 0U);
+  EXPECT_TRUE(areAlike(clipboardBitmap().picture,
+                       filteredPicture(backdrop().picture(client()), inverted()), 0));
+}
+
 struct CopyRow {
   const char* name;
   int held;

@@ -45,6 +45,22 @@ ProgramWindows findWindows(DWORD process) {
   return windows;
 }
 
+std::string inWindows1252(const std::wstring& text) {
+  constexpr UINT codePage = 1252;
+  std::string result(text.size(), '\0');
+  const auto size = static_cast<int>(text.size());
+  WideCharToMultiByte(codePage, 0, text.data(), size, result.data(), size, nullptr, nullptr);
+  return result;
+}
+
+std::wstring wide(const std::string& text) {
+  std::wstring result(text.size(), L'\0');
+  const auto size = static_cast<int>(text.size());
+  result.resize(static_cast<std::size_t>(
+      MultiByteToWideChar(CP_ACP, 0, text.data(), size, result.data(), size)));
+  return result;
+}
+
 }  // namespace
 
 bool eventually(const std::function<bool()>& isTrue, ULONGLONG atMost) {
@@ -60,6 +76,19 @@ std::string titleOf(HWND window) {
   std::array<char, 256> title{};
   GetWindowTextA(window, title.data(), static_cast<int>(title.size()));
   return title.data();
+}
+
+std::wstring wideTitleOf(HWND window) {
+  std::array<wchar_t, 256> title{};
+  GetWindowTextW(window, title.data(), static_cast<int>(title.size()));
+  return title.data();
+}
+
+GUITHREADINFO threadOf(HWND window) {
+  GUITHREADINFO facts{};
+  facts.cbSize = sizeof facts;
+  GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &facts);
+  return facts;
 }
 
 std::ostream& operator<<(std::ostream& out, const Bounds& bounds) {
@@ -110,18 +139,17 @@ MagnifierRecord& magnifierRecord() {
 }
 
 Process::Process(const Launch& launch) {
-  const std::string program = programPath();
-  std::string line = launch.pathGiven ? '"' + program + "\" " : "Tintora.exe ";
-  line += launch.arguments;
-  STARTUPINFOA startup{};
+  const std::wstring program = launch.program.empty() ? wide(programPath()) : launch.program;
+  std::wstring line = launch.pathGiven ? L'"' + program + L"\" " : L"Tintora.exe ";
+  line += wide(launch.arguments);
+  STARTUPINFOW startup{};
   startup.cb = sizeof startup;
   startup.dwFlags = STARTF_USESHOWWINDOW;
   startup.wShowWindow = launch.show;
   PROCESS_INFORMATION started{};
-  if (CreateProcessA(program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                     launch.folder.c_str(), &startup, &started) == 0) {
-    return;
-  }
+  const BOOL succeeded = CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE, 0,
+                                        nullptr, wide(launch.folder).c_str(), &startup, &started);
+  if (succeeded == 0) return;
   CloseHandle(started.hThread);
   handle_ = started.hProcess;
   id_ = started.dwProcessId;
@@ -170,6 +198,13 @@ void ProgramTest::SetUp() {
   magnifierRecord().calls = 0;
   magnifierRecord().marker = 0;
   magnifierRecord().refusal = Refusal::Nothing;
+  MagnifierHabits& habits = magnifierRecord().habits;
+  for (std::atomic<bool>* const habit :
+       {&habits.throttled, &habits.keepsMouse, &habits.restsWhenModal, &habits.drawsNothing,
+        &habits.showsLastPicture}) {
+    *habit = false;
+  }
+  magnifierRecord().corners = 0;
 }
 
 void ProgramTest::TearDown() {
@@ -291,10 +326,12 @@ void ProgramTest::closeMenu() {
   settle();
 }
 
-void ProgramTest::ask(UINT request, WPARAM first) {
+DWORD_PTR ProgramTest::ask(UINT request, WPARAM first, LPARAM second) {
   DWORD_PTR answer = 0;
-  SendMessageTimeoutA(windows_.magnifier, request, first, 0, SMTO_NORMAL, bound, &answer);
-  EXPECT_EQ(answer, 1U);
+  EXPECT_NE(
+      SendMessageTimeoutA(windows_.magnifier, request, first, second, SMTO_NORMAL, bound, &answer),
+      0);
+  return answer;
 }
 
 std::vector<MenuItem> ProgramTest::menu() {
@@ -308,8 +345,8 @@ std::vector<MenuItem> ProgramTest::menu() {
   std::vector<MenuItem> items;
   for (std::size_t i = 0; i < record.menuItems; ++i) {
     const RecordedMenuItem& item = record.menuItem[i];
-    items.push_back(
-        {item.depth, item.type, item.state, item.command, item.submenu, item.text.data()});
+    items.push_back({item.depth, item.type, item.state, item.command, item.submenu,
+                     inWindows1252(item.text.data())});
   }
   return items;
 }
@@ -328,6 +365,23 @@ const RecordedClass& ProgramTest::classOf(HWND window) {
 ProgramTest::Objects ProgramTest::objects() {
   ask(CountObjects, 0);
   return {magnifierRecord().graphicsObjects, magnifierRecord().userObjects};
+}
+
+double ProgramTest::processorTime() {
+  constexpr double unitsPerMillisecond = 10000;
+  ask(ReadProcessorTime, 0);
+  return static_cast<double>(magnifierRecord().processorTime) / unitsPerMillisecond;
+}
+
+std::vector<RecordedPaint> ProgramTest::paintsSince(std::uint64_t first) const {
+  const MagnifierRecord& record = magnifierRecord();
+  const std::uint64_t end = record.paints;
+  std::vector<RecordedPaint> paints;
+  for (std::uint64_t n = std::max(first, end > recordedPaints ? end - recordedPaints : 0); n < end;
+       ++n) {
+    paints.push_back(record.paint[n % recordedPaints]);
+  }
+  return paints;
 }
 
 }  // namespace tintora::windows_test

@@ -48,6 +48,10 @@ struct MenuItem {
 bool eventually(const std::function<bool()>& isTrue, ULONGLONG atMost = 10000);
 
 std::string titleOf(HWND window);
+std::wstring wideTitleOf(HWND window);
+
+// What a window's thread is busy with: menus, drags, the mouse it has captured.
+GUITHREADINFO threadOf(HWND window);
 Bounds boundsOf(HWND window);
 Bounds clientBoundsOf(HWND window);
 Bounds boundsOf(const RECT& rectangle);
@@ -69,7 +73,8 @@ struct Launch {
   std::string arguments{};
   std::string folder = programFolder();  // the current one
   WORD show = SW_SHOWNORMAL;
-  bool pathGiven = true;  // on the command line
+  bool pathGiven = true;   // on the command line
+  std::wstring program{};  // its path, if it is not the one under test itself
 };
 
 // A process that the tests started; ended with it at the latest.
@@ -152,9 +157,16 @@ class ProgramTest : public testing::Test {
   };
   Objects objects();
 
- private:
-  void ask(UINT request, WPARAM first);
+  // The processor time that the program has taken so far, in milliseconds.
+  double processorTime();
 
+  // The latest paints of the view, the oldest first, from the given one on.
+  std::vector<RecordedPaint> paintsSince(std::uint64_t first) const;
+
+  // Has the stand-in do something inside the program; returns its answer.
+  DWORD_PTR ask(UINT request, WPARAM first, LPARAM second = 0);
+
+ private:
   std::unique_ptr<Process> process_;
   ProgramWindows windows_;
   HMENU menu_ = nullptr;

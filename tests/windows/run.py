@@ -28,7 +28,11 @@ REGISTRY = [
     # Wine draws Direct3D on a thread of its own, which libX11 can bring to a
     # standstill when another one reads the screen; so it draws at once.
     ("HKCU\\Software\\Wine\\Direct3D", "csmt", "REG_DWORD", "0"),
+    # As Windows has it: a window moves while it is dragged, not after.
+    ("HKCU\\Control Panel\\Desktop", "DragFullWindows", "REG_SZ", "1"),
 ]
+
+LOCALES = ["ru_RU", "ja_JP"]
 
 LIBC = ctypes.CDLL("libc.so.6")
 
@@ -106,7 +110,8 @@ def redirect_windows(name):
 def wine_environment(prefix, display_name):
     return dict(os.environ, DISPLAY=display_name, WINEPREFIX=str(prefix),
                 WINEARCH="win64", WINEDEBUG="-all",
-                WINEDLLOVERRIDES="mscoree,mshtml=d;winemenubuilder.exe=d")
+                WINEDLLOVERRIDES="mscoree,mshtml=d;winemenubuilder.exe=d;"
+                                 "dwmapi=n,b")
 
 
 def find_wine():
@@ -135,6 +140,19 @@ def make_prefix(wine, prefix, environment):
     finished.write_text(repr(REGISTRY))
 
 
+def make_locales(folder):
+    """Locales with other code pages than Western Europe's, if the machine
+    knows them; the folder in which Wine finds them."""
+    for locale in LOCALES:
+        target = folder / f"{locale}.UTF-8"
+        if not target.exists():
+            folder.mkdir(parents=True, exist_ok=True)
+            subprocess.run(["localedef", "-i", locale, "-f", "UTF-8", target],
+                           check=True, stdout=subprocess.DEVNULL,
+                           stderr=subprocess.DEVNULL)
+    return folder
+
+
 def windows_path(path):
     return "Z:" + str(path.resolve()).replace("/", "\\")
 
@@ -142,7 +160,8 @@ def windows_path(path):
 def install(options, prefix):
     """The program stands alone in a folder, as it is handed out."""
     system = prefix / "drive_c/windows/system32"
-    shutil.copy(options.tests / "magnification.dll", system)
+    for library in ("magnification.dll", "dwmapi.dll"):
+        shutil.copy(options.tests / library, system)
     folder = options.work / "program"
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir()
@@ -151,25 +170,46 @@ def install(options, prefix):
     return program
 
 
+def run_program(options, wine, environment, name, rest):
+    try:
+        return subprocess.run(
+            [wine, options.tests / name, "--gtest_brief=1", *rest],
+            env=environment, stdin=subprocess.DEVNULL,
+            preexec_fn=end_with_parent, timeout=options.seconds).returncode
+    except subprocess.TimeoutExpired:
+        print(f"{name} took more than {options.seconds} seconds.")
+        return 1
+
+
+def end_wine(environment):
+    for action in ("--kill", "--wait"):
+        subprocess.run(["wineserver", action], env=environment,
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+
 def run_tests(options, wine, environment, program):
     environment = dict(
         environment, TINTORA_PROGRAM=windows_path(program),
         GTEST_TOTAL_SHARDS=str(options.shares),
         GTEST_SHARD_INDEX=str(options.share or 0),
         TINTORA_PLANTED_LIBRARY=windows_path(options.tests / "planted.dll"))
-    name = "tintora_windows_tests.exe"
     if options.pictures:
         options.pictures.mkdir(parents=True, exist_ok=True)
         environment["TINTORA_PICTURES"] = windows_path(options.pictures)
-        name = "tintora_windows_pictures.exe"
-    try:
-        return subprocess.run(
-            [wine, options.tests / name, "--gtest_brief=1", *options.rest],
-            env=environment, stdin=subprocess.DEVNULL,
-            preexec_fn=end_with_parent, timeout=options.seconds).returncode
-    except subprocess.TimeoutExpired:
-        print(f"{name} took more than {options.seconds} seconds.")
-        return 1
+        return run_program(options, wine, environment,
+                           "tintora_windows_pictures.exe", options.rest)
+    name = "tintora_windows_tests.exe"
+    result = run_program(options, wine, environment, name, options.rest)
+    if options.rest:
+        return result
+    # Wine takes the language from where its first process was started.
+    environment["LOCPATH"] = str(make_locales(options.work / "locales"))
+    for locale in LOCALES:
+        end_wine(environment)
+        result |= run_program(
+            options, wine, dict(environment, LC_ALL=f"{locale}.UTF-8"), name,
+            ["--gtest_filter=*AnyLanguage*"])
+    return result
 
 
 def run_shares(count, arguments):
@@ -198,10 +238,7 @@ def main():
             return run_tests(options, wine, environment,
                              install(options, prefix))
         finally:
-            for action in ("--kill", "--wait"):
-                subprocess.run(["wineserver", action], env=environment,
-                               stdout=subprocess.DEVNULL,
-                               stderr=subprocess.DEVNULL)
+            end_wine(environment)
 
 
 if __name__ == "__main__":

@@ -196,6 +196,26 @@ TEST_F(Settings, SurviveIntoTheNextStart) {
   EXPECT_EQ(titleOf(windows().colourSpace), "RGB Cube");
 }
 
+void storeAs(DWORD type, const char* name, const void* value, DWORD size) {
+  RegSetKeyValueA(HKEY_CURRENT_USER, "Software\\Tintora", name, type, value, size);
+}
+
+TEST_F(Settings, AreReadWhateverTypeTheirFourBytesHave) {
+  const DWORD severity = 35;
+  storeValues({{"Selected", 2}});
+  storeAs(REG_BINARY, "ScrollPc", &severity, sizeof severity);
+  start();
+  EXPECT_EQ(title(), " Simulation - Deuteranomalous 35% severity");
+}
+
+TEST_F(Settings, ThatTakeMoreThanFourBytesAreNotRead) {
+  storeValues({{"Selected", 2}});
+  storeAs(REG_SZ, "ScrollPc", "thirty-five", 12);
+  storeAs(REG_QWORD, "Inversion", "\1\1\1\1\1\1\1\1", 8);
+  start();
+  EXPECT_EQ(title(), " Simulation - Deuteranope 100% severity");
+}
+
 TEST_F(Settings, KeepAViewThatThereIsNot) {
   storeValues({{"View", invalidView}});
   start();

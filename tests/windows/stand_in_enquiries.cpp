@@ -1,5 +1,10 @@
 #include "stand_in_enquiries.h"
 
+#include <shellapi.h>
+#include <shlobj.h>
+
+#include <cstring>
+
 namespace tintora::windows_test {
 
 namespace {
@@ -10,12 +15,12 @@ void appendMenu(MagnifierRecord& record, HMENU menu, int depth) {
     if (record.menuItems == recordedMenuItems) return;
     RecordedMenuItem& item = record.menuItem[record.menuItems++];
     item = {.depth = depth};
-    MENUITEMINFOA facts{};
+    MENUITEMINFOW facts{};
     facts.cbSize = sizeof facts;
     facts.fMask = MIIM_FTYPE | MIIM_STATE | MIIM_ID | MIIM_SUBMENU | MIIM_STRING;
     facts.dwTypeData = item.text.data();
     facts.cch = static_cast<UINT>(item.text.size());
-    GetMenuItemInfoA(menu, static_cast<UINT>(position), TRUE, &facts);
+    GetMenuItemInfoW(menu, static_cast<UINT>(position), TRUE, &facts);
     item.type = facts.fType;
     item.state = facts.fState;
     item.command = facts.wID;
@@ -97,6 +102,36 @@ void holdKey(BYTE key) {
   BYTE keys[256]{};
   if (key != 0) keys[key] = down;
   SetKeyboardState(keys);
+}
+
+void changeResolution(const MagnifierRecord& record, HWND window, WORD dpi) {
+  RECT suggested = record.suggested;
+  SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&suggested));
+}
+
+bool keepsDroppedFile(HWND window) {
+  constexpr char name[] = "C:\\dropped.txt\0";
+  const HGLOBAL drop = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, sizeof(DROPFILES) + sizeof name);
+  auto* const files = static_cast<DROPFILES*>(GlobalLock(drop));
+  files->pFiles = sizeof(DROPFILES);
+  std::memcpy(files + 1, name, sizeof name);
+  GlobalUnlock(drop);
+  SendMessageW(window, WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
+  const bool kept = GlobalSize(drop) != 0;
+  GlobalFree(drop);
+  return kept;
+}
+
+void readProcessorTime(MagnifierRecord& record) {
+  FILETIME created{};
+  FILETIME ended{};
+  FILETIME kernel{};
+  FILETIME user{};
+  GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
+  const auto units = [](const FILETIME& time) {
+    return ULARGE_INTEGER{{time.dwLowDateTime, time.dwHighDateTime}}.QuadPart;
+  };
+  record.processorTime = units(kernel) + units(user);
 }
 
 }  // namespace tintora::windows_test

@@ -11,5 +11,8 @@ void readMenu(MagnifierRecord& record, HMENU menu);
 void readClass(MagnifierRecord& record, HWND window);
 void countObjects(MagnifierRecord& record);
 void holdKey(BYTE key);
+void changeResolution(const MagnifierRecord& record, HWND window, WORD dpi);
+bool keepsDroppedFile(HWND window);
+void readProcessorTime(MagnifierRecord& record);
 
 }  // namespace tintora::windows_test

@@ -31,8 +31,7 @@ RecordedCall callOn(MagnifierCall call, HWND window) {
   return recorded;
 }
 
-// A screen shows no more than so many pictures in a second; a program that asks for the next one as
-// soon as one is drawn is held to that.
+// A screen shows no more than so many pictures in a second; a control may hold its paints to that.
 void awaitNextPicture() {
   constexpr ULONGLONG millisecondsPerPicture = 16;
   static ULONGLONG last = 0;
@@ -42,12 +41,41 @@ void awaitNextPicture() {
   last = GetTickCount64();
 }
 
+bool isModal() {
+  GUITHREADINFO facts{};
+  facts.cbSize = sizeof facts;
+  GetGUIThreadInfo(GetCurrentThreadId(), &facts);
+  return (facts.flags &
+          (GUI_INMENUMODE | GUI_INMOVESIZE | GUI_POPUPMENUMODE | GUI_SYSTEMMENUMODE)) != 0;
+}
+
+void writePaint(HWND window, bool modal) {
+  RecordedPaint paint{.source = source, .modal = modal};
+  ClientToScreen(window, &paint.corner);
+  record->paint[static_cast<std::size_t>(record->paints % recordedPaints)] = paint;
+  ++record->paints;
+}
+
 void paint(HWND window) {
-  awaitNextPicture();
+  const MagnifierHabits& habits = record->habits;
+  const bool modal = isModal();
+  if (habits.throttled) awaitNextPicture();
   PAINTSTRUCT painting{};
   BeginPaint(window, &painting);
-  showBeneath(window, painting.hdc, source, effect);
+  if (!modal || !habits.restsWhenModal) {
+    writePaint(window, modal);
+    if (!habits.drawsNothing) {
+      showBeneath(window, painting.hdc, source, effect, habits.showsLastPicture);
+    }
+  }
   EndPaint(window, &painting);
+}
+
+// The program's own thread sends these to its own windows.
+LRESULT CALLBACK countTitles(int code, WPARAM first, LPARAM second) {
+  const auto* const sent = reinterpret_cast<const CWPSTRUCT*>(second);
+  if (code == HC_ACTION && sent->message == WM_SETTEXT) ++record->titleSets;
+  return CallNextHookEx(nullptr, code, first, second);
 }
 
 LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM second) {
@@ -61,8 +89,7 @@ LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM secon
     case WM_ERASEBKGND:
       return 1;
     case WM_NCHITTEST:
-      // The mouse belongs to the window that holds the magnifier.
-      return HTTRANSPARENT;
+      return record->habits.keepsMouse ? HTCLIENT : HTTRANSPARENT;
     case ReachMarker:
       record->marker = static_cast<std::uint32_t>(first);
       return 0;
@@ -77,6 +104,14 @@ LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM secon
       return 1;
     case HoldKey:
       holdKey(static_cast<BYTE>(first));
+      return 1;
+    case ChangeResolution:
+      changeResolution(*record, reinterpret_cast<HWND>(first), static_cast<WORD>(second));
+      return 1;
+    case DropFile:
+      return keepsDroppedFile(reinterpret_cast<HWND>(first)) ? 1 : 0;
+    case ReadProcessorTime:
+      readProcessorTime(*record);
       return 1;
     default:
       return DefWindowProcA(window, message, first, second);
@@ -99,6 +134,7 @@ __declspec(dllexport) BOOL WINAPI MagInitialize() {
   openRecord();
   if (record == nullptr) return FALSE;
   write({.call = MagnifierCall::Initialize});
+  SetWindowsHookExA(WH_CALLWNDPROC, &countTitles, nullptr, GetCurrentThreadId());
   WNDCLASSA facts{};
   facts.style = CS_GLOBALCLASS;
   facts.lpfnWndProc = &procedure;
@@ -117,6 +153,7 @@ __declspec(dllexport) BOOL WINAPI MagSetWindowTransform(HWND window, float (*tra
   RecordedCall call = callOn(MagnifierCall::SetWindowTransform, window);
   std::copy_n(&(*transform)[0][0], 9, call.values.begin());
   write(call);
+  if (record->refusal == Refusal::SetWindowTransform) return FALSE;
   return TRUE;
 }
 
@@ -124,6 +161,7 @@ __declspec(dllexport) BOOL WINAPI MagSetWindowSource(HWND window, RECT rectangle
   RecordedCall call = callOn(MagnifierCall::SetWindowSource, window);
   call.source = rectangle;
   write(call);
+  if (record->refusal == Refusal::SetWindowSource) return FALSE;
   source = rectangle;
   return TRUE;
 }
@@ -132,8 +170,20 @@ __declspec(dllexport) BOOL WINAPI MagSetColorEffect(HWND window, float (*matrix)
   RecordedCall call = callOn(MagnifierCall::SetColorEffect, window);
   std::copy_n(&(*matrix)[0][0], effect.size(), call.values.begin());
   write(call);
+  if (record->refusal == Refusal::SetColorEffect) return FALSE;
   effect = call.values;
   return TRUE;
+}
+
+// For the stand-in that composes: from now on the screen shows what was drawn last.
+__declspec(dllexport) void composePicture() {
+  if (record == nullptr) return;
+  ++record->composed;
+  showDrawn();
+}
+
+__declspec(dllexport) void recordCorners(std::uint32_t preference) {
+  if (record != nullptr) record->corners = preference;
 }
 
 }  // extern "C"

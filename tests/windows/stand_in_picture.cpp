@@ -62,30 +62,68 @@ void apply(const ColourEffect& effect, std::span<Pixel> pixels) {
   }
 }
 
+// A picture that was drawn and is not on the screen yet.
+struct KeptPicture {
+  HWND magnifier = nullptr;
+  SIZE size{};
+  std::vector<Pixel> pixels;
+};
+KeptPicture kept;
+
+BITMAPINFO description(const SIZE& size) {
+  BITMAPINFO info{};
+  BITMAPINFOHEADER& header = info.bmiHeader;
+  header.biSize = sizeof header;
+  header.biWidth = size.cx;
+  header.biHeight = -size.cy;
+  header.biPlanes = 1;
+  header.biBitCount = 32;
+  return info;
+}
+
+void showKept(HDC target) {
+  const BITMAPINFO info = description(kept.size);
+  SetDIBitsToDevice(target, 0, 0, static_cast<DWORD>(kept.size.cx),
+                    static_cast<DWORD>(kept.size.cy), 0, 0, 0, static_cast<UINT>(kept.size.cy),
+                    kept.pixels.data(), &info, DIB_RGB_COLORS);
+}
+
 }  // namespace
 
-void showBeneath(HWND magnifier, HDC target, const RECT& source, const ColourEffect& effect) {
+void showDrawn() {
+  if (kept.pixels.empty() || IsWindow(kept.magnifier) == 0) return;
+  const HDC context = GetDC(kept.magnifier);
+  showKept(context);
+  ReleaseDC(kept.magnifier, context);
+  GdiFlush();
+  // Wine brings what was drawn to the screen while a thread waits.
+  constexpr DWORD milliseconds = 60;
+  for (int i = 0; i < 3; ++i) MsgWaitForMultipleObjects(0, nullptr, FALSE, milliseconds, 0);
+}
+
+void showBeneath(HWND magnifier, HDC target, const RECT& source, const ColourEffect& effect,
+                 bool late) {
   RECT client{};
   GetClientRect(magnifier, &client);
   if (IsRectEmpty(&client)) return;
   const RECT part{source.left, source.top, source.left + client.right, source.top + client.bottom};
 
-  BITMAPINFO info{};
-  BITMAPINFOHEADER& header = info.bmiHeader;
-  header.biSize = sizeof header;
-  header.biWidth = client.right;
-  header.biHeight = -client.bottom;
-  header.biPlanes = 1;
-  header.biBitCount = 32;
+  const BITMAPINFO info = description({client.right, client.bottom});
   void* bits = nullptr;
   const HDC memory = CreateCompatibleDC(target);
   const HBITMAP bitmap = CreateDIBSection(memory, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
   const HGDIOBJ previous = SelectObject(memory, bitmap);
   copyBeneath(GetAncestor(magnifier, GA_ROOT), memory, part);
   GdiFlush();
-  apply(effect, {static_cast<Pixel*>(bits),
-                 static_cast<std::size_t>(client.right) * static_cast<std::size_t>(client.bottom)});
-  BitBlt(target, 0, 0, client.right, client.bottom, memory, 0, 0, SRCCOPY);
+  const std::span pixels{static_cast<Pixel*>(bits), static_cast<std::size_t>(client.right) *
+                                                        static_cast<std::size_t>(client.bottom)};
+  apply(effect, pixels);
+  if (late) {
+    if (kept.size.cx == client.right && kept.size.cy == client.bottom) showKept(target);
+    kept = {magnifier, {client.right, client.bottom}, {pixels.begin(), pixels.end()}};
+  } else {
+    BitBlt(target, 0, 0, client.right, client.bottom, memory, 0, 0, SRCCOPY);
+  }
   SelectObject(memory, previous);
   DeleteObject(bitmap);
   DeleteDC(memory);

@@ -213,6 +213,7 @@ TEST_P(Forms, AreReachedAsTheirRowSays) {
   go(row.steps);
   EXPECT_EQ(styleOf(windows().main), row.style);
   EXPECT_EQ(extendedStyleOf(windows().main), row.extendedStyle);
+  EXPECT_NE(GetWindowLongA(windows().main, GWL_EXSTYLE) & WS_EX_ACCEPTFILES, 0);
   EXPECT_TRUE(IsWindowVisible(windows().main));
   EXPECT_EQ(IsWindowVisible(windows().control) != FALSE, row.controlShown);
   if (row.wholeScreen) {

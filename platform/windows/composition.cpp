@@ -1,0 +1,42 @@
+#include "platform/windows/composition.h"
+
+#include "platform/windows/system_library.h"
+
+namespace tintora::platform {
+
+namespace {
+
+struct CompositionApi {
+  HRESULT(WINAPI* flush)() = nullptr;
+  HRESULT(WINAPI* setWindowAttribute)(HWND, DWORD, const void*, DWORD) = nullptr;
+};
+
+// Not among the libraries that Windows always takes from its own folder, so loaded from there by
+// name. Functions that the desktop lacks stay null.
+const CompositionApi& api() {
+  static const CompositionApi found = [] {
+    CompositionApi functions;
+    const HMODULE library = loadSystemLibrary("dwmapi.dll");
+    if (library == nullptr) return functions;
+    functions.flush = libraryFunction<HRESULT WINAPI()>(library, "DwmFlush");
+    functions.setWindowAttribute = libraryFunction<HRESULT WINAPI(HWND, DWORD, const void*, DWORD)>(
+        library, "DwmSetWindowAttribute");
+    return functions;
+  }();
+  return found;
+}
+
+}  // namespace
+
+void awaitComposition() {
+  if (api().flush != nullptr) api().flush();
+}
+
+void keepCornersSquare(HWND window) {
+  constexpr DWORD cornerPreference = 33;
+  constexpr DWORD doNotRound = 1;
+  if (api().setWindowAttribute == nullptr) return;
+  api().setWindowAttribute(window, cornerPreference, &doNotRound, sizeof doNotRound);
+}
+
+}  // namespace tintora::platform

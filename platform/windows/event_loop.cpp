@@ -1,0 +1,240 @@
+#include "platform/windows/event_loop.h"
+
+#include <windows.h>
+#include <shellapi.h>
+#include <windowsx.h>
+
+#include "platform/windows/handles.h"
+#include "platform/windows/magnifier.h"
+#include "platform/windows/view_pace.h"
+
+namespace tintora::platform {
+
+namespace {
+
+constexpr UINT_PTR timerId = 0;
+
+EventHandler eventHandler = nullptr;
+bool told = false;  // the handler was, since the loop last looked
+int result = 0;
+
+bool handle(const Event& event) {
+  told = true;
+  return eventHandler(event);
+}
+
+// A window's kind is kept with it, above 0, which stands for a window not known yet.
+bool isKnown(HWND window) {
+  return GetWindowLongPtrW(window, GWLP_USERDATA) != 0;
+}
+WindowKind kindOf(HWND window) {
+  return static_cast<WindowKind>(GetWindowLongPtrW(window, GWLP_USERDATA) - 1);
+}
+
+Event at(EventKind kind, Window* window, LPARAM place) {
+  return {.kind = kind, .window = window, .position = {GET_X_LPARAM(place), GET_Y_LPARAM(place)}};
+}
+
+bool onMouseMoved(Window* window, WPARAM held, LPARAM place) {
+  Event event = at(EventKind::MouseMoved, window, place);
+  event.leftHeld = (held & MK_LBUTTON) != 0;
+  event.rightHeld = (held & MK_RBUTTON) != 0;
+  event.shiftHeld = (held & MK_SHIFT) != 0;
+  return handle(event);
+}
+
+// A drag goes on outside the window, but not that of the colour space window.
+bool onLeftDown(Window* window, LPARAM place) {
+  if (kindOf(native(window)) != WindowKind::ColourSpace) SetCapture(native(window));
+  return handle(at(EventKind::LeftDown, window, place));
+}
+
+bool onLeftUp(Window* window, LPARAM place) {
+  const bool handled = handle(at(EventKind::LeftUp, window, place));
+  if (GetCapture() == native(window)) ReleaseCapture();
+  return handled;
+}
+
+// The desktop asks for nothing but the length of the first name; the drop stays with it.
+bool onFilesDropped(Window* window, HDROP drop) {
+  DragQueryFileW(drop, 0, nullptr, 0);
+  return handle({.kind = EventKind::FilesDropped, .window = window});
+}
+
+// Takes the place that suits the new resolution.
+bool onResolutionChanged(HWND window, const RECT& suggested) {
+  SetWindowPos(window, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
+               suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
+  return true;
+}
+
+bool handleMessage(Window* window, UINT message, WPARAM first, LPARAM second) {
+  switch (message) {
+    case WM_KEYDOWN:
+      return handle({.kind = EventKind::KeyDown, .window = window, .key = static_cast<int>(first)});
+    case WM_KEYUP:
+      return handle({.kind = EventKind::KeyUp, .window = window, .key = static_cast<int>(first)});
+    case WM_MOUSEWHEEL:
+      return handle({.kind = EventKind::WheelTurned,
+                     .window = window,
+                     .wheelUp = GET_WHEEL_DELTA_WPARAM(first) > 0});
+    case WM_COMMAND:
+      return handle({.kind = EventKind::Command, .window = window, .command = LOWORD(first)});
+    case WM_LBUTTONDOWN:
+      return onLeftDown(window, second);
+    case WM_LBUTTONUP:
+      return onLeftUp(window, second);
+    case WM_RBUTTONDOWN:
+      return handle(at(EventKind::RightDown, window, second));
+    case WM_RBUTTONUP:
+      return handle(at(EventKind::RightUp, window, second));
+    case WM_MOUSEMOVE:
+      return onMouseMoved(window, first, second);
+    case WM_CAPTURECHANGED:
+      return handle({.kind = EventKind::MouseLost, .window = window});
+    case WM_SIZE:
+      return handle(
+          {.kind = EventKind::Sized, .window = window, .maximised = first == SIZE_MAXIMIZED});
+    case WM_SIZING:
+      return handle({.kind = EventKind::Sizing, .window = window});
+    case WM_MOVING:
+      return handle({.kind = EventKind::Moving, .window = window});
+    case WM_MOVE:
+      return handle({.kind = EventKind::Moved, .window = window});
+    case WM_PAINT:
+      return handle({.kind = EventKind::Painting, .window = window});
+    case WM_DROPFILES:
+      return onFilesDropped(window, reinterpret_cast<HDROP>(first));
+    case WM_DISPLAYCHANGE:
+      forgetPace();
+      return handle({.kind = EventKind::ScreenChanged, .window = window});
+    case WM_DPICHANGED:
+      return onResolutionChanged(native(window), *reinterpret_cast<const RECT*>(second));
+    case WM_ENDSESSION:
+      // The process may be ended as soon as this returns.
+      return first != FALSE && handle({.kind = EventKind::SessionEnding, .window = window});
+    case WM_ENTERMENULOOP:
+    case WM_ENTERSIZEMOVE:
+      beginModalLoop();
+      return false;
+    case WM_EXITMENULOOP:
+    case WM_EXITSIZEMOVE:
+      endModalLoop();
+      return false;
+    case WM_CLOSE:
+      return handle({.kind = EventKind::Closing, .window = window});
+    case WM_DESTROY:
+      return handle({.kind = EventKind::Destroyed, .window = window});
+    default:
+      return false;
+  }
+}
+
+void CALLBACK timerElapsed(HWND window, UINT /*message*/, UINT_PTR /*id*/, DWORD /*time*/) {
+  handle({.kind = EventKind::TimerElapsed, .window = fromNative(window)});
+}
+
+void dispatch(const MSG& message) {
+  TranslateMessage(&message);
+  DispatchMessageW(&message);
+}
+
+bool isDown(int key) {
+  return GetKeyState(key) < 0;
+}
+
+bool onlyPaintsWait() {
+  MSG message{};
+  return PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE) != 0 && message.message == WM_PAINT;
+}
+
+// Takes a timer that is due; they would come after paints, and something is always left to paint.
+// What ends the loop is taken as well, whatever is asked for.
+bool takeTimer(MSG& message) {
+  return PeekMessageW(&message, nullptr, WM_TIMER, WM_TIMER, PM_REMOVE) != 0;
+}
+
+}  // namespace
+
+void setEventHandler(EventHandler handler) {
+  eventHandler = handler;
+}
+
+void translateEvents(HWND window, WindowKind kind) {
+  SetWindowLongPtrW(window, GWLP_USERDATA, static_cast<LONG_PTR>(kind) + 1);
+}
+
+LRESULT CALLBACK windowProcedure(HWND window, UINT message, WPARAM first, LPARAM second) {
+  if (isKnown(window) && handleMessage(fromNative(window), message, first, second)) return 0;
+  return DefWindowProcW(window, message, first, second);
+}
+
+void startTimer(Window* window, int milliseconds) {
+  SetTimer(native(window), timerId, static_cast<UINT>(milliseconds), &timerElapsed);
+}
+
+void stopTimer(Window* window) {
+  KillTimer(native(window), timerId);
+}
+
+bool isShiftDown() {
+  return isDown(VK_LSHIFT) || isDown(VK_RSHIFT);
+}
+
+bool isControlDown() {
+  return isDown(VK_LCONTROL) || isDown(VK_RCONTROL);
+}
+
+Point cursorPosition() {
+  POINT place{};
+  GetCursorPos(&place);
+  return {static_cast<int>(place.x), static_cast<int>(place.y)};
+}
+
+void showCursor(bool shown) {
+  ShowCursor(shown ? TRUE : FALSE);
+}
+
+bool handleNextEvent() {
+  MSG message{};
+  while (!takeTimer(message)) {
+    if (!onlyPaintsWait()) {
+      GetMessageW(&message, nullptr, 0, 0);
+      break;
+    }
+    if (!awaitNextPicture()) continue;
+    told = false;
+    paintWaitingWindows();
+    if (told) return true;
+    // A new picture of the screen is no event of the program.
+    refreshView();
+  }
+  if (message.message == WM_QUIT) {
+    result = static_cast<int>(message.wParam);
+    return false;
+  }
+  dispatch(message);
+  return true;
+}
+
+void handleWaitingEvents() {
+  MSG message{};
+  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
+    if (message.message == WM_QUIT) {
+      // For the loop, which must see it.
+      PostQuitMessage(static_cast<int>(message.wParam));
+      return;
+    }
+    dispatch(message);
+  }
+}
+
+void quit(int exitResult) {
+  PostQuitMessage(exitResult);
+}
+
+int quitResult() {
+  return result;
+}
+
+}  // namespace tintora::platform

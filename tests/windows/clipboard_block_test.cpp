@@ -1,0 +1,170 @@
+// The block that is put on the clipboard, from pictures of every depth and from a desktop that
+// fails.
+#include <windows.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "platform/clipboard.h"
+#include "platform/windows/handles.h"
+
+// Where the program's calls of these functions go; a linked library's calls go through them.
+extern "C" {
+extern int(WINAPI* __imp_GetDIBits)(HDC, HBITMAP, UINT, UINT, LPVOID, LPBITMAPINFO, UINT);
+extern HGLOBAL(WINAPI* __imp_GlobalAlloc)(UINT, SIZE_T);
+}
+
+namespace tintora::windows_test {
+namespace {
+
+// For as long as it lives, a function of the desktop is another one.
+template <typename Function>
+class Replaced {
+ public:
+  Replaced(Function** place, Function* replacement) : place_(place), original_(*place) {
+    write(replacement);
+  }
+  ~Replaced() { write(original_); }
+  Replaced(const Replaced&) = delete;
+  Replaced& operator=(const Replaced&) = delete;
+
+ private:
+  void write(Function* function) {
+    DWORD protection = 0;
+    VirtualProtect(place_, sizeof function, PAGE_READWRITE, &protection);
+    *place_ = function;
+    VirtualProtect(place_, sizeof function, protection, &protection);
+  }
+  Function** place_;
+  Function* original_;
+};
+
+constexpr int width = 13;
+constexpr int height = 3;
+
+struct Block {
+  BITMAPINFOHEADER header{};
+  std::size_t bytes = 0;
+};
+
+class ClipboardBlock : public testing::Test {
+ protected:
+  void SetUp() override {
+    window_ = CreateWindowExA(0, "STATIC", "owner", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr,
+                              GetModuleHandleA(nullptr), nullptr);
+    OpenClipboard(nullptr);
+    EmptyClipboard();
+    CloseClipboard();
+  }
+  void TearDown() override { DestroyWindow(window_); }
+
+  // Puts a bitmap of so many bits per pixel on the clipboard, all 0.
+  bool put(int bitsPerPixel) {
+    const std::vector<std::uint8_t> bits(64 * height);
+    const HBITMAP bitmap =
+        CreateBitmap(width, height, 1, static_cast<UINT>(bitsPerPixel), bits.data());
+    platform::Picture* const picture = platform::fromNative(bitmap);
+    const bool handedOver = platform::putOnClipboard(platform::fromNative(window_), picture);
+    platform::deletePicture(picture);
+    return handedOver;
+  }
+
+  static Block held() {
+    Block block;
+    OpenClipboard(nullptr);
+    if (const HANDLE memory = GetClipboardData(CF_DIB)) {
+      block.bytes = GlobalSize(memory);
+      std::memcpy(&block.header, GlobalLock(memory), sizeof block.header);
+      GlobalUnlock(memory);
+    }
+    CloseClipboard();
+    return block;
+  }
+
+  static bool isClosed() {
+    const bool opened = OpenClipboard(nullptr) != 0;
+    if (opened) CloseClipboard();
+    return opened;
+  }
+
+ private:
+  HWND window_ = nullptr;
+};
+
+struct DepthRow {
+  int bitsPerPixel;
+  int bitCount;
+  std::size_t tableBytes;
+};
+
+void PrintTo(const DepthRow& row, std::ostream* out) {
+  *out << row.bitsPerPixel;
+}
+
+class Depths : public ClipboardBlock, public testing::WithParamInterface<DepthRow> {};
+
+TEST_P(Depths, HaveTheirColourTable) {
+  const DepthRow& row = GetParam();
+  ASSERT_TRUE(put(row.bitsPerPixel));
+  const Block block = held();
+  const int stride = (row.bitCount * width + 31) / 32 * 4;
+  EXPECT_EQ(block.header.biSize, 40U);
+  EXPECT_EQ(block.header.biWidth, width);
+  EXPECT_EQ(block.header.biHeight, height);
+  EXPECT_EQ(block.header.biBitCount, row.bitCount);
+  EXPECT_EQ(block.header.biSizeImage, static_cast<DWORD>(stride * height));
+  EXPECT_EQ(block.bytes, 40 + row.tableBytes + static_cast<std::size_t>(stride * height));
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, Depths,
+                         testing::Values(DepthRow{1, 1, 8}, DepthRow{4, 4, 64},
+                                         DepthRow{8, 8, 1024}, DepthRow{16, 24, 0},
+                                         DepthRow{32, 24, 0}),
+                         [](const auto& row) { return std::to_string(row.param.bitsPerPixel); });
+
+decltype(GetDIBits)* originalGetDibits = nullptr;
+
+// A driver that does not tell how many bytes a picture has.
+int WINAPI silentOnSize(HDC context, HBITMAP bitmap, UINT first, UINT rows, LPVOID bits,
+                        LPBITMAPINFO info, UINT usage) {
+  if (bits != nullptr) return originalGetDibits(context, bitmap, first, rows, bits, info, usage);
+  info->bmiHeader.biSizeImage = 0;
+  return 1;
+}
+int WINAPI copiesNothing(HDC, HBITMAP, UINT, UINT, LPVOID, LPBITMAPINFO, UINT) {
+  return 0;
+}
+HGLOBAL WINAPI outOfMemory(UINT, SIZE_T) {
+  return nullptr;
+}
+
+TEST_F(ClipboardBlock, HasItsSizeIfTheDesktopDoesNotSay) {
+  originalGetDibits = __imp_GetDIBits;
+  const Replaced silent(&__imp_GetDIBits, &silentOnSize);
+  ASSERT_TRUE(put(32));
+  // 13 pixels of 24 bits are 39 bytes, and rows are filled to multiples of 4.
+  EXPECT_EQ(held().bytes, 40U + 40U * height);
+}
+
+TEST_F(ClipboardBlock, IsNotHandedOverWithoutPixels) {
+  const Replaced failing(&__imp_GetDIBits, &copiesNothing);
+  EXPECT_FALSE(put(32));
+  EXPECT_EQ(held().bytes, 0U);
+  EXPECT_TRUE(isClosed());
+}
+
+TEST_F(ClipboardBlock, IsNotHandedOverWithoutMemory) {
+  {
+    const Replaced failing(&__imp_GlobalAlloc, &outOfMemory);
+    EXPECT_FALSE(put(32));
+  }
+  EXPECT_EQ(held().bytes, 0U);
+  EXPECT_TRUE(isClosed());
+}
+
+}  // namespace
+}  // namespace tintora::windows_test

@@ -1,0 +1,205 @@
+// What a real desk does to the program: sessions that end, mice that leave windows, messages that
+// stand for several at once.
+#include <ostream>
+#include <string>
+
+#include "program_run.h"
+#include "stored_values.h"
+
+namespace tintora::windows_test {
+namespace {
+
+using Desk = ProgramTest;
+
+TEST_F(Desk, SettingsAreSavedWhenTheSessionEnds) {
+  start();
+  choose(2);
+  EXPECT_NE(SendMessageA(windows().main, WM_QUERYENDSESSION, 0, 0), 0);
+  SendMessageA(windows().main, WM_ENDSESSION, TRUE, 0);
+  // The desktop may end the process from here on.
+  EXPECT_EQ(storedValues()["Selected"], 2U);
+}
+
+TEST_F(Desk, NothingIsSavedWhenTheSessionGoesOn) {
+  start();
+  choose(2);
+  SendMessageA(windows().main, WM_QUERYENDSESSION, 0, 0);
+  SendMessageA(windows().main, WM_ENDSESSION, FALSE, 0);
+  EXPECT_TRUE(storedValues().empty());
+  EXPECT_TRUE(process().isRunning());
+}
+
+TEST_F(Desk, TheLensHasSquareCorners) {
+  constexpr std::uint32_t doNotRound = 1;
+  start();
+  EXPECT_EQ(magnifierRecord().corners, doNotRound);
+}
+
+TEST_F(Desk, ADropStaysWithTheDesktop) {
+  start();
+  EXPECT_EQ(ask(DropFile, reinterpret_cast<WPARAM>(windows().main)), 1U);
+}
+
+TEST_F(Desk, OneWheelMessageIsOneStepHoweverFar) {
+  start();
+  for (const int travel : {-120, -360, -30, -1}) {
+    send(windows().main, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(travel)));
+  }
+  EXPECT_EQ(title(), " Simulation - Protanomalous 80% severity");
+  for (const int travel : {120, 480, 40, 1}) {
+    send(windows().main, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(travel)));
+  }
+  EXPECT_EQ(title(), " Simulation - Protanope 100% severity");
+}
+
+// Windows sizes in a loop of its own, in which there is no turn of the program's.
+TEST_F(Desk, TheViewIsAimedWhileTheFrameIsSized) {
+  start();
+  ShowWindow(windows().main, SW_HIDE);
+  settle();
+  const std::uint64_t before = magnifierRecord().calls;
+  RECT bounds{};
+  SendMessageA(windows().main, WM_SIZING, WMSZ_RIGHT, reinterpret_cast<LPARAM>(&bounds));
+  EXPECT_GT(magnifierRecord().calls, before);
+}
+
+TEST_F(Desk, AKeyThatIsLetGoOpensNoMenu) {
+  start();
+  send(windows().main, WM_SYSKEYDOWN, VK_F10);
+  PostMessageA(windows().main, WM_KEYUP, VK_F10, 0);
+  Sleep(300);
+  EXPECT_EQ(threadOf(windows().main).flags & (GUI_INMENUMODE | GUI_SYSTEMMENUMODE), 0U);
+}
+
+TEST_F(Desk, ScreenChangesFitFullScreenAgain) {
+  start();
+  press('F');
+  SetWindowPos(windows().main, nullptr, 0, 0, 800, 600, SWP_NOZORDER | SWP_NOACTIVATE);
+  send(windows().main, WM_DISPLAYCHANGE, 32, MAKELPARAM(1280, 800));
+  EXPECT_EQ(boundsOf(windows().main), screenBounds());
+  EXPECT_EQ(boundsOf(lastCall(MagnifierCall::SetWindowSource).source), screenBounds());
+}
+
+// The mouse as the user moves it, through all of the desktop.
+class Mouse : public ProgramTest {
+ protected:
+  static void button(DWORD change) {
+    mouse_event(change, 0, 0, 0, 0);
+    Sleep(50);
+  }
+  void moveTo(LONG x, LONG y) {
+    SetCursorPos(static_cast<int>(x), static_cast<int>(y));
+    Sleep(50);
+    settle();
+  }
+  HWND captured() const { return threadOf(windows().main).hwndCapture; }
+  void startApart() {
+    storeValues({{"ColorSpace", 0}});
+    start();
+    SetWindowPos(windows().main, nullptr, 100, 100, 300, 200, SWP_NOZORDER | SWP_NOACTIVATE);
+    settle();
+  }
+  void TearDown() override {
+    button(MOUSEEVENTF_LEFTUP);
+    ProgramTest::TearDown();
+  }
+};
+
+TEST_F(Mouse, ADragGoesOnOutsideTheWindowAndEndsThere) {
+  startApart();
+  moveTo(200, 200);
+  button(MOUSEEVENTF_LEFTDOWN);
+  ASSERT_TRUE(eventually([this] { return captured() == windows().main; }));
+  moveTo(800, 500);
+  EXPECT_EQ(boundsOf(windows().main), (Bounds{700, 400, 1000, 600}));
+  button(MOUSEEVENTF_LEFTUP);
+  ASSERT_TRUE(eventually([this] { return captured() == nullptr; }));
+  moveTo(750, 450);
+  moveTo(760, 470);
+  EXPECT_EQ(boundsOf(windows().main), (Bounds{700, 400, 1000, 600}));
+}
+
+TEST_F(Mouse, ADragEndsWhenTheDesktopTakesTheMouse) {
+  startApart();
+  moveTo(200, 200);
+  button(MOUSEEVENTF_LEFTDOWN);
+  ASSERT_TRUE(eventually([this] { return captured() == windows().main; }));
+  send(windows().main, WM_CANCELMODE);
+  moveTo(220, 230);
+  EXPECT_EQ(boundsOf(windows().main), (Bounds{100, 100, 400, 300}));
+}
+
+TEST_F(Mouse, IsTheFramesEvenIfTheControlWouldKeepIt) {
+  magnifierRecord().habits.keepsMouse = true;
+  startApart();
+  moveTo(200, 200);
+  button(MOUSEEVENTF_LEFTDOWN);
+  moveTo(230, 240);
+  EXPECT_EQ(boundsOf(windows().main), (Bounds{130, 140, 430, 340}));
+}
+
+TEST_F(Mouse, TurnsTheCubeOnlyOverItsWindow) {
+  storeValues({{"View", 703}});
+  start();
+  send(windows().colourSpace, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(50, 50));
+  EXPECT_EQ(captured(), nullptr);
+}
+
+// The main gestures over every kind of magnifier that there may be.
+struct HabitRow {
+  const char* name;
+  std::atomic<bool> MagnifierHabits::*habit = nullptr;
+  Refusal refusal = Refusal::Nothing;
+};
+
+void PrintTo(const HabitRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+const std::array habitRows{
+    HabitRow{"Harsh"},
+    HabitRow{"Throttled", &MagnifierHabits::throttled},
+    HabitRow{"KeepsMouse", &MagnifierHabits::keepsMouse},
+    HabitRow{"RestsWhenModal", &MagnifierHabits::restsWhenModal},
+    HabitRow{"ShowsLastPicture", &MagnifierHabits::showsLastPicture},
+    HabitRow{"RefusesTransforms", nullptr, Refusal::SetWindowTransform},
+    HabitRow{"RefusesSources", nullptr, Refusal::SetWindowSource},
+    HabitRow{"RefusesEffects", nullptr, Refusal::SetColorEffect},
+};
+
+class Gestures : public Mouse, public testing::WithParamInterface<HabitRow> {};
+
+TEST_P(Gestures, WorkOverAnyMagnifier) {
+  magnifierRecord().refusal = GetParam().refusal;
+  if (GetParam().habit != nullptr) magnifierRecord().habits.*GetParam().habit = true;
+  startApart();
+  press('D');
+  turnWheel(false);
+  EXPECT_EQ(title(), " Simulation - Deuteranomalous 95% severity");
+  moveTo(200, 200);
+  button(MOUSEEVENTF_LEFTDOWN);
+  moveTo(260, 250);
+  button(MOUSEEVENTF_LEFTUP);
+  EXPECT_EQ(boundsOf(windows().main), (Bounds{160, 150, 460, 350}));
+  ASSERT_NE(openMenu(windows().main), nullptr);
+  closeMenu();
+  press('H');
+  EXPECT_TRUE(IsWindowVisible(windows().control));
+  press('H');
+  press('F');
+  EXPECT_EQ(boundsOf(windows().main), screenBounds());
+  press('F');
+  press('R');
+  EXPECT_TRUE(IsWindowVisible(windows().colourSpace));
+  choose(52);
+  EXPECT_TRUE(eventually([this] { return title() == "Image Copied To Clipboard"; }));
+  end();
+  EXPECT_EQ(process().result(), 0U);
+  EXPECT_EQ(storedValues()["ScrollPc"], 95U);
+}
+
+INSTANTIATE_TEST_SUITE_P(With, Gestures, testing::ValuesIn(habitRows),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+}  // namespace
+}  // namespace tintora::windows_test

@@ -1,0 +1,164 @@
+// The program on desktops of any language, and in folders that their code pages do not hold.
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "picture.h"
+#include "program_run.h"
+#include "stored_values.h"
+
+namespace tintora::windows_test {
+namespace {
+
+constexpr const char* transform = "Vi\xe9not \xc5\xf1\n1 0 0 0\n0 1 0 0\n0 0 1 0\n";
+constexpr const wchar_t* transformName = L"Vi\u00e9not \u00c5\u00f1";
+
+// These also run on desktops with other code pages.
+class AnyLanguage : public ProgramTest {
+ protected:
+  void startWithTransform() {
+    std::ofstream(customFile()) << transform;
+    storeValues({{"ColorSpace", 0}});
+    start("-s");
+    choose(0);
+  }
+};
+
+TEST_F(AnyLanguage, HasTheSameTitlesAndMenus) {
+  startWithTransform();
+  EXPECT_EQ(wideTitleOf(windows().main), transformName);
+  const std::vector<MenuItem> items = menu();
+  const auto count = [&](const std::string& text) {
+    return std::ranges::count(items, text, &MenuItem::text);
+  };
+  EXPECT_EQ(count("Vi\xe9not \xc5\xf1"), 1);
+  EXPECT_EQ(count("Vi\xe9not, Brettel && Mollon, 1999"), 1);
+}
+
+struct PaintedLine {
+  int x;
+  int y;
+  std::wstring text;
+};
+
+// What the control window shows of this size: each line black, then white one pixel up and left.
+Picture expectedControlWindow(int width, int height) {
+  const std::array<PaintedLine, 3> lines{
+      {{14, 10, transformName},
+       {17, 30, L"Main window is now Hit-Transparent"},
+       {17, 50, L"Use this window to access options (right-click/mouse-wheel)"}}};
+  constexpr int fontHeight = 16;
+  const HDC screen = GetDC(nullptr);
+  const HDC memory = CreateCompatibleDC(screen);
+  const HBITMAP bitmap = CreateCompatibleBitmap(screen, width, height);
+  const HFONT font = CreateFontW(fontHeight, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, PROOF_QUALITY, 0,
+                                 L"Microsoft Sans Serif");
+  const HBRUSH brush = CreateSolidBrush(RGB(80, 100, 120));
+  const HGDIOBJ previousBitmap = SelectObject(memory, bitmap);
+  const HGDIOBJ previousFont = SelectObject(memory, font);
+  const RECT all{0, 0, width, height};
+  FillRect(memory, &all, brush);
+  SetBkMode(memory, TRANSPARENT);
+  for (const int shadow : {1, 0}) {
+    SetTextColor(memory, shadow != 0 ? RGB(0, 0, 0) : RGB(255, 255, 255));
+    for (const auto& [x, y, text] : lines) {
+      TextOutW(memory, x + shadow, y + shadow, text.c_str(), static_cast<int>(text.size()));
+    }
+  }
+  Picture picture{width, height, {}};
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const COLORREF pixel = GetPixel(memory, x, y);
+      picture.pixels.push_back({GetRValue(pixel), GetGValue(pixel), GetBValue(pixel)});
+    }
+  }
+  SelectObject(memory, previousFont);
+  SelectObject(memory, previousBitmap);
+  DeleteObject(brush);
+  DeleteObject(font);
+  DeleteObject(bitmap);
+  DeleteDC(memory);
+  ReleaseDC(nullptr, screen);
+  return picture;
+}
+
+TEST_F(AnyLanguage, HasTheSamePaintedText) {
+  startWithTransform();
+  press('H');
+  const Bounds client = clientBoundsOf(windows().control);
+  const Picture expected =
+      expectedControlWindow(static_cast<int>(client.width()), static_cast<int>(client.height()));
+  const auto isPainted = [&] { return areAlike(screenPicture(client), expected, 0); };
+  EXPECT_TRUE(eventually([&] { return static_cast<bool>(isPainted()); })) << isPainted().message();
+}
+
+struct PlaceRow {
+  const char* name;
+  std::vector<std::wstring> folders;  // each within the one before
+};
+
+void PrintTo(const PlaceRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+// The program stands in another folder, with its own transforms.
+class Places : public ProgramTest, public testing::WithParamInterface<PlaceRow> {
+ protected:
+  void SetUp() override {
+    ProgramTest::SetUp();
+    for (const std::wstring& folder : levels()) CreateDirectoryW(folder.c_str(), nullptr);
+    ASSERT_TRUE(CopyFileW(std::filesystem::path(programPath()).c_str(), program().c_str(), FALSE));
+    std::ofstream(std::filesystem::path(transforms())) << transform;
+  }
+  void TearDown() override {
+    ProgramTest::TearDown();
+    DeleteFileW(program().c_str());
+    DeleteFileW(transforms().c_str());
+    std::vector<std::wstring> folders = levels();
+    std::ranges::reverse(folders);
+    for (const std::wstring& folder : folders) RemoveDirectoryW(folder.c_str());
+  }
+
+  // Long paths are taken only if they say that they are meant literally.
+  static std::vector<std::wstring> levels() {
+    std::vector<std::wstring> all;
+    std::wstring path = L"\\\\?\\C:";
+    for (const std::wstring& folder : GetParam().folders) {
+      path += L'\\' + folder;
+      all.push_back(path);
+    }
+    return all;
+  }
+  static std::wstring program() { return levels().back() + L"\\Tintora.exe"; }
+  static std::wstring transforms() { return levels().back() + L"\\Tintora_custom.txt"; }
+
+  // As the user's desktop starts it: literally only where it must.
+  static std::wstring usualPath() {
+    constexpr std::size_t prefix = 4;
+    return program().size() - prefix < MAX_PATH ? program().substr(prefix) : program();
+  }
+};
+
+TEST_P(Places, HoldTheUsersOwnTransforms) {
+  start(Launch{.program = usualPath()});
+  choose(0);
+  EXPECT_EQ(wideTitleOf(windows().main), transformName);
+}
+
+const std::array placeRows{
+    PlaceRow{"Blank", {L"With blanks", L"in it"}},
+    PlaceRow{"Latin", {L"Gr\u00f6\u00dfe"}},
+    PlaceRow{"Cyrillic", {L"\u041f\u0440\u043e\u0432\u0430"}},
+    PlaceRow{"Japanese", {L"\u8868\u793a"}},
+    PlaceRow{"Deep", std::vector<std::wstring>(15, L"another folder down")},
+};
+
+INSTANTIATE_TEST_SUITE_P(AnyLanguage, Places, testing::ValuesIn(placeRows),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+}  // namespace
+}  // namespace tintora::windows_test

@@ -1,0 +1,94 @@
+// Screens of high resolution: how large the windows and their text are.
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "picture.h"
+#include "program_run.h"
+#include "stored_values.h"
+
+namespace tintora::windows_test {
+namespace {
+
+constexpr const char* desktopKey = "Control Panel\\Desktop";
+constexpr const char* resolutionName = "LogPixels";
+
+class Resolution : public ProgramTest, public testing::WithParamInterface<int> {
+ protected:
+  void SetUp() override {
+    ProgramTest::SetUp();
+    const auto dpi = static_cast<DWORD>(GetParam());
+    RegSetKeyValueA(HKEY_CURRENT_USER, desktopKey, resolutionName, REG_DWORD, &dpi, sizeof dpi);
+  }
+  void TearDown() override {
+    ProgramTest::TearDown();
+    RegDeleteKeyValueA(HKEY_CURRENT_USER, desktopKey, resolutionName);
+  }
+  static LONG scaled(double pixels) { return std::lround(pixels * GetParam() / 96.0); }
+};
+
+TEST_P(Resolution, SizesTheWindows) {
+  start();
+  const LONG x = screenBounds().right / 2;
+  const LONG y = screenBounds().bottom / 2;
+  // The desktop makes no window much larger than the screen.
+  if (scaled(500) <= screenBounds().right && scaled(400) <= screenBounds().bottom) {
+    EXPECT_EQ(boundsOf(windows().main),
+              (Bounds{x - scaled(250), y - scaled(200), x + scaled(250), y + scaled(200)}));
+  }
+  EXPECT_EQ(boundsOf(windows().control), (Bounds{0, 0, scaled(400), scaled(120)}));
+  const Bounds colourSpace = boundsOf(windows().colourSpace);
+  EXPECT_EQ(colourSpace.width(), scaled(400));
+  EXPECT_EQ(colourSpace.height(), scaled(400));
+  press('H');
+  EXPECT_EQ(boundsOf(windows().control),
+            (Bounds{x - scaled(200), y - scaled(60), x + scaled(200), y + scaled(60)}));
+}
+
+// The rows and columns of a picture that hold white.
+Bounds extentOfWhite(const Picture& picture) {
+  const Colour white{255, 255, 255};
+  Bounds extent{picture.width, picture.height, 0, 0};
+  for (int y = 0; y < picture.height; ++y) {
+    for (int x = 0; x < picture.width; ++x) {
+      if (picture.at(x, y) != white) continue;
+      extent = {std::min<LONG>(extent.left, x), std::min<LONG>(extent.top, y),
+                std::max<LONG>(extent.right, x + 1), std::max<LONG>(extent.bottom, y + 1)};
+    }
+  }
+  return extent;
+}
+
+// Three lines from row 10 to about row 66 and some 380 pixels wide, at 96 dpi.
+TEST_P(Resolution, SizesTheControlWindowsText) {
+  storeValues({{"ColorSpace", 0}});
+  start();
+  press('H');
+  Bounds text{};
+  EXPECT_TRUE(eventually([&] {
+    text = extentOfWhite(screenPicture(clientBoundsOf(windows().control)));
+    return text.bottom > scaled(58);
+  })) << text;
+  EXPECT_GE(text.top, scaled(10));
+  EXPECT_LE(text.bottom, scaled(68));
+  EXPECT_NEAR(static_cast<double>(text.left), scaled(17), scaled(3));
+  EXPECT_LE(text.right, clientBoundsOf(windows().control).width());
+  EXPECT_GT(text.right, scaled(300));
+}
+
+INSTANTIATE_TEST_SUITE_P(Dpi, Resolution, testing::Values(96, 144, 192, 288),
+                         [](const auto& row) { return std::to_string(row.param); });
+
+using OtherMonitor = ProgramTest;
+
+TEST_F(OtherMonitor, SuggestsTheWindowsBounds) {
+  start();
+  magnifierRecord().suggested = {40, 50, 840, 650};
+  ask(ChangeResolution, reinterpret_cast<WPARAM>(windows().main), 144);
+  settle();
+  EXPECT_EQ(boundsOf(windows().main), (Bounds{40, 50, 840, 650}));
+  EXPECT_EQ(boundsOf(windows().magnifier), clientBoundsOf(windows().main));
+}
+
+}  // namespace
+}  // namespace tintora::windows_test

@@ -3,11 +3,8 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QImage>
-#include <QPixmap>
-#include <QScreen>
 
 #include "platform/linux/filtered_view.h"
-#include "platform/linux/screen_place.h"
 
 namespace tintora::platform {
 
@@ -16,15 +13,10 @@ struct Picture {
 };
 
 Picture* captureClientArea(Window* window) {
-  finishView();
-  const QPoint origin = onRoot(clientOrigin(window));
   const Rect area = clientArea(window);
-  QScreen* const screen = QGuiApplication::primaryScreen();
-  // Of the root, whose pixels are the screen's.
-  const QPixmap pixels =
-      screen->grabWindow(0, origin.x() - screen->geometry().x(),
-                         origin.y() - screen->geometry().y(), area.width(), area.height());
-  return new Picture{pixels.toImage().convertToFormat(QImage::Format_RGB888)};
+  const QImage view = pictureOfView();
+  const QSize size = view.size().boundedTo({area.width(), area.height()});
+  return new Picture{view.copy({QPoint(), size}).convertToFormat(QImage::Format_RGB888)};
 }
 
 bool putOnClipboard(Window* /*owner*/, Picture* picture) {

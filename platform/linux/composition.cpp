@@ -3,9 +3,8 @@
 #include <xcb/render.h>
 
 #include <QRegion>
-#include <algorithm>
 #include <cstdint>
-#include <span>
+#include <ranges>
 #include <vector>
 
 #include "platform/linux/backdrop.h"
@@ -17,7 +16,7 @@ namespace tintora::platform {
 
 namespace {
 
-// The target as RENDER draws to it.
+// The target, as RENDER draws to it.
 struct BlendTarget {
   xcb_pixmap_t pixmap = XCB_NONE;
   xcb_render_picture_t picture = XCB_NONE;
@@ -47,45 +46,66 @@ void copy(const TopLevel& topLevel, xcb_pixmap_t target, xcb_gcontext_t copying,
                 i16(to.y()), u16(part.width()), u16(part.height()));
 }
 
-// As a compositing manager blends: the pixels are premultiplied, and an opacity thins them all.
-void blend(const TopLevel& topLevel, xcb_pixmap_t target, const QPoint& origin, const QRect& part) {
+void render(const TopLevel& topLevel, std::uint8_t operation, xcb_render_picture_t mask,
+            xcb_pixmap_t target, const QPoint& origin, const QRect& part) {
   const QPoint from = part.topLeft() - topLevel.bounds.topLeft();
   const QPoint to = part.topLeft() - origin;
-  xcb_render_picture_t mask = XCB_NONE;
-  if (topLevel.opacity != 0xFFFFFFFF) {
-    mask = xcb_generate_id(x());
-    xcb_render_create_solid_fill(x(), mask,
-                                 {0, 0, 0, static_cast<std::uint16_t>(topLevel.opacity >> 16)});
+  xcb_render_composite(x(), operation, topLevel.picture, mask, pictureOf(target), i16(from.x()),
+                       i16(from.y()), 0, 0, i16(to.x()), i16(to.y()), u16(part.width()),
+                       u16(part.height()));
+}
+
+// Blends as a compositing manager does: the pixels are premultiplied, and the window's opacity
+// scales them all.
+void blend(const TopLevel& topLevel, xcb_pixmap_t target, const QPoint& origin, const QRect& part) {
+  if (topLevel.opacity == 0xFFFFFFFF) {
+    return render(topLevel, XCB_RENDER_PICT_OP_OVER, XCB_NONE, target, origin, part);
   }
-  xcb_render_composite(x(), XCB_RENDER_PICT_OP_OVER, topLevel.picture, mask, pictureOf(target),
-                       i16(from.x()), i16(from.y()), 0, 0, i16(to.x()), i16(to.y()),
-                       u16(part.width()), u16(part.height()));
-  if (mask != XCB_NONE) xcb_render_free_picture(x(), mask);
+  const xcb_render_picture_t mask = xcb_generate_id(x());
+  xcb_render_create_solid_fill(x(), mask,
+                               {0, 0, 0, static_cast<std::uint16_t>(topLevel.opacity >> 16)});
+  render(topLevel, XCB_RENDER_PICT_OP_OVER, mask, target, origin, part);
+  xcb_render_free_picture(x(), mask);
+}
+
+void draw(const TopLevel& topLevel, xcb_pixmap_t target, xcb_gcontext_t copying,
+          const QPoint& origin, const QRect& part) {
+  switch (drawingOf(topLevel)) {
+    case Drawing::Copy:
+      return copy(topLevel, target, copying, origin, part);
+    case Drawing::Convert:
+      return render(topLevel, XCB_RENDER_PICT_OP_SRC, XCB_NONE, target, origin, part);
+    case Drawing::Blend:
+      return blend(topLevel, target, origin, part);
+  }
 }
 
 }  // namespace
 
 void compose(xcb_pixmap_t target, xcb_gcontext_t copying, const QPoint& origin, const QRect& part) {
-  // From the highest down, for as long as anything is seen of what is further below.
+  // From the highest down, as long as anything is seen of what is further below.
   std::vector<Layer> layers;
   QRegion seen(part);
-  const std::span<TopLevel> windows = windowsBeneath();
-  for (auto window = windows.rbegin(); window != windows.rend() && !seen.isEmpty(); ++window) {
-    if (!window->mapped || !window->bounds.intersects(part)) continue;
-    const QRegion of = seen & window->region();
-    if (of.isEmpty() || !holdPixels(*window)) continue;
-    layers.push_back({&*window, of});
-    if (isOpaque(*window)) seen -= of;
+  for (TopLevel* const topLevel : windowsBeneath() | std::views::reverse) {
+    if (seen.isEmpty()) break;
+    if (!topLevel->bounds.intersects(part)) continue;
+    const QRegion seenOfIt = seen & topLevel->region();
+    if (seenOfIt.isEmpty() || !holdPixels(*topLevel)) continue;
+    layers.push_back({topLevel, seenOfIt});
+    if (isOpaque(*topLevel)) seen -= seenOfIt;
   }
   for (const QRect& rect : seen) paintBackdrop(target, origin, rect);
-  std::ranges::reverse(layers);
-  for (const auto& [topLevel, of] : layers) {
-    for (const QRect& rect : of) {
-      if (isOpaque(*topLevel)) {
-        copy(*topLevel, target, copying, origin, rect);
-      } else {
-        blend(*topLevel, target, origin, rect);
-      }
+  for (const auto& [topLevel, seenOfIt] : layers | std::views::reverse) {
+    for (const QRect& rect : seenOfIt) draw(*topLevel, target, copying, origin, rect);
+  }
+}
+
+void composeProgramWindows(xcb_pixmap_t target, xcb_gcontext_t copying, const QPoint& origin,
+                           const QRect& part) {
+  for (TopLevel* const topLevel : windowsAbove()) {
+    if (!isOfProgram(*topLevel) || isMenu(*topLevel) || !holdPixels(*topLevel)) continue;
+    for (const QRect& rect : topLevel->region() & part) {
+      draw(*topLevel, target, copying, origin, rect);
     }
   }
 }

@@ -7,11 +7,16 @@
 
 namespace tintora::platform {
 
-// Draws a part of the root, without the main window and what is above it, into a pixmap that shows
-// the root from a place on.
+// Draws a part of the root, without the main window and what is above it, into a pixmap whose left
+// top corner shows the root's pixel at the origin.
 void compose(xcb_pixmap_t target, xcb_gcontext_t copying, const QPoint& origin, const QRect& part);
 
-// Lets go what composing keeps for a target.
+// Draws this program's windows above the main one, but not its menus, into a pixmap of the same
+// kind.
+void composeProgramWindows(xcb_pixmap_t target, xcb_gcontext_t copying, const QPoint& origin,
+                           const QRect& part);
+
+// Releases what composing keeps for its last target.
 void forgetTarget();
 
 }  // namespace tintora::platform

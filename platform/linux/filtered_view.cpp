@@ -42,8 +42,8 @@ void followEventOfView(const xcb_generic_event_t& event) {
     view.toFilter += QRect(exposed.x, exposed.y, exposed.width, exposed.height);
     return;
   }
-  // Errors come this way too: about windows that are gone, which another event tells of.
-  if (event.response_type != 0) followEvent(event);
+  // Errors come this way too. They are about windows that have gone, which another event tells.
+  if (event.response_type != 0 && !followBackdrop(event)) followEvent(event);
 }
 
 // Takes events until there are none; false where there was none at all.
@@ -58,8 +58,8 @@ bool followEvents(xcb_generic_event_t* (*poll)(xcb_connection_t*)) {
 
 // What changed on the root, as parts of the view.
 void takeChanges() {
-  if (windowStack.rootPixmapChanged) {
-    windowStack.rootPixmapChanged = false;
+  if (windowStack.backgroundChanged) {
+    windowStack.backgroundChanged = false;
     forgetBackdrop();
     view.toCompose = wholeView();
   }
@@ -91,7 +91,8 @@ void filterAndShow(const QRect& part) {
 }
 
 void composeFilterAndShow(const std::vector<QRect>& parts) {
-  std::vector<unsigned int> requests;
+  std::vector<PixelRequest> requests;
+  beginReading(view.frames);
   for (const QRect& part : parts) {
     compose(view.frames.composed, view.frames.context, view.origin, part.translated(view.origin));
     requests.push_back(requestPixels(view.frames, part));
@@ -112,12 +113,13 @@ void filterAgain(const std::vector<QRect>& parts) {
 
 void startView(xcb_window_t window) {
   view.window = window;
+  startBackdrop();
 }
 
 void stopView() {
   releaseFrames(view.frames);
   forgetTarget();
-  forgetBackdrop();
+  stopBackdrop();
   xcb_destroy_window(xServer.connection, view.window);
   view = {};
 }
@@ -144,6 +146,7 @@ void setViewFilter(const PixelFilter& filter) {
 void updateView() {
   if (view.window == XCB_NONE) return;
   followEvents(&xcb_poll_for_event);
+  watchBackdrop();
   if (!isOwnWindowShown() || view.size.isEmpty()) return;
   collectDamage({view.origin, view.size});
   takeChanges();
@@ -158,6 +161,28 @@ void updateView() {
 void finishView() {
   updateView();
   waitForXServer();
+}
+
+QImage pictureOfView() {
+  finishView();
+  if (view.size.isEmpty()) return {};
+  const xcb_pixmap_t picture = xcb_generate_id(x());
+  xcb_create_pixmap(x(), xServer.screen->root_depth, picture, xServer.screen->root,
+                    u16(view.size.width()), u16(view.size.height()));
+  showFiltered(view.frames, picture, wholeView());
+  composeProgramWindows(picture, view.frames.context, view.origin, {view.origin, view.size});
+  forgetTarget();
+  const Received<xcb_get_image_reply_t> pixels(
+      xcb_get_image_reply(x(),
+                          xcb_get_image(x(), XCB_IMAGE_FORMAT_Z_PIXMAP, picture, 0, 0,
+                                        u16(view.size.width()), u16(view.size.height()), ~0U),
+                          nullptr));
+  xcb_free_pixmap(x(), picture);
+  if (!pixels) return {};
+  // The rows belong to the answer, which goes.
+  return QImage(xcb_get_image_data(pixels.get()), view.size.width(), view.size.height(),
+                4 * view.size.width(), QImage::Format_RGB32)
+      .copy();
 }
 
 }  // namespace tintora::platform

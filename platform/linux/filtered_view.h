@@ -3,6 +3,7 @@
 
 #include <xcb/xcb.h>
 
+#include <QImage>
 #include <QPoint>
 #include <QSize>
 
@@ -27,7 +28,11 @@ void setViewFilter(const PixelFilter& filter);
 // once for each turn of the event loop.
 void updateView();
 
-// Does that and returns when the server shows it.
+// Brings the view up to date, and returns when the server shows it.
 void finishView();
+
+// Returns a picture of the view with this program's windows above it, but not its menus: nothing
+// that is read off the screen, which may be late. It is null if there is no view.
+QImage pictureOfView();
 
 }  // namespace tintora::platform

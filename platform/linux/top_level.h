@@ -5,6 +5,7 @@
 #include <xcb/render.h>
 #include <xcb/xcb.h>
 
+#include <QMargins>
 #include <QRect>
 #include <QRegion>
 #include <cstdint>
@@ -17,16 +18,26 @@ struct TopLevel {
   int border = 0;  // pixels
   bool mapped = false;
   bool hasPixels = false;  // known to have some; an input-only window has none
+  bool unmanaged = false;  // a menu, a tip, or a window manager's own window
+  bool isGuard = false;    // the window manager keeps what is not to be seen beneath it
   std::uint8_t depth = 0;
   const struct VisualFormat* format = nullptr;
-  std::uint32_t opacity = 0xFFFFFFFF;       // all of it
-  QRegion outline;                          // its shape on the root; empty: all of the bounds
+  std::uint32_t opacity = 0xFFFFFFFF;  // all of it
+  QRegion outline;                     // its shape on the root; empty: all of the bounds
+  QMargins unseen;                     // what is not painted at the edges of a frame
+  xcb_window_t client = XCB_NONE;      // another program's window in it whose changes are followed
+  xcb_window_t programWindow = XCB_NONE;    // this program's window in it
   xcb_pixmap_t pixmap = XCB_NONE;           // its pixels, until it is unmapped or has another size
-  xcb_render_picture_t picture = XCB_NONE;  // the same for RENDER, where they are blended
+  xcb_render_picture_t picture = XCB_NONE;  // the same for RENDER, unless they are plainly copied
+  bool redirected = false;                  // its pixels are kept apart from the screen's
   xcb_damage_damage_t damage = XCB_NONE;
   bool damaged = false;  // more was drawn than has been asked for
 
-  QRegion region() const { return outline.isEmpty() ? QRegion(bounds) : outline; }
+  // What is seen of it, as far as nothing covers it.
+  QRegion region() const {
+    const QRect seen = bounds.marginsRemoved(unseen);
+    return outline.isEmpty() ? QRegion(seen) : outline & seen;
+  }
 };
 
 }  // namespace tintora::platform

@@ -1,7 +1,6 @@
 #include "platform/linux/view_frames.h"
 
-#include <sys/ipc.h>
-#include <sys/shm.h>
+#include <xcb/shm.h>
 
 #include <cstring>
 #include <span>
@@ -9,39 +8,6 @@
 namespace tintora::platform {
 
 namespace {
-
-// A segment is marked for removal as soon as both sides have it, so that it cannot outlive them.
-bool share(SharedPixels& pixels) {
-  const int id = shmget(IPC_PRIVATE, pixels.size, IPC_CREAT | 0600);
-  if (id < 0) return false;
-  void* const address = shmat(id, nullptr, 0);
-  pixels.segment = xcb_generate_id(x());
-  const Received<xcb_generic_error_t> refusal(xcb_request_check(
-      x(), xcb_shm_attach_checked(x(), pixels.segment, static_cast<std::uint32_t>(id), 0)));
-  shmctl(id, IPC_RMID, nullptr);
-  const bool attached = reinterpret_cast<std::intptr_t>(address) != -1;
-  if (attached && !refusal) {
-    pixels.bytes = static_cast<std::uint8_t*>(address);
-    return true;
-  }
-  if (attached) shmdt(address);
-  if (!refusal) xcb_shm_detach(x(), pixels.segment);
-  pixels.segment = XCB_NONE;
-  return false;
-}
-
-void keepUnshared(SharedPixels& pixels) {
-  pixels.unshared.resize(pixels.size);
-  pixels.bytes = pixels.unshared.data();
-}
-
-void release(SharedPixels& pixels) {
-  if (pixels.segment != XCB_NONE) {
-    xcb_shm_detach(x(), pixels.segment);
-    shmdt(pixels.bytes);
-  }
-  pixels = {};
-}
 
 // Room in steps, so that a window that is being sized does not need new frames at every step.
 int roundUp(int length) {
@@ -73,6 +39,11 @@ void createPixmap(ViewFrames& frames) {
   xcb_create_gc(x(), frames.context, frames.composed, XCB_GC_GRAPHICS_EXPOSURES, &noExposures);
 }
 
+bool shareAll(ViewFrames& frames, std::size_t bytes) {
+  const bool shared = makeShared(frames.unfiltered, bytes) && makeShared(frames.filtered, bytes);
+  return shared && (frames.sharing == PixelSharing::Pixmaps || makeShared(frames.packed, bytes));
+}
+
 void takeRows(ViewFrames& frames, const QRect& part, const std::uint8_t* rows) {
   const std::size_t length = std::size_t{4} * static_cast<std::size_t>(part.width());
   for (int y = part.top(); y <= part.bottom(); ++y) {
@@ -94,6 +65,30 @@ void sendRows(const ViewFrames& frames, xcb_window_t window, const QRect& part) 
                 xServer.screen->root_depth, static_cast<std::uint32_t>(rows.size()), rows.data());
 }
 
+// Whole rows lie in the segment as they do in the frame, but narrow parts would read far too much.
+bool isWide(const ViewFrames& frames, const QRect& part) {
+  return 2 * part.width() > frames.size.width();
+}
+
+PixelRequest requestRows(const ViewFrames& frames, const QRect& part) {
+  return {xcb_shm_get_image(x(), frames.composed, 0, i16(part.top()), u16(frames.size.width()),
+                            u16(part.height()), ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP,
+                            frames.unfiltered.segment,
+                            static_cast<std::uint32_t>(frames.offset({0, part.top()})))
+              .sequence};
+}
+
+PixelRequest requestPacked(ViewFrames& frames, const QRect& part) {
+  const std::size_t place = frames.packedSize;
+  frames.packedSize += std::size_t{4} * static_cast<std::size_t>(part.width()) *
+                       static_cast<std::size_t>(part.height());
+  const auto cookie =
+      xcb_shm_get_image(x(), frames.composed, i16(part.left()), i16(part.top()), u16(part.width()),
+                        u16(part.height()), ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP, frames.packed.segment,
+                        static_cast<std::uint32_t>(place));
+  return {cookie.sequence, place, true};
+}
+
 }  // namespace
 
 void makeRoom(ViewFrames& frames, const QSize& size, PixelSharing sharing) {
@@ -101,18 +96,14 @@ void makeRoom(ViewFrames& frames, const QSize& size, PixelSharing sharing) {
   releaseFrames(frames);
   frames.size = {roundUp(size.width()), roundUp(size.height())};
   frames.sharing = sharing;
-  frames.unfiltered.size = static_cast<std::size_t>(frames.stride() * frames.size.height());
-  frames.filtered.size = frames.unfiltered.size;
-  if (sharing != PixelSharing::None && !(share(frames.unfiltered) && share(frames.filtered))) {
-    // A server on another machine, for one, cannot share.
-    release(frames.unfiltered);
-    release(frames.filtered);
-    frames = {};
+  const auto bytes = static_cast<std::size_t>(frames.stride() * frames.size.height());
+  if (sharing != PixelSharing::None && !shareAll(frames, bytes)) {
+    releaseFrames(frames);
     return makeRoom(frames, size, PixelSharing::None);
   }
   if (sharing == PixelSharing::None) {
-    keepUnshared(frames.unfiltered);
-    keepUnshared(frames.filtered);
+    makeUnshared(frames.unfiltered, bytes);
+    makeUnshared(frames.filtered, bytes);
   }
   createPixmap(frames);
 }
@@ -124,41 +115,45 @@ void releaseFrames(ViewFrames& frames) {
   }
   release(frames.unfiltered);
   release(frames.filtered);
+  release(frames.packed);
   frames = {};
 }
 
-unsigned int requestPixels(const ViewFrames& frames, const QRect& part) {
+void beginReading(ViewFrames& frames) {
+  frames.packedSize = 0;
+}
+
+PixelRequest requestPixels(ViewFrames& frames, const QRect& part) {
   switch (frames.sharing) {
     case PixelSharing::Pixmaps:
       // They are there already when the answer to anything comes.
-      return xcb_get_input_focus(x()).sequence;
+      return {xcb_get_input_focus(x()).sequence};
     case PixelSharing::Images:
-      // Whole rows lie in the segment as they do in the frame.
-      return xcb_shm_get_image(x(), frames.composed, 0, i16(part.top()), u16(frames.size.width()),
-                               u16(part.height()), ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP,
-                               frames.unfiltered.segment,
-                               static_cast<std::uint32_t>(frames.offset({0, part.top()})))
-          .sequence;
+      return isWide(frames, part) ? requestRows(frames, part) : requestPacked(frames, part);
     case PixelSharing::None:
       break;
   }
-  return xcb_get_image(x(), XCB_IMAGE_FORMAT_Z_PIXMAP, frames.composed, i16(part.left()),
-                       i16(part.top()), u16(part.width()), u16(part.height()), ~0U)
-      .sequence;
+  return {xcb_get_image(x(), XCB_IMAGE_FORMAT_Z_PIXMAP, frames.composed, i16(part.left()),
+                        i16(part.top()), u16(part.width()), u16(part.height()), ~0U)
+              .sequence};
 }
 
-bool receivePixels(ViewFrames& frames, const QRect& part, unsigned int request) {
+bool receivePixels(ViewFrames& frames, const QRect& part, const PixelRequest& request) {
   switch (frames.sharing) {
     case PixelSharing::Pixmaps:
       return Received<xcb_get_input_focus_reply_t>(
-                 xcb_get_input_focus_reply(x(), {request}, nullptr)) != nullptr;
-    case PixelSharing::Images:
-      return Received<xcb_shm_get_image_reply_t>(
-                 xcb_shm_get_image_reply(x(), {request}, nullptr)) != nullptr;
+                 xcb_get_input_focus_reply(x(), {request.sequence}, nullptr)) != nullptr;
+    case PixelSharing::Images: {
+      const Received<xcb_shm_get_image_reply_t> reply(
+          xcb_shm_get_image_reply(x(), {request.sequence}, nullptr));
+      if (reply && request.isPacked) takeRows(frames, part, frames.packed.bytes + request.packedAt);
+      return reply != nullptr;
+    }
     case PixelSharing::None:
       break;
   }
-  const Received<xcb_get_image_reply_t> reply(xcb_get_image_reply(x(), {request}, nullptr));
+  const Received<xcb_get_image_reply_t> reply(
+      xcb_get_image_reply(x(), {request.sequence}, nullptr));
   if (!reply) return false;
   takeRows(frames, part, xcb_get_image_data(reply.get()));
   return true;

@@ -1,27 +1,17 @@
-// The view's picture twice: as it was composed, and filtered. Shared with the X server where it can
-// be.
+// The view's picture twice: as it was composed, and filtered. It is shared with the X server if it
+// can be.
 #pragma once
 
-#include <xcb/shm.h>
 #include <xcb/xcb.h>
 
 #include <QRect>
 #include <QSize>
 #include <cstddef>
-#include <cstdint>
-#include <vector>
 
+#include "platform/linux/shared_pixels.h"
 #include "platform/linux/x_server.h"
 
 namespace tintora::platform {
-
-// Rows of pixels of four bytes, in memory of the server's too or in the program's alone.
-struct SharedPixels {
-  std::uint8_t* bytes = nullptr;
-  xcb_shm_seg_t segment = XCB_NONE;
-  std::size_t size = 0;
-  std::vector<std::uint8_t> unshared;
-};
 
 struct ViewFrames {
   QSize size;                         // of both, in pixels
@@ -30,6 +20,8 @@ struct ViewFrames {
   PixelSharing sharing = PixelSharing::None;
   SharedPixels unfiltered;
   SharedPixels filtered;
+  SharedPixels packed;         // narrow parts as the server sends them, if pixmaps are not shared
+  std::size_t packedSize = 0;  // bytes of it that are spoken for
 
   std::ptrdiff_t stride() const { return std::ptrdiff_t{4} * size.width(); }
   std::ptrdiff_t offset(const QPoint& place) const {
@@ -37,17 +29,29 @@ struct ViewFrames {
   }
 };
 
-// Frames with room for a size, new where the former have too little or far too much.
+// Makes room for a size. The frames stay as they are unless they have too little room or far too
+// much.
 void makeRoom(ViewFrames& frames, const QSize& size, PixelSharing sharing);
 
 void releaseFrames(ViewFrames& frames);
 
-// Asks for a part of the composed pixmap, as it is when all asked so far has been drawn ...
-unsigned int requestPixels(const ViewFrames& frames, const QRect& part);
-// ... and waits until it stands among the unfiltered pixels; false where it does not.
-bool receivePixels(ViewFrames& frames, const QRect& part, unsigned int request);
+// A part of the composed pixmap that was asked for.
+struct PixelRequest {
+  unsigned int sequence;
+  std::size_t packedAt = 0;
+  bool isPacked = false;
+};
 
-// Has a part of the filtered pixels shown in a window, at the same place.
+// Begins to read parts that do not overlap; those asked for before must have been received.
+void beginReading(ViewFrames& frames);
+
+// Asks for a part of the composed pixmap, as it is when all asked so far has been drawn.
+PixelRequest requestPixels(ViewFrames& frames, const QRect& part);
+
+// Waits until the part stands among the unfiltered pixels; returns false if it does not.
+bool receivePixels(ViewFrames& frames, const QRect& part, const PixelRequest& request);
+
+// Shows a part of the filtered pixels in a window, at the same place.
 void showFiltered(const ViewFrames& frames, xcb_window_t window, const QRect& part);
 
 }  // namespace tintora::platform

@@ -30,11 +30,11 @@ void collectDamage(const QRect& part) {
   // One region is enough, because the server answers in the order of the questions.
   static const xcb_xfixes_region_t fetched = emptyRegion();
   std::vector<Question> questions;
-  for (TopLevel& topLevel : windowsBeneath()) {
-    if (!topLevel.damaged || !topLevel.mapped || !topLevel.bounds.intersects(part)) continue;
-    topLevel.damaged = false;
-    xcb_damage_subtract(x(), topLevel.damage, XCB_NONE, fetched);
-    questions.push_back({&topLevel, xcb_xfixes_fetch_region(x(), fetched)});
+  for (TopLevel* const topLevel : windowsBeneath()) {
+    if (!topLevel->damaged || !topLevel->bounds.intersects(part)) continue;
+    topLevel->damaged = false;
+    xcb_damage_subtract(x(), topLevel->damage, XCB_NONE, fetched);
+    questions.push_back({topLevel, xcb_xfixes_fetch_region(x(), fetched)});
   }
   for (const auto& [topLevel, cookie] : questions) {
     const Received<xcb_xfixes_fetch_region_reply_t> reply(

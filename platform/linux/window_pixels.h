@@ -5,6 +5,15 @@
 
 namespace tintora::platform {
 
+// How a window's pixels come into a picture of the screen's depth.
+enum class Drawing {
+  Copy,
+  Convert,  // from another depth, leaving out an alpha channel
+  Blend,    // with what is beneath, as compositing managers do
+};
+
+Drawing drawingOf(const TopLevel& topLevel);
+
 // Returns true if nothing beneath the window shows through it.
 bool isOpaque(const TopLevel& topLevel);
 

@@ -4,8 +4,12 @@
 #include <xcb/shape.h>
 
 #include <algorithm>
-#include <array>
+#include <cstddef>
+#include <span>
 
+#include "platform/linux/compositing.h"
+#include "platform/linux/framed_client.h"
+#include "platform/linux/window_facts.h"
 #include "platform/linux/window_pixels.h"
 #include "platform/linux/x_server.h"
 
@@ -21,17 +25,40 @@ Iterator find(xcb_window_t window) {
   return std::ranges::find(windowStack.windows, window, &TopLevel::window);
 }
 
+// The server's names of what one program creates differ in their last bits only.
+bool isOwnResource(xcb_window_t window) {
+  return ((window ^ windowStack.ownWindow) & ~xcb_get_setup(x())->resource_id_mask) == 0;
+}
+
+// The main window is drawn straight to the screen, and never read.
 bool isOwn(const TopLevel& topLevel) {
   return topLevel.window == windowStack.ownTopLevel;
 }
 
-bool isBeneath(const TopLevel& topLevel) {
-  const auto beneath = windowsBeneath();
-  return !beneath.empty() && &topLevel >= beneath.data() &&
-         &topLevel < beneath.data() + beneath.size();
+std::size_t placeOf(xcb_window_t window) {
+  return static_cast<std::size_t>(find(window) - windowStack.windows.begin());
 }
 
-// A change of what is not beneath, or not shown, is none of the picture's.
+// The place of the window that shows the view; past the end if it is unknown.
+std::size_t placeOfView() {
+  return placeOf(windowStack.ownTopLevel);
+}
+
+// What is beneath a guard window is mapped but not to be seen.
+std::size_t firstSeen() {
+  const auto guard =
+      std::find_if(windowStack.windows.rbegin(), windowStack.windows.rend(),
+                   [](const TopLevel& topLevel) { return topLevel.isGuard && topLevel.mapped; });
+  return static_cast<std::size_t>(windowStack.windows.rend() - guard);
+}
+
+bool isBeneath(const TopLevel& topLevel) {
+  const std::size_t view = placeOfView();
+  const auto place = static_cast<std::size_t>(&topLevel - windowStack.windows.data());
+  return view < windowStack.windows.size() && place < view && place >= firstSeen();
+}
+
+// Hidden windows, and those above ours, do not affect the view.
 void noteChange(const TopLevel& topLevel) {
   if (topLevel.mapped && topLevel.hasPixels && isBeneath(topLevel)) {
     addChange(topLevel.region());
@@ -42,104 +69,72 @@ void changeAll() {
   windowStack.changed = QRect(QPoint(), windowStack.rootSize);
 }
 
-// Our own window is drawn straight to the screen: it is never read.
-void watch(TopLevel& topLevel) {
-  if (isOwn(topLevel) || topLevel.damage != XCB_NONE) return;
-  const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+void redirect(TopLevel& topLevel) {
+  if (topLevel.redirected || isOwn(topLevel)) return;
+  topLevel.redirected = true;
+  topLevel.damaged = false;
   xcb_composite_redirect_window(x(), topLevel.window, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
-  xcb_change_window_attributes(x(), topLevel.window, XCB_CW_EVENT_MASK, &events);
-  xcb_shape_select_input(x(), topLevel.window, 1);
   topLevel.damage = xcb_generate_id(x());
   xcb_damage_create(x(), topLevel.damage, topLevel.window, XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
 }
 
-// For a window that lives on elsewhere than among the top-level ones. One that is gone took all
-// this with it.
-void unwatch(TopLevel& topLevel) {
+void unredirect(TopLevel& topLevel) {
   releasePixels(topLevel);
-  if (topLevel.damage == XCB_NONE) return;
-  const std::uint32_t events = XCB_EVENT_MASK_NO_EVENT;
+  if (!topLevel.redirected) return;
+  topLevel.redirected = false;
   xcb_damage_destroy(x(), topLevel.damage);
   topLevel.damage = XCB_NONE;
-  xcb_shape_select_input(x(), topLevel.window, 0);
-  xcb_change_window_attributes(x(), topLevel.window, XCB_CW_EVENT_MASK, &events);
   xcb_composite_unredirect_window(x(), topLevel.window, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
 }
 
-// The questions about a window, all sent before the first answer is waited for.
-struct Enquiry {
-  xcb_window_t window;
-  xcb_get_window_attributes_cookie_t attributes;
-  xcb_get_geometry_cookie_t geometry;
-  xcb_shape_query_extents_cookie_t extents;
-  xcb_shape_get_rectangles_cookie_t rectangles;
-  xcb_get_property_cookie_t opacity;
-};
-
-Enquiry enquire(xcb_window_t window) {
-  return {window,
-          xcb_get_window_attributes(x(), window),
-          xcb_get_geometry(x(), window),
-          xcb_shape_query_extents(x(), window),
-          xcb_shape_get_rectangles(x(), window, XCB_SHAPE_SK_BOUNDING),
-          xcb_get_property(x(), 0, window, xServer.windowOpacity, XCB_ATOM_CARDINAL, 0, 1)};
+void watch(TopLevel& topLevel) {
+  if (isOwn(topLevel)) return;
+  const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+  xcb_change_window_attributes(x(), topLevel.window, XCB_CW_EVENT_MASK, &events);
+  xcb_shape_select_input(x(), topLevel.window, 1);
+  if (windowStack.redirecting) redirect(topLevel);
 }
 
-void readOutline(TopLevel& topLevel, const xcb_shape_query_extents_reply_t* extents,
-                 const xcb_shape_get_rectangles_reply_t* reply) {
-  topLevel.outline = QRegion();
-  if (extents == nullptr || reply == nullptr || extents->bounding_shaped == 0) return;
-  // The rectangles are relative to the inside of the border.
-  const QPoint inside = topLevel.bounds.topLeft() + QPoint(topLevel.border, topLevel.border);
-  const std::span rectangles(xcb_shape_get_rectangles_rectangles(reply),
-                             static_cast<std::size_t>(reply->rectangles_len));
-  for (const xcb_rectangle_t& r : rectangles) {
-    topLevel.outline += QRect(r.x, r.y, r.width, r.height).translated(inside) & topLevel.bounds;
+// A window that was destroyed took all this with it; this is for one that lives on elsewhere.
+void unwatch(TopLevel& topLevel) {
+  unredirect(topLevel);
+  const std::uint32_t events = XCB_EVENT_MASK_NO_EVENT;
+  xcb_shape_select_input(x(), topLevel.window, 0);
+  xcb_change_window_attributes(x(), topLevel.window, XCB_CW_EVENT_MASK, &events);
+}
+
+// Programs whose windows nobody looks at draw straight to the screen, as they do without this one.
+void redirectWhileShown() {
+  const bool shown = isOwnWindowShown();
+  if (shown == windowStack.redirecting) return;
+  windowStack.redirecting = shown;
+  for (TopLevel& topLevel : windowStack.windows) {
+    if (shown) {
+      redirect(topLevel);
+    } else {
+      unredirect(topLevel);
+    }
   }
-  // A shape that leaves nothing is not the same as none.
-  if (topLevel.outline.isEmpty()) topLevel.hasPixels = false;
+  if (shown) changeAll();
 }
 
-void readOpacity(TopLevel& topLevel, const xcb_get_property_reply_t* reply) {
-  topLevel.opacity = 0xFFFFFFFF;
-  if (reply == nullptr || reply->format != 32 || xcb_get_property_value_length(reply) != 4) return;
-  topLevel.opacity = *static_cast<const std::uint32_t*>(xcb_get_property_value(reply));
-}
-
-// A window that went away meanwhile is left without pixels.
-void readAnswers(TopLevel& topLevel, const Enquiry& enquiry) {
-  const Received<xcb_get_window_attributes_reply_t> attributes(
-      xcb_get_window_attributes_reply(x(), enquiry.attributes, nullptr));
-  const Received<xcb_get_geometry_reply_t> geometry(
-      xcb_get_geometry_reply(x(), enquiry.geometry, nullptr));
-  const Received<xcb_shape_query_extents_reply_t> extents(
-      xcb_shape_query_extents_reply(x(), enquiry.extents, nullptr));
-  const Received<xcb_shape_get_rectangles_reply_t> rectangles(
-      xcb_shape_get_rectangles_reply(x(), enquiry.rectangles, nullptr));
-  const Received<xcb_get_property_reply_t> opacity(
-      xcb_get_property_reply(x(), enquiry.opacity, nullptr));
-  topLevel.hasPixels =
-      attributes && geometry && attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT;
-  if (!topLevel.hasPixels) return;
-  topLevel.mapped = attributes->map_state != XCB_MAP_STATE_UNMAPPED;
-  topLevel.depth = geometry->depth;
-  topLevel.format = formatOf(attributes->visual);
-  topLevel.border = geometry->border_width;
-  topLevel.bounds = {geometry->x, geometry->y, geometry->width + 2 * topLevel.border,
-                     geometry->height + 2 * topLevel.border};
-  readOutline(topLevel, extents.get(), rectangles.get());
-  readOpacity(topLevel, opacity.get());
-}
-
-// Anything about a window but its place may have changed.
+// Reads everything about a window again.
 void readAgain(TopLevel& topLevel) {
+  const bool wasGuard = topLevel.isGuard;
   noteChange(topLevel);
   releasePixels(topLevel);
   readAnswers(topLevel, enquire(topLevel.window));
+  readFramedClient(topLevel);
   noteChange(topLevel);
+  if (topLevel.isGuard != wasGuard) changeAll();
 }
 
-// The child of the root that a window stands in, however deep.
+void readAllAgain() {
+  for (TopLevel& topLevel : windowStack.windows) readAgain(topLevel);
+  changeAll();
+}
+
+// Returns the child of the root that a window stands in, however deep.
 xcb_window_t topLevelOf(xcb_window_t window) {
   while (true) {
     const Received<xcb_query_tree_reply_t> tree(
@@ -149,7 +144,7 @@ xcb_window_t topLevelOf(xcb_window_t window) {
   }
 }
 
-// After the main window was put into a frame, or taken out of one.
+// Does what is needed after the main window was put into a frame, or taken out of one.
 void findOwnTopLevel() {
   const xcb_window_t before = windowStack.ownTopLevel;
   windowStack.ownTopLevel = topLevelOf(windowStack.ownWindow);
@@ -161,11 +156,14 @@ void findOwnTopLevel() {
   changeAll();
 }
 
-void onCreated(const xcb_create_notify_event_t& event) {
-  if (event.parent != xServer.screen->root) return;
+void add(xcb_window_t window) {
   TopLevel topLevel;
-  topLevel.window = event.window;
+  topLevel.window = window;
   watch(windowStack.windows.emplace_back(topLevel));
+}
+
+void onCreated(const xcb_create_notify_event_t& event) {
+  if (event.parent == xServer.screen->root) add(event.window);
 }
 
 void forget(xcb_window_t window, bool livesOn) {
@@ -180,13 +178,20 @@ void forget(xcb_window_t window, bool livesOn) {
   windowStack.windows.erase(found);
 }
 
+// Notes which frames hold windows of this program.
+void noteFrame(const xcb_reparent_notify_event_t& event) {
+  for (TopLevel& topLevel : windowStack.windows) {
+    if (topLevel.programWindow == event.window) topLevel.programWindow = XCB_NONE;
+  }
+  if (!isOwnResource(event.window) || event.parent == xServer.screen->root) return;
+  const auto frame = find(topLevelOf(event.parent));
+  if (frame != windowStack.windows.end()) frame->programWindow = event.window;
+}
+
 void onReparented(const xcb_reparent_notify_event_t& event) {
   forget(event.window, true);
-  if (event.parent == xServer.screen->root) {
-    TopLevel topLevel;
-    topLevel.window = event.window;
-    watch(windowStack.windows.emplace_back(topLevel));
-  }
+  noteFrame(event);
+  if (event.parent == xServer.screen->root) add(event.window);
   if (event.window == windowStack.ownWindow || event.window == windowStack.ownTopLevel) {
     findOwnTopLevel();
   }
@@ -196,8 +201,8 @@ void onMapped(xcb_window_t window) {
   const auto found = find(window);
   if (found == windowStack.windows.end()) return;
   found->mapped = true;
-  if (isOwn(*found)) return changeAll();
   readAgain(*found);
+  if (isOwn(*found)) changeAll();
 }
 
 void onUnmapped(xcb_window_t window) {
@@ -206,16 +211,17 @@ void onUnmapped(xcb_window_t window) {
   noteChange(*found);
   releasePixels(*found);
   found->mapped = false;
+  if (found->isGuard) changeAll();
 }
 
-// Puts a window right above another one, or below all where there is none.
+// Puts a window right above another one, or below all if there is none.
 void restack(Iterator moved, xcb_window_t below) {
   std::vector<TopLevel>& windows = windowStack.windows;
   const auto lower = below == XCB_NONE ? windows.end() : find(below);
   if (below != XCB_NONE && lower == windows.end()) return;
   const auto place = below == XCB_NONE ? windows.begin() : lower + 1;
   if (place == moved || place == moved + 1) return;
-  const bool ownMoved = isOwn(*moved);
+  const bool allMoved = isOwn(*moved) || moved->isGuard;
   noteChange(*moved);
   const xcb_window_t window = moved->window;
   if (place < moved) {
@@ -224,13 +230,13 @@ void restack(Iterator moved, xcb_window_t below) {
     std::rotate(moved, moved + 1, place);
   }
   noteChange(*find(window));
-  if (ownMoved) changeAll();
+  if (allMoved) changeAll();
 }
 
 void onConfigured(const xcb_configure_notify_event_t& event) {
   if (event.window == xServer.screen->root) {
     windowStack.rootSize = {event.width, event.height};
-    windowStack.rootPixmapChanged = true;
+    windowStack.backgroundChanged = true;
     return;
   }
   const auto found = find(event.window);
@@ -243,6 +249,7 @@ void onConfigured(const xcb_configure_notify_event_t& event) {
     if (bounds.size() != found->bounds.size()) releasePixels(*found);
     found->bounds = bounds;
     found->border = border;
+    if (found->client != XCB_NONE) readFramedClient(*found);
     noteChange(*found);
   }
   restack(found, event.above_sibling);
@@ -255,14 +262,33 @@ void onCirculated(const xcb_circulate_notify_event_t& event) {
   restack(found, toTop ? windowStack.windows.back().window : xcb_window_t{XCB_NONE});
 }
 
+// Follows a change of a window inside a frame.
+void followClient(xcb_window_t client) {
+  const auto found = std::ranges::find(windowStack.windows, client, &TopLevel::client);
+  if (found == windowStack.windows.end()) return;
+  const QRegion before = found->region();
+  const std::uint32_t opacity = found->opacity;
+  readFramedClient(*found);
+  if (found->region() == before && found->opacity == opacity) return;
+  releasePixels(*found);
+  if (found->mapped && isBeneath(*found)) addChange(before + found->region());
+}
+
 void onPropertyChanged(const xcb_property_notify_event_t& event) {
   if (event.window == xServer.screen->root) {
-    windowStack.rootPixmapChanged |=
+    windowStack.backgroundChanged |=
         event.atom == xServer.rootPixmap || event.atom == xServer.setRootPixmap;
     return;
   }
   const auto found = find(event.window);
-  if (found != windowStack.windows.end() && event.atom == xServer.windowOpacity) readAgain(*found);
+  if (found == windowStack.windows.end()) {
+    const bool matters = event.atom == xServer.frameExtents || event.atom == xServer.windowOpacity;
+    if (matters) followClient(event.window);
+    return;
+  }
+  // A guard window may get its name after it was mapped.
+  const bool maybeGuard = event.atom == XCB_ATOM_WM_NAME && !found->hasPixels;
+  if (event.atom == xServer.windowOpacity || maybeGuard) readAgain(*found);
 }
 
 void onShaped(xcb_window_t window) {
@@ -280,6 +306,43 @@ const Event& as(const xcb_generic_event_t& event) {
   return reinterpret_cast<const Event&>(event);
 }
 
+// Events of the root's children come from the root. Others are of windows inside frames.
+void followStructure(const xcb_generic_event_t& event) {
+  // In all of these the window that reports stands where it does in this one.
+  const xcb_window_t reporter = as<xcb_configure_notify_event_t>(event).event;
+  const std::uint8_t kind = event.response_type & 0x7F;
+  switch (kind) {
+    case XCB_CREATE_NOTIFY:
+      return onCreated(as<xcb_create_notify_event_t>(event));
+    case XCB_PROPERTY_NOTIFY:
+      return onPropertyChanged(as<xcb_property_notify_event_t>(event));
+    case XCB_DESTROY_NOTIFY:
+    case XCB_REPARENT_NOTIFY:
+    case XCB_MAP_NOTIFY:
+    case XCB_UNMAP_NOTIFY:
+    case XCB_CONFIGURE_NOTIFY:
+    case XCB_CIRCULATE_NOTIFY:
+      break;
+    default:
+      return;
+  }
+  if (reporter != xServer.screen->root) return followClient(reporter);
+  switch (kind) {
+    case XCB_DESTROY_NOTIFY:
+      return forget(as<xcb_destroy_notify_event_t>(event).window, false);
+    case XCB_REPARENT_NOTIFY:
+      return onReparented(as<xcb_reparent_notify_event_t>(event));
+    case XCB_MAP_NOTIFY:
+      return onMapped(as<xcb_map_notify_event_t>(event).window);
+    case XCB_UNMAP_NOTIFY:
+      return onUnmapped(as<xcb_unmap_notify_event_t>(event).window);
+    case XCB_CONFIGURE_NOTIFY:
+      return onConfigured(as<xcb_configure_notify_event_t>(event));
+    default:
+      return onCirculated(as<xcb_circulate_notify_event_t>(event));
+  }
+}
+
 }  // namespace
 
 void addChange(const QRegion& region) {
@@ -293,16 +356,17 @@ void watchWindows(xcb_window_t ownWindow) {
   const xcb_window_t root = xServer.screen->root;
   const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY |
                                XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
+  // The server is grabbed, so that no window comes or goes between the list of them, the events
+  // that tell of others, and what is asked about each.
+  xcb_grab_server(x());
   xcb_change_window_attributes(x(), root, XCB_CW_EVENT_MASK, &events);
+  followCompositing();
   const Received<xcb_get_geometry_reply_t> rootGeometry(
       xcb_get_geometry_reply(x(), xcb_get_geometry(x(), root), nullptr));
   if (rootGeometry) windowStack.rootSize = {rootGeometry->width, rootGeometry->height};
   windowStack.ownWindow = ownWindow;
   windowStack.ownTopLevel = topLevelOf(ownWindow);
-  windowStack.rootPixmapChanged = true;
-
-  // In one go, so that nothing slips in between the list and what is asked of its windows.
-  xcb_grab_server(x());
+  windowStack.backgroundChanged = true;
   const Received<xcb_query_tree_reply_t> tree(
       xcb_query_tree_reply(x(), xcb_query_tree(x(), root), nullptr));
   std::vector<Enquiry> enquiries;
@@ -310,18 +374,18 @@ void watchWindows(xcb_window_t ownWindow) {
     const std::span children(xcb_query_tree_children(tree.get()),
                              static_cast<std::size_t>(xcb_query_tree_children_length(tree.get())));
     for (const xcb_window_t child : children) {
-      TopLevel topLevel;
-      topLevel.window = child;
-      watch(windowStack.windows.emplace_back(topLevel));
+      add(child);
       enquiries.push_back(enquire(child));
     }
   }
   for (std::size_t i = 0; i < enquiries.size(); ++i) {
     readAnswers(windowStack.windows[i], enquiries[i]);
+    readFramedClient(windowStack.windows[i]);
   }
   xcb_ungrab_server(x());
-  // Nobody else gets on before this has arrived.
+  // The server stays grabbed until this is flushed.
   xcb_flush(x());
+  redirectWhileShown();
 }
 
 void forgetWindows() {
@@ -335,38 +399,56 @@ void followEvent(const xcb_generic_event_t& event) {
   if (kind == xServer.shapeNotify) {
     return onShaped(as<xcb_shape_notify_event_t>(event).affected_window);
   }
-  switch (kind) {
-    case XCB_CREATE_NOTIFY:
-      return onCreated(as<xcb_create_notify_event_t>(event));
-    case XCB_DESTROY_NOTIFY:
-      return forget(as<xcb_destroy_notify_event_t>(event).window, false);
-    case XCB_REPARENT_NOTIFY:
-      return onReparented(as<xcb_reparent_notify_event_t>(event));
-    case XCB_MAP_NOTIFY:
-      return onMapped(as<xcb_map_notify_event_t>(event).window);
-    case XCB_UNMAP_NOTIFY:
-      return onUnmapped(as<xcb_unmap_notify_event_t>(event).window);
-    case XCB_CONFIGURE_NOTIFY:
-      return onConfigured(as<xcb_configure_notify_event_t>(event));
-    case XCB_CIRCULATE_NOTIFY:
-      return onCirculated(as<xcb_circulate_notify_event_t>(event));
-    case XCB_PROPERTY_NOTIFY:
-      return onPropertyChanged(as<xcb_property_notify_event_t>(event));
-    default:
-      return;
+  if (followCompositing(event)) {
+    windowStack.backgroundChanged = true;
+    return readAllAgain();
   }
+  followStructure(event);
+  redirectWhileShown();
 }
 
 bool isOwnWindowShown() {
-  const auto own = find(windowStack.ownTopLevel);
-  return own != windowStack.windows.end() && own->mapped;
+  const std::size_t place = placeOfView();
+  return place < windowStack.windows.size() && windowStack.windows[place].mapped &&
+         place >= firstSeen();
 }
 
-std::span<TopLevel> windowsBeneath() {
-  const auto own = find(windowStack.ownTopLevel);
-  // Where the own frame is not to be found, nothing is known to be beneath it.
-  if (own == windowStack.windows.end()) return {};
-  return {windowStack.windows.begin(), own};
+std::vector<TopLevel*> windowsBeneath() {
+  std::vector<TopLevel*> beneath;
+  const std::size_t view = placeOfView();
+  // If the own frame is not found, nothing is known to be beneath it.
+  if (view >= windowStack.windows.size()) return beneath;
+  for (std::size_t place = firstSeen(); place < view; ++place) {
+    TopLevel& topLevel = windowStack.windows[place];
+    if (topLevel.mapped) beneath.push_back(&topLevel);
+  }
+  return beneath;
+}
+
+std::vector<TopLevel*> windowsSeen() {
+  std::vector<TopLevel*> seen;
+  for (std::size_t place = firstSeen(); place < windowStack.windows.size(); ++place) {
+    TopLevel& topLevel = windowStack.windows[place];
+    if (topLevel.mapped) seen.push_back(&topLevel);
+  }
+  return seen;
+}
+
+std::vector<TopLevel*> windowsAbove() {
+  std::vector<TopLevel*> above;
+  for (std::size_t i = placeOfView() + 1; i < windowStack.windows.size(); ++i) {
+    TopLevel& topLevel = windowStack.windows[i];
+    if (topLevel.mapped && !isOwn(topLevel)) above.push_back(&topLevel);
+  }
+  return above;
+}
+
+bool isMenu(const TopLevel& topLevel) {
+  return topLevel.unmanaged && isOwnResource(topLevel.window);
+}
+
+bool isOfProgram(const TopLevel& topLevel) {
+  return isOwnResource(topLevel.window) || topLevel.programWindow != XCB_NONE;
 }
 
 }  // namespace tintora::platform

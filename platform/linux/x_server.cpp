@@ -63,7 +63,9 @@ PixelSharing askForSharing() {
   if (!isPresent(&xcb_shm_id)) return PixelSharing::None;
   const Received<xcb_shm_query_version_reply_t> version(
       xcb_shm_query_version_reply(x, xcb_shm_query_version(x), nullptr));
-  if (!version) return PixelSharing::None;
+  // Memory is shared by file descriptors, which name the same memory in every container.
+  const bool byDescriptors = version && (version->major_version > 1 || version->minor_version >= 2);
+  if (!byDescriptors) return PixelSharing::None;
   const bool pixmaps =
       version->shared_pixmaps != 0 && version->pixmap_format == XCB_IMAGE_FORMAT_Z_PIXMAP;
   return pixmaps ? PixelSharing::Pixmaps : PixelSharing::Images;
@@ -97,10 +99,12 @@ struct AtomName {
   std::string_view name;
   xcb_atom_t XServer::*atom;
 };
-constexpr std::array<AtomName, 6> atomNames{{
+constexpr std::array<AtomName, 8> atomNames{{
     {"_XROOTPMAP_ID", &XServer::rootPixmap},
     {"ESETROOT_PMAP_ID", &XServer::setRootPixmap},
     {"_NET_WM_WINDOW_OPACITY", &XServer::windowOpacity},
+    {"WM_STATE", &XServer::wmState},
+    {"_NET_SUPPORTING_WM_CHECK", &XServer::supportingWmCheck},
     {"_NET_SUPPORTED", &XServer::supported},
     {"_NET_REQUEST_FRAME_EXTENTS", &XServer::requestFrameExtents},
     {"_NET_FRAME_EXTENTS", &XServer::frameExtents},
@@ -174,13 +178,18 @@ std::optional<std::string> connectToXServer() {
   const auto formats = xcb_render_query_pict_formats(xServer.connection);
   std::array<xcb_intern_atom_cookie_t, atomNames.size()> atoms{};
   for (std::size_t i = 0; i < atoms.size(); ++i) atoms[i] = askForAtom(atomNames[i].name);
+  const auto manager = askForAtom("_NET_WM_CM_S" + std::to_string(number));
   xServer.sharing = askForSharing();
   readFormats(formats);
   for (std::size_t i = 0; i < atoms.size(); ++i) xServer.*atomNames[i].atom = readAtom(atoms[i]);
+  xServer.compositingManager = readAtom(manager);
   xServer.damageNotify = static_cast<std::uint8_t>(
       xcb_get_extension_data(xServer.connection, &xcb_damage_id)->first_event + XCB_DAMAGE_NOTIFY);
   xServer.shapeNotify = static_cast<std::uint8_t>(
       xcb_get_extension_data(xServer.connection, &xcb_shape_id)->first_event + XCB_SHAPE_NOTIFY);
+  xServer.selectionNotify = static_cast<std::uint8_t>(
+      xcb_get_extension_data(xServer.connection, &xcb_xfixes_id)->first_event +
+      XCB_XFIXES_SELECTION_NOTIFY);
   return std::nullopt;
 }
 

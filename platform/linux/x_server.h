@@ -37,10 +37,14 @@ struct XServer {
   PixelSharing sharing = PixelSharing::None;
   std::uint8_t damageNotify = 0;  // event codes
   std::uint8_t shapeNotify = 0;
+  std::uint8_t selectionNotify = 0;
   xcb_atom_t rootPixmap = XCB_NONE;     // the two names under which background setters
   xcb_atom_t setRootPixmap = XCB_NONE;  // leave their pixmap
   xcb_atom_t windowOpacity = XCB_NONE;
-  xcb_atom_t supported = XCB_NONE;  // what a window manager can be asked
+  xcb_atom_t wmState = XCB_NONE;
+  xcb_atom_t supportingWmCheck = XCB_NONE;   // the window manager's own window
+  xcb_atom_t compositingManager = XCB_NONE;  // the selection that a compositing manager owns
+  xcb_atom_t supported = XCB_NONE;           // what a window manager can be asked
   xcb_atom_t requestFrameExtents = XCB_NONE;
   xcb_atom_t frameExtents = XCB_NONE;
   std::vector<VisualFormat> formats;

@@ -239,7 +239,8 @@ void Manager::giveFrame(Client& client) {
 
 void Manager::giveLateFrames() {
   for (const auto& client : clients_) {
-    if (client->frame != XCB_NONE || Clock::now() < client->frameAt) continue;
+    const bool waits = client->minimised || Clock::now() < client->frameAt;
+    if (client->frame != XCB_NONE || waits) continue;
     giveFrame(*client);
     // A window that is put into another is unmapped for it.
     xcb_map_window(c(), client->window);

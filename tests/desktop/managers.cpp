@@ -1,5 +1,6 @@
 #include "managers.h"
 
+#include <filesystem>
 #include <stdexcept>
 
 namespace tintora::desktop_test {
@@ -44,9 +45,14 @@ focus_follows_mouse no
 for_window [class="^(?!tintora)"] floating enable
 )i3";
 
-// No window waits for a click to be placed.
+// No window waits for a click to be placed, and its fonts are the server's own.
 constexpr const char* twmSettings = R"(RandomPlacement
 NoGrabServer
+TitleFont "fixed"
+ResizeFont "fixed"
+MenuFont "fixed"
+IconFont "fixed"
+IconManagerFont "fixed"
 )";
 
 constexpr const char* icewmSettings = R"(ShowTaskBar=0
@@ -61,11 +67,13 @@ session.screen0.focusModel: ClickFocus
 session.screen0.focusNewWindows: true
 session.screen0.opaqueMove: true
 session.screen0.workspaces: 1
-session.screen0.slit.autoHide: false
 )";
 
+// No wallpaper: its setter shows messages where it has no tools.
+constexpr const char* fluxboxStyle = "background: none\n";
+
 // A file of settings under its name in a folder.
-std::string settings(const std::string& folder, const char* name, const char* text) {
+std::string settings(const std::string& folder, const char* name, const std::string& text) {
   const std::string path = folder + "/" + name;
   writeFile(path, text);
   return path;
@@ -84,8 +92,13 @@ ManagerCommand commandOf(Manager manager, const std::string& folder) {
     case Manager::Icewm:
       return {{"icewm", "--config", settings(folder, "icewm.preferences", icewmSettings)}};
     case Manager::Fluxbox:
-      return {{"fluxbox", "-no-slit", "-no-toolbar", "-rc",
-               settings(folder, "fluxbox.init", fluxboxSettings)}};
+      // It looks for others of its files in this folder.
+      std::filesystem::create_directories(folder + "/.fluxbox");
+      return {{"fluxbox", "-rc",
+               settings(
+                   folder, ".fluxbox/init",
+                   fluxboxSettings + ("session.styleOverlay: " +
+                                      settings(folder, ".fluxbox/overlay", fluxboxStyle) + "\n"))}};
     case Manager::I3:
       return {{"i3", "-c", settings(folder, "i3.config", i3Settings)}};
     case Manager::Twm:

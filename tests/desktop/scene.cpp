@@ -40,9 +40,16 @@ void Scene::setBackdrop(const Picture& tile) {
   backdrop_ = tile;
 }
 
-void Scene::putBelow(xcb_window_t window) const {
+void Scene::restackBelow(xcb_window_t window) const {
   if (above_ == XCB_NONE) return;
   client_.restack(window, XCB_STACK_MODE_BELOW, client_.topLevelOf(above_));
+}
+
+void Scene::putBelow(xcb_window_t above) {
+  above_ = above;
+  for (const Sheet* const sheet : stack_) {
+    if (!sheet->managed) restackBelow(sheet->window);
+  }
 }
 
 Sheet& Scene::add(const Sheet& added) {
@@ -69,7 +76,7 @@ Sheet& Scene::add(const Sheet& added) {
       looks.data()));
   if (sheet.shape) shape(sheet, *sheet.shape);
   if (sheet.opacity < 1) setOpacity(sheet, sheet.opacity);
-  if (!sheet.managed) putBelow(sheet.window);
+  if (!sheet.managed) restackBelow(sheet.window);
   if (sheet.shown) show(sheet, true);
   return sheet;
 }
@@ -144,7 +151,7 @@ void Scene::remove(Sheet& sheet) {
 void Scene::restack(Sheet& sheet, std::size_t place) {
   std::erase(stack_, &sheet);
   stack_.insert(stack_.begin() + static_cast<std::ptrdiff_t>(place), &sheet);
-  if (place + 1 == stack_.size()) return putBelow(sheet.window);
+  if (place + 1 == stack_.size()) return restackBelow(sheet.window);
   client_.restack(sheet.window, XCB_STACK_MODE_BELOW,
                   client_.topLevelOf(stack_[place + 1]->window));
 }
@@ -183,12 +190,7 @@ void Scene::paint(const Sheet& sheet, const Area& area, std::vector<Colour>& col
     for (int x = seen.x; x < seen.right(); ++x) {
       const auto pixel = pixelOf(sheet, x - sheet.place.x, y - sheet.place.y);
       if (!pixel) continue;
-      const double alpha = sheet.translucent ? (*pixel >> 24U) / 255.0 : 1;
-      const Colour own = colourOf(*pixel);
-      Colour& below = colours[static_cast<std::size_t>((y - area.y) * area.width + x - area.x)];
-      for (std::size_t i = 0; i < 3; ++i) {
-        below[i] = own[i] * sheet.opacity + below[i] * (1 - alpha * sheet.opacity);
-      }
+      colours[static_cast<std::size_t>((y - area.y) * area.width + x - area.x)] = colourOf(*pixel);
     }
   }
 }

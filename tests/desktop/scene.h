@@ -17,7 +17,7 @@ struct Sheet {
   Picture picture;
   int border = 0;
   std::uint32_t borderColour = 0;
-  bool translucent = false;  // its pixels carry their alpha, already multiplied
+  bool translucent = false;  // its pixels carry an alpha, which counts on composed screens only
   bool managed = false;      // framed by the window manager
   double opacity = 1;
   std::optional<std::vector<Area>> shape = {};  // relative to its inside
@@ -29,6 +29,9 @@ class Scene {
  public:
   // Everything in it is beneath this window or its frame; if there is none, at the top.
   Scene(const std::string& display, xcb_window_t above);
+
+  // Puts all windows that are not managed right beneath a window or its frame, in their order.
+  void putBelow(xcb_window_t above);
 
   void setBackdrop(const Picture& tile);
   // Makes a window and shows it right beneath the view, above those added before.
@@ -50,7 +53,8 @@ class Scene {
   void takeEvents();
   int clicksIn(const Sheet& sheet);
 
-  // What is to be seen in a part of the root, without the window above it.
+  // What is to be seen in a part of the root, without the window above it, if nothing composes the
+  // screen.
   std::vector<Colour> colours(const Area& area) const;
   Sheet& at(std::size_t place) { return *stack_[place]; }
   std::size_t size() const { return stack_.size(); }
@@ -58,7 +62,7 @@ class Scene {
 
  private:
   void paint(const Sheet& sheet, const Area& area, std::vector<Colour>& colours) const;
-  void putBelow(xcb_window_t window) const;
+  void restackBelow(xcb_window_t window) const;
   void drawWhole(const Sheet& sheet) const;
 
   XClient client_;

@@ -156,6 +156,32 @@ TEST_F(Start, WithoutSharedPixmapsTheViewIsRightToo) {
   EXPECT_TRUE(std::filesystem::exists(folder() + "/images-only"));
 }
 
+// Each change is a narrow part of the view, beside the last one.
+TEST_F(Start, WithoutSharedPixmapsNarrowChangesAreSeen) {
+  preload(TINTORA_IMAGES_ONLY);
+  storeValues({{"Selected", 5}, {"ColorSpace", 0}});
+  start();
+  const Area area = view();
+  Sheet& sheet = scene().addNoise({area.x + 10, area.y + 10, 400, 300}, 1);
+  ASSERT_TRUE(viewShows(expected::inverted()));
+  for (int i = 0; i < 8; ++i) {
+    scene().draw(sheet, noise(17, 90, static_cast<std::uint32_t>(i + 2)), 20 + 40 * i, 15 * i);
+    scene().draw(sheet, noise(60, 3, static_cast<std::uint32_t>(i + 12)), 300 - 30 * i, 200);
+    EXPECT_TRUE(viewShows(expected::inverted())) << i;
+  }
+}
+
+TEST_F(Start, AServerWithOtherMemoryGetsNone) {
+  preload(TINTORA_FOREIGN_MEMORY);
+  storeValues({{"Selected", 5}, {"ColorSpace", 0}});
+  start();
+  const Area area = view();
+  scene().addNoise({area.x + 10, area.y + 10, 400, 300}, 1);
+  EXPECT_TRUE(viewShows(expected::inverted()));
+  end();
+  EXPECT_EQ(readFile(folder() + "/foreign-memory"), "untouched");
+}
+
 TEST_F(Start, WithoutAWindowManagerItWorks) {
   useDisplay({}, Manager::None);
   storeValues({{"Selected", 5}});

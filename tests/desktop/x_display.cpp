@@ -37,13 +37,37 @@ bool showsWindows(const XClient& client) {
   return shown;
 }
 
+// Whether a black window that is half translucent makes a white one beneath it grey.
+bool blendsWindows(const XClient& client) {
+  xcb_connection_t* const x = client.connection();
+  std::vector<xcb_window_t> windows;
+  for (const std::uint32_t colour : {0xFFFFFFU, 0U}) {
+    const std::vector<std::uint32_t> looks{colour, 1};
+    windows.push_back(xcb_generate_id(x));
+    xcb_create_window(x, XCB_COPY_FROM_PARENT, windows.back(), client.root(), 0, 0, 50, 50, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, looks.data());
+  }
+  client.setNumbers(windows[1], "_NET_WM_WINDOW_OPACITY", XCB_ATOM_CARDINAL, {0x80000000U});
+  for (const xcb_window_t window : windows) xcb_map_window(x, window);
+  constexpr std::chrono::milliseconds most{500};
+  constexpr std::uint32_t grey = 0x7F;
+  const bool blended = eventually(
+      [&] {
+        return (client.read({25, 25, 1, 1}).at(0, 0) & 0xFFU) - (grey - 1) <= 2;
+      },
+      most);
+  for (const xcb_window_t window : windows) xcb_destroy_window(x, window);
+  client.sync();
+  return blended;
+}
+
 std::unique_ptr<XDisplay> shared;
 
 }  // namespace
 
 XDisplay::XDisplay(const std::vector<std::string>& options, Manager manager,
-                   const std::string& size, Compositor compositor)
-    : kind_(manager) {
+                   const std::string& size, Compositor compositor) {
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("No pipe could be made.");
   Launch launch{.command = {"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0",
@@ -56,7 +80,7 @@ XDisplay::XDisplay(const std::vector<std::string>& options, Manager manager,
   close(ends[0]);
   if (number.empty()) throw std::runtime_error("Xvfb did not start.");
   name_ = ":" + number;
-  if (manager != Manager::None) startManager();
+  if (manager != Manager::None) startManager(manager);
   if (compositor == Compositor::Picom) startCompositor();
 }
 
@@ -67,14 +91,14 @@ std::map<std::string, std::optional<std::string>> XDisplay::environment() const 
           {"XDG_CACHE_HOME", folder_.path() + "/cache"},
           {"XDG_DATA_HOME", folder_.path() + "/data"},
           {"XDG_RUNTIME_DIR", folder_.path()},
+          {"LC_ALL", "C"},
           {"WAYLAND_DISPLAY", std::nullopt},
           {"SESSION_MANAGER", std::nullopt},
           {"DBUS_SESSION_BUS_ADDRESS", std::nullopt}};
 }
 
-void XDisplay::startManager() {
-  const ManagerCommand manager =
-      commandOf(kind_ == Manager::None ? Manager::Openbox : kind_, folder_.path());
+void XDisplay::startManager(Manager kind) {
+  const ManagerCommand manager = commandOf(kind, folder_.path());
   manager_ =
       std::make_unique<Process>(Launch{.command = manager.command, .environment = environment()});
   // Managers name themselves on the root window, and even say that they redirect its windows,
@@ -100,13 +124,9 @@ void XDisplay::endCompositor() {
 
 void XDisplay::waitForCompositor() const {
   const XClient client(name_);
-  const xcb_atom_t selection = client.atom("_NET_WM_CM_S0");
-  const bool ready = eventually([&] {
-    const Received<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        client.connection(), xcb_get_selection_owner(client.connection(), selection), nullptr));
-    return reply && reply->owner != XCB_NONE;
-  });
-  if (!ready) throw std::runtime_error("The compositing manager did not start.");
+  if (!eventually([&] { return blendsWindows(client); }, 3 * patience)) {
+    throw std::runtime_error("The compositing manager did not start.");
+  }
 }
 
 XDisplay& sharedDisplay() {

@@ -28,8 +28,8 @@ class XDisplay {
 
   const std::string& name() const { return name_; }
   const std::string& folder() const { return folder_.path(); }
-  // Starts the window manager that the display has; returns when it shows windows.
-  void startManager();
+  // Starts a window manager; returns when it shows windows.
+  void startManager(Manager manager = Manager::Openbox);
   // Starts a compositing manager; returns when it has taken over the screen.
   void startCompositor();
   void endCompositor();
@@ -43,7 +43,6 @@ class XDisplay {
   void waitForCompositor() const;
 
   TemporaryFolder folder_;
-  Manager kind_;
   std::string name_;
   std::unique_ptr<Process> server_;
   std::unique_ptr<Process> manager_;

@@ -1,0 +1,127 @@
+#include "platform/linux/learned_background.h"
+
+#include <xcb/composite.h>
+#include <xcb/damage.h>
+#include <xcb/xfixes.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "platform/linux/compositing.h"
+#include "platform/linux/window_stack.h"
+#include "platform/linux/x_server.h"
+
+namespace tintora::platform {
+
+namespace {
+
+struct LearnedBackground {
+  xcb_damage_damage_t damage = XCB_NONE;  // of the whole screen
+  xcb_pixmap_t pixels = XCB_NONE;
+  QSize size;
+  xcb_gcontext_t reading = XCB_NONE;
+  QRegion known;
+};
+LearnedBackground learned;
+
+// The window on which a compositing manager draws the screen; it covers nothing of the picture.
+xcb_window_t overlayWindow() {
+  if (!isComposited()) return XCB_NONE;
+  const Received<xcb_composite_get_overlay_window_reply_t> reply(
+      xcb_composite_get_overlay_window_reply(
+          x(), xcb_composite_get_overlay_window(x(), xServer.screen->root), nullptr));
+  if (!reply) return XCB_NONE;
+  xcb_composite_release_overlay_window(x(), xServer.screen->root);
+  return reply->overlay_win;
+}
+
+void makeRoom() {
+  if (learned.size == windowStack.rootSize) return;
+  forgetLearned();
+  learned.size = windowStack.rootSize;
+  learned.pixels = xcb_generate_id(x());
+  xcb_create_pixmap(x(), xServer.screen->root_depth, learned.pixels, xServer.screen->root,
+                    u16(learned.size.width()), u16(learned.size.height()));
+  learned.reading = xcb_generate_id(x());
+  const std::array<std::uint32_t, 2> asShown{XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS, 0};
+  xcb_create_gc(x(), learned.reading, xServer.screen->root,
+                XCB_GC_SUBWINDOW_MODE | XCB_GC_GRAPHICS_EXPOSURES, asShown.data());
+}
+
+}  // namespace
+
+void watchScreen(bool watch) {
+  if (watch == (learned.damage != XCB_NONE)) return;
+  if (watch) {
+    learned.damage = xcb_generate_id(x());
+    xcb_damage_create(x(), learned.damage, xServer.screen->root, XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
+  } else {
+    xcb_damage_destroy(x(), learned.damage);
+    learned.damage = XCB_NONE;
+  }
+}
+
+bool followScreen(const xcb_generic_event_t& event) {
+  if ((event.response_type & 0x7F) != xServer.damageNotify) return false;
+  const auto& damage = reinterpret_cast<const xcb_damage_notify_event_t&>(event);
+  return damage.damage == learned.damage;
+}
+
+QRegion takeScreenDamage() {
+  QRegion drawn;
+  if (learned.damage == XCB_NONE) return drawn;
+  const xcb_xfixes_region_t region = xcb_generate_id(x());
+  xcb_xfixes_create_region(x(), region, 0, nullptr);
+  xcb_damage_subtract(x(), learned.damage, XCB_NONE, region);
+  const Received<xcb_xfixes_fetch_region_reply_t> reply(
+      xcb_xfixes_fetch_region_reply(x(), xcb_xfixes_fetch_region(x(), region), nullptr));
+  xcb_xfixes_destroy_region(x(), region);
+  if (!reply) return drawn;
+  const std::span rectangles(
+      xcb_xfixes_fetch_region_rectangles(reply.get()),
+      static_cast<std::size_t>(xcb_xfixes_fetch_region_rectangles_length(reply.get())));
+  for (const xcb_rectangle_t& r : rectangles) drawn += QRect(r.x, r.y, r.width, r.height);
+  return drawn & uncoveredRoot();
+}
+
+QRegion uncoveredRoot() {
+  QRegion uncovered(QRect(QPoint(), windowStack.rootSize));
+  const xcb_window_t overlay = overlayWindow();
+  for (const TopLevel* const topLevel : windowsSeen()) {
+    if (topLevel->hasPixels && topLevel->window != overlay) uncovered -= topLevel->region();
+  }
+  return uncovered;
+}
+
+void learn(const QRegion& part) {
+  makeRoom();
+  for (const QRect& rect : part) {
+    xcb_copy_area(x(), xServer.screen->root, learned.pixels, learned.reading, i16(rect.x()),
+                  i16(rect.y()), i16(rect.x()), i16(rect.y()), u16(rect.width()),
+                  u16(rect.height()));
+  }
+  learned.known += part;
+}
+
+void forgetLearned() {
+  if (learned.pixels != XCB_NONE) {
+    xcb_free_pixmap(x(), learned.pixels);
+    xcb_free_gc(x(), learned.reading);
+  }
+  learned.pixels = XCB_NONE;
+  learned.reading = XCB_NONE;
+  learned.size = {};
+  learned.known = QRegion();
+}
+
+const QRegion& learnedPart() {
+  return learned.known;
+}
+
+xcb_pixmap_t learnedPixels() {
+  return learned.pixels;
+}
+
+}  // namespace tintora::platform

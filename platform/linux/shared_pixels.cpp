@@ -1,0 +1,97 @@
+#include "platform/linux/shared_pixels.h"
+
+#include <sys/mman.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <random>
+
+#include "platform/linux/x_server.h"
+
+namespace tintora::platform {
+
+namespace {
+
+// File descriptors go over local sockets only; the connection breaks if one is sent over another.
+bool canSendDescriptors() {
+  sockaddr address{};
+  socklen_t length = sizeof address;
+  const int socket = xcb_get_file_descriptor(x());
+  return getsockname(socket, &address, &length) == 0 && address.sa_family == AF_UNIX;
+}
+
+// Returns true if the server sees what the program writes: some random pixels come back from a
+// pixmap into which the server copied them from its side of the memory.
+bool isSameMemory(const SharedPixels& pixels) {
+  constexpr std::uint16_t count = 16;
+  std::array<std::uint32_t, count> written{};
+  std::random_device random;
+  for (std::uint32_t& pixel : written) pixel = random() & 0xFFFFFF;
+  std::memcpy(pixels.bytes, written.data(), sizeof written);
+  const std::uint8_t depth = xServer.screen->root_depth;
+  const xcb_pixmap_t pixmap = xcb_generate_id(x());
+  const xcb_gcontext_t context = xcb_generate_id(x());
+  xcb_create_pixmap(x(), depth, pixmap, xServer.screen->root, count, 1);
+  xcb_create_gc(x(), context, pixmap, 0, nullptr);
+  xcb_shm_put_image(x(), pixmap, context, count, 1, 0, 0, count, 1, 0, 0, depth,
+                    XCB_IMAGE_FORMAT_Z_PIXMAP, 0, pixels.segment, 0);
+  const Received<xcb_get_image_reply_t> image(xcb_get_image_reply(
+      x(), xcb_get_image(x(), XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, 0, 0, count, 1, ~0U), nullptr));
+  xcb_free_gc(x(), context);
+  xcb_free_pixmap(x(), pixmap);
+  if (!image || static_cast<std::size_t>(xcb_get_image_data_length(image.get())) < sizeof written) {
+    return false;
+  }
+  std::array<std::uint32_t, count> seen{};
+  std::memcpy(seen.data(), xcb_get_image_data(image.get()), sizeof seen);
+  return std::ranges::equal(seen, written, {},
+                            [](std::uint32_t pixel) { return pixel & 0xFFFFFF; });
+}
+
+// Returns a file that exists in memory only, or -1.
+int fileInMemory(std::size_t size) {
+  const int file = memfd_create("tintora", MFD_CLOEXEC);
+  if (file >= 0 && ftruncate(file, static_cast<off_t>(size)) == 0) return file;
+  if (file >= 0) close(file);
+  return -1;
+}
+
+}  // namespace
+
+bool makeShared(SharedPixels& pixels, std::size_t size) {
+  if (!canSendDescriptors()) return false;
+  const int file = fileInMemory(size);
+  if (file < 0) return false;
+  void* const address = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+  if (address == MAP_FAILED) {
+    close(file);
+    return false;
+  }
+  pixels.bytes = static_cast<std::uint8_t*>(address);
+  pixels.size = size;
+  const xcb_shm_seg_t segment = xcb_generate_id(x());
+  // Sending it closes the descriptor.
+  const Received<xcb_generic_error_t> refusal(
+      xcb_request_check(x(), xcb_shm_attach_fd_checked(x(), segment, file, 0)));
+  if (!refusal) pixels.segment = segment;
+  if (!refusal && isSameMemory(pixels)) return true;
+  release(pixels);
+  return false;
+}
+
+void makeUnshared(SharedPixels& pixels, std::size_t size) {
+  pixels.size = size;
+  pixels.unshared.resize(size);
+  pixels.bytes = pixels.unshared.data();
+}
+
+void release(SharedPixels& pixels) {
+  if (pixels.segment != XCB_NONE) xcb_shm_detach(x(), pixels.segment);
+  if (pixels.bytes != nullptr && pixels.unshared.empty()) munmap(pixels.bytes, pixels.size);
+  pixels = {};
+}
+
+}  // namespace tintora::platform

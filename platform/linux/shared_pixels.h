@@ -1,0 +1,28 @@
+// Memory for pixels of four bytes, shared with the X server if it can be.
+#pragma once
+
+#include <xcb/shm.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace tintora::platform {
+
+struct SharedPixels {
+  std::uint8_t* bytes = nullptr;
+  xcb_shm_seg_t segment = XCB_NONE;
+  std::size_t size = 0;  // in bytes
+  std::vector<std::uint8_t> unshared;
+};
+
+// Makes memory of the given size that the server has too; returns false if it cannot be shared, as
+// with a server on another machine.
+bool makeShared(SharedPixels& pixels, std::size_t size);
+
+// Makes memory of the program's own.
+void makeUnshared(SharedPixels& pixels, std::size_t size);
+
+void release(SharedPixels& pixels);
+
+}  // namespace tintora::platform

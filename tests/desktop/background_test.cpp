@@ -1,0 +1,76 @@
+// The background of the screen, as it is set and set again.
+#include "program_run.h"
+
+namespace tintora::desktop_test {
+namespace {
+
+// Sets a pixmap as background setters do.
+class Background : public ProgramTest {
+ protected:
+  void name(xcb_pixmap_t pixmap) {
+    x().setNumbers(x().root(), "_XROOTPMAP_ID", XCB_ATOM_PIXMAP, {pixmap});
+  }
+  void set(const Picture& tile) {
+    const xcb_pixmap_t pixmap = x().pixmapOf(tile);
+    xcb_change_window_attributes(x().connection(), x().root(), XCB_CW_BACK_PIXMAP, &pixmap);
+    xcb_clear_area(x().connection(), 0, x().root(), 0, 0, 0, 0);
+    name(pixmap);
+  }
+};
+
+TEST_F(Background, ANamedPixmapIsSeen) {
+  const Area screen = x().screenArea();
+  const Picture tile = noise(screen.width, screen.height, 1);
+  set(tile);
+  storeValues({{"Selected", 4}});
+  start();
+  scene().setBackdrop(tile);
+  EXPECT_TRUE(viewShows(expected::greyscale()));
+}
+
+TEST_F(Background, ASmallNamedPixmapIsRepeated) {
+  const Picture tile = noise(61, 37, 1);
+  set(tile);
+  storeValues({{"Selected", 4}});
+  start();
+  scene().setBackdrop(tile);
+  EXPECT_TRUE(viewShows(expected::greyscale()));
+}
+
+TEST_F(Background, AChangeOfTheNamedPixmapIsFollowed) {
+  storeValues({{"Selected", 4}});
+  start();
+  ASSERT_TRUE(viewShows(expected::greyscale()));
+  for (const std::uint32_t seed : {1U, 2U}) {
+    const Picture tile = noise(300, 200, seed);
+    set(tile);
+    scene().setBackdrop(tile);
+    EXPECT_TRUE(viewShows(expected::greyscale())) << seed;
+  }
+}
+
+TEST_F(Background, AnUnnamedPixmapIsSeen) {
+  const Picture tile = noise(64, 64, 1);
+  const xcb_pixmap_t pixmap = x().pixmapOf(tile);
+  xcb_change_window_attributes(x().connection(), x().root(), XCB_CW_BACK_PIXMAP, &pixmap);
+  xcb_clear_area(x().connection(), 0, x().root(), 0, 0, 0, 0);
+  xcb_free_pixmap(x().connection(), pixmap);
+  x().sync();
+  storeValues({{"Selected", 4}});
+  start();
+  scene().setBackdrop(tile);
+  EXPECT_TRUE(viewShows(expected::greyscale()));
+}
+
+TEST_F(Background, APixmapThatIsGoneIsNotTaken) {
+  const xcb_pixmap_t pixmap = x().pixmapOf(noise(64, 64, 1));
+  name(pixmap);
+  xcb_free_pixmap(x().connection(), pixmap);
+  x().sync();
+  storeValues({{"Selected", 4}});
+  start();
+  EXPECT_TRUE(viewShows(expected::greyscale()));
+}
+
+}  // namespace
+}  // namespace tintora::desktop_test

@@ -1,0 +1,25 @@
+// Another program that asks for what is on the clipboard.
+#pragma once
+
+#include <string>
+
+#include "picture.h"
+#include "x_client.h"
+
+namespace tintora::desktop_test {
+
+class ClipboardReader {
+ public:
+  explicit ClipboardReader(const std::string& display);
+
+  // What is on the clipboard, in one of its formats.
+  std::string ask(const std::string& format);
+  // The picture on it; empty if there is none.
+  Picture picture();
+
+ private:
+  XClient x_;
+  xcb_window_t asker_ = XCB_NONE;
+};
+
+}  // namespace tintora::desktop_test

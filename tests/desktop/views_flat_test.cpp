@@ -88,8 +88,8 @@ TEST_F(ViewsTest, DiagramNamesWavelengthsBesideTheLocus) {
 // The ink of the three figures of a label whose text begins at a place, each without its outermost
 // columns, where its neighbours' ink may be.
 std::array<std::vector<double>, 3> figuresAt(const Picture& picture, int x, int y) {
-  constexpr std::array<std::array<int, 2>, 3> columns{{{1, 5}, {6, 10}, {12, 15}}};
-  constexpr std::array<int, 2> rows{2, 12};
+  constexpr std::array<std::array<int, 2>, 3> columns{{{1, 6}, {8, 12}, {14, 18}}};
+  constexpr std::array<int, 2> rows{2, 14};
   const double background = colourOf(viewBackground)[0];
   const double text = colourOf(labelColour)[0];
   std::array<std::vector<double>, 3> figures;
@@ -110,7 +110,15 @@ double difference(const std::vector<double>& a, const std::vector<double>& b) {
   return largest;
 }
 
-// All labels of both views have the same figure in a place if and only if they look the same there.
+// Whether the text of one label reaches into that of another.
+bool overlaps(const std::vector<Area>& areas, const Area& label) {
+  return std::ranges::any_of(areas, [&](const Area& other) {
+    return other != label && std::abs(other.x - label.x) < 22 && std::abs(other.y - label.y) < 13;
+  });
+}
+
+// All labels of both views that stand free have the same figure in a place if and only if they look
+// the same there.
 TEST_F(ViewsTest, LabelsHaveTheFiguresOfTheirWavelengths) {
   constexpr PictureSize size{800, 600};
   struct Label {
@@ -122,6 +130,7 @@ TEST_F(ViewsTest, LabelsHaveTheFiguresOfTheirWavelengths) {
     const Picture picture = shown();
     for (std::size_t i = 0; i < areas.size(); ++i) {
       const Area& area = areas[i];
+      if (overlaps(areas, area)) continue;
       labels.push_back({textOf(i), figuresAt(picture, area.x + 2, area.y + 1)});
     }
   };
@@ -129,13 +138,13 @@ TEST_F(ViewsTest, LabelsHaveTheFiguresOfTheirWavelengths) {
   addLabels(wavelengthLabelAreas(size), [](std::size_t i) { return referenceLabels()[i].text; });
   turnTo(View::Curves);
   addLabels(curveLabelAreas(size), [](std::size_t i) { return std::to_string(400 + 50 * i); });
-  ASSERT_EQ(labels.size(), 31U);
+  ASSERT_GE(labels.size(), 26U);
   for (const Label& a : labels) {
     for (const Label& b : labels) {
       for (std::size_t i = 0; i < 3; ++i) {
         const double seen = difference(a.figures[i], b.figures[i]);
         if (a.text[i] == b.text[i]) {
-          EXPECT_LT(seen, 0.35) << a.text << " and " << b.text << ", figure " << i;
+          EXPECT_LT(seen, 0.3) << a.text << " and " << b.text << ", figure " << i;
         } else {
           EXPECT_GT(seen, 0.5) << a.text << " and " << b.text << ", figure " << i;
         }

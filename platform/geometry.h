@@ -34,4 +34,10 @@ inline int scaled(int pixels, double scale) {
   return static_cast<int>(std::lround(pixels * scale));
 }
 
+// Returns a rectangle with all its places multiplied by a scale.
+inline Rect scaled(const Rect& rect, double scale) {
+  return {scaled(rect.left, scale), scaled(rect.top, scale), scaled(rect.right, scale),
+          scaled(rect.bottom, scale)};
+}
+
 }  // namespace tintora::platform

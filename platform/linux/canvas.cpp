@@ -5,6 +5,7 @@
 
 #include "platform/linux/fonts.h"
 #include "platform/linux/handles.h"
+#include "platform/linux/scale.h"
 #include "platform/linux/text.h"
 
 namespace tintora::platform {
@@ -23,7 +24,7 @@ QRegion areaOf(const Window* window) {
 }  // namespace
 
 Canvas* beginPainting(Window* window) {
-  static const QFont font = fontOfHeight(paintFont.height);
+  static const QFont font = fontOfHeight(scaled(paintFont.height, desktopScale()));
   if (!window->surface) window->surface = std::make_unique<QBackingStore>(window->window.get());
   QBackingStore& surface = *window->surface;
   surface.resize(window->window->size());
@@ -49,7 +50,9 @@ void fill(Canvas* canvas, Colour colour) {
 void drawText(Canvas* canvas, const Point& place, Colour colour, const std::string& text) {
   QPainter& painter = canvas->painter;
   painter.setPen(QColor(colour.red, colour.green, colour.blue));
-  painter.drawText(place.x, place.y + painter.fontMetrics().ascent(), toUnicode(text));
+  const double scale = desktopScale();
+  painter.drawText(scaled(place.x, scale), scaled(place.y, scale) + painter.fontMetrics().ascent(),
+                   toUnicode(text));
 }
 
 }  // namespace tintora::platform

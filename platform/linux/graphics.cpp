@@ -7,6 +7,7 @@
 #include "platform/linux/graphics_text.h"
 #include "platform/linux/handles.h"
 #include "platform/linux/open_gl.h"
+#include "platform/linux/scale.h"
 
 namespace tintora::platform {
 
@@ -200,7 +201,7 @@ Matrix4x4 transform(const GraphicsDevice* device, TransformKind kind) {
 }
 
 Rect viewport(const GraphicsDevice* device) {
-  return {0, 0, device->size.width, device->size.height};
+  return scaled(Rect{0, 0, device->size.width, device->size.height}, 1.0 / desktopScale());
 }
 
 void clearPicture(GraphicsDevice* device, PackedColour colour) {
@@ -250,7 +251,9 @@ void drawUnindexed(GraphicsDevice* device, PrimitiveKind kind, int primitives) {
 
 int drawText(GraphicsDevice* device, TextFont* font, const Rect& area, PackedColour colour,
              const std::string& text) {
-  if (device->gl != nullptr) drawTextImage(*device->gl, device->size, *font, area, colour, text);
+  if (device->gl != nullptr) {
+    drawTextImage(*device->gl, device->size, *font, scaled(area, desktopScale()), colour, text);
+  }
   return font->height;
 }
 

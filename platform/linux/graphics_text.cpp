@@ -7,6 +7,7 @@
 #include <cstddef>
 
 #include "platform/linux/fonts.h"
+#include "platform/linux/scale.h"
 #include "platform/linux/text.h"
 
 namespace tintora::platform {
@@ -65,7 +66,7 @@ const TextProgram& textProgram(OpenGl& gl) {
 
 const QFont& fontOf(TextFont& font) {
   if (!font.font) {
-    font.font = fontOfHeight(font.height);
+    font.font = fontOfHeight(scaled(font.height, desktopScale()));
     if (font.outlinesOnly) font.font->setStyleStrategy(QFont::ForceOutline);
   }
   return *font.font;

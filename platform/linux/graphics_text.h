@@ -19,7 +19,7 @@ struct TextImage {
 
 // The font itself is sought when its first line is drawn: looking for one takes long.
 struct TextFont {
-  int height = 0;  // of a line, in pixels
+  int height = 0;  // of a line, in pixels at 96 dpi
   bool outlinesOnly = false;
   std::optional<QFont> font{};
   std::unordered_map<std::string, TextImage> images{};

@@ -10,6 +10,7 @@
 #include "engine/custom_transforms.h"
 #include "platform/linux/environment.h"
 #include "platform/linux/program.h"
+#include "platform/linux/scale.h"
 #include "platform/linux/screen_place.h"
 
 namespace tintora::platform {
@@ -55,7 +56,7 @@ Size screenSize() {
 }
 
 double screenScale() {
-  return 1.0;
+  return desktopScale();
 }
 
 void openPageBesideProgram(const std::string& fileName) {

@@ -6,6 +6,7 @@
 
 #include "platform/linux/event_loop.h"
 #include "platform/linux/handles.h"
+#include "platform/linux/scale.h"
 #include "platform/linux/screen_place.h"
 #include "platform/linux/text.h"
 #include "platform/linux/window_frame.h"
@@ -179,7 +180,7 @@ Point clientOrigin(const Window* window) {
 }
 
 double windowScale(const Window* /*window*/) {
-  return 1.0;
+  return desktopScale();
 }
 
 bool isMaximised(const Window* window) {

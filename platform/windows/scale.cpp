@@ -32,9 +32,4 @@ double scaleOf(HWND window) {
   return dpi > 0 ? dpi / standardDpi : 1.0;
 }
 
-Rect scaled(const Rect& rect, double scale) {
-  return {scaled(rect.left, scale), scaled(rect.top, scale), scaled(rect.right, scale),
-          scaled(rect.bottom, scale)};
-}
-
 }  // namespace tintora::platform

@@ -4,14 +4,9 @@
 
 #include <windows.h>
 
-#include "platform/geometry.h"
-
 namespace tintora::platform {
 
 // Returns the scale of a window's monitor, or for null that of the primary one; 1 at 96 dpi.
 double scaleOf(HWND window);
-
-// Returns a rectangle with all its places multiplied by a scale.
-Rect scaled(const Rect& rect, double scale);
 
 }  // namespace tintora::platform

@@ -1,5 +1,7 @@
 // Two monitors side by side or one above the other, and monitors that change while it runs.
+#include <array>
 #include <cstdlib>
+#include <utility>
 
 #include "program_run.h"
 
@@ -153,17 +155,30 @@ TEST_F(MonitorTest, ScalesOfTheDesktopLeaveThePixelsAlone) {
   }
 }
 
-TEST_F(MonitorTest, TheResolutionOfTheScreenLeavesThePixelsAlone) {
+// Sizes are those of a screen with 96 to the inch; the view shows pixel for pixel what is beneath.
+TEST_F(MonitorTest, TheResolutionOfTheDesktopScalesWindowsAndNotTheView) {
   useDisplay({}, Manager::Openbox, "1600x1000");
-  for (const char* const resolution : {"96", "144", "192"}) {
-    const std::string text = std::string("Xft.dpi:\t") + resolution + "\n";
+  const std::array<std::pair<const char*, int>, 4> percents{
+      {{"96", 100}, {"144", 150}, {"192", 200}, {"72", 100}}};
+  for (const auto& [resolution, percent] : percents) {
+    const std::string text =
+        std::string("*background: blue\nXft.dpi:\t") + resolution + "\nXft.hinting: 1\n";
     xcb_change_property(x().connection(), XCB_PROP_MODE_REPLACE, x().root(),
                         x().atom("RESOURCE_MANAGER"), XCB_ATOM_STRING, 8,
                         static_cast<std::uint32_t>(text.size()), text.c_str());
     x().sync();
     begin();
-    EXPECT_TRUE(outerBecomes(centredOn(x().screenArea()))) << resolution;
+    const Area screen = x().screenArea();
+    const Area start{(screen.width - 5 * percent) / 2, (screen.height - 4 * percent) / 2,
+                     5 * percent, 4 * percent};
+    EXPECT_TRUE(outerBecomes(start)) << resolution;
     EXPECT_TRUE(viewShows(grey)) << resolution;
+
+    press(XK_h);
+    EXPECT_TRUE(eventually([&] {
+      const Area control = x().outerAreaOf(this->control());
+      return control.width == 4 * percent && control.height == 120 * percent / 100;
+    })) << resolution;
     saveScreen(std::string("resolution_") + resolution, x().screenArea());
     end();
   }

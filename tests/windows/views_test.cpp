@@ -2,13 +2,17 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdlib>
+#include <iterator>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "colour_space_run.h"
 #include "picture.h"
+#include "reference_diagram.h"
+#include "reference_observer.h"
 #include "seen_plane.h"
 
 namespace tintora::windows_test {
@@ -47,6 +51,7 @@ constexpr Colour green{0, 255, 0};
 constexpr Colour blue{0, 0, 255};
 constexpr Colour lightGrey{180, 180, 180};
 
+using FlatViewsTest = ColourSpaceTest;
 class FlatViews : public ColourSpaceTest, public testing::WithParamInterface<ClientSize> {};
 
 TEST_P(FlatViews, DrawTheSpectralLocus) {
@@ -88,43 +93,78 @@ TEST_P(FlatViews, CollapseTheGamutOfADichromat) {
   EXPECT_GT(collapsed, 100);  // the triangle of the primaries stays
 }
 
-struct Peak {
+// The curves of the normal observer, in the order in which they are drawn.
+struct ConeCurve {
   const char* cone;
   Colour colour;
-  double nanometres;
+  long double peak;  // nm
 };
+constexpr std::array coneCurves{ConeCurve{"S", blue, 420.7L}, ConeCurve{"L", red, 558.9L},
+                                ConeCurve{"M", green, 530.3L}};
+constexpr std::size_t shownSamples = 400;
 
-// Where the cone fundamentals of Stockman and Sharpe (2000, 2 degrees, quantal) have their peaks.
-constexpr std::array peaks{
-    Peak{"S", blue, 441.8},
-    Peak{"M", green, 541.3},
-    Peak{"L", red, 566.8},
-};
-constexpr double peakTolerance = 8.0;
+// Where each nanometre of a curve is seen.
+std::vector<SeenPoint> seenCurve(const Picture& picture, const ConeCurve& cone) {
+  const ReferenceCurve curve = referenceCone(cone.peak, 0.35L);
+  std::vector<SeenPoint> places;
+  for (std::size_t i = 0; i < shownSamples; ++i) {
+    places.push_back(seen(picture, static_cast<double>(i) / 100.0 - 2.0,
+                          2.0 * static_cast<double>(curve[i]) - 0.8));
+  }
+  return places;
+}
+
+bool areBeside(const SeenPoint& a, const SeenPoint& b, int reach) {
+  return std::abs(a.x - b.x) <= reach && std::abs(a.y - b.y) <= reach;
+}
+
+// Whether a pixel lies on a curve or next to it. On a flank the curve passes many rows from one
+// nanometre to the next.
+bool isOn(const std::vector<SeenPoint>& curve, const SeenPoint& pixel) {
+  for (std::size_t i = 1; i < curve.size(); ++i) {
+    const auto [left, right] = std::minmax(curve[i - 1].x, curve[i].x);
+    const auto [top, bottom] = std::minmax(curve[i - 1].y, curve[i].y);
+    if (pixel.x >= left - 1 && pixel.x <= right + 1 && pixel.y >= top - 1 &&
+        pixel.y <= bottom + 1) {
+      return true;
+    }
+  }
+  return false;
+}
 
 TEST_P(FlatViews, DrawTheSensitivitiesOfTheCones) {
   startWith(CurvesView, GetParam(), 2, 0);
   const Picture picture = shown();
-  for (const auto& [cone, colour, nanometres] : peaks) {
-    const std::vector<SeenPoint> curve = placesOf(picture, colour);
-    ASSERT_GT(curve.size(), 100U) << cone;
-    const int top = std::ranges::min(curve, {}, &SeenPoint::y).y;
-    EXPECT_NEAR(top, seen(picture, 0.0, 1.2).y, 1) << cone;
-    double sum = 0.0;
-    double count = 0.0;
-    for (const SeenPoint& place : curve) {
-      if (place.y != top) continue;
-      sum += place.x;
-      count += 1.0;
+  for (std::size_t i = 0; i < coneCurves.size(); ++i) {
+    const auto& [cone, colour, peak] = coneCurves[i];
+    SCOPED_TRACE(cone);
+    const std::vector<SeenPoint> curve = seenCurve(picture, coneCurves[i]);
+    const std::vector<SeenPoint> drawn = placesOf(picture, colour);
+    ASSERT_GT(drawn.size(), 100U);
+    for (const SeenPoint& pixel : drawn) {
+      ASSERT_TRUE(isOn(curve, pixel)) << pixel.x << "," << pixel.y;
     }
-    const double pixelsPerNanometre =
-        (seen(picture, 1.0, 0.0).x - seen(picture, -1.0, 0.0).x) / 200.0;
-    EXPECT_NEAR((sum / count - picture.width / 2.0) / pixelsPerNanometre + 560.0, nanometres,
-                peakTolerance)
-        << cone;
-    EXPECT_TRUE(std::ranges::any_of(curve, [&](const SeenPoint& place) {
-      return std::abs(place.y - seen(picture, 0.0, -0.8).y) <= 1;
-    })) << cone;
+    std::vector<SeenPoint> later;
+    for (std::size_t j = i + 1; j < coneCurves.size(); ++j) {
+      std::ranges::copy(placesOf(picture, coneCurves[j].colour), std::back_inserter(later));
+    }
+    for (std::size_t sample = 0; sample < curve.size(); ++sample) {
+      const SeenPoint& place = curve[sample];
+      if (place.x < 1 || place.x + 1 >= picture.width) continue;
+      const bool hidden = std::ranges::any_of(
+          later, [&](const SeenPoint& pixel) { return areBeside(pixel, place, 2); });
+      EXPECT_TRUE(hidden || isFound(picture, place, 1, colour)) << 360 + sample << " nm";
+    }
+  }
+}
+
+TEST_F(FlatViewsTest, MarkTheLabelledWavelengthsOutsideTheLocus) {
+  startWith(DiagramView, {800, 600}, 2, 0);
+  const Picture picture = shown();
+  for (const ReferenceLabel& label : referenceLabels()) {
+    const SeenPoint end =
+        seen(picture, static_cast<double>(label.place.x), static_cast<double>(label.place.y));
+    EXPECT_TRUE(isFound(picture, end, 1, lightGrey)) << label.text;
   }
 }
 

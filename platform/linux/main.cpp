@@ -5,7 +5,9 @@
 #include <xcb/xcb.h>
 
 #include <QApplication>
+#include <QDir>
 #include <QIcon>
+#include <QLibraryInfo>
 #include <QMessageBox>
 #include <QSocketNotifier>
 #include <array>
@@ -85,15 +87,25 @@ void endOnSignals(QSocketNotifier& notifier) {
     static_cast<void>(std::signal(signal, &onSignal));
 }
 
-// Shows a window with what stands in the way of starting, where that can be done and nobody reads
-// it on a terminal.
+// Returns the platform of Qt that can show a window here, or null if there is none.
+const char* platformOfDialog() {
+  xcb_connection_t* const display = xcb_connect(nullptr, nullptr);
+  const bool hasX = xcb_connection_has_error(display) == 0;
+  xcb_disconnect(display);
+  if (hasX) return "xcb";
+  // Qt would end the program if its plugin for Wayland were not installed.
+  const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms");
+  const bool hasWayland = qEnvironmentVariableIsSet("WAYLAND_DISPLAY") &&
+                          !plugins.entryList({"libqwayland*"}, QDir::Files).isEmpty();
+  return hasWayland ? "wayland" : nullptr;
+}
+
+// Shows a window with what stands in the way of starting, unless a terminal shows it already.
 void showObstacle(const std::string& obstacle, int& count, char** arguments) {
   if (isatty(STDERR_FILENO) != 0) return;
-  xcb_connection_t* const display = xcb_connect(nullptr, nullptr);
-  const bool hasDisplay = xcb_connection_has_error(display) == 0;
-  xcb_disconnect(display);
-  if (!hasDisplay) return;
-  tintora::platform::setOwnVariable("QT_QPA_PLATFORM", "xcb");
+  const char* const platform = platformOfDialog();
+  if (platform == nullptr) return;
+  tintora::platform::setOwnVariable("QT_QPA_PLATFORM", platform);
   const QApplication application(count, arguments);
   const QString text = QString::fromStdString(obstacle);
   QMessageBox(QMessageBox::Critical, "Tintora", "Tintora cannot start: " + text + ".",

@@ -2,11 +2,15 @@
 
 #include <QAction>
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QPalette>
+#include <algorithm>
 #include <vector>
 
 #include "platform/linux/event_loop.h"
+#include "platform/linux/handles.h"
 #include "platform/linux/screen_place.h"
 #include "platform/linux/text.h"
 
@@ -48,11 +52,52 @@ void sendCommand(const Menu* menu, const QAction* item) {
       Qt::QueuedConnection);
 }
 
+bool isOnOpenMenu(const QPoint& place) {
+  return std::ranges::any_of(livingMenus, [&place](const Menu* menu) {
+    return menu->menu.isVisible() && menu->menu.geometry().contains(place);
+  });
+}
+
+// Returns the window that the open menu belongs to, or null if no menu is open.
+Window* windowOfOpenMenu() {
+  const auto open = std::ranges::find_if(livingMenus, [](const Menu* menu) {
+    return menu->menu.isVisible() && menu->window != nullptr;
+  });
+  return open == livingMenus.end() ? nullptr : (*open)->window;
+}
+
+// A right press beside the menu closes it. The release that follows may reach the window or be lost
+// with the menu's grab of the mouse, so it is handed over here; a menu that is open by then stays.
+class PressesBesideMenus : public QObject {
+ public:
+  bool eventFilter(QObject* /*menu*/, QEvent* event) override {
+    if (event->type() != QEvent::MouseButtonPress) return false;
+    const auto& mouse = static_cast<const QMouseEvent&>(*event);
+    const QPoint place = mouse.globalPosition().toPoint();
+    Window* const window = windowOfOpenMenu();
+    if (mouse.button() != Qt::RightButton || window == nullptr || isOnOpenMenu(place) ||
+        QGuiApplication::topLevelAt(place) != window->window.get()) {
+      return false;
+    }
+    const QPoint inside = window->window->mapFromGlobal(place);
+    QMetaObject::invokeMethod(
+        QCoreApplication::instance(),
+        [window, inside] {
+          handOver(
+              {.kind = EventKind::RightUp, .window = window, .position = {inside.x(), inside.y()}});
+        },
+        Qt::QueuedConnection);
+    return false;
+  }
+};
+
 }  // namespace
 
 Menu* createMenu() {
+  static PressesBesideMenus pressesBesideMenus;
   auto* const menu = livingMenus.emplace_back(new Menu);
   showLabelsAsItems(menu->menu);
+  menu->menu.installEventFilter(&pressesBesideMenus);
   // Told of the choices in its submenus too.
   QObject::connect(&menu->menu, &QMenu::triggered, &menu->menu, [menu](QAction* item) {
     if (menu->window == nullptr) return;
@@ -95,6 +140,7 @@ void checkMenuItem(Menu* menu, int position, bool checked) {
 }
 
 void trackMenu(Menu* menu, const Point& place, Window* window) {
+  if (menu->menu.isVisible()) return;
   menu->window = window;
   menu->menu.popup(onRoot(place));
 }

@@ -169,6 +169,7 @@ TEST_F(Clipboard, HoldsTheFilteredClientArea) {
 // What is drawn is on the screen only after the desktop has composed it.
 TEST_F(Clipboard, HoldsWhatWasDrawnLast) {
   startOver();
+  ASSERT_TRUE(eventuallyShows(effectOf(juddProtan(1)), 1));
   magnifierRecord().habits.showsLastPicture = true;
   for (const int command : {5, 52}) {
     PostMessageA(windows().main, WM_COMMAND, static_cast<WPARAM>(command), 0);

@@ -51,8 +51,8 @@ void drawText(Canvas* canvas, const Point& place, Colour colour, const std::stri
   QPainter& painter = canvas->painter;
   painter.setPen(QColor(colour.red, colour.green, colour.blue));
   const double scale = desktopScale();
-  painter.drawText(scaled(place.x, scale), scaled(place.y, scale) + painter.fontMetrics().ascent(),
-                   toUnicode(text));
+  const int baseline = baselineOfHeight(scaled(paintFont.height, scale));
+  painter.drawText(scaled(place.x, scale), scaled(place.y, scale) + baseline, toUnicode(text));
 }
 
 }  // namespace tintora::platform

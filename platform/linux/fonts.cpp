@@ -26,4 +26,9 @@ QFont fontOfHeight(int height) {
   return font;
 }
 
+int baselineOfHeight(int height) {
+  constexpr double ascentOfLine = 0.81;
+  return qRound(height * ascentOfLine);
+}
+
 }  // namespace tintora::platform

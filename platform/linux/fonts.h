@@ -9,4 +9,8 @@ namespace tintora::platform {
 // has them: a substitute has letters of the same size, and may have taller lines.
 QFont fontOfHeight(int height);
 
+// Returns how far below the top of such a line its letters stand, in pixels, as the font meant has
+// it: the letters of a taller substitute stay within the line.
+int baselineOfHeight(int height);
+
 }  // namespace tintora::platform

@@ -72,7 +72,7 @@ const QFont& fontOf(TextFont& font) {
   return *font.font;
 }
 
-QImage coverageOf(const QFont& font, const QString& text) {
+QImage coverageOf(const QFont& font, int baseline, const QString& text) {
   const QFontMetrics metrics(font);
   QImage image(metrics.horizontalAdvance(text) + 2 * overhang, metrics.height(),
                QImage::Format_Alpha8);
@@ -80,12 +80,13 @@ QImage coverageOf(const QFont& font, const QString& text) {
   QPainter painter(&image);
   painter.setFont(font);
   painter.setPen(Qt::white);
-  painter.drawText(overhang, metrics.ascent(), text);
+  painter.drawText(overhang, baseline, text);
   return image;
 }
 
-TextImage makeImage(OpenGl& gl, const QFont& font, const std::string& text) {
-  const QImage coverage = coverageOf(font, toUnicode(text));
+TextImage makeImage(OpenGl& gl, TextFont& font, const std::string& text) {
+  const int baseline = baselineOfHeight(scaled(font.height, desktopScale()));
+  const QImage coverage = coverageOf(fontOf(font), baseline, toUnicode(text));
   TextImage image{.size = {coverage.width(), coverage.height()}};
   gl.glGenTextures(1, &image.texture);
   gl.glBindTexture(GL_TEXTURE_2D, image.texture);
@@ -100,7 +101,7 @@ const TextImage& imageOf(OpenGl& gl, TextFont& font, const std::string& text) {
   const auto known = font.images.find(text);
   if (known != font.images.end()) return known->second;
   if (font.images.size() >= mostImages) discardImages(font);
-  return font.images.emplace(text, makeImage(gl, fontOf(font), text)).first->second;
+  return font.images.emplace(text, makeImage(gl, font, text)).first->second;
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include "shell/main.h"
 
 #include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 #include <xcb/xcb.h>
 
@@ -10,6 +12,7 @@
 #include <QLibraryInfo>
 #include <QMessageBox>
 #include <QSocketNotifier>
+#include <algorithm>
 #include <array>
 #include <clocale>
 #include <csignal>
@@ -87,17 +90,33 @@ void endOnSignals(QSocketNotifier& notifier) {
     static_cast<void>(std::signal(signal, &onSignal));
 }
 
+// Returns true if the Wayland server that the environment names accepts connections.
+bool waylandAnswers() {
+  const QString name = qEnvironmentVariable("WAYLAND_DISPLAY");
+  if (name.isEmpty()) return false;
+  const QByteArray path =
+      QDir(qEnvironmentVariable("XDG_RUNTIME_DIR")).filePath(name).toLocal8Bit();
+  sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+  if (static_cast<std::size_t>(path.size()) >= sizeof address.sun_path) return false;
+  std::ranges::copy(path, address.sun_path);
+  const int connection = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  if (connection < 0) return false;
+  const bool answers =
+      connect(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+  close(connection);
+  return answers;
+}
+
 // Returns the platform of Qt that can show a window here, or null if there is none.
 const char* platformOfDialog() {
   xcb_connection_t* const display = xcb_connect(nullptr, nullptr);
   const bool hasX = xcb_connection_has_error(display) == 0;
   xcb_disconnect(display);
   if (hasX) return "xcb";
-  // Qt would end the program if its plugin for Wayland were not installed.
+  // Qt would end the program if its plugin for Wayland were not installed or had no server.
   const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms");
-  const bool hasWayland = qEnvironmentVariableIsSet("WAYLAND_DISPLAY") &&
-                          !plugins.entryList({"libqwayland*"}, QDir::Files).isEmpty();
-  return hasWayland ? "wayland" : nullptr;
+  const bool hasPlugin = !plugins.entryList({"libqwayland*"}, QDir::Files).isEmpty();
+  return hasPlugin && waylandAnswers() ? "wayland" : nullptr;
 }
 
 // Shows a window with what stands in the way of starting, unless a terminal shows it already.

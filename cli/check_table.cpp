@@ -42,7 +42,7 @@ std::string padRight(const std::string& text, std::size_t width) {
   return text + std::string(width - std::min(lengthOf(text), width), ' ');
 }
 
-// Two blanks on the colour, and one after them; nothing where colours cannot be shown.
+// Returns two blanks on the colour and one after them, or nothing if colours cannot be shown.
 std::string swatch(const Table& table, Rgb8 rgb) {
   if (!table.swatches) return "";
   return "\x1b[48;2;" + std::to_string(rgb.red) + ";" + std::to_string(rgb.green) + ";" +

@@ -8,7 +8,7 @@
 
 namespace tintora::platform {
 
-// Has the server tell when something is drawn on the screen, or no longer.
+// Asks the server to report what is drawn on the screen, or stops asking.
 void watchScreen(bool watch);
 
 // Takes in an event of the server; returns true if something was drawn on the screen.

@@ -90,8 +90,8 @@ QSize sizeOnServer(const Window* window) {
 void moveInto(Window* window, const AskedBounds& asked) {
   const QRect inner = asked.outer.marginsRemoved(asked.frame);
   if (window->kind == WindowKind::Control) fixSize(window, inner.size());
-  // Qt asks for nothing where it believes the window to be, though an earlier request may be on its
-  // way.
+  // Qt sends no request if it believes the window to be there, though an earlier request may be on
+  // its way.
   if (window->window->geometry() == inner) return requestGeometry(window, inner);
   window->window->setGeometry(inner);
 }

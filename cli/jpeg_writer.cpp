@@ -159,8 +159,9 @@ ImageWriter startJpeg(ByteSink& sink, const RowsHeader& header, int quality) {
   if (!completes(writer->fault, [&] { writeHeader(*writer, header, quality, exif); })) {
     throwUnwritable(*writer);
   }
-  const auto writeRow = [writer, hasAlpha = header.hasAlpha,
-                         width = header.width](const std::uint8_t* row) {
+  // Rows of greys have no alpha, whatever the file said that they came from.
+  const bool hasAlpha = header.hasAlpha && header.layout != PixelLayout::Indexed;
+  const auto writeRow = [writer, hasAlpha, width = header.width](const std::uint8_t* row) {
     if (hasAlpha && !isOpaque(row, width)) {
       throw ImageError("JPEG cannot keep transparency; choose a PNG output");
     }

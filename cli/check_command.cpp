@@ -6,34 +6,10 @@
 #include <utility>
 
 #include "cli/check_formats.h"
+#include "cli/choice_option.h"
 #include "cli/transform_options.h"
 
 namespace tintora::cli {
-
-namespace {
-
-template <typename Value>
-void addChoice(CLI::App& command, const std::string& name, Value& value,
-               const std::map<std::string, Value>& choices, const std::string& description) {
-  command
-      .add_option_function<std::string>(
-          name,
-          [name, &value, choices](const std::string& text) {
-            const auto choice = choices.find(text);
-            if (choice == choices.end()) {
-              std::string known;
-              for (const auto& [word, ignored] : choices) {
-                known += (known.empty() ? "" : ", ") + word;
-              }
-              throw CLI::ValidationError(name, "\"" + text + "\" is none of " + known);
-            }
-            value = choice->second;
-          },
-          description)
-      ->type_name("NAME");
-}
-
-}  // namespace
 
 void addCheckArguments(CLI::App& command, CheckRequest& request) {
   command

@@ -17,6 +17,7 @@
 
 #include "cli/batch.h"
 #include "cli/check_command.h"
+#include "cli/choice_option.h"
 #include "cli/curves_command.h"
 #include "cli/filter_command.h"
 #include "cli/list_command.h"
@@ -45,26 +46,6 @@ struct Request {
 
 void print(const std::string& text) {
   writeStandardOutput(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
-}
-
-template <typename Value>
-void addChoice(CLI::App& command, const std::string& name, Value& value,
-               const std::map<std::string, Value>& choices, const std::string& description) {
-  command
-      .add_option_function<std::string>(
-          name,
-          [name, &value, choices](const std::string& text) {
-            const auto choice = choices.find(text);
-            if (choice != choices.end()) {
-              value = choice->second;
-              return;
-            }
-            std::string known;
-            for (const auto& [word, ignored] : choices) known += (known.empty() ? "" : ", ") + word;
-            throw CLI::ValidationError(name, "\"" + text + "\" is none of " + known);
-          },
-          description)
-      ->type_name("NAME");
 }
 
 int runMatrix(const Request& request) {

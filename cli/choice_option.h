@@ -1,0 +1,32 @@
+// Options that take one of several words.
+#pragma once
+
+#include <CLI/App.hpp>
+#include <map>
+#include <string>
+
+namespace tintora::cli {
+
+// Adds an option that sets the value by its word and refuses any other word, naming those known.
+// The value must outlive the command.
+template <typename Value>
+void addChoice(CLI::App& command, const std::string& name, Value& value,
+               const std::map<std::string, Value>& choices, const std::string& description) {
+  command
+      .add_option_function<std::string>(
+          name,
+          [name, &value, choices](const std::string& text) {
+            const auto choice = choices.find(text);
+            if (choice != choices.end()) {
+              value = choice->second;
+              return;
+            }
+            std::string known;
+            for (const auto& [word, ignored] : choices) known += (known.empty() ? "" : ", ") + word;
+            throw CLI::ValidationError(name, "\"" + text + "\" is none of " + known);
+          },
+          description)
+      ->type_name("NAME");
+}
+
+}  // namespace tintora::cli

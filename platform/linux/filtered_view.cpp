@@ -11,6 +11,7 @@
 #include "platform/linux/composition.h"
 #include "platform/linux/view_frames.h"
 #include "platform/linux/window_damage.h"
+#include "platform/linux/window_events.h"
 #include "platform/linux/window_stack.h"
 #include "platform/linux/x_server.h"
 

@@ -12,7 +12,7 @@
 #include "platform/linux/filtered_view.h"
 #include "platform/linux/handles.h"
 #include "platform/linux/screen_place.h"
-#include "platform/linux/window_stack.h"
+#include "platform/linux/window_events.h"
 #include "platform/linux/x_server.h"
 
 namespace tintora::platform {

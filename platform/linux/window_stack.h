@@ -1,4 +1,4 @@
-// The screen's top-level windows in their stacking order, and what changes in them.
+// The screen's top-level windows in their stacking order, and where the view must be made anew.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -23,18 +23,29 @@ struct WindowStack {
 
 extern WindowStack windowStack;
 
-// Reads the stack and follows every change from now on. While the main window is shown, the server
-// keeps the windows' pixels apart from the screen's, so that covered windows can be read too.
-void watchWindows(xcb_window_t ownWindow);
-
-// Stops following the windows.
-void forgetWindows();
-
-// Takes in one event of the server.
-void followEvent(const xcb_generic_event_t& event);
+// Returns the window's place in the stack; the stack's end if it is none of the root's children.
+std::vector<TopLevel>::iterator findTopLevel(xcb_window_t window);
 
 // Adds to what changed. A long list of small parts becomes one part around them.
 void addChange(const QRegion& region);
+
+// Adds what the window covers to what changed, if the view shows it. Hidden windows, and those
+// above ours, do not affect the view.
+void noteChange(const TopLevel& topLevel);
+
+// Notes that the whole picture may be different now.
+void changeAll();
+
+// Returns true if the window is the main one or its frame, which is drawn straight to the screen
+// and never read.
+bool isOwn(const TopLevel& topLevel);
+
+// Returns true if this program created the window. The server's names of what one program creates
+// differ in their last bits only.
+bool isOwnResource(xcb_window_t window);
+
+// Returns true if the window is beneath the main one, and no guard window hides it.
+bool isBeneath(const TopLevel& topLevel);
 
 // Returns true if the main window is on the screen.
 bool isOwnWindowShown();

@@ -4,6 +4,9 @@
 #include <CLI/App.hpp>
 #include <map>
 #include <string>
+#include <vector>
+
+#include "cli/option_words.h"
 
 namespace tintora::cli {
 
@@ -12,21 +15,26 @@ namespace tintora::cli {
 template <typename Value>
 void addChoice(CLI::App& command, const std::string& name, Value& value,
                const std::map<std::string, Value>& choices, const std::string& description) {
-  command
-      .add_option_function<std::string>(
-          name,
-          [name, &value, choices](const std::string& text) {
-            const auto choice = choices.find(text);
-            if (choice != choices.end()) {
-              value = choice->second;
-              return;
-            }
-            std::string known;
-            for (const auto& [word, ignored] : choices) known += (known.empty() ? "" : ", ") + word;
-            throw CLI::ValidationError(name, "\"" + text + "\" is none of " + known);
-          },
-          description)
-      ->type_name("NAME");
+  std::vector<std::string> words;
+  for (const auto& [word, ignored] : choices) words.push_back(word);
+  CLI::Option& option =
+      *command
+           .add_option_function<std::string>(
+               name,
+               [name, &value, choices](const std::string& text) {
+                 const auto choice = choices.find(text);
+                 if (choice != choices.end()) {
+                   value = choice->second;
+                   return;
+                 }
+                 std::string known;
+                 for (const auto& [word, ignored] : choices)
+                   known += (known.empty() ? "" : ", ") + word;
+                 throw CLI::ValidationError(name, "\"" + text + "\" is none of " + known);
+               },
+               description)
+           ->type_name("NAME");
+  noteWords(option, words);
 }
 
 }  // namespace tintora::cli

@@ -2,11 +2,16 @@
 
 #include <unistd.h>
 
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
 #include <algorithm>
+#include <functional>
 #include <set>
 #include <span>
 #include <system_error>
+#include <thread>
 
+#include "cli/choice_option.h"
 #include "cli/filter_stream.h"
 #include "cli/output_file.h"
 #include "cli/transform_options.h"
@@ -93,6 +98,41 @@ FilterPlan planFolderJobs(const FilterRequest& request, const std::vector<std::s
 }
 
 }  // namespace
+
+void addFilterArguments(CLI::App& command, FilterRequest& request) {
+  request.threads = std::max(1U, std::thread::hardware_concurrency());
+  command
+      .add_option("paths", request.paths,
+                  "INPUT OUTPUT, or INPUT... FOLDER; - is standard input or output")
+      ->required()
+      ->type_name("PATH");
+  command
+      .add_option_function<std::string>(
+          "--output-dir", [&request](const std::string& path) { request.outputDirectory = path; },
+          "Write under the inputs' names into this folder")
+      ->type_name("FOLDER");
+  addChoice<std::optional<ImageFormat>>(command, "--output-format", request.outputFormat,
+                                        {{"png", ImageFormat::Png}, {"jpeg", ImageFormat::Jpeg}},
+                                        "png or jpeg, whatever the output is called");
+  const auto addNumber = [&command](const std::string& name, std::uint64_t least,
+                                    std::uint64_t most, const std::string& description,
+                                    const std::function<void(std::uint64_t)>& take) {
+    command
+        .add_option_function<std::string>(
+            name, [=](const std::string& text) { take(parseWholeNumber(name, text, least, most)); },
+            description)
+        ->type_name("N");
+  };
+  addNumber("--quality", 1, 100,
+            "JPEG quality, 1 to 100 (default " + std::to_string(defaultJpegQuality) + ')',
+            [&request](std::uint64_t quality) { request.quality = static_cast<int>(quality); });
+  addNumber("--jobs", 1, 1024, "Images at a time (default: one for each processor)",
+            [&request](std::uint64_t threads) { request.threads = threads; });
+  addNumber("--max-pixels", 1, highestPixelLimit,
+            "Largest image to accept (default " + std::to_string(defaultPixelLimit) + " pixels)",
+            [&request](std::uint64_t pixels) { request.pixelLimit = pixels; });
+  command.add_flag("--force", request.overwrites, "Overwrite files in the folder");
+}
 
 FilterPlan planFilterJobs(const FilterRequest& request) {
   if (request.outputDirectory) {

@@ -1,6 +1,7 @@
 // tintora-cli filter: image files through a transform.
 #pragma once
 
+#include <CLI/App.hpp>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -33,6 +34,10 @@ struct FilterPlan {
   std::vector<FilterJob> jobs;
   std::optional<std::filesystem::path> folder;  // to be made for the outputs if it is not there
 };
+
+// Adds the arguments and options of the command, without those of the transform; parsing it fills
+// the request, which must outlive the command.
+void addFilterArguments(CLI::App& command, FilterRequest& request);
 
 // Returns the jobs for "INPUT OUTPUT", for "INPUT... FOLDER" where the folder exists or ends in a
 // slash, or for "INPUT..." with an output directory. The format follows the output's file name, and

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "cli/option_words.h"
 #include "cli/text.h"
 #include "cli/transform_options.h"
 
@@ -79,12 +80,12 @@ auto parseList(std::string_view text, Parse parse) {
 }
 
 template <typename Apply>
-void addOption(CLI::App& command, const std::string& name, const std::string& valueName,
-               const std::string& description, Apply apply) {
-  command
-      .add_option_function<std::string>(
-          name, [name, apply](const std::string& text) { apply(name, text); }, description)
-      ->type_name(valueName);
+CLI::Option& addOption(CLI::App& command, const std::string& name, const std::string& valueName,
+                       const std::string& description, Apply apply) {
+  return *command
+              .add_option_function<std::string>(
+                  name, [name, apply](const std::string& text) { apply(name, text); }, description)
+              ->type_name(valueName);
 }
 
 }  // namespace
@@ -104,13 +105,14 @@ void addPaletteOptions(CLI::App& command, PaletteOptions& options) {
       value = parseNumber(name, text, 0.0, mostDifference);
     };
   };
-  addOption(command, "--deficiency", "NAMES",
-            "protan, deutan and tritan, or some of them with commas between (default all)",
-            [&options](const std::string& name, const std::string& text) {
-              options.types = parseList(text, [&](std::string_view word) {
-                return parseName<CvdType>(name, word, types);
-              });
-            });
+  CLI::Option& deficiency = addOption(
+      command, "--deficiency", "NAMES",
+      "protan, deutan and tritan, or some of them with commas between (default all)",
+      [&options](const std::string& name, const std::string& text) {
+        options.types = parseList(
+            text, [&](std::string_view word) { return parseName<CvdType>(name, word, types); });
+      });
+  noteWords(deficiency, namesIn(types));
   addOption(command, "--severity", "PERCENTS",
             "Severities of the deficiency, with commas between (default 60,100)",
             [&options](const std::string& name, const std::string& text) {
@@ -118,16 +120,19 @@ void addPaletteOptions(CLI::App& command, PaletteOptions& options) {
                 return parseNumber(name, number, 0.0, whole) / whole;
               });
             });
-  addOption(command, "--algorithm", "NAME", "Simulation algorithm (default judd); see list",
-            [&options](const std::string& name, const std::string& text) {
-              options.algorithm = parseName(name, text, algorithmNames());
-            });
-  addOption(
+  CLI::Option& algorithm =
+      addOption(command, "--algorithm", "NAME", "Simulation algorithm (default judd); see list",
+                [&options](const std::string& name, const std::string& text) {
+                  options.algorithm = parseName(name, text, algorithmNames());
+                });
+  noteWords(algorithm, namesIn(algorithmNames()));
+  CLI::Option& light = addOption(
       command, "--light", "NAME",
       "encoded (default but for brettel1997): on sRGB values, as on the screen; linear: on light",
       [&options](const std::string& name, const std::string& text) {
         options.light = parseName(name, text, lightNames());
       });
+  noteWords(light, namesIn(lightNames()));
   addOption(command, "--apart", "DIFFERENCE",
             "CIEDE2000 from which two colours are told apart (default 15)",
             difference(options.limits.apart));

@@ -7,7 +7,9 @@
 #include <charconv>
 #include <limits>
 #include <string>
+#include <vector>
 
+#include "cli/option_words.h"
 #include "cli/output_file.h"
 #include "cli/text.h"
 #include "engine/apply_transform.h"
@@ -167,7 +169,9 @@ void addNamed(CLI::App& command, TransformOptions& options, const std::string& n
   const auto read = [name, &table, &value](const std::string& text) {
     value = choose(name, text, table, [](const auto& entry) { return entry.name; }).value;
   };
-  addOption(command, options, name, description, read).type_name("NAME");
+  CLI::Option& option = addOption(command, options, name, description, read);
+  option.type_name("NAME");
+  noteWords(option, namesIn(table));
 }
 
 void addFlag(CLI::App& command, TransformOptions& options, const std::string& name, bool& flag,
@@ -268,15 +272,17 @@ void addTransformOptions(CLI::App& command, TransformOptions& options) {
     chooseColourFilter(settings,
                        choose("--filter-colour", text, colourFilters, colourFilterOption));
   };
-  command
-      .add_option_function<std::string>(
-          "--filter-colour,--filter-color",
-          [&options, readFilterColour](const std::string& text) {
-            options.given.insert("--filter-colour");
-            readFilterColour(text);
-          },
-          "Colour that the filter passes (default none: all); see list")
-      ->type_name("NAME");
+  CLI::Option& filterColour = *command.add_option_function<std::string>(
+      "--filter-colour,--filter-color",
+      [&options, readFilterColour](const std::string& text) {
+        options.given.insert("--filter-colour");
+        readFilterColour(text);
+      },
+      "Colour that the filter passes (default none: all); see list");
+  filterColour.type_name("NAME");
+  std::vector<std::string> colours;
+  for (const ColourFilter& filter : colourFilters) colours.push_back(colourFilterOption(filter));
+  noteWords(filterColour, colours);
   addNamed(command, options, "--swap", swaps, settings.Swap,
            "Channels to exchange (default red-blue); see list");
   addPercentage(command, options, "--brightness", settings.brightness, -100.0,

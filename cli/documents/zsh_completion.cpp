@@ -1,0 +1,94 @@
+#include "cli/documents/completions.h"
+
+namespace tintora::cli {
+
+namespace {
+
+// Text within the single quotes of the script and the brackets of a specification.
+std::string quoted(std::string_view text) {
+  std::string escaped;
+  for (const char c : text) {
+    if (c == '\'') {
+      escaped += "'\\''";
+    } else {
+      if (c == '[' || c == ']' || c == ':' || c == '\\') escaped += '\\';
+      escaped += c;
+    }
+  }
+  return escaped;
+}
+
+std::string valueAction(const DeclaredOption& option) {
+  std::string words;
+  for (const std::string& word : option.words) words += (words.empty() ? "" : " ") + word;
+  switch (valueKind(option)) {
+    case ValueKind::Word:
+      return '(' + words + ')';
+    case ValueKind::WordList:
+      return "_values -s , " + quoted(option.value) + ' ' + words;
+    case ValueKind::File:
+      return "_files";
+    case ValueKind::Folder:
+      return "_files -/";
+    case ValueKind::None:
+    case ValueKind::Other:
+      break;
+  }
+  return " ";
+}
+
+// One specification of _arguments for each name of each option.
+std::string specifications(const DeclaredCommand& command) {
+  std::string text;
+  for (const DeclaredOption& option : command.options) {
+    for (const std::string& name : option.names) {
+      text += " \\\n        '";
+      if (option.repeats) text += '*';
+      // --name=value and --name value; letters take the value as the next word.
+      const bool isLong = name.starts_with("--");
+      text += name + (option.value.empty() ? "" : isLong ? "=" : "");
+      text += '[' + quoted(option.description) + ']';
+      if (!option.value.empty()) text += ':' + quoted(option.value) + ':' + valueAction(option);
+      text += '\'';
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string zshCompletion(const DeclaredTool& tool) {
+  std::string script = R"(#compdef tintora-cli
+# Completion of tintora-cli for zsh.
+
+_tintora-cli() {
+  local curcontext=$curcontext state line
+  local -A opt_args
+  local -a commands=(
+)";
+  for (const DeclaredCommand& command : tool.commands) {
+    script += "    '" + command.name + ':' + quoted(command.description) + "'\n";
+  }
+  script += "  )\n  _arguments -C" + specifications(tool.tool) + R"( \
+        '1: :->command' '*:: :->arguments'
+  case $state in
+    command) _describe command commands ;;
+    arguments)
+      case $line[1] in
+)";
+  for (const DeclaredCommand& command : tool.commands) {
+    script += "        " + command.name + ") _arguments" + specifications(command);
+    if (!command.arguments.empty()) script += " \\\n        '*:file:_files'";
+    script += " ;;\n";
+  }
+  script += R"(      esac
+      ;;
+  esac
+}
+
+_tintora-cli "$@"
+)";
+  return script;
+}
+
+}  // namespace tintora::cli

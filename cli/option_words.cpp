@@ -1,0 +1,34 @@
+#include "cli/option_words.h"
+
+#include <sstream>
+
+namespace tintora::cli {
+
+namespace {
+
+constexpr const char* noteName = "words";
+
+}  // namespace
+
+// CLI11 keeps validators with their option. One that is not active checks nothing and is not shown
+// in the help, so its description holds the words.
+void noteWords(CLI::Option& option, const std::vector<std::string>& words) {
+  std::string joined;
+  for (const std::string& word : words) joined += (joined.empty() ? "" : " ") + word;
+  const auto accept = [](std::string& /*argument*/) { return std::string(); };
+  option.check(CLI::Validator(accept, joined, noteName).active(false));
+}
+
+std::vector<std::string> notedWords(CLI::Option& option) {
+  std::vector<std::string> words;
+  try {
+    CLI::Validator note = *option.get_validator(noteName);
+    std::istringstream text(note.active(true).get_description());
+    for (std::string word; text >> word;) words.push_back(word);
+  } catch (const CLI::OptionNotFound&) {
+    return {};
+  }
+  return words;
+}
+
+}  // namespace tintora::cli

@@ -39,6 +39,16 @@ CUSTOM_FILES = {
         b"0.5abc 1e-1 +.25 -2.5E-2x\n"
         b"-.125e1 3. 007 12e-2\n"
         b"0.333333333333333333333 16777217 1.00000005960464477540 1e-30\n"),
+    "hexadecimal.txt": (
+        b"$Powers of two\n"
+        b"0x.8 -0X1.8p-1 0x10p-6z +0x0.0000000000001p+40\n"
+        b"0xg 0x1p 0x1.p+ 0x.4P0\n"
+        b"\v0.5 \f-0.25 \v\f0x.1 0\v\n"),
+    "text_mode.txt": (
+        b"Pairs\r\n0.1 0.2 0.3 0.4\r\n0.5 0.6 0.7 0.8\r\n"
+        b"0.9 1.0 1.1 1.2\r\n"
+        b"$Ended by a byte\r0.4 0.3 0.2 0.1\r\n0.8 0.7 0.6 0.5\n"
+        b"1.2 1.1 1.0 0.9\x1a9\r\n"),
     "line_ends.txt": (
         b"Carriage returns\r0.1 0.2 0.3 0.4\r0.5 0.6 0.7 0.8\r"
         b"0.9 1.0 1.1 1.2\r"

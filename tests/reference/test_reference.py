@@ -1,5 +1,6 @@
 """Hold the reference itself to published figures and hand calculation."""
 
+import math
 import struct
 import tempfile
 import unittest
@@ -328,6 +329,37 @@ class CustomFile(unittest.TestCase):
             self.assertEqual(names[:1], ["a"])
             self.assertNotIn("b", names)
         self.assertEqual(read_entries(b""), ())
+
+    def first_row(self, line):
+        (entry,) = read_entries(b"name\n" + line + b"\n0 1 0 0\n0 0 1 0")
+        return entry.rows[0]
+
+    def test_notations(self):
+        self.assertEqual(self.first_row(b"0x10 -0X1.8p+1 0x.8 0xabg"),
+                         (16.0, -3.0, 0.5, 171.0))
+        self.assertEqual(self.first_row(b"0x 0xg 0x1p 0x2p+"),
+                         (0.0, 0.0, 1.0, 2.0))
+        self.assertEqual(self.first_row(b"1e 2e+ .5.5 +3-"),
+                         (1.0, 2.0, 0.5, 3.0))
+        self.assertEqual(self.first_row(b"\v1 \f2 \v\f3 4\v"),
+                         (1.0, 2.0, 3.0, 4.0))
+        infinity = float("inf")
+        self.assertEqual(self.first_row(b"-inf +INFINITY 1e99 -Infx"),
+                         (-infinity, infinity, infinity, -infinity))
+        self.assertTrue(all(map(math.isnan,
+                                self.first_row(b"-nan +NaN -nanx \vnan"))))
+        for field in (b"inf", b"nan", b"x1", b"$1", b".", b"-", b"0", b"\v"):
+            read = read_entries(b"a\n1 1 1 " + field + b"\n0 1 0 0\n0 0 1 0")
+            self.assertEqual(len(read), int(field == b"0"), field)
+
+    def test_lines(self):
+        lines = b"name", b"1 0 0 0", b"0 1 0 0", b"0 0 1 0"
+        for end in (b"\n", b"\r", b"\r\n", b"\0"):
+            self.assertEqual(len(read_entries(end.join(lines * 2))), 2, end)
+        for end in (b"\r\r\n", b"\n\r", b"\r\0"):
+            self.assertEqual(read_entries(end.join(lines)), (), end)
+        self.assertEqual(
+            len(read_entries(b"\n".join((*lines, b"\x1ab", *lines)))), 1)
 
     def test_strength(self):
         entries = read_entries(self.CONTENT)

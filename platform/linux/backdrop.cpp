@@ -2,10 +2,12 @@
 
 #include <QRegion>
 #include <QTimer>
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <vector>
+#include <span>
 
 #include "platform/linux/compositing.h"
 #include "platform/linux/learned_background.h"
@@ -20,11 +22,13 @@ namespace {
 struct Backdrop {
   bool isRead = false;
   xcb_pixmap_t tile = XCB_NONE;  // repeated over the root; none: nothing is known to be painted
-  bool ownsTile = false;
-  bool learns = false;                // the screen is read where no window is
-  QRegion uncovered;                  // at the last look
-  QRegion unlearned;                  // was drawn or uncovered since it was learned
+  bool ownsTile = false;         // it is a copy of what the server paints
+  QRegion copied;                // how much of it was copied so far
+  bool learns = false;           // the screen is read where no window is
+  QRegion uncovered;             // at the last look
+  QRegion unlearned;             // was drawn or uncovered since it was learned
   xcb_gcontext_t context = XCB_NONE;  // paints with the tile
+  bool drawn = false;                 // on the screen, since the last look at it
   std::unique_ptr<QTimer> look;       // at the screen, when its changes have had time to be drawn
 };
 Backdrop backdrop;
@@ -39,13 +43,35 @@ void createContext() {
                 &noExposures);
 }
 
+xcb_pixmap_t createTile() {
+  const xcb_pixmap_t tile = xcb_generate_id(x());
+  const QSize& size = windowStack.rootSize;
+  xcb_create_pixmap(x(), xServer.screen->root_depth, tile, xServer.screen->root, u16(size.width()),
+                    u16(size.height()));
+  return tile;
+}
+
+QRect wholeRoot() {
+  return {QPoint(), windowStack.rootSize};
+}
+
+// Copies what is missing. A large screen takes some time, so at the start only the view's part is
+// copied.
+void completeTile(const QRect& part) {
+  if (!backdrop.ownsTile || backdrop.tile == XCB_NONE) return;
+  for (const QRect& rect : QRegion(part) - backdrop.copied) copyBackground(backdrop.tile, rect);
+  backdrop.copied += part;
+}
+
 void readBackdrop() {
   if (backdrop.context == XCB_NONE) createContext();
   backdrop.isRead = true;
+  findOverlayWindow();
   backdrop.tile = namedBackground();
   const bool named = backdrop.tile != XCB_NONE;
   backdrop.ownsTile = !named;
-  if (!named) backdrop.tile = copyOfPaintedBackground();
+  backdrop.copied = QRegion();
+  if (!named && paintsBackground()) backdrop.tile = createTile();
   // Compositing managers paint what is named, or something of their own; those that are window
   // managers as well paint something of their own in any case.
   backdrop.learns =
@@ -56,16 +82,14 @@ void lookLater() {
   if (backdrop.look && !backdrop.look->isActive()) backdrop.look->start(lookAfterMilliseconds);
 }
 
-// Returns a few pixels, or none if they cannot be read.
-std::vector<std::uint8_t> pixelsOf(xcb_drawable_t drawable, const QRect& rect) {
-  const Received<xcb_get_image_reply_t> image(
-      xcb_get_image_reply(x(),
-                          xcb_get_image(x(), XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, i16(rect.x()),
-                                        i16(rect.y()), u16(rect.width()), u16(rect.height()), ~0U),
-                          nullptr));
-  if (!image) return {};
-  const std::uint8_t* const bytes = xcb_get_image_data(image.get());
-  return {bytes, bytes + xcb_get_image_data_length(image.get())};
+xcb_get_image_cookie_t requestPixels(xcb_drawable_t drawable, const QRect& rect) {
+  return xcb_get_image(x(), XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, i16(rect.x()), i16(rect.y()),
+                       u16(rect.width()), u16(rect.height()), ~0U);
+}
+
+std::span<const std::uint8_t> bytesOf(const xcb_get_image_reply_t* image) {
+  if (image == nullptr) return {};
+  return {xcb_get_image_data(image), static_cast<std::size_t>(xcb_get_image_data_length(image))};
 }
 
 // Nothing tells that the root was given another background without a name. But it was drawn then,
@@ -74,7 +98,11 @@ bool hasPaintedAnother(const QRegion& drawn) {
   constexpr int sample = 8;
   const QRect rect = *drawn.begin();
   const QRect part(rect.topLeft(), rect.size().boundedTo({sample, sample}));
-  return pixelsOf(xServer.screen->root, part) != pixelsOf(backdrop.tile, part);
+  const auto screenRequest = requestPixels(xServer.screen->root, part);
+  const auto copyRequest = requestPixels(backdrop.tile, part);
+  const Received<xcb_get_image_reply_t> onScreen(xcb_get_image_reply(x(), screenRequest, nullptr));
+  const Received<xcb_get_image_reply_t> copied(xcb_get_image_reply(x(), copyRequest, nullptr));
+  return !std::ranges::equal(bytesOf(onScreen.get()), bytesOf(copied.get()));
 }
 
 // A window that has just gone may still be on the screen: what is learned was uncovered at the last
@@ -89,17 +117,47 @@ void learnWhatRests(const QRegion& drawn) {
   if (!backdrop.unlearned.isEmpty()) lookLater();
 }
 
+// Asks for nothing while windows cover the whole root: whatever was drawn is theirs. It stays noted
+// until they are moved.
 void lookAtScreen() {
-  const QRegion drawn = takeScreenDamage();
   if (!backdrop.isRead) return;
+  if (uncoveredRoot().isEmpty()) {
+    backdrop.uncovered = QRegion();
+    return;
+  }
+  backdrop.drawn = false;
+  requestScreenDamage();
+}
+
+void takeInScreen(const QRegion& drawn) {
+  if (!backdrop.isRead) return;
+  const QRegion drawnOnRoot = drawn & uncoveredRoot();
   if (backdrop.learns) {
-    learnWhatRests(drawn);
-  } else if (!drawn.isEmpty() && backdrop.ownsTile && hasPaintedAnother(drawn)) {
-    windowStack.backgroundChanged = true;
+    learnWhatRests(drawnOnRoot);
+    return;
+  }
+  if (!backdrop.ownsTile) return;
+  const QRect all = wholeRoot();
+  if (drawnOnRoot.isEmpty()) return completeTile(all);
+  // What was drawn where nothing is copied yet may be another background than what is.
+  const bool isComplete = (QRegion(all) - backdrop.copied).isEmpty();
+  windowStack.backgroundChanged |= !isComplete || hasPaintedAnother(drawnOnRoot);
+}
+
+bool movesWindows(const xcb_generic_event_t& event) {
+  switch (event.response_type & 0x7F) {
+    case XCB_DESTROY_NOTIFY:
+    case XCB_UNMAP_NOTIFY:
+    case XCB_REPARENT_NOTIFY:
+    case XCB_CONFIGURE_NOTIFY:
+      return true;
+    default:
+      return false;
   }
 }
 
 void paintTile(xcb_pixmap_t target, const QPoint& origin, const QRect& part) {
+  completeTile(part);
   const std::uint32_t style =
       backdrop.tile == XCB_NONE ? XCB_FILL_STYLE_SOLID : XCB_FILL_STYLE_TILED;
   xcb_change_gc(x(), backdrop.context, XCB_GC_FILL_STYLE, &style);
@@ -132,6 +190,7 @@ void startBackdrop() {
   windowStack.backgroundChanged = false;
   backdrop.uncovered = uncoveredRoot();
   if (backdrop.learns) learn(backdrop.uncovered);
+  lookLater();
 }
 
 void stopBackdrop() {
@@ -140,13 +199,17 @@ void stopBackdrop() {
 }
 
 bool followBackdrop(const xcb_generic_event_t& event) {
-  if (!followScreen(event)) return false;
-  lookLater();
-  return true;
+  const bool drawn = followScreen(event);
+  backdrop.drawn |= drawn;
+  if (drawn || (backdrop.drawn && movesWindows(event))) lookLater();
+  return drawn;
 }
 
-void watchBackdrop() {
-  watchScreen(isOwnWindowShown());
+bool watchBackdrop() {
+  watchScreen(isOwnWindowShown() && (backdrop.learns || backdrop.ownsTile));
+  const auto drawn = receivedScreenDamage();
+  if (drawn) takeInScreen(*drawn);
+  return drawn.has_value();
 }
 
 void forgetBackdrop() {
@@ -159,7 +222,10 @@ void forgetBackdrop() {
 }
 
 void paintBackdrop(xcb_pixmap_t target, const QPoint& origin, const QRect& part) {
-  if (!backdrop.isRead) readBackdrop();
+  if (!backdrop.isRead) {
+    readBackdrop();
+    completeTile(wholeRoot());
+  }
   const QRegion learned = backdrop.learns ? learnedPart() & part : QRegion();
   for (const QRect& rect : learned) paintLearned(target, origin, rect);
   for (const QRect& rect : QRegion(part) - learned) paintTile(target, origin, rect);

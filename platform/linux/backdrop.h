@@ -16,8 +16,9 @@ void stopBackdrop();
 // Takes in an event of the server; returns true if it is the backdrop's.
 bool followBackdrop(const xcb_generic_event_t& event);
 
-// Follows what is drawn on the screen while the main window is shown.
-void watchBackdrop();
+// Follows what is drawn on the screen while the main window is shown. Returns true if the server
+// has answered what was drawn. Never waits for an answer.
+bool watchBackdrop();
 
 // Has the background read again before it is next painted.
 void forgetBackdrop();

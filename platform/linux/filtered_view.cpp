@@ -156,7 +156,8 @@ void updateView() {
   if (!toCompose.isEmpty()) composeFilterAndShow(inParts(toCompose));
   if (!toFilter.isEmpty()) filterAgain(inParts(toFilter));
   // What came in between the answers waits in no socket: it would not wake the loop.
-  if (followEvents(&xcb_poll_for_queued_event)) QAbstractEventDispatcher::instance()->wakeUp();
+  const bool hasMoreEvents = followEvents(&xcb_poll_for_queued_event);
+  if (watchBackdrop() || hasMoreEvents) QAbstractEventDispatcher::instance()->wakeUp();
 }
 
 void finishView() {

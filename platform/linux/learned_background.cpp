@@ -2,11 +2,13 @@
 
 #include <xcb/composite.h>
 #include <xcb/damage.h>
+#include <xcb/xcbext.h>
 #include <xcb/xfixes.h>
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 
 #include "platform/linux/compositing.h"
@@ -23,18 +25,20 @@ struct LearnedBackground {
   QSize size;
   xcb_gcontext_t reading = XCB_NONE;
   QRegion known;
+  xcb_window_t overlay = XCB_NONE;  // the compositing manager's
+  // Of what was drawn on the screen: the region for the answer, and what was asked.
+  xcb_xfixes_region_t drawn = XCB_NONE;
+  std::optional<xcb_xfixes_fetch_region_cookie_t> request;
 };
 LearnedBackground learned;
 
-// The window on which a compositing manager draws the screen; it covers nothing of the picture.
-xcb_window_t overlayWindow() {
-  if (!isComposited()) return XCB_NONE;
-  const Received<xcb_composite_get_overlay_window_reply_t> reply(
-      xcb_composite_get_overlay_window_reply(
-          x(), xcb_composite_get_overlay_window(x(), xServer.screen->root), nullptr));
-  if (!reply) return XCB_NONE;
-  xcb_composite_release_overlay_window(x(), xServer.screen->root);
-  return reply->overlay_win;
+QRegion regionOf(const xcb_xfixes_fetch_region_reply_t& reply) {
+  const std::span rectangles(
+      xcb_xfixes_fetch_region_rectangles(&reply),
+      static_cast<std::size_t>(xcb_xfixes_fetch_region_rectangles_length(&reply)));
+  QRegion region;
+  for (const xcb_rectangle_t& r : rectangles) region += QRect(r.x, r.y, r.width, r.height);
+  return region;
 }
 
 void makeRoom() {
@@ -54,6 +58,10 @@ void makeRoom() {
 
 void watchScreen(bool watch) {
   if (watch == (learned.damage != XCB_NONE)) return;
+  if (learned.drawn == XCB_NONE) {
+    learned.drawn = xcb_generate_id(x());
+    xcb_xfixes_create_region(x(), learned.drawn, 0, nullptr);
+  }
   if (watch) {
     learned.damage = xcb_generate_id(x());
     xcb_damage_create(x(), learned.damage, xServer.screen->root, XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
@@ -69,28 +77,42 @@ bool followScreen(const xcb_generic_event_t& event) {
   return damage.damage == learned.damage;
 }
 
-QRegion takeScreenDamage() {
-  QRegion drawn;
-  if (learned.damage == XCB_NONE) return drawn;
-  const xcb_xfixes_region_t region = xcb_generate_id(x());
-  xcb_xfixes_create_region(x(), region, 0, nullptr);
-  xcb_damage_subtract(x(), learned.damage, XCB_NONE, region);
+void requestScreenDamage() {
+  if (learned.damage == XCB_NONE || learned.request) return;
+  xcb_damage_subtract(x(), learned.damage, XCB_NONE, learned.drawn);
+  learned.request = xcb_xfixes_fetch_region(x(), learned.drawn);
+  xcb_flush(x());
+}
+
+std::optional<QRegion> receivedScreenDamage() {
+  if (!learned.request) return std::nullopt;
+  void* answer = nullptr;
+  xcb_generic_error_t* refusal = nullptr;
+  if (xcb_poll_for_reply(x(), learned.request->sequence, &answer, &refusal) == 0) {
+    return std::nullopt;
+  }
+  learned.request.reset();
+  const Received<xcb_generic_error_t> refused(refusal);
   const Received<xcb_xfixes_fetch_region_reply_t> reply(
-      xcb_xfixes_fetch_region_reply(x(), xcb_xfixes_fetch_region(x(), region), nullptr));
-  xcb_xfixes_destroy_region(x(), region);
-  if (!reply) return drawn;
-  const std::span rectangles(
-      xcb_xfixes_fetch_region_rectangles(reply.get()),
-      static_cast<std::size_t>(xcb_xfixes_fetch_region_rectangles_length(reply.get())));
-  for (const xcb_rectangle_t& r : rectangles) drawn += QRect(r.x, r.y, r.width, r.height);
-  return drawn & uncoveredRoot();
+      static_cast<xcb_xfixes_fetch_region_reply_t*>(answer));
+  return reply ? regionOf(*reply) : QRegion();
+}
+
+void findOverlayWindow() {
+  learned.overlay = XCB_NONE;
+  if (!isComposited()) return;
+  const Received<xcb_composite_get_overlay_window_reply_t> reply(
+      xcb_composite_get_overlay_window_reply(
+          x(), xcb_composite_get_overlay_window(x(), xServer.screen->root), nullptr));
+  if (!reply) return;
+  xcb_composite_release_overlay_window(x(), xServer.screen->root);
+  learned.overlay = reply->overlay_win;
 }
 
 QRegion uncoveredRoot() {
   QRegion uncovered(QRect(QPoint(), windowStack.rootSize));
-  const xcb_window_t overlay = overlayWindow();
   for (const TopLevel* const topLevel : windowsSeen()) {
-    if (topLevel->hasPixels && topLevel->window != overlay) uncovered -= topLevel->region();
+    if (topLevel->hasPixels && topLevel->window != learned.overlay) uncovered -= topLevel->region();
   }
   return uncovered;
 }

@@ -5,6 +5,7 @@
 #include <xcb/xcb.h>
 
 #include <QRegion>
+#include <optional>
 
 namespace tintora::platform {
 
@@ -14,8 +15,14 @@ void watchScreen(bool watch);
 // Takes in an event of the server; returns true if something was drawn on the screen.
 bool followScreen(const xcb_generic_event_t& event);
 
-// Asks what was drawn where no window is since the last time.
-QRegion takeScreenDamage();
+// Asks what was drawn on the screen since the last time. The answer comes later.
+void requestScreenDamage();
+
+// Returns what was drawn if the answer has come, or nothing. Never waits.
+std::optional<QRegion> receivedScreenDamage();
+
+// Asks which window a compositing manager draws the screen on: it covers nothing of the picture.
+void findOverlayWindow();
 
 // Returns the part of the root that no window covers.
 QRegion uncoveredRoot();

@@ -3,14 +3,18 @@
 
 #include <xcb/xcb.h>
 
+#include <QRect>
+
 namespace tintora::platform {
 
 // Returns the pixmap that a background setter left for others to read, or XCB_NONE. It belongs to
 // the setter, and is repeated over the root.
 xcb_pixmap_t namedBackground();
 
-// Returns a copy of what the server paints on the root, the size of the root and the caller's own;
-// XCB_NONE if it paints nothing there.
-xcb_pixmap_t copyOfPaintedBackground();
+// Returns true if the server paints anything on the root.
+bool paintsBackground();
+
+// Copies a part of what the server paints on the root to the same place in a pixmap.
+void copyBackground(xcb_pixmap_t target, const QRect& part);
 
 }  // namespace tintora::platform

@@ -10,7 +10,6 @@
 #include <array>
 #include <cstdint>
 #include <span>
-#include <string_view>
 
 #include "platform/linux/event_loop.h"
 #include "platform/linux/window_frame.h"
@@ -29,13 +28,6 @@ xcb_window_t idOf(const Window* window) {
   return static_cast<xcb_window_t>(window->window->winId());
 }
 
-xcb_atom_t atom(std::string_view name) {
-  xcb_connection_t* const x = xServer.connection;
-  const Received<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-      x, xcb_intern_atom(x, 0, static_cast<std::uint16_t>(name.size()), name.data()), nullptr));
-  return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_NONE);
-}
-
 Received<xcb_get_property_reply_t> property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) {
   xcb_connection_t* const x = xServer.connection;
   constexpr std::uint32_t most = 1024;
@@ -51,7 +43,7 @@ std::span<const std::uint32_t> numbers(const xcb_get_property_reply_t* reply) {
 // A list of what it can be asked may be left behind by a window manager that is gone: one that
 // lives has a window that names itself.
 bool isManaged() {
-  const xcb_atom_t check = atom("_NET_SUPPORTING_WM_CHECK");
+  const xcb_atom_t check = xServer.supportingWmCheck;
   const auto named = property(xServer.screen->root, check, XCB_ATOM_WINDOW);
   const auto window = numbers(named.get());
   if (window.size() != 1) return false;
@@ -138,7 +130,7 @@ class ManagerEvents : public QAbstractNativeEventFilter {
 }  // namespace
 
 bool managerMakesFullScreen() {
-  return isSupported(atom("_NET_WM_STATE_FULLSCREEN"));
+  return isSupported(xServer.fullScreen);
 }
 
 bool managerTellsFrames() {
@@ -147,18 +139,16 @@ bool managerTellsFrames() {
 
 // As an ordinary window first; those who only look whether the list has an entry float utilities.
 void floatWindow(Window* window) {
-  const xcb_atom_t utility = atom("_NET_WM_WINDOW_TYPE_UTILITY");
-  xcb_change_property(qtConnection(), XCB_PROP_MODE_APPEND, idOf(window),
-                      atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32, 1, &utility);
+  xcb_change_property(qtConnection(), XCB_PROP_MODE_APPEND, idOf(window), xServer.windowType,
+                      XCB_ATOM_ATOM, 32, 1, &xServer.utilityType);
   xcb_flush(qtConnection());
 }
 
 bool isFilled(const Window* window) {
-  const auto reply = property(idOf(window), atom("_NET_WM_STATE"), XCB_ATOM_ATOM);
+  const auto reply = property(idOf(window), xServer.windowState, XCB_ATOM_ATOM);
   const auto states = numbers(reply.get());
   return std::ranges::any_of(
-      std::array{atom("_NET_WM_STATE_MAXIMIZED_HORZ"), atom("_NET_WM_STATE_MAXIMIZED_VERT"),
-                 atom("_NET_WM_STATE_FULLSCREEN")},
+      std::array{xServer.maximisedAcross, xServer.maximisedUpright, xServer.fullScreen},
       [&](xcb_atom_t state) { return std::ranges::find(states, state) != states.end(); });
 }
 

@@ -99,7 +99,7 @@ struct AtomName {
   std::string_view name;
   xcb_atom_t XServer::*atom;
 };
-constexpr std::array<AtomName, 8> atomNames{{
+constexpr std::array<AtomName, 14> atomNames{{
     {"_XROOTPMAP_ID", &XServer::rootPixmap},
     {"ESETROOT_PMAP_ID", &XServer::setRootPixmap},
     {"_NET_WM_WINDOW_OPACITY", &XServer::windowOpacity},
@@ -108,6 +108,12 @@ constexpr std::array<AtomName, 8> atomNames{{
     {"_NET_SUPPORTED", &XServer::supported},
     {"_NET_REQUEST_FRAME_EXTENTS", &XServer::requestFrameExtents},
     {"_NET_FRAME_EXTENTS", &XServer::frameExtents},
+    {"_NET_WM_WINDOW_TYPE", &XServer::windowType},
+    {"_NET_WM_WINDOW_TYPE_UTILITY", &XServer::utilityType},
+    {"_NET_WM_STATE", &XServer::windowState},
+    {"_NET_WM_STATE_MAXIMIZED_HORZ", &XServer::maximisedAcross},
+    {"_NET_WM_STATE_MAXIMIZED_VERT", &XServer::maximisedUpright},
+    {"_NET_WM_STATE_FULLSCREEN", &XServer::fullScreen},
 }};
 
 xcb_intern_atom_cookie_t askForAtom(std::string_view name) {

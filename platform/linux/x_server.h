@@ -47,6 +47,12 @@ struct XServer {
   xcb_atom_t supported = XCB_NONE;           // what a window manager can be asked
   xcb_atom_t requestFrameExtents = XCB_NONE;
   xcb_atom_t frameExtents = XCB_NONE;
+  xcb_atom_t windowType = XCB_NONE;
+  xcb_atom_t utilityType = XCB_NONE;
+  xcb_atom_t windowState = XCB_NONE;
+  xcb_atom_t maximisedAcross = XCB_NONE;
+  xcb_atom_t maximisedUpright = XCB_NONE;
+  xcb_atom_t fullScreen = XCB_NONE;
   std::vector<VisualFormat> formats;
 };
 

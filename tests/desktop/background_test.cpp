@@ -62,6 +62,34 @@ TEST_F(Background, AnUnnamedPixmapIsSeen) {
   EXPECT_TRUE(viewShows(expected::greyscale()));
 }
 
+// Setters of one colour leave no pixmap for others to read.
+TEST_F(Background, AnUnnamedColourSetLaterIsFollowed) {
+  storeValues({{"Selected", 4}});
+  start();
+  ASSERT_TRUE(viewShows(expected::greyscale()));
+  for (const std::uint32_t colour : {0x20A060U, 0xD04010U}) {
+    setBackground(colour);
+    scene().setBackdrop(solid(1, 1, colour));
+    EXPECT_TRUE(viewShows(expected::greyscale())) << colour;
+  }
+}
+
+TEST_F(Background, AnUnnamedPixmapIsSeenWhereverTheViewIsMoved) {
+  const Picture tile = noise(70, 50, 1);
+  const xcb_pixmap_t pixmap = x().pixmapOf(tile);
+  xcb_change_window_attributes(x().connection(), x().root(), XCB_CW_BACK_PIXMAP, &pixmap);
+  xcb_clear_area(x().connection(), 0, x().root(), 0, 0, 0, 0);
+  x().sync();
+  storeValues({{"Selected", 4}, {"ColorSpace", 0}});
+  start();
+  scene().setBackdrop(tile);
+  for (const int left : {30, 700}) {
+    x().move(main(), left, 100);
+    EXPECT_TRUE(eventually([&] { return std::abs(view().x - left) < 40; }));
+    EXPECT_TRUE(viewShows(expected::greyscale())) << left;
+  }
+}
+
 TEST_F(Background, APixmapThatIsGoneIsNotTaken) {
   const xcb_pixmap_t pixmap = x().pixmapOf(noise(64, 64, 1));
   name(pixmap);

@@ -15,57 +15,16 @@
 #include <string>
 #include <vector>
 
+#include "fake_client.h"
 #include "fake_compositor.h"
 #include "x_client.h"
 
 namespace tintora::desktop_test {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-// Widths of a frame: what is not seen around it, and what is.
-constexpr int unseen = 10;
-constexpr int side = 3;
-constexpr int title = 24;
-constexpr std::uint32_t frameColour = 0x7A5C99;
-
-constexpr std::uint32_t normalState = 1;
-constexpr std::uint32_t iconicState = 3;
-
 struct Options {
   std::chrono::milliseconds framesAfter{0};
   bool composites = true;
-};
-
-struct Margins {
-  int left = 0;
-  int top = 0;
-  int right = 0;
-  int bottom = 0;
-};
-
-// A window of another program.
-struct Client {
-  xcb_window_t window = XCB_NONE;
-  xcb_window_t frame = XCB_NONE;  // none: shown without one
-  Area place;                     // its inside, on the root
-  Area formerPlace;               // before it was maximised or filled the screen
-  Clock::time_point frameAt;      // when it gets its frame
-  bool wantsFrame = true;
-  bool minimised = false;
-  bool maximised = false;
-  bool fullScreen = false;
-  bool above = false;
-  int layer = 0;
-  xcb_window_t transientFor = XCB_NONE;
-
-  bool isFramed() const { return wantsFrame && !fullScreen; }
-  Margins seenFrame() const {
-    if (!isFramed()) return {};
-    return maximised ? Margins{0, title, 0, 0} : Margins{side, title, side, side};
-  }
-  int unseenFrame() const { return isFramed() && !maximised ? unseen : 0; }
-  xcb_window_t topLevel() const { return frame == XCB_NONE ? window : frame; }
 };
 
 class Manager {
@@ -77,19 +36,13 @@ class Manager {
   void take(const xcb_generic_event_t& event);
   void announce();
   void manage(xcb_window_t window);
-  void giveFrame(Client& client);
   void giveLateFrames();
-  void readHints(Client& client);
-  void layOut(Client& client);
   void restackAll();
-  void tellState(const Client& client);
-  void tellExtents(const Client& client);
   void activate(Client& client);
   void minimise(Client& client, bool minimised);
   void forget(xcb_window_t window);
   void onConfigureRequest(const xcb_configure_request_event_t& event);
   void onMessage(const xcb_client_message_event_t& message);
-  void setState(Client& client, xcb_atom_t state, std::uint32_t action);
   void onPress(const xcb_button_press_event_t& press);
   void onMotion(const xcb_motion_notify_event_t& motion);
   PaintedPart look(xcb_window_t window);
@@ -185,14 +138,6 @@ PaintedPart Manager::look(xcb_window_t window) {
   return result;
 }
 
-void Manager::readHints(Client& client) {
-  constexpr std::uint32_t decorationsGiven = 2;
-  const auto hints = x_.numbers(client.window, "_MOTIF_WM_HINTS");
-  client.wantsFrame = hints.size() < 3 || (hints[0] & decorationsGiven) == 0 || hints[2] != 0;
-  const auto leader = x_.numbers(client.window, "WM_TRANSIENT_FOR");
-  client.transientFor = leader.empty() ? xcb_window_t{XCB_NONE} : leader[0];
-}
-
 void Manager::manage(xcb_window_t window) {
   if (Client* const known = find(window)) {
     minimise(*known, false);
@@ -204,8 +149,8 @@ void Manager::manage(xcb_window_t window) {
   Client& client = *clients_.emplace_back(std::make_unique<Client>());
   client.window = window;
   client.place = x_.areaOf(window);
-  client.frameAt = Clock::now() + options_.framesAfter;
-  readHints(client);
+  client.frameAt = std::chrono::steady_clock::now() + options_.framesAfter;
+  readHints(x_, client);
   for (const std::uint32_t state : x_.numbers(window, "_NET_WM_STATE")) {
     client.above |= state == x_.atom("_NET_WM_STATE_ABOVE");
   }
@@ -215,89 +160,22 @@ void Manager::manage(xcb_window_t window) {
   const Margins seen = client.seenFrame();
   client.place.x += seen.left;
   client.place.y += seen.top;
-  if (options_.framesAfter.count() == 0) giveFrame(client);
-  layOut(client);
+  if (options_.framesAfter.count() == 0) giveFrame(x_, client);
+  layOut(x_, client);
   xcb_map_window(c(), window);
-  tellState(client);
+  tellState(x_, client);
   activate(client);
-}
-
-void Manager::giveFrame(Client& client) {
-  client.frame = xcb_generate_id(c());
-  const std::vector<std::uint32_t> looks{
-      frameColour, 1,
-      XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_BUTTON_PRESS |
-          XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_BUTTON_1_MOTION};
-  xcb_create_window(c(), XCB_COPY_FROM_PARENT, client.frame, x_.root(), 0, 0, 1, 1, 0,
-                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
-                    XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, looks.data());
-  xcb_change_save_set(c(), XCB_SET_MODE_INSERT, client.window);
-  xcb_reparent_window(c(), client.window, client.frame, 0, 0);
-  layOut(client);
-  xcb_map_window(c(), client.frame);
 }
 
 void Manager::giveLateFrames() {
   for (const auto& client : clients_) {
-    const bool waits = client->minimised || Clock::now() < client->frameAt;
+    const bool waits = client->minimised || std::chrono::steady_clock::now() < client->frameAt;
     if (client->frame != XCB_NONE || waits) continue;
-    giveFrame(*client);
+    giveFrame(x_, *client);
     // A window that is put into another is unmapped for it.
     xcb_map_window(c(), client->window);
     restackAll();
   }
-}
-
-// Puts a window and its frame where they belong, and tells the window so.
-void Manager::layOut(Client& client) {
-  const Margins seen = client.seenFrame();
-  const int out = client.unseenFrame();
-  const Area& place = client.place;
-  constexpr std::uint16_t bounds = XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
-                                   XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT;
-  if (client.frame == XCB_NONE) {
-    x_.configure(client.window, bounds,
-                 {u32(place.x), u32(place.y), u32(place.width), u32(place.height)});
-  } else {
-    x_.configure(client.frame, bounds,
-                 {u32(place.x - seen.left - out), u32(place.y - seen.top - out),
-                  u32(place.width + seen.left + seen.right + 2 * out),
-                  u32(place.height + seen.top + seen.bottom + 2 * out)});
-    x_.configure(client.window, bounds,
-                 {u32(seen.left + out), u32(seen.top + out), u32(place.width), u32(place.height)});
-    xcb_configure_notify_event_t told{};
-    told.response_type = XCB_CONFIGURE_NOTIFY;
-    told.event = client.window;
-    told.window = client.window;
-    told.x = i16(place.x);
-    told.y = i16(place.y);
-    told.width = u16(place.width);
-    told.height = u16(place.height);
-    xcb_send_event(c(), 0, client.window, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
-                   reinterpret_cast<const char*>(&told));
-  }
-  tellExtents(client);
-}
-
-void Manager::tellExtents(const Client& client) {
-  const Margins seen = client.frame == XCB_NONE ? Margins{} : client.seenFrame();
-  x_.setNumbers(client.window, "_NET_FRAME_EXTENTS", XCB_ATOM_CARDINAL,
-                {u32(seen.left), u32(seen.right), u32(seen.top), u32(seen.bottom)});
-}
-
-void Manager::tellState(const Client& client) {
-  std::vector<std::uint32_t> states;
-  if (client.minimised) states.push_back(x_.atom("_NET_WM_STATE_HIDDEN"));
-  if (client.above) states.push_back(x_.atom("_NET_WM_STATE_ABOVE"));
-  if (client.fullScreen) states.push_back(x_.atom("_NET_WM_STATE_FULLSCREEN"));
-  if (client.maximised) {
-    states.push_back(x_.atom("_NET_WM_STATE_MAXIMIZED_VERT"));
-    states.push_back(x_.atom("_NET_WM_STATE_MAXIMIZED_HORZ"));
-  }
-  x_.setNumbers(client.window, "_NET_WM_STATE", XCB_ATOM_ATOM, states);
-  const xcb_atom_t state = x_.atom("WM_STATE");
-  x_.setNumbers(client.window, "WM_STATE", state,
-                {client.minimised ? iconicState : normalState, XCB_NONE});
 }
 
 int Manager::layerOf(const Client& client) {
@@ -345,7 +223,7 @@ void Manager::activate(Client& client) {
 
 void Manager::minimise(Client& client, bool minimised) {
   client.minimised = minimised;
-  tellState(client);
+  tellState(x_, client);
   // On a screen that nobody composes, what is mapped is seen.
   if (!options_.composites && minimised) xcb_unmap_window(c(), client.topLevel());
   if (!options_.composites && !minimised) xcb_map_window(c(), client.topLevel());
@@ -379,7 +257,7 @@ void Manager::onConfigureRequest(const xcb_configure_request_event_t& event) {
     return x_.configure(event.window, event.value_mask, values);
   }
   // One that is maximised or fills the screen stays so.
-  if (client->maximised || client->fullScreen) return layOut(*client);
+  if (client->maximised || client->fullScreen) return layOut(x_, *client);
   constexpr std::uint32_t staticGravity = 10;
   constexpr std::size_t gravityIndex = 17;
   const auto hints = x_.numbers(client->window, "WM_NORMAL_HINTS");
@@ -389,38 +267,16 @@ void Manager::onConfigureRequest(const xcb_configure_request_event_t& event) {
   if (asked(XCB_CONFIG_WINDOW_Y)) client->place.y = event.y + seen.top;
   if (asked(XCB_CONFIG_WINDOW_WIDTH)) client->place.width = event.width;
   if (asked(XCB_CONFIG_WINDOW_HEIGHT)) client->place.height = event.height;
-  layOut(*client);
-}
-
-void Manager::setState(Client& client, xcb_atom_t state, std::uint32_t action) {
-  const auto become = [&](bool& value) {
-    constexpr std::uint32_t toggle = 2;
-    value = action == toggle ? !value : action == 1;
-  };
-  const bool filled = client.fullScreen || client.maximised;
-  if (state == x_.atom("_NET_WM_STATE_ABOVE")) become(client.above);
-  if (state == x_.atom("_NET_WM_STATE_FULLSCREEN")) become(client.fullScreen);
-  if (state == x_.atom("_NET_WM_STATE_MAXIMIZED_VERT")) become(client.maximised);
-  if (!filled && (client.fullScreen || client.maximised)) client.formerPlace = client.place;
-  const Area screen = x_.screenArea();
-  if (client.fullScreen) {
-    client.place = screen;
-  } else if (client.maximised) {
-    const Margins seen = client.seenFrame();
-    client.place = {seen.left, seen.top, screen.width - seen.left - seen.right,
-                    screen.height - seen.top - seen.bottom};
-  } else if (filled) {
-    client.place = client.formerPlace;
-  }
+  layOut(x_, *client);
 }
 
 void Manager::onMessage(const xcb_client_message_event_t& message) {
   if (message.type == x_.atom("_NET_REQUEST_FRAME_EXTENTS")) {
     Client client;
     client.window = message.window;
-    readHints(client);
+    readHints(x_, client);
     client.frame = message.window;  // as if it had one
-    return tellExtents(client);
+    return tellExtents(x_, client);
   }
   Client* const client = find(message.window);
   if (client == nullptr) return;
@@ -431,10 +287,10 @@ void Manager::onMessage(const xcb_client_message_event_t& message) {
     minimise(*client, false);
     activate(*client);
   } else if (message.type == x_.atom("_NET_WM_STATE")) {
-    setState(*client, data[1], data[0]);
-    setState(*client, data[2], data[0]);
-    layOut(*client);
-    tellState(*client);
+    setState(x_, *client, data[1], data[0]);
+    setState(x_, *client, data[2], data[0]);
+    layOut(x_, *client);
+    tellState(x_, *client);
     restackAll();
   }
 }
@@ -453,7 +309,7 @@ void Manager::onMotion(const xcb_motion_notify_event_t& motion) {
   if (Client* const client = find(dragged_)) {
     client->place.x = dragFrom_.x + motion.root_x;
     client->place.y = dragFrom_.y + motion.root_y;
-    layOut(*client);
+    layOut(x_, *client);
   }
 }
 
@@ -492,8 +348,8 @@ void Manager::take(const xcb_generic_event_t& event) {
           changed.atom != x_.atom("_MOTIF_WM_HINTS")) {
         return;
       }
-      readHints(*client);
-      return layOut(*client);
+      readHints(x_, *client);
+      return layOut(x_, *client);
     }
     default:
       return;

@@ -1,5 +1,3 @@
-#include "engine/effect_matrix.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,6 +11,8 @@
 
 #include "display_recorder.h"
 #include "engine/colour_effects.h"
+#include "engine/effect_matrix.h"
+#include "engine/effect_matrix.h"
 #include "matrix_expectations.h"
 
 namespace tintora {
@@ -20,7 +20,7 @@ namespace {
 
 using Mode = TransformMode;
 using Algorithm = SimulationAlgorithm;
-using EffectMatrixTest = EngineTest;
+using ApplyTransform = EngineTest;
 using MenuMarks = EngineTest;
 using TransformOff = EngineTest;
 
@@ -42,14 +42,14 @@ bool contains(const std::vector<std::string>& calls, const std::string& call) {
   return std::ranges::find(calls, call) != calls.end();
 }
 
-TEST_F(EffectMatrixTest, IsTheIdentityAtStart) {
+TEST_F(ApplyTransform, IsTheIdentityAtStart) {
   expectSameEffect(
       recordsAtStart().effect,
       {{{1, 0, 0, 0, 0}, {0, 1, 0, 0, 0}, {0, 0, 1, 0, 0}, {0, 0, 0, 1, 0}, {0, 0, 0, 0, 1}}});
   expectSameEffect(identityEffectMatrix, recordsAtStart().effect);
 }
 
-TEST_F(EffectMatrixTest, HoldsOutputChannelsInItsColumnsAndOffsetsInItsLastRow) {
+TEST_F(ApplyTransform, HoldsOutputChannelsInItsColumnsAndOffsetsInItsLastRow) {
   storeColourEffect({{11, 12, 13, 21, 22, 23, 31, 32, 33}, {41, 42, 43}});
   expectSameEffect(effectMatrix, {{{11, 21, 31, 0, 0},
                                    {12, 22, 32, 0, 0},
@@ -58,13 +58,13 @@ TEST_F(EffectMatrixTest, HoldsOutputChannelsInItsColumnsAndOffsetsInItsLastRow) 
                                    {41, 42, 43, 0, 1}}});
 }
 
-TEST_F(EffectMatrixTest, RoundsDoublesToFloats) {
+TEST_F(ApplyTransform, RoundsDoublesToFloats) {
   storeColourEffect({{0.1, 0, 0, 0, 1, 0, 0, 0, 1}, {0, 0.7, 0}});
   EXPECT_EQ(effectMatrix[0][0], 0.1F);
   EXPECT_EQ(effectMatrix[4][1], 0.7F);
 }
 
-TEST_F(EffectMatrixTest, TakesTheModelsMatrixTransposed) {
+TEST_F(ApplyTransform, TakesTheModelsMatrixTransposed) {
   transformSettings.Selected = Mode::Tritan;
   applyTransform();
   // Judd 1948 at full severity.
@@ -86,7 +86,7 @@ void expectUntouched(float mark) {
   }
 }
 
-TEST_F(EffectMatrixTest, ReceivesNineEntriesAndThreeOffsetsFromEveryModeAndNothingElse) {
+TEST_F(ApplyTransform, ReceivesNineEntriesAndThreeOffsetsFromEveryModeAndNothingElse) {
   // A value that no mode writes.
   constexpr float mark = 77.0F;
   customTransforms.push_back({"own", true, {}});
@@ -107,7 +107,7 @@ TEST_F(EffectMatrixTest, ReceivesNineEntriesAndThreeOffsetsFromEveryModeAndNothi
   expectUntouched(mark);
 }
 
-TEST_F(EffectMatrixTest, KeepsItsAlphaRowAndColumnThroughAnySequenceOfApplications) {
+TEST_F(ApplyTransform, KeepsItsAlphaRowAndColumnThroughAnySequenceOfApplications) {
   std::mt19937 engine(5);
   const auto pick = [&engine](std::int32_t low, std::int32_t high) {
     return std::uniform_int_distribution<std::int32_t>(low, high)(engine);
@@ -141,7 +141,7 @@ TEST_F(EffectMatrixTest, KeepsItsAlphaRowAndColumnThroughAnySequenceOfApplicatio
   }
 }
 
-TEST_F(EffectMatrixTest, LosesTheOffsetsOfTheModeBefore) {
+TEST_F(ApplyTransform, LosesTheOffsetsOfTheModeBefore) {
   transformSettings.Selected = Mode::Invert;
   applyTransform();
   EXPECT_EQ(effectMatrix[4][0], 1.0F);
@@ -318,7 +318,7 @@ TEST_F(TransformOff, EndsBeforeTheViewsAreRefreshed) {
   EXPECT_EQ(callsOfApplication().back(), "refresh");
 }
 
-TEST_F(EffectMatrixTest, IsAppliedWithNothingAroundTheEngine) {
+TEST_F(ApplyTransform, IsAppliedWithNothingAroundTheEngine) {
   transformDisplay = recordsAtStart().display;
   transformSettings.Selected = Mode::Protan;
   applyTransform();

@@ -11,6 +11,7 @@
 #include "cli/exif.h"
 #include "cli/image_file.h"
 #include "cli/jpeg_writer.h"
+#include "cli/orientation.h"
 #include "cli/png_writer.h"
 
 namespace tintora::cli {
@@ -46,36 +47,10 @@ ImageWriter startImage(ByteSink& sink, const RowsHeader& header, const StreamOpt
 
 // ---- Turning
 
-constexpr int firstSideways = 5;
-
-// Where the pixel that comes to stand at (x, y) is taken from, for an image that has this width and
-// height before it is turned. Orientations as EXIF 2.3 numbers them.
-std::pair<std::size_t, std::size_t> sourceOf(int orientation, std::size_t x, std::size_t y,
-                                             std::size_t width, std::size_t height) {
-  switch (orientation) {
-    case 2:
-      return {width - 1 - x, y};
-    case 3:
-      return {width - 1 - x, height - 1 - y};
-    case 4:
-      return {x, height - 1 - y};
-    case 5:
-      return {y, x};
-    case 6:
-      return {y, height - 1 - x};
-    case 7:
-      return {width - 1 - y, height - 1 - x};
-    case 8:
-      return {width - 1 - y, x};
-    default:
-      return {x, y};
-  }
-}
-
 RowsHeader turnedHeader(const RowsHeader& header, int orientation) {
   RowsHeader turned = header;
   setExifUpright(turned.exif);
-  if (orientation >= firstSideways) {
+  if (isSideways(orientation)) {
     std::swap(turned.width, turned.height);
     if (turned.density) std::swap(turned.density->across, turned.density->down);
   }
@@ -84,15 +59,15 @@ RowsHeader turnedHeader(const RowsHeader& header, int orientation) {
 
 void writeTurned(const std::vector<std::vector<std::uint8_t>>& rows, const RowsHeader& header,
                  int orientation, const ImageWriter& writer) {
-  const bool sideways = orientation >= firstSideways;
+  const bool sideways = isSideways(orientation);
   const std::size_t width = sideways ? header.height : header.width;
   const std::size_t height = sideways ? header.width : header.height;
   const std::size_t pixelBytes = rowBytes(header) / header.width;
   std::vector<std::uint8_t> turned(width * pixelBytes);
   for (std::size_t y = 0; y < height; ++y) {
     for (std::size_t x = 0; x < width; ++x) {
-      const auto [fromX, fromY] = sourceOf(orientation, x, y, header.width, header.height);
-      std::memcpy(&turned[x * pixelBytes], &rows[fromY][fromX * pixelBytes], pixelBytes);
+      const PixelPlace from = storedPlace(orientation, {x, y}, header.width, header.height);
+      std::memcpy(&turned[x * pixelBytes], &rows[from.y][from.x * pixelBytes], pixelBytes);
     }
     writer.writeRow(turned.data());
   }

@@ -1,4 +1,5 @@
-// Errors of libpng, which leaves its caller by a jump.
+// What reading and writing by libpng have in common: the handles of a file, and errors, at which
+// the library leaves its caller by a jump.
 #pragma once
 
 #include <png.h>
@@ -6,6 +7,7 @@
 #include <array>
 #include <csetjmp>
 #include <cstddef>
+#include <new>
 #include <string_view>
 #include <type_traits>
 
@@ -34,5 +36,24 @@ template <typename Step>
   step();
   return true;
 }
+
+// What libpng needs to read or write one file. Creating it throws std::bad_alloc.
+template <auto create, auto destroy>
+struct PngHandles {
+  png_structp png = nullptr;
+  png_infop info = nullptr;
+  FaultText fault{};
+
+  PngHandles() : png(create(PNG_LIBPNG_VER_STRING, &fault, pngFailed, pngWarned)) {
+    if (png != nullptr) info = png_create_info_struct(png);
+    if (info == nullptr) {
+      destroy(&png, &info);
+      throw std::bad_alloc();
+    }
+  }
+  PngHandles(const PngHandles&) = delete;
+  PngHandles& operator=(const PngHandles&) = delete;
+  ~PngHandles() { destroy(&png, &info); }
+};
 
 }  // namespace tintora::cli

@@ -6,7 +6,6 @@
 #include <bit>
 #include <cstring>
 #include <memory>
-#include <new>
 #include <string>
 #include <string_view>
 
@@ -18,19 +17,11 @@ namespace {
 
 using namespace std::string_view_literals;
 
-struct PngReader {
-  png_structp png = nullptr;
-  png_infop info = nullptr;
-  FaultText fault{};
+void destroyReader(png_structpp png, png_infopp info) {
+  png_destroy_read_struct(png, info, nullptr);
+}
 
-  PngReader() {
-    png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &fault, pngFailed, pngWarned);
-    if (png != nullptr) info = png_create_info_struct(png);
-  }
-  PngReader(const PngReader&) = delete;
-  PngReader& operator=(const PngReader&) = delete;
-  ~PngReader() { png_destroy_read_struct(&png, &info, nullptr); }
-};
+using PngReader = PngHandles<png_create_read_struct, destroyReader>;
 
 [[noreturn]] void throwUnreadable(const FaultText& fault) {
   throw ImageError("cannot read the PNG file: " + std::string(fault.data()));
@@ -278,7 +269,6 @@ ImageReader openPng(ByteSource& source, std::uint64_t pixelLimit) {
   checkHasPixels(source);
   const auto rows = std::make_shared<PngRows>();
   const PngReader& reader = rows->reader;
-  if (reader.info == nullptr) throw std::bad_alloc();
   if (!completes(reader.png, [&] { readHeader(reader, source); })) throwUnreadable(reader.fault);
   if (isAnimated(reader)) {
     throw ImageError("the picture is animated (APNG), only still pictures are supported");

@@ -6,7 +6,6 @@
 #include <bit>
 #include <cstring>
 #include <memory>
-#include <new>
 #include <string>
 
 #include "cli/png_fault.h"
@@ -15,19 +14,7 @@ namespace tintora::cli {
 
 namespace {
 
-struct PngWriter {
-  png_structp png = nullptr;
-  png_infop info = nullptr;
-  FaultText fault{};
-
-  PngWriter() {
-    png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &fault, pngFailed, pngWarned);
-    if (png != nullptr) info = png_create_info_struct(png);
-  }
-  PngWriter(const PngWriter&) = delete;
-  PngWriter& operator=(const PngWriter&) = delete;
-  ~PngWriter() { png_destroy_write_struct(&png, &info); }
-};
+using PngWriter = PngHandles<png_create_write_struct, png_destroy_write_struct>;
 
 void putBytes(png_structp png, png_bytep bytes, std::size_t count) {
   auto& sink = *static_cast<ByteSink*>(png_get_io_ptr(png));
@@ -169,7 +156,6 @@ ImageWriter startPng(ByteSink& sink, const RowsHeader& header) {
     throw ImageError("the colour profile or the EXIF data is too large for PNG");
   }
   const auto writer = std::make_shared<PngWriter>();
-  if (writer->info == nullptr) throw std::bad_alloc();
   const PngPalette palette = paletteOf(header);
   if (!completes(writer->png, [&] { writeHeader(*writer, header, palette, sink); })) {
     throwUnwritable(*writer);

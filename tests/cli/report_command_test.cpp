@@ -163,27 +163,6 @@ TEST(Report, PicturesStandUpright) {
   }
 }
 
-TEST(Report, OrientationIsReadFromWhateverExifDataThereIs) {
-  EXPECT_EQ(orientationOf(exifOf()), 6);
-  EXPECT_EQ(orientationOf(bytesOf("II*\0\x08\0\0\0\x01\0\x12\x01\x03\0\x01\0\0\0\x08\0\0\0"s)), 8);
-  EXPECT_EQ(orientationOf({}), 1);
-  Bytes exif = exifOf();
-  for (const std::uint8_t wrong : {std::uint8_t{0}, std::uint8_t{9}}) {
-    exif.at(19) = wrong;
-    EXPECT_EQ(orientationOf(exif), 1);
-  }
-  // Cut short anywhere it must not be read past its end.
-  for (std::size_t size = 0; size < exifOf().size(); ++size) {
-    const Bytes whole = exifOf();
-    const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
-    const int orientation = orientationOf(cut);
-    EXPECT_TRUE(orientation == 1 || orientation == 6);
-  }
-  exif = exifOf();
-  for (std::size_t i = 4; i < 8; ++i) exif.at(i) = 0xFF;
-  EXPECT_EQ(orientationOf(exif), 1);
-}
-
 TEST(Report, IsOnePageThatStandsAlone) {
   const TemporaryFolder folder;
   const std::string palette = folder.write("a.gpl", "GIMP Palette\n255 0 0 Red\n0 128 0 Green\n");

@@ -32,12 +32,12 @@ void ColourSpaceTest::resize(const ClientSize& size) {
 Picture ColourSpaceTest::shown() {
   // What the device draws arrives on the screen some time after it was asked for.
   constexpr DWORD pause = 60;
-  constexpr int patience = 100;
-  settle();
-  settle();
+  constexpr int patience = 1000;
+  finishDrawing();
   Picture last = screenPicture(clientBoundsOf(windows().colourSpace));
   for (int i = 0; i < patience; ++i) {
     Sleep(pause);
+    finishDrawing();
     Picture next = screenPicture(clientBoundsOf(windows().colourSpace));
     if (next.pixels == last.pixels) return last;
     last = std::move(next);

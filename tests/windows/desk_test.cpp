@@ -66,8 +66,7 @@ TEST_F(Desk, TheViewIsAimedWhileTheFrameIsSized) {
 TEST_F(Desk, AKeyThatIsLetGoOpensNoMenu) {
   start();
   send(windows().main, WM_SYSKEYDOWN, VK_F10);
-  PostMessageA(windows().main, WM_KEYUP, VK_F10, 0);
-  Sleep(300);
+  send(windows().main, WM_KEYUP, VK_F10);
   EXPECT_EQ(threadOf(windows().main).flags & (GUI_INMENUMODE | GUI_SYSTEMMENUMODE), 0U);
 }
 
@@ -83,14 +82,15 @@ TEST_F(Desk, ScreenChangesFitFullScreenAgain) {
 // The mouse as the user moves it, through all of the desktop.
 class Mouse : public ProgramTest {
  protected:
-  static void button(DWORD change) {
-    mouse_event(change, 0, 0, 0, 0);
-    Sleep(50);
+  static void button(DWORD change) { mouse_event(change, 0, 0, 0, 0); }
+  // Presses the button where the mouse is and waits until the main window has taken hold of it.
+  void takeHold() {
+    button(MOUSEEVENTF_LEFTDOWN);
+    ASSERT_TRUE(eventually([this] { return captured() == windows().main; }));
   }
-  void moveTo(LONG x, LONG y) {
-    SetCursorPos(static_cast<int>(x), static_cast<int>(y));
-    Sleep(50);
-    settle();
+  void letGo() {
+    button(MOUSEEVENTF_LEFTUP);
+    ASSERT_TRUE(eventually([this] { return captured() == nullptr; }));
   }
   // A move of the mouse takes its way through the desktop.
   bool eventuallyAt(const Bounds& bounds) const {
@@ -111,34 +111,31 @@ class Mouse : public ProgramTest {
 
 TEST_F(Mouse, ADragGoesOnOutsideTheWindowAndEndsThere) {
   startApart();
-  moveTo(200, 200);
-  button(MOUSEEVENTF_LEFTDOWN);
-  ASSERT_TRUE(eventually([this] { return captured() == windows().main; }));
-  moveTo(800, 500);
+  moveCursor(200, 200);
+  takeHold();
+  moveCursor(800, 500);
   EXPECT_TRUE(eventuallyAt({700, 400, 1000, 600}));
-  button(MOUSEEVENTF_LEFTUP);
-  ASSERT_TRUE(eventually([this] { return captured() == nullptr; }));
-  moveTo(750, 450);
-  moveTo(760, 470);
+  letGo();
+  moveCursor(750, 450);
+  moveCursor(760, 470);
   EXPECT_EQ(boundsOf(windows().main), (Bounds{700, 400, 1000, 600}));
 }
 
 TEST_F(Mouse, ADragEndsWhenTheDesktopTakesTheMouse) {
   startApart();
-  moveTo(200, 200);
-  button(MOUSEEVENTF_LEFTDOWN);
-  ASSERT_TRUE(eventually([this] { return captured() == windows().main; }));
+  moveCursor(200, 200);
+  takeHold();
   send(windows().main, WM_CANCELMODE);
-  moveTo(220, 230);
+  moveCursor(220, 230);
   EXPECT_EQ(boundsOf(windows().main), (Bounds{100, 100, 400, 300}));
 }
 
 TEST_F(Mouse, IsTheFramesEvenIfTheControlWouldKeepIt) {
   magnifierRecord().habits.keepsMouse = true;
   startApart();
-  moveTo(200, 200);
-  button(MOUSEEVENTF_LEFTDOWN);
-  moveTo(230, 240);
+  moveCursor(200, 200);
+  takeHold();
+  moveCursor(230, 240);
   EXPECT_TRUE(eventuallyAt({130, 140, 430, 340}));
 }
 
@@ -180,11 +177,11 @@ TEST_P(Gestures, WorkOverAnyMagnifier) {
   press('D');
   turnWheel(false);
   EXPECT_EQ(title(), " Simulation - Deuteranomalous 95% severity");
-  moveTo(200, 200);
-  button(MOUSEEVENTF_LEFTDOWN);
-  moveTo(260, 250);
+  moveCursor(200, 200);
+  takeHold();
+  moveCursor(260, 250);
   EXPECT_TRUE(eventuallyAt({160, 150, 460, 350}));
-  button(MOUSEEVENTF_LEFTUP);
+  letGo();
   ASSERT_NE(openMenu(windows().main), nullptr);
   closeMenu();
   press('H');
@@ -196,7 +193,7 @@ TEST_P(Gestures, WorkOverAnyMagnifier) {
   press('R');
   EXPECT_TRUE(IsWindowVisible(windows().colourSpace));
   choose(52);
-  EXPECT_TRUE(eventually([this] { return title() == "Image Copied To Clipboard"; }));
+  EXPECT_TRUE(hasCopied());
   end();
   EXPECT_EQ(process().result(), 0U);
   EXPECT_EQ(storedValues()["ScrollPc"], 95U);

@@ -1,4 +1,4 @@
-// Hundreds of rounds of what creates and releases objects of the desktop.
+// Many rounds of what creates and releases objects of the desktop.
 #include <string>
 
 #include "program_run.h"
@@ -20,7 +20,7 @@ class Endurance : public ProgramTest {
 };
 
 TEST_F(Endurance, LeavesNoObjectsBehind) {
-  constexpr int rounds = 300;
+  constexpr int rounds = 100;
   constexpr int untilSettled = 10;
   start("-st");
   for (int round = 0; round < untilSettled; ++round) goRound(round);

@@ -81,12 +81,18 @@ struct MagnifierRecord {
   std::atomic<Refusal> refusal;
   MagnifierHabits habits;
   std::atomic<std::uint64_t> calls;
-  std::atomic<std::uint32_t> marker;     // the last one reached
-  std::atomic<std::uint64_t> paints;     // the latest stand in the ring below, as calls do
-  std::atomic<std::uint64_t> titleSets;  // WM_SETTEXT to any of the program's windows
-  std::atomic<std::uint64_t> composed;   // calls to DwmFlush
-  std::atomic<std::uint32_t> corners;    // the corner preference asked for, 0 if none
-  RECT suggested;                        // bounds at another resolution
+  std::atomic<std::uint32_t> marker;          // the last one reached
+  std::atomic<std::uint64_t> paints;          // the latest stand in the ring below, as calls do
+  std::atomic<std::uint64_t> titleSets;       // WM_SETTEXT to any of the program's windows
+  std::atomic<std::uint64_t> copies;          // of these, the confirmations of a copy
+  std::atomic<std::uint64_t> copiedAt;        // when the latest was set, by GetTickCount64
+  std::atomic<std::uint64_t> renamedAt;       // when the main window got its latest other title
+  std::atomic<std::uint64_t> menusLeft;       // WM_EXITMENULOOP to any of the program's windows
+  std::atomic<std::uint64_t> paintsAtKeys;    // when keys were queued
+  std::atomic<std::uint64_t> paintsAtMarker;  // when the last marker was reached
+  std::atomic<std::uint64_t> composed;        // calls to DwmFlush
+  std::atomic<std::uint32_t> corners;         // the corner preference asked for, 0 if none
+  RECT suggested;                             // bounds at another resolution
   std::uint32_t menuItems;
   RecordedClass windowClass;
   std::uint32_t graphicsObjects;
@@ -96,6 +102,8 @@ struct MagnifierRecord {
   std::array<RecordedMenuItem, recordedMenuItems> menuItem;
   std::array<RecordedPaint, recordedPaints> paint;
 };
+
+constexpr const wchar_t* copyConfirmation = L"Image Copied To Clipboard";
 
 constexpr const char* magnifierRecordName = "Local\\TintoraMagnifierRecord";
 
@@ -118,6 +126,12 @@ enum Request : UINT {
   DropFile,
   // Writes down how much processor time the program has taken.
   ReadProcessorTime,
+  // Puts as many presses as the second parameter says of the key in the first into the main
+  // window's
+  // queue at once.
+  QueueKeys,
+  // Waits until the display has carried out everything that the program has asked of it.
+  FinishDrawing,
 };
 
 }  // namespace tintora::windows_test

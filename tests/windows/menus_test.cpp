@@ -171,7 +171,7 @@ TEST_F(Menus, OpenOverEachWindow) {
 TEST_F(Menus, OpenAtTheCursor) {
   start();
   const Bounds main = boundsOf(windows().main);
-  SetCursorPos(main.left + 40, main.top + 50);
+  moveCursor(main.left + 40, main.top + 50);
   openMenu(windows().main);
   EXPECT_EQ(boundsOf(openMenuWindow()).left, main.left + 40);
   EXPECT_EQ(boundsOf(openMenuWindow()).top, main.top + 50);

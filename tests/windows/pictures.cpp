@@ -17,6 +17,7 @@
 namespace tintora::windows_test {
 namespace {
 
+constexpr Colour viewBackground{80, 100, 120};
 constexpr Bounds area{240, 100, 1040, 720};
 
 // All hues from left to right, from white at the top through the pure colour to black.
@@ -49,11 +50,22 @@ class Pictures : public ColourSpaceTest {
     start(arguments);
   }
 
+  // Waits until the display has given the colour space window its size: its lower right corner, in
+  // which no view draws anything, has the views' background.
+  void awaitWholeView() {
+    EXPECT_TRUE(eventually([this] {
+      const Bounds client = clientBoundsOf(windows().colourSpace);
+      const Bounds corner{client.right - 1, client.bottom - 1, client.right, client.bottom};
+      return screenPicture(corner).at(0, 0) == viewBackground;
+    }));
+  }
+
   // Once what is on the screen has come to rest.
   void save(const std::string& name, const Bounds& part) {
     Picture picture = screenPicture(part);
     eventually([&] {
       Sleep(300);
+      finishDrawing();
       Picture next = screenPicture(part);
       std::swap(picture, next);
       return picture.pixels == next.pixels;
@@ -106,6 +118,7 @@ TEST_F(Pictures, OfTheColourSpaceWindow) {
       startWith(code, size, 2, 0);
       const std::string extent =
           "-" + std::to_string(size.width) + "x" + std::to_string(size.height);
+      awaitWholeView();
       save(name + extent, clientBoundsOf(windows().colourSpace));
       turnWheel(true, 10);
       if (code == CubeView) drag(MK_LBUTTON, {{200, 200}, {280, 160}});
@@ -117,7 +130,7 @@ TEST_F(Pictures, OfTheColourSpaceWindow) {
 
 TEST_F(Pictures, OfTheMenus) {
   startOverRainbow("-st");
-  SetCursorPos(250, 110);
+  moveCursor(250, 110);
   struct Submenu {
     const char* name;
     int ups;  // from the end

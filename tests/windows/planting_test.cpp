@@ -77,7 +77,7 @@ class Planted : public ProgramTest {
     menu();
     choose(703);
     choose(52);
-    EXPECT_TRUE(eventually([this] { return title() == "Image Copied To Clipboard"; }));
+    EXPECT_TRUE(hasCopied());
     press('H');
     end();
     EXPECT_EQ(process().result(), 0U);

@@ -10,7 +10,7 @@ namespace tintora::windows_test {
 
 namespace {
 
-constexpr DWORD bound = 10000;  // milliseconds that anything may take
+constexpr DWORD bound = 60000;  // milliseconds that anything may take
 
 constexpr const char* magnificationPath = "C:\\windows\\system32\\magnification.dll";
 constexpr const char* pathAway = "C:\\windows\\system32\\magnification.away";
@@ -205,6 +205,7 @@ void ProgramTest::SetUp() {
     *habit = false;
   }
   magnifierRecord().corners = 0;
+  magnifierRecord().copies = 0;
 }
 
 void ProgramTest::TearDown() {
@@ -218,14 +219,18 @@ void ProgramTest::start(const std::string& arguments) {
 
 void ProgramTest::start(const Launch& launch) {
   menu_ = nullptr;
+  constexpr ULONGLONG aStart = 30000;
   const auto appears = [&] {
     magnifierRecord().calls = 0;
+    magnifierRecord().copies = 0;
     process_ = std::make_unique<Process>(launch);
-    return eventually([this] {
-      windows_ = findWindows(process_->id());
-      return windows_.magnifier != nullptr && windows_.control != nullptr &&
-             windows_.colourSpace != nullptr && IsWindowVisible(windows_.main);
-    });
+    return eventually(
+        [this] {
+          windows_ = findWindows(process_->id());
+          return windows_.magnifier != nullptr && windows_.control != nullptr &&
+                 windows_.colourSpace != nullptr && IsWindowVisible(windows_.main);
+        },
+        aStart);
   };
   // Wine's own processes now and then come to a standstill while a program starts: it gets a second
   // chance, which a fault of the program's would not survive.
@@ -242,11 +247,34 @@ void ProgramTest::end() {
   ASSERT_TRUE(process_->hasEnded());
 }
 
+// The turn follows a message: when the second marker is reached, that of the first one is over.
 void ProgramTest::settle() {
   static UINT marker = 0;
-  ++marker;
-  PostMessageA(windows_.magnifier, ReachMarker, marker, 0);
+  for (int i = 0; i < 2; ++i) PostMessageA(windows_.magnifier, ReachMarker, ++marker, 0);
   ASSERT_TRUE(eventually([] { return magnifierRecord().marker == marker; }));
+}
+
+void ProgramTest::finishDrawing() {
+  settle();
+  ask(FinishDrawing, 0);
+  settle();
+}
+
+// The desktop knows the new place at once, the display a little later, and Wine asks the display
+// again only after a tenth of a second.
+void ProgramTest::moveCursor(LONG x, LONG y) {
+  constexpr DWORD untilAsked = 110;
+  SetCursorPos(static_cast<int>(x), static_cast<int>(y));
+  EXPECT_TRUE(eventually([&] {
+    Sleep(untilAsked);
+    POINT place{};
+    return GetCursorPos(&place) != 0 && place.x == x && place.y == y;
+  }));
+  settle();
+}
+
+bool ProgramTest::hasCopied() const {
+  return eventually([] { return magnifierRecord().copies > 0; });
 }
 
 void ProgramTest::send(HWND window, UINT message, WPARAM first, LPARAM second) {
@@ -307,11 +335,12 @@ HMENU ProgramTest::openMenu(HWND window) {
   // News of the focus that the display sent earlier can close a menu that has just opened; a user
   // would click again.
   constexpr int clicks = 5;
-  constexpr ULONGLONG patience = 1000;
+  const MagnifierRecord& record = magnifierRecord();
   for (int click = 0; click < clicks; ++click) {
+    const std::uint64_t left = record.menusLeft;
     PostMessageA(window, WM_RBUTTONUP, 0, 0);
-    eventually([this] { return openMenuWindow() != nullptr; }, patience);
-    settle();
+    eventually([&] { return openMenuWindow() != nullptr || record.menusLeft != left; });
+    finishDrawing();
     DWORD_PTR menu = 0;
     SendMessageTimeoutA(openMenuWindow(), MN_GETHMENU, 0, 0, SMTO_NORMAL, bound, &menu);
     if (menu != 0) return reinterpret_cast<HMENU>(menu);

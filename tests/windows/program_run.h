@@ -44,8 +44,9 @@ struct MenuItem {
   std::string text;
 };
 
-// Waits, as many milliseconds at most, for something to become true.
-bool eventually(const std::function<bool()>& isTrue, ULONGLONG atMost = 10000);
+// Waits, as many milliseconds at most, for something to become true. A busy machine may take long;
+// only what fails takes the whole time.
+bool eventually(const std::function<bool()>& isTrue, ULONGLONG atMost = 60000);
 
 std::string titleOf(HWND window);
 std::wstring wideTitleOf(HWND window);
@@ -131,8 +132,18 @@ class ProgramTest : public testing::Test {
   void turnWheel(bool up, int times = 1);
   void choose(int command);
 
-  // Waits until everything posted so far was handled.
+  // Waits until everything posted so far was handled, and the program's own turn after it is over.
   void settle();
+
+  // Waits until the display has carried out what the program has asked of it so far, and the
+  // program has handled what came of it.
+  void finishDrawing();
+
+  // Moves the mouse, through all of the desktop.
+  void moveCursor(LONG x, LONG y);
+
+  // Waits until the main window's title has confirmed a copy.
+  bool hasCopied() const;
 
   std::string title() const { return titleOf(windows_.main); }
   // As the program asked for it, the latest and all of them in order.

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Run the tests of the Windows program under Wine on displays of their own.
 
-A test spends half of its time waiting, so that each processor can be given a
-share of them, with a display and a prefix to itself.
+A test spends half of its time waiting, so each processor can be given two
+shares of them or more, each with a display and a prefix to itself.
 
 Everything that is started here is ended here, and everything that is written
 lies in one work folder.
@@ -10,6 +10,7 @@ lies in one work folder.
 
 import argparse
 import ctypes
+import fcntl
 import os
 import shutil
 import signal
@@ -19,7 +20,7 @@ from contextlib import contextmanager
 from pathlib import Path
 
 SCREEN = "1280x800x24"
-PREFIX_SECONDS = 180
+PREFIX_SECONDS = 600
 STRIP = "x86_64-w64-mingw32-strip"
 
 REGISTRY = [
@@ -57,9 +58,9 @@ def parse_arguments():
     parser.add_argument("--shares", type=int, default=1,
                         help="into how many the tests are divided, which run "
                              "at the same time")
-    parser.add_argument("--share", type=int,
-                        help="the only one to run, from 0")
-    parser.add_argument("--seconds", type=int, default=900,
+    parser.add_argument("--share", type=int, nargs="+",
+                        help="the only ones to run, from 0")
+    parser.add_argument("--seconds", type=int, default=1500,
                         help="how long the tests may take")
     parser.add_argument("rest", nargs="*", metavar="TEST_OPTION",
                         help="for the test program, after --")
@@ -121,11 +122,15 @@ def find_wine():
     return wine
 
 
-def make_prefix(wine, prefix, environment):
-    """A prefix that was not finished, or for other settings, is made anew."""
+def is_finished(prefix):
+    """A prefix that was not finished, or for other settings, is no use."""
     finished = prefix / "finished"
-    if finished.exists() and finished.read_text() == repr(REGISTRY):
-        return
+    return finished.exists() and finished.read_text() == repr(REGISTRY)
+
+
+def make_prefix(wine, prefix, display_name):
+    """The one that all others are copies of."""
+    environment = wine_environment(prefix, display_name)
     shutil.rmtree(prefix, ignore_errors=True)
     prefix.mkdir(parents=True)
 
@@ -134,10 +139,37 @@ def make_prefix(wine, prefix, environment):
                        timeout=PREFIX_SECONDS, stdin=subprocess.DEVNULL,
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
-    run("wineboot", "--init")
-    for key, name, kind, value in REGISTRY:
-        run("reg", "add", key, "/v", name, "/t", kind, "/d", value, "/f")
-    finished.write_text(repr(REGISTRY))
+    try:
+        run("wineboot", "--init")
+        for key, name, kind, value in REGISTRY:
+            run("reg", "add", key, "/v", name, "/t", kind, "/d", value, "/f")
+    finally:
+        end_wine(environment)
+    (prefix / "finished").write_text(repr(REGISTRY))
+
+
+def copy_prefix(original, prefix):
+    """Wine's libraries are many and nobody writes to them, so the copy has
+    them by links; what Wine writes to, it has to itself."""
+    shutil.rmtree(prefix, ignore_errors=True)
+    shutil.copytree(original / "drive_c", prefix / "drive_c", symlinks=True,
+                    copy_function=os.link)
+    shutil.copytree(original / "dosdevices", prefix / "dosdevices",
+                    symlinks=True)
+    for file in original.iterdir():
+        if file.is_file():
+            shutil.copy2(file, prefix)
+
+
+def provide_prefix(wine, original, prefix, display_name):
+    original.parent.mkdir(parents=True, exist_ok=True)
+    with open(original.with_suffix(".lock"), "w") as lock:
+        # Shares that start at the same time wait for the first one here.
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        if not is_finished(original):
+            make_prefix(wine, original, display_name)
+    if not is_finished(prefix):
+        copy_prefix(original, prefix)
 
 
 def make_locales(folder):
@@ -161,6 +193,8 @@ def install(options, prefix):
     """The program stands alone in a folder, as it is handed out."""
     system = prefix / "drive_c/windows/system32"
     for library in ("magnification.dll", "dwmapi.dll"):
+        # A file of its own instead of the link that may be there.
+        (system / library).unlink(missing_ok=True)
         shutil.copy(options.tests / library, system)
     folder = options.work / "program"
     shutil.rmtree(folder, ignore_errors=True)
@@ -191,7 +225,7 @@ def run_tests(options, wine, environment, program):
     environment = dict(
         environment, TINTORA_PROGRAM=windows_path(program),
         GTEST_TOTAL_SHARDS=str(options.shares),
-        GTEST_SHARD_INDEX=str(options.share or 0),
+        GTEST_SHARD_INDEX=str(options.share[0] if options.share else 0),
         TINTORA_PLANTED_LIBRARY=windows_path(options.tests / "planted.dll"))
     if options.pictures:
         options.pictures.mkdir(parents=True, exist_ok=True)
@@ -212,29 +246,39 @@ def run_tests(options, wine, environment, program):
     return result
 
 
-def run_shares(count, arguments):
+def run_shares(shares, arguments):
     """Each in a process of its own, which ends with this one."""
-    shares = [subprocess.Popen(
-        [sys.executable, "-B", __file__, f"--share={share}", *arguments],
-        preexec_fn=end_with_parent) for share in range(count)]
-    return max([share.wait() for share in shares])
+    running = [subprocess.Popen(
+        [sys.executable, "-B", __file__, *arguments[:rest_begins(arguments)],
+         "--share", str(share), *arguments[rest_begins(arguments):]],
+        preexec_fn=end_with_parent) for share in shares]
+    return max([share.wait() for share in running])
+
+
+def rest_begins(arguments):
+    return arguments.index("--") if "--" in arguments else len(arguments)
 
 
 def main():
     options = parse_arguments()
     # So that what was started is ended then too.
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
-    if options.shares > 1 and options.share is None:
-        return run_shares(options.shares, sys.argv[1:])
+    shares = options.share or range(options.shares)
+    if len(shares) > 1:
+        return run_shares(shares, sys.argv[1:])
     options.work = options.work.resolve()
-    if options.share is not None:
-        options.work /= f"share{options.share}"
+    original = options.work / "prefix"
+    if options.pictures:
+        options.work /= "pictures"
+    else:
+        options.work /= f"share{shares[0]}"
+    options.work.mkdir(parents=True, exist_ok=True)
     prefix = options.work / "prefix"
     wine = find_wine()
     with display() as name:
         environment = wine_environment(prefix, name)
         try:
-            make_prefix(wine, prefix, environment)
+            provide_prefix(wine, original, prefix, name)
             return run_tests(options, wine, environment,
                              install(options, prefix))
         finally:

@@ -134,4 +134,19 @@ void readProcessorTime(MagnifierRecord& record) {
   record.processorTime = units(kernel) + units(user);
 }
 
+void queueKeys(HWND window, WPARAM key, LPARAM count) {
+  for (LPARAM i = 0; i < count; ++i) PostMessageW(window, WM_KEYDOWN, key, 0);
+}
+
+void finishDrawing() {
+  GdiFlush();
+  // Wine asks the display for both, once over the connection that pictures take and once over that
+  // of the thread's windows; the answers come after everything that was asked for before.
+  const HDC screen = GetDC(nullptr);
+  GetPixel(screen, 0, 0);
+  ReleaseDC(nullptr, screen);
+  POINT cursor{};
+  GetCursorPos(&cursor);
+}
+
 }  // namespace tintora::windows_test

@@ -14,5 +14,7 @@ void holdKey(BYTE key);
 void changeResolution(const MagnifierRecord& record, HWND window, WORD dpi);
 bool keepsDroppedFile(HWND window);
 void readProcessorTime(MagnifierRecord& record);
+void queueKeys(HWND window, WPARAM key, LPARAM count);
+void finishDrawing();
 
 }  // namespace tintora::windows_test

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cwchar>
 
 #include "magnifier_record.h"
 #include "stand_in_enquiries.h"
@@ -71,10 +72,23 @@ void paint(HWND window) {
   EndPaint(window, &painting);
 }
 
+void writeTitle(HWND window, const wchar_t* title) {
+  ++record->titleSets;
+  if (std::wcscmp(title, copyConfirmation) == 0) {
+    record->copiedAt = GetTickCount64();
+    ++record->copies;
+  } else if (FindWindowExA(window, nullptr, className, nullptr) != nullptr) {
+    record->renamedAt = GetTickCount64();
+  }
+}
+
 // The program's own thread sends these to its own windows.
-LRESULT CALLBACK countTitles(int code, WPARAM first, LPARAM second) {
+LRESULT CALLBACK watchMessages(int code, WPARAM first, LPARAM second) {
   const auto* const sent = reinterpret_cast<const CWPSTRUCT*>(second);
-  if (code == HC_ACTION && sent->message == WM_SETTEXT) ++record->titleSets;
+  if (code == HC_ACTION && sent->message == WM_SETTEXT) {
+    writeTitle(sent->hwnd, reinterpret_cast<const wchar_t*>(sent->lParam));
+  }
+  if (code == HC_ACTION && sent->message == WM_EXITMENULOOP) ++record->menusLeft;
   return CallNextHookEx(nullptr, code, first, second);
 }
 
@@ -91,6 +105,7 @@ LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM secon
     case WM_NCHITTEST:
       return record->habits.keepsMouse ? HTCLIENT : HTTRANSPARENT;
     case ReachMarker:
+      record->paintsAtMarker = record->paints.load();
       record->marker = static_cast<std::uint32_t>(first);
       return 0;
     case ReadMenu:
@@ -113,6 +128,13 @@ LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM secon
     case ReadProcessorTime:
       readProcessorTime(*record);
       return 1;
+    case QueueKeys:
+      record->paintsAtKeys = record->paints.load();
+      queueKeys(GetAncestor(window, GA_ROOT), first, second);
+      return 1;
+    case FinishDrawing:
+      finishDrawing();
+      return 1;
     default:
       return DefWindowProcA(window, message, first, second);
   }
@@ -134,7 +156,7 @@ __declspec(dllexport) BOOL WINAPI MagInitialize() {
   openRecord();
   if (record == nullptr) return FALSE;
   write({.call = MagnifierCall::Initialize});
-  SetWindowsHookExA(WH_CALLWNDPROC, &countTitles, nullptr, GetCurrentThreadId());
+  SetWindowsHookExW(WH_CALLWNDPROC, &watchMessages, nullptr, GetCurrentThreadId());
   WNDCLASSA facts{};
   facts.style = CS_GLOBALCLASS;
   facts.lpfnWndProc = &procedure;

@@ -129,9 +129,9 @@ class Dragging : public View {
  protected:
   void drag(HWND window, int x, int y) {
     const Bounds client = clientBoundsOf(window);
-    SetCursorPos(client.left + 20, client.top + 30);
+    moveCursor(client.left + 20, client.top + 30);
     send(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(20, 30));
-    SetCursorPos(client.left + 20 + x, client.top + 30 + y);
+    moveCursor(client.left + 20 + x, client.top + 30 + y);
     send(window, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(20 + x, 30 + y));
   }
 };
@@ -144,7 +144,7 @@ TEST_F(Dragging, MovesTheMainWindowUntilTheButtonIsLetGo) {
   EXPECT_EQ(boundsOf(windows().main), after);
   expectToFollow();
   send(windows().main, WM_LBUTTONUP);
-  SetCursorPos(600, 300);
+  moveCursor(600, 300);
   send(windows().main, WM_MOUSEMOVE);
   EXPECT_EQ(boundsOf(windows().main), after);
 }

@@ -19,9 +19,6 @@ namespace {
 // The six positions of the "Alternative transforms:" menu, and one more that is cleared with them.
 constexpr int alternativeTransformsCleared = 7;
 
-// The "Normal" mode shows protan vision at a fifth of the severity.
-constexpr double normalVariationShare = 5.0;
-
 void checkMainItem(int position, bool checked) {
   transformDisplay.checkMenuItem(TransformMenu::Main, position, checked);
 }
@@ -82,7 +79,7 @@ ColourEffect effectOf(const TransformSettings& settings) {
     case TransformMode::Tritan:
       return simulationEffect(CvdType::Tritan, settings.severity);
     case TransformMode::Normal:
-      return simulationEffect(CvdType::Protan, settings.severity / normalVariationShare);
+      return simulationEffect(CvdType::Protan, settings.severity / normalVariationDivisor);
     case TransformMode::ColourFilter:
       return filterEffect(passed, settings.severity);
     case TransformMode::RedFilter:

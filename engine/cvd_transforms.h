@@ -6,6 +6,9 @@
 
 namespace tintora {
 
+// The variation of normal vision is protan vision at the severity divided by this.
+inline constexpr double normalVariationDivisor = 5.0;
+
 // Computes the simulation matrix of a type and severity (0..1), keeps it as the model context's
 // uninvertedMatrix and makes of it what is shown: its daltonization, its inverse or itself;
 // daltonize wins when both are asked for. Stores the inputs and the result in the context and

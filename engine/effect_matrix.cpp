@@ -8,13 +8,27 @@ namespace tintora {
 
 EffectMatrix effectMatrix = identityEffectMatrix;
 
-void storeColourEffect(const ColourEffect& effect) {
+namespace {
+
+void writeColourEffect(EffectMatrix& matrix, const ColourEffect& effect) {
   for (std::size_t output = 0; output < 3; ++output) {
     for (std::size_t input = 0; input < 3; ++input) {
-      effectMatrix[input][output] = static_cast<float>(effect.matrix[3 * output + input]);
+      matrix[input][output] = static_cast<float>(effect.matrix[3 * output + input]);
     }
-    effectMatrix[4][output] = static_cast<float>(effect.offset[output]);
+    matrix[4][output] = static_cast<float>(effect.offset[output]);
   }
+}
+
+}  // namespace
+
+EffectMatrix makeEffectMatrix(const ColourEffect& effect) {
+  EffectMatrix matrix = identityEffectMatrix;
+  writeColourEffect(matrix, effect);
+  return matrix;
+}
+
+void storeColourEffect(const ColourEffect& effect) {
+  writeColourEffect(effectMatrix, effect);
 }
 
 }  // namespace tintora

@@ -20,6 +20,9 @@ inline constexpr EffectMatrix identityEffectMatrix{{
     {0.0F, 0.0F, 0.0F, 0.0F, 1.0F},
 }};
 
+// Returns the matrix of an effect; entries are rounded to floats.
+EffectMatrix makeEffectMatrix(const ColourEffect& effect);
+
 // The matrix in force.
 extern EffectMatrix effectMatrix;
 

@@ -76,12 +76,7 @@ enum tintora_effect {
 
 /* How pixels stand in memory: the channels in this order, each of 8 or 16 bits; 16 bits in the
  * byte order of the machine and on even addresses. */
-enum tintora_layout {
-  TINTORA_BGRA8 = 0,
-  TINTORA_RGBA8 = 1,
-  TINTORA_RGB8 = 2,
-  TINTORA_RGBA16 = 3
-};
+enum tintora_layout { TINTORA_BGRA8 = 0, TINTORA_RGBA8 = 1, TINTORA_RGB8 = 2, TINTORA_RGBA16 = 3 };
 
 /* A transform made ready for use. It never changes. */
 typedef struct tintora_transform tintora_transform;
@@ -91,36 +86,36 @@ typedef struct tintora_transform tintora_transform;
  * only. On success *transform is to be released with tintora_free; it is NULL otherwise.
  * TINTORA_NO_INVERSE where the inverse is asked for and there is none. */
 int tintora_simulation(int vision, double severity, int algorithm, int use, int light,
-                       tintora_transform **transform);
+                       tintora_transform** transform);
 
 /* Makes the tintora_effect of this amount, in the same way. */
-int tintora_colour_effect(int effect, double amount, int light, tintora_transform **transform);
+int tintora_colour_effect(int effect, double amount, int light, tintora_transform** transform);
 
 /* Makes the transform of a matrix as tintora_matrix gives it. Its entries are finite. The alpha row
  * and column are not used: pixels keep their alpha. */
-int tintora_from_matrix(const float matrix[25], int light, tintora_transform **transform);
+int tintora_from_matrix(const float matrix[25], int light, tintora_transform** transform);
 
 /* Releases a transform. NULL is released already. */
-void tintora_free(tintora_transform *transform);
+void tintora_free(tintora_transform* transform);
 
 /* Copies the 5x5 matrix, row by row: the rows are input red, green, blue, alpha (each 0 to 1) and
  * offset, the columns output red, green, blue, alpha and 1. Returns TINTORA_NO_MATRIX for
  * TINTORA_BRETTEL_1997. */
-int tintora_matrix(const tintora_transform *transform, float matrix[25]);
+int tintora_matrix(const tintora_transform* transform, float matrix[25]);
 
-/* Puts pixels of a tintora_layout through the transform. Each sample becomes the nearest step to the
- * result in double precision; alpha stays. The strides are bytes from one row to the next, of any
- * sign, and at least a row long. Source and destination are the same place with the same stride, or
- * do not overlap. */
-int tintora_filter_rows(const tintora_transform *transform, int layout, const void *source,
-                        ptrdiff_t source_stride, void *destination, ptrdiff_t destination_stride,
+/* Puts pixels of a tintora_layout through the transform. Each sample becomes the nearest step to
+ * the result in double precision; alpha stays. The strides are bytes from one row to the next, of
+ * any sign, and at least a row long. Source and destination are the same place with the same
+ * stride, or do not overlap. */
+int tintora_filter_rows(const tintora_transform* transform, int layout, const void* source,
+                        ptrdiff_t source_stride, void* destination, ptrdiff_t destination_stride,
                         size_t width, size_t height);
 
 /* Returns what a tintora_status means, in a few words. */
-const char *tintora_message(int status);
+const char* tintora_message(int status);
 
 /* Returns the version of the library, such as "1.1.4". */
-const char *tintora_version(void);
+const char* tintora_version(void);
 
 #if defined(__GNUC__)
 #pragma GCC visibility pop

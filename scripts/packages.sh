@@ -16,13 +16,13 @@ quick_test_packages=(libgtest-dev)
 
 # What all tests take besides: clang for formatting, lint and fuzzing; the cross-compiler and Wine for
 # the Windows program, and languages to run it in; another processor's compiler and emulator; compositing and window managers; a
-# browser for the pages that the tool writes; shells and readers of manual pages.
+# browser for the pages that the tool writes; shells and readers of manual pages; checks of packaging.
 test_packages=(python3 clang clang-format libclang-rt-14-dev
   g++-mingw-w64-x86-64-posix wine wine64 fonts-wine libxcomposite1 locales
   g++-aarch64-linux-gnu qemu-user googletest
   picom xcompmgr dbus-daemon fluxbox i3-wm icewm twm xfwm4
   libxcb-res0-dev libxcb-xtest0-dev chromium
-  fish groff-base mandoc zsh)
+  fish groff-base mandoc zsh appstream desktop-file-utils)
 
 # A virtual display with a window manager and software graphics.
 display_packages=(xvfb openbox x11-xserver-utils libgl1 libgl1-mesa-dri)

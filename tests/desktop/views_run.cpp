@@ -49,12 +49,19 @@ void ViewsTest::startStored(const StoredValues& values, const PictureSize& size)
 }
 
 void ViewsTest::resizeTo(const PictureSize& size) {
-  x().resize(colourSpace(), size.width, size.height);
-  ASSERT_TRUE(eventually([&] {
+  const auto hasSize = [&] {
     const Area area = inside();
     return area.width == size.width && area.height == size.height;
+  };
+  // What the program asked for when it opened its windows may still be on its way and come after
+  // the first request, so the size counts only if it is there once all have been answered.
+  ASSERT_TRUE(eventually([&] {
+    settle();
+    x().resize(colourSpace(), size.width, size.height);
+    eventually(hasSize);
+    settle();
+    return hasSize();
   }));
-  settle();
 }
 
 void ViewsTest::turnTo(View view) {

@@ -66,7 +66,6 @@ void completeTile(const QRect& part) {
 void readBackdrop() {
   if (backdrop.context == XCB_NONE) createContext();
   backdrop.isRead = true;
-  findOverlayWindow();
   backdrop.tile = namedBackground();
   const bool named = backdrop.tile != XCB_NONE;
   backdrop.ownsTile = !named;

@@ -1,5 +1,6 @@
 #include "platform/linux/compositing.h"
 
+#include <xcb/composite.h>
 #include <xcb/xfixes.h>
 
 #include "platform/linux/x_server.h"
@@ -11,6 +12,7 @@ namespace {
 struct Compositing {
   bool composited = false;
   bool byWindowManager = false;
+  xcb_window_t overlay = XCB_NONE;
 };
 Compositing compositing;
 
@@ -31,7 +33,17 @@ bool haveSameOwner(xcb_window_t a, xcb_window_t b) {
   return ((a ^ b) & ~xcb_get_setup(x())->resource_id_mask) == 0;
 }
 
+xcb_window_t askForOverlay() {
+  const Received<xcb_composite_get_overlay_window_reply_t> reply(
+      xcb_composite_get_overlay_window_reply(
+          x(), xcb_composite_get_overlay_window(x(), xServer.screen->root), nullptr));
+  if (!reply) return XCB_NONE;
+  xcb_composite_release_overlay_window(x(), xServer.screen->root);
+  return reply->overlay_win;
+}
+
 void setOwner(xcb_window_t owner) {
+  compositing.overlay = owner != XCB_NONE ? askForOverlay() : xcb_window_t{XCB_NONE};
   compositing.composited = owner != XCB_NONE;
   compositing.byWindowManager = owner != XCB_NONE && haveSameOwner(owner, windowManager());
 }
@@ -58,6 +70,10 @@ bool followCompositing(const xcb_generic_event_t& event) {
 
 bool isComposited() {
   return compositing.composited;
+}
+
+xcb_window_t overlayWindow() {
+  return compositing.overlay;
 }
 
 bool isComposedByWindowManager() {

@@ -18,4 +18,8 @@ bool isComposited();
 // of its frames.
 bool isComposedByWindowManager();
 
+// Returns the window on which a compositing manager draws the screen, or XCB_NONE. It is above all
+// others and covers nothing of the picture.
+xcb_window_t overlayWindow();
+
 }  // namespace tintora::platform

@@ -86,7 +86,7 @@ void compose(xcb_pixmap_t target, xcb_gcontext_t copying, const QPoint& origin, 
   // From the highest down, as long as anything is seen of what is further below.
   std::vector<Layer> layers;
   QRegion seen(part);
-  for (TopLevel* const topLevel : windowsBeneath() | std::views::reverse) {
+  for (TopLevel* const topLevel : windowsLookedAt() | std::views::reverse) {
     if (seen.isEmpty()) break;
     if (!topLevel->bounds.intersects(part)) continue;
     const QRegion seenOfIt = seen & topLevel->region();

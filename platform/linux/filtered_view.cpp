@@ -9,6 +9,7 @@
 
 #include "platform/linux/backdrop.h"
 #include "platform/linux/composition.h"
+#include "platform/linux/covers.h"
 #include "platform/linux/view_frames.h"
 #include "platform/linux/window_damage.h"
 #include "platform/linux/window_events.h"
@@ -40,7 +41,11 @@ QRect wholeView() {
 void followEventOfView(const xcb_generic_event_t& event) {
   if ((event.response_type & 0x7F) == XCB_EXPOSE) {
     const auto& exposed = reinterpret_cast<const xcb_expose_event_t&>(event);
-    view.toFilter += QRect(exposed.x, exposed.y, exposed.width, exposed.height);
+    if (exposed.window == view.window) {
+      view.toFilter += QRect(exposed.x, exposed.y, exposed.width, exposed.height);
+    } else if (const auto onRoot = exposedOnCover(exposed)) {
+      view.toFilter += onRoot->translated(-view.origin);
+    }
     return;
   }
   // Errors come this way too. They are about windows that have gone, which another event tells.
@@ -87,7 +92,8 @@ void filterAndShow(const QRect& part) {
   filterRows(view.filter, frames.unfiltered.bytes + offset, frames.stride(),
              frames.filtered.bytes + offset, frames.stride(),
              static_cast<std::size_t>(part.width()), static_cast<std::size_t>(part.height()));
-  showFiltered(frames, view.window, part);
+  showFiltered(frames, view.window, part, part.topLeft());
+  showOnCovers(frames, view.origin, part);
   xcb_flush(xServer.connection);
 }
 
@@ -118,6 +124,7 @@ void startView(xcb_window_t window) {
 }
 
 void stopView() {
+  removeCovers();
   releaseFrames(view.frames);
   forgetTarget();
   stopBackdrop();
@@ -148,16 +155,18 @@ void updateView() {
   if (view.window == XCB_NONE) return;
   followEvents(&xcb_poll_for_event);
   watchBackdrop();
-  if (!isOwnWindowShown() || view.size.isEmpty()) return;
+  if (!isOwnWindowShown() || view.size.isEmpty()) return removeCovers();
   collectDamage({view.origin, view.size});
   takeChanges();
   const QRegion toCompose = std::exchange(view.toCompose, {});
   const QRegion toFilter = std::exchange(view.toFilter, {});
   if (!toCompose.isEmpty()) composeFilterAndShow(inParts(toCompose));
   if (!toFilter.isEmpty()) filterAgain(inParts(toFilter));
+  placeCovers(view.frames, {view.origin, view.size});
   // What came in between the answers waits in no socket: it would not wake the loop.
   const bool hasMoreEvents = followEvents(&xcb_poll_for_queued_event);
-  if (watchBackdrop() || hasMoreEvents) QAbstractEventDispatcher::instance()->wakeUp();
+  if (watchBackdrop() || hasMoreEvents || !windowStack.changed.isEmpty())
+    QAbstractEventDispatcher::instance()->wakeUp();
 }
 
 void finishView() {
@@ -171,7 +180,7 @@ QImage pictureOfView() {
   const xcb_pixmap_t picture = xcb_generate_id(x());
   xcb_create_pixmap(x(), xServer.screen->root_depth, picture, xServer.screen->root,
                     u16(view.size.width()), u16(view.size.height()));
-  showFiltered(view.frames, picture, wholeView());
+  showFiltered(view.frames, picture, wholeView(), {0, 0});
   composeProgramWindows(picture, view.frames.context, view.origin, {view.origin, view.size});
   forgetTarget();
   const Received<xcb_get_image_reply_t> pixels(

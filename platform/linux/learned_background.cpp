@@ -1,6 +1,5 @@
 #include "platform/linux/learned_background.h"
 
-#include <xcb/composite.h>
 #include <xcb/damage.h>
 #include <xcb/xcbext.h>
 #include <xcb/xfixes.h>
@@ -25,7 +24,6 @@ struct LearnedBackground {
   QSize size;
   xcb_gcontext_t reading = XCB_NONE;
   QRegion known;
-  xcb_window_t overlay = XCB_NONE;  // the compositing manager's
   // Of what was drawn on the screen: the region for the answer, and what was asked.
   xcb_xfixes_region_t drawn = XCB_NONE;
   std::optional<xcb_xfixes_fetch_region_cookie_t> request;
@@ -98,21 +96,10 @@ std::optional<QRegion> receivedScreenDamage() {
   return reply ? regionOf(*reply) : QRegion();
 }
 
-void findOverlayWindow() {
-  learned.overlay = XCB_NONE;
-  if (!isComposited()) return;
-  const Received<xcb_composite_get_overlay_window_reply_t> reply(
-      xcb_composite_get_overlay_window_reply(
-          x(), xcb_composite_get_overlay_window(x(), xServer.screen->root), nullptr));
-  if (!reply) return;
-  xcb_composite_release_overlay_window(x(), xServer.screen->root);
-  learned.overlay = reply->overlay_win;
-}
-
 QRegion uncoveredRoot() {
   QRegion uncovered(QRect(QPoint(), windowStack.rootSize));
   for (const TopLevel* const topLevel : windowsSeen()) {
-    if (topLevel->hasPixels && topLevel->window != learned.overlay) uncovered -= topLevel->region();
+    if (topLevel->hasPixels && topLevel->window != overlayWindow()) uncovered -= topLevel->region();
   }
   return uncovered;
 }

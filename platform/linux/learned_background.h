@@ -21,9 +21,6 @@ void requestScreenDamage();
 // Returns what was drawn if the answer has come, or nothing. Never waits.
 std::optional<QRegion> receivedScreenDamage();
 
-// Asks which window a compositing manager draws the screen on: it covers nothing of the picture.
-void findOverlayWindow();
-
 // Returns the part of the root that no window covers.
 QRegion uncoveredRoot();
 

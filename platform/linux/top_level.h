@@ -8,18 +8,27 @@
 #include <QMargins>
 #include <QRect>
 #include <QRegion>
+#include <chrono>
 #include <cstdint>
+#include <string_view>
 
 namespace tintora::platform {
+
+// By this name, programs like this one know each other's covers, and do not cover them.
+constexpr std::string_view coverName = "Tintora cover";
 
 struct TopLevel {
   xcb_window_t window = XCB_NONE;
   QRect bounds;    // on the root, its border included
   int border = 0;  // pixels
   bool mapped = false;
-  bool hasPixels = false;  // known to have some; an input-only window has none
-  bool unmanaged = false;  // a menu, a tip, or a window manager's own window
-  bool isGuard = false;    // the window manager keeps what is not to be seen beneath it
+  bool hasPixels = false;   // known to have some; an input-only window has none
+  bool unmanaged = false;   // a menu, a tip, or a window manager's own window
+  bool isCover = false;     // covers a window above the view of a program like this one
+  bool keepsAbove = false;  // it was raised above its cover too often
+  int timesRaised = 0;      // above its cover, since
+  std::chrono::steady_clock::time_point firstRaised;
+  bool isGuard = false;  // the window manager keeps what is not to be seen beneath it
   std::uint8_t depth = 0;
   const struct VisualFormat* format = nullptr;
   std::uint32_t opacity = 0xFFFFFFFF;  // all of it

@@ -52,7 +52,8 @@ void takeRows(ViewFrames& frames, const QRect& part, const std::uint8_t* rows) {
   }
 }
 
-void sendRows(const ViewFrames& frames, xcb_window_t window, const QRect& part) {
+void sendRows(const ViewFrames& frames, xcb_window_t window, const QRect& part,
+              const QPoint& place) {
   const std::size_t length = std::size_t{4} * static_cast<std::size_t>(part.width());
   std::vector<std::uint8_t> rows;
   rows.reserve(length * static_cast<std::size_t>(part.height()));
@@ -61,8 +62,8 @@ void sendRows(const ViewFrames& frames, xcb_window_t window, const QRect& part) 
     rows.insert(rows.end(), row.begin(), row.end());
   }
   xcb_put_image(x(), XCB_IMAGE_FORMAT_Z_PIXMAP, window, frames.context, u16(part.width()),
-                u16(part.height()), i16(part.left()), i16(part.top()), 0,
-                xServer.screen->root_depth, static_cast<std::uint32_t>(rows.size()), rows.data());
+                u16(part.height()), i16(place.x()), i16(place.y()), 0, xServer.screen->root_depth,
+                static_cast<std::uint32_t>(rows.size()), rows.data());
 }
 
 // Whole rows lie in the segment as they do in the frame, but narrow parts would read far too much.
@@ -159,13 +160,13 @@ bool receivePixels(ViewFrames& frames, const QRect& part, const PixelRequest& re
   return true;
 }
 
-void showFiltered(const ViewFrames& frames, xcb_window_t window, const QRect& part) {
-  if (frames.sharing == PixelSharing::None) return sendRows(frames, window, part);
+void showFiltered(const ViewFrames& frames, xcb_window_t window, const QRect& part,
+                  const QPoint& place) {
+  if (frames.sharing == PixelSharing::None) return sendRows(frames, window, part, place);
   xcb_shm_put_image(x(), window, frames.context, u16(frames.size.width()),
                     u16(frames.size.height()), u16(part.left()), u16(part.top()), u16(part.width()),
-                    u16(part.height()), i16(part.left()), i16(part.top()),
-                    xServer.screen->root_depth, XCB_IMAGE_FORMAT_Z_PIXMAP, 0,
-                    frames.filtered.segment, 0);
+                    u16(part.height()), i16(place.x()), i16(place.y()), xServer.screen->root_depth,
+                    XCB_IMAGE_FORMAT_Z_PIXMAP, 0, frames.filtered.segment, 0);
 }
 
 }  // namespace tintora::platform

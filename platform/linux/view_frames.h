@@ -51,7 +51,8 @@ PixelRequest requestPixels(ViewFrames& frames, const QRect& part);
 // Waits until the part stands among the unfiltered pixels; returns false if it does not.
 bool receivePixels(ViewFrames& frames, const QRect& part, const PixelRequest& request);
 
-// Shows a part of the filtered pixels in a window, at the same place.
-void showFiltered(const ViewFrames& frames, xcb_window_t window, const QRect& part);
+// Shows a part of the filtered pixels at a place in a window.
+void showFiltered(const ViewFrames& frames, xcb_window_t window, const QRect& part,
+                  const QPoint& place);
 
 }  // namespace tintora::platform

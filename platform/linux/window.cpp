@@ -4,6 +4,7 @@
 #include <QTimer>
 #include <array>
 
+#include "platform/linux/covers.h"
 #include "platform/linux/event_loop.h"
 #include "platform/linux/handles.h"
 #include "platform/linux/scale.h"
@@ -57,6 +58,12 @@ void moveToPrimaryMonitor(Window* window) {
       primary.topLeft() +
       QPoint(primary.width() - outer.width(), primary.height() - outer.height()) / 2;
   askForBounds(window, {place, outer.size()});
+}
+
+// Where the view fills the screen and lets the mouse through, other programs' menus and tips come
+// above it, and are to be seen through it too.
+void coverOthers(const Window* window) {
+  if (window == mainWindow) coverWindowsAbove(fillsScreen(window) && window->hitTransparent);
 }
 
 void setFrame(Window* window, bool framed) {
@@ -124,6 +131,7 @@ void setWindowForm(Window* window, WindowForm form) {
   rememberFrame(window);
   if (form == WindowForm::FullScreen) moveToPrimaryMonitor(window);
   window->form = form;
+  coverOthers(window);
   setFrame(window, facts.framed);
   if (window->window->windowStates() != facts.state) window->window->setWindowStates(facts.state);
   if (facts.state == Qt::WindowNoState) askForBounds(window, outer);
@@ -132,6 +140,7 @@ void setWindowForm(Window* window, WindowForm form) {
 void setHitTransparent(Window* window, bool transparent) {
   window->hitTransparent = transparent;
   shapeInput(window);
+  coverOthers(window);
 }
 
 void showWindow(Window* window, ShowState state) {

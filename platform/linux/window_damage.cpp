@@ -30,7 +30,7 @@ void collectDamage(const QRect& part) {
   // One region is enough, because the server answers in the order of the questions.
   static const xcb_xfixes_region_t fetched = emptyRegion();
   std::vector<Question> questions;
-  for (TopLevel* const topLevel : windowsBeneath()) {
+  for (TopLevel* const topLevel : windowsLookedAt()) {
     if (!topLevel->damaged || !topLevel->bounds.intersects(part)) continue;
     topLevel->damaged = false;
     xcb_damage_subtract(x(), topLevel->damage, XCB_NONE, fetched);

@@ -18,7 +18,7 @@ namespace tintora::platform {
 namespace {
 
 void redirect(TopLevel& topLevel) {
-  if (topLevel.redirected || isOwn(topLevel)) return;
+  if (topLevel.redirected || isOwn(topLevel) || isOfView(topLevel.window)) return;
   topLevel.redirected = true;
   topLevel.damaged = false;
   xcb_composite_redirect_window(x(), topLevel.window, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
@@ -36,7 +36,7 @@ void unredirect(TopLevel& topLevel) {
 }
 
 void watch(TopLevel& topLevel) {
-  if (isOwn(topLevel)) return;
+  if (isOwn(topLevel) || isOfView(topLevel.window)) return;
   const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
   xcb_change_window_attributes(x(), topLevel.window, XCB_CW_EVENT_MASK, &events);
   xcb_shape_select_input(x(), topLevel.window, 1);
@@ -159,6 +159,8 @@ void onUnmapped(xcb_window_t window) {
   noteChange(*found);
   releasePixels(*found);
   found->mapped = false;
+  found->keepsAbove = false;
+  found->timesRaised = 0;
   if (found->isGuard) changeAll();
 }
 
@@ -219,7 +221,7 @@ void followClient(xcb_window_t client) {
   readFramedClient(*found);
   if (found->region() == before && found->opacity == opacity) return;
   releasePixels(*found);
-  if (found->mapped && isBeneath(*found)) addChange(before + found->region());
+  if (found->mapped && isLookedAt(*found)) addChange(before + found->region());
 }
 
 void onPropertyChanged(const xcb_property_notify_event_t& event) {

@@ -74,6 +74,7 @@ void readAnswers(TopLevel& topLevel, const Enquiry& enquiry) {
   if (!attributes || !geometry) return;
   topLevel.mapped = attributes->map_state != XCB_MAP_STATE_UNMAPPED;
   topLevel.unmanaged = attributes->override_redirect != 0;
+  topLevel.isCover = topLevel.unmanaged && textIn(name.get()) == coverName;
   topLevel.isGuard = isGuard(*attributes, name.get());
   topLevel.border = geometry->border_width;
   topLevel.bounds = {geometry->x, geometry->y, geometry->width + 2 * topLevel.border,

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "platform/linux/compositing.h"
 #include "platform/linux/x_server.h"
 
 namespace tintora::platform {
@@ -15,6 +16,10 @@ namespace {
 std::size_t placeOfView() {
   return static_cast<std::size_t>(findTopLevel(windowStack.ownTopLevel) -
                                   windowStack.windows.begin());
+}
+
+std::size_t placeOf(const TopLevel& topLevel) {
+  return static_cast<std::size_t>(&topLevel - windowStack.windows.data());
 }
 
 // What is beneath a guard window is mapped but not to be seen.
@@ -39,14 +44,26 @@ bool isOwn(const TopLevel& topLevel) {
   return topLevel.window == windowStack.ownTopLevel;
 }
 
-bool isBeneath(const TopLevel& topLevel) {
+bool isOfView(xcb_window_t window) {
+  const xcb_setup_t& setup = *xcb_get_setup(x());
+  return (window & ~setup.resource_id_mask) == setup.resource_id_base;
+}
+
+bool isCovered(const TopLevel& topLevel) {
+  return windowStack.coversAbove && placeOf(topLevel) > placeOfView() && topLevel.mapped &&
+         topLevel.hasPixels && !topLevel.keepsAbove && !topLevel.isCover &&
+         !isOfView(topLevel.window) && !isOfProgram(topLevel) && topLevel.window != overlayWindow();
+}
+
+bool isLookedAt(const TopLevel& topLevel) {
   const std::size_t view = placeOfView();
-  const auto place = static_cast<std::size_t>(&topLevel - windowStack.windows.data());
-  return view < windowStack.windows.size() && place < view && place >= firstSeen();
+  const std::size_t place = placeOf(topLevel);
+  if (view >= windowStack.windows.size() || place < firstSeen()) return false;
+  return place < view || isCovered(topLevel);
 }
 
 void noteChange(const TopLevel& topLevel) {
-  if (topLevel.mapped && topLevel.hasPixels && isBeneath(topLevel)) {
+  if (topLevel.mapped && topLevel.hasPixels && isLookedAt(topLevel)) {
     addChange(topLevel.region());
   }
 }
@@ -68,16 +85,17 @@ bool isOwnWindowShown() {
          place >= firstSeen();
 }
 
-std::vector<TopLevel*> windowsBeneath() {
-  std::vector<TopLevel*> beneath;
+std::vector<TopLevel*> windowsLookedAt() {
+  std::vector<TopLevel*> lookedAt;
   const std::size_t view = placeOfView();
   // If the own frame is not found, nothing is known to be beneath it.
-  if (view >= windowStack.windows.size()) return beneath;
-  for (std::size_t place = firstSeen(); place < view; ++place) {
+  if (view >= windowStack.windows.size()) return lookedAt;
+  const std::size_t end = windowStack.coversAbove ? windowStack.windows.size() : view;
+  for (std::size_t place = firstSeen(); place < end; ++place) {
     TopLevel& topLevel = windowStack.windows[place];
-    if (topLevel.mapped) beneath.push_back(&topLevel);
+    if (topLevel.mapped && (place < view || isCovered(topLevel))) lookedAt.push_back(&topLevel);
   }
-  return beneath;
+  return lookedAt;
 }
 
 std::vector<TopLevel*> windowsSeen() {

@@ -16,6 +16,7 @@ struct WindowStack {
   xcb_window_t ownWindow = XCB_NONE;    // the main window
   xcb_window_t ownTopLevel = XCB_NONE;  // it, or the frame that it stands in
   QSize rootSize;
+  bool coversAbove = false;        // windows above the main one are seen through the view too
   bool redirecting = false;        // the windows' pixels are kept apart from the screen's
   bool backgroundChanged = false;  // the root's
   QRegion changed;                 // where on the root the picture beneath may be different now
@@ -44,14 +45,23 @@ bool isOwn(const TopLevel& topLevel);
 // differ in their last bits only.
 bool isOwnResource(xcb_window_t window);
 
-// Returns true if the window is beneath the main one, and no guard window hides it.
-bool isBeneath(const TopLevel& topLevel);
+// Returns true if the window is one that this program's connection for the view has created: a
+// cover, or a window that exists for a moment only.
+bool isOfView(xcb_window_t window);
+
+// Returns true if the window is above the main one, and covered so that it is seen through the
+// view.
+bool isCovered(const TopLevel& topLevel);
+
+// Returns true if the view looks at the window: it is beneath the main one, or covered. What a
+// guard window hides is not looked at.
+bool isLookedAt(const TopLevel& topLevel);
 
 // Returns true if the main window is on the screen.
 bool isOwnWindowShown();
 
 // Returns the windows that the view looks at, from the lowest to the highest.
-std::vector<TopLevel*> windowsBeneath();
+std::vector<TopLevel*> windowsLookedAt();
 
 // Returns all windows that are on the screen, from the lowest to the highest.
 std::vector<TopLevel*> windowsSeen();

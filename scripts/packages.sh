@@ -6,7 +6,7 @@ tool_packages=(libcli11-dev nlohmann-json3-dev libpng-dev libjpeg62-turbo-dev
   liblcms2-dev)
 desktop_packages=(pkg-config qt6-base-dev libxcb1-dev libxcb-composite0-dev libxcb-damage0-dev
   libxcb-randr0-dev libxcb-render0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-xfixes0-dev
-  x11-utils)
+  libpipewire-0.3-dev x11-utils)
 
 # What building both programs takes.
 build_packages=("${compiler_packages[@]}" "${tool_packages[@]}" "${desktop_packages[@]}")
@@ -20,6 +20,7 @@ quick_test_packages=(libgtest-dev)
 test_packages=(python3 clang clang-format libclang-rt-14-dev
   g++-mingw-w64-x86-64-posix wine wine64 fonts-wine libxcomposite1 locales
   g++-aarch64-linux-gnu qemu-user googletest
+  pipewire pipewire-bin libpipewire-0.3-modules wireplumber
   picom xcompmgr dbus-daemon fluxbox i3-wm icewm twm xfwm4
   libxcb-res0-dev libxcb-xtest0-dev chromium
   fish groff-base mandoc zsh appstream desktop-file-utils)

@@ -4,7 +4,7 @@
 #include <QGuiApplication>
 #include <QImage>
 
-#include "platform/linux/filtered_view.h"
+#include "platform/linux/view_source.h"
 
 namespace tintora::platform {
 
@@ -14,9 +14,8 @@ struct Picture {
 
 Picture* captureClientArea(Window* window) {
   const Rect area = clientArea(window);
-  const QImage view = pictureOfView();
-  const QSize size = view.size().boundedTo({area.width(), area.height()});
-  return new Picture{view.copy({QPoint(), size}).convertToFormat(QImage::Format_RGB888)};
+  const QImage copy = viewSource->copy({area.width(), area.height()});
+  return new Picture{copy.convertToFormat(QImage::Format_RGB888)};
 }
 
 bool putOnClipboard(Window* /*owner*/, Picture* picture) {

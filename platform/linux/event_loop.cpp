@@ -18,10 +18,10 @@
 #include <optional>
 #include <vector>
 
-#include "platform/linux/filtered_view.h"
 #include "platform/linux/handles.h"
 #include "platform/linux/keys.h"
 #include "platform/linux/screen_place.h"
+#include "platform/linux/view_source.h"
 #include "platform/linux/wheel.h"
 #include "platform/linux/window_frame.h"
 
@@ -296,7 +296,7 @@ void handleWaitingEvents() {
   // Some events wait for an outer loop, and would be found waiting for ever.
   constexpr int mostMilliseconds = 30;
   QCoreApplication::processEvents(QEventLoop::AllEvents, mostMilliseconds);
-  finishView();
+  viewSource->finish();
 }
 
 void quit(int exitResult) {

@@ -1,5 +1,3 @@
-#include "platform/linux/filtered_view.h"
-
 #include <QAbstractEventDispatcher>
 #include <QRegion>
 #include <algorithm>
@@ -10,7 +8,9 @@
 #include "platform/linux/backdrop.h"
 #include "platform/linux/composition.h"
 #include "platform/linux/covers.h"
+#include "platform/linux/handles.h"
 #include "platform/linux/view_frames.h"
+#include "platform/linux/view_source.h"
 #include "platform/linux/window_damage.h"
 #include "platform/linux/window_events.h"
 #include "platform/linux/window_stack.h"
@@ -30,9 +30,6 @@ struct FilteredView {
   QRegion toFilter;   // to be filtered only
 };
 FilteredView view;
-
-// A part that is filtered while the server is at work on the next; small enough for the caches.
-constexpr int pixelsAtOnce = 128 * 1024;
 
 QRect wholeView() {
   return {QPoint(), view.size};
@@ -75,17 +72,6 @@ void takeChanges() {
   view.toFilter = (view.toFilter & wholeView()) - view.toCompose;
 }
 
-std::vector<QRect> inParts(const QRegion& region) {
-  std::vector<QRect> parts;
-  for (const QRect& rect : region) {
-    const int rows = std::max(1, pixelsAtOnce / rect.width());
-    for (int top = rect.top(); top <= rect.bottom(); top += rows) {
-      parts.emplace_back(rect.left(), top, rect.width(), std::min(rows, rect.bottom() + 1 - top));
-    }
-  }
-  return parts;
-}
-
 void filterAndShow(const QRect& part) {
   const ViewFrames& frames = view.frames;
   const std::ptrdiff_t offset = frames.offset(part.topLeft());
@@ -116,9 +102,8 @@ void filterAgain(const std::vector<QRect>& parts) {
   for (const QRect& part : parts) filterAndShow(part);
 }
 
-}  // namespace
-
-void startView(xcb_window_t window) {
+void startView(Window* parent, xcb_window_t window) {
+  watchWindows(static_cast<xcb_window_t>(parent->window->winId()));
   view.window = window;
   startBackdrop();
 }
@@ -130,6 +115,7 @@ void stopView() {
   stopBackdrop();
   xcb_destroy_window(xServer.connection, view.window);
   view = {};
+  forgetWindows();
 }
 
 void setViewSize(const QSize& size) {
@@ -174,6 +160,8 @@ void finishView() {
   waitForXServer();
 }
 
+// Returns a picture of the view with this program's windows above it, but not its menus: nothing
+// that is read off the screen, which may be late.
 QImage pictureOfView() {
   finishView();
   if (view.size.isEmpty()) return {};
@@ -195,5 +183,21 @@ QImage pictureOfView() {
                 4 * view.size.width(), QImage::Format_RGB32)
       .copy();
 }
+
+QImage copyOfView(const QSize& clientArea) {
+  const QImage whole = pictureOfView();
+  return whole.copy({QPoint(), whole.size().boundedTo(clientArea)});
+}
+
+}  // namespace
+
+const ViewSource lens{.start = &startView,
+                      .stop = &stopView,
+                      .setSize = &setViewSize,
+                      .setOrigin = &setViewOrigin,
+                      .setFilter = &setViewFilter,
+                      .update = &updateView,
+                      .finish = &finishView,
+                      .copy = &copyOfView};
 
 }  // namespace tintora::platform

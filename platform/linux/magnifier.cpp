@@ -9,13 +9,14 @@
 #include <cstdint>
 #include <memory>
 
-#include "platform/linux/filtered_view.h"
 #include "platform/linux/handles.h"
 #include "platform/linux/screen_place.h"
-#include "platform/linux/window_events.h"
+#include "platform/linux/view_source.h"
 #include "platform/linux/x_server.h"
 
 namespace tintora::platform {
+
+const ViewSource* viewSource = &lens;
 
 namespace {
 
@@ -60,7 +61,7 @@ void joinEventLoop() {
     quit(1);
   });
   QObject::connect(loop, &QAbstractEventDispatcher::aboutToBlock, theMagnifier.notifier.get(),
-                   &updateView);
+                   [] { viewSource->update(); });
 }
 
 }  // namespace
@@ -71,17 +72,15 @@ bool startMagnifier() {
 
 void stopMagnifier() {
   theMagnifier = {};
-  stopView();
-  forgetWindows();
+  viewSource->stop();
   disconnectFromXServer();
 }
 
 Window* createMagnifier(Window* parent, const std::string& /*title*/, const Rect& bounds) {
   const auto parentWindow = static_cast<xcb_window_t>(parent->window->winId());
-  watchWindows(parentWindow);
   theMagnifier.window = createChild(parentWindow, bounds);
-  startView(theMagnifier.window);
-  setViewSize({bounds.width(), bounds.height()});
+  viewSource->start(parent, theMagnifier.window);
+  viewSource->setSize({bounds.width(), bounds.height()});
   joinEventLoop();
   return handle();
 }
@@ -91,13 +90,13 @@ void setUnmagnified(Window* /*magnifier*/) {
 }
 
 void setMagnifierSource(Window* /*magnifier*/, const Rect& source) {
-  setViewOrigin(onRoot(Point{source.left, source.top}));
+  viewSource->setOrigin(onRoot(Point{source.left, source.top}));
 }
 
 void setColourEffect(Window* /*magnifier*/, const EffectMatrix& matrix) {
   if (matrix == theMagnifier.shown) return;
   theMagnifier.shown = matrix;
-  setViewFilter(makePixelFilter(matrix));
+  viewSource->setFilter(makePixelFilter(matrix));
 }
 
 void fitMagnifier(Window* /*magnifier*/, const Rect& bounds) {
@@ -109,7 +108,7 @@ void fitMagnifier(Window* /*magnifier*/, const Rect& bounds) {
                        XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
                            XCB_CONFIG_WINDOW_HEIGHT,
                        place.data());
-  setViewSize({bounds.width(), bounds.height()});
+  viewSource->setSize({bounds.width(), bounds.height()});
 }
 
 void invalidateMagnifier(Window* /*magnifier*/) {

@@ -20,8 +20,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/linux/environment.h"
+#include "platform/linux/mirror.h"
 #include "platform/linux/program.h"
 #include "platform/linux/screen_place.h"
 #include "platform/linux/window_frame.h"
@@ -32,15 +34,22 @@
 namespace {
 
 constexpr const char* help =
-    "Usage: tintora [LETTERS]\n"
+    "Usage: tintora [--choose | --x11] [LETTERS]\n"
     "\n"
     "Opens a frame through which the screen beneath is seen through another colour vision. The\n"
     "right mouse button opens the menu. F1 shows the keys.\n"
+    "\n"
+    "In a Wayland session no program may see what lies beneath its window. There the frame shows "
+    "a\n"
+    "window or screen that you choose in the desktop's own dialog; the choice is remembered.\n"
     "\n"
     "Letters anywhere in the first 10 characters of the arguments, as in -st:\n"
     "  s    choose among the simulation algorithms in the menu\n"
     "  t    tritan vision in the menu and with key T\n"
     "\n"
+    "  --choose     show a window or screen, and ask which one\n"
+    "  --x11        show what lies beneath the frame, also in a Wayland session, where only the\n"
+    "               windows of X11 programs are seen\n"
     "  -h, --help   show this\n"
     "  --version    show the version\n"
     "\n"
@@ -54,6 +63,28 @@ bool answers(std::string_view argument) {
   if (wantsHelp) std::cout << help;
   if (argument == "--version") std::cout << "tintora " << TINTORA_VERSION << '\n';
   return wantsHelp || argument == "--version";
+}
+
+// Which picture the arguments ask for; these options are not among the letters.
+struct PictureOptions {
+  bool choose = false;
+  bool x11 = false;
+};
+
+PictureOptions takePictureOptions(std::vector<char*>& arguments) {
+  PictureOptions options;
+  std::erase_if(arguments, [&](std::string_view argument) {
+    options.choose = options.choose || argument == "--choose";
+    options.x11 = options.x11 || argument == "--x11";
+    return argument == "--choose" || argument == "--x11";
+  });
+  return options;
+}
+
+// Returns true if the frame shows a window or screen of the user's choice instead of what lies
+// beneath it.
+bool showsMirror(const PictureOptions& options) {
+  return options.choose || (!options.x11 && !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"));
 }
 
 // Before Qt starts: windows in pixels of the screen, whatever scale the desktop sets for Qt's own
@@ -144,11 +175,11 @@ int main(int count, char** arguments) {
     showObstacle(*obstacle, ownName, arguments);
     return 1;
   }
-  if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY")) {
-    std::cerr << "tintora: in a Wayland session only the windows of X11 programs can be seen\n";
-  }
   prepareQt();
-  tintora::platform::setArguments(count, arguments);
+  std::vector<char*> given(arguments, arguments + count);
+  const PictureOptions options = takePictureOptions(given);
+  tintora::platform::setArguments(static_cast<int>(given.size()), given.data());
+  if (showsMirror(options)) tintora::platform::useMirror(options.choose);
   // The arguments are the program's, not Qt's.
   int ownName = 1;
   const QApplication application(ownName, arguments);

@@ -2,6 +2,7 @@
 
 #include <xcb/shm.h>
 
+#include <algorithm>
 #include <cstring>
 #include <span>
 
@@ -118,6 +119,18 @@ void releaseFrames(ViewFrames& frames) {
   release(frames.filtered);
   release(frames.packed);
   frames = {};
+}
+
+std::vector<QRect> inParts(const QRegion& region) {
+  constexpr int pixelsAtOnce = 128 * 1024;
+  std::vector<QRect> parts;
+  for (const QRect& rect : region) {
+    const int rows = std::max(1, pixelsAtOnce / rect.width());
+    for (int top = rect.top(); top <= rect.bottom(); top += rows) {
+      parts.emplace_back(rect.left(), top, rect.width(), std::min(rows, rect.bottom() + 1 - top));
+    }
+  }
+  return parts;
 }
 
 void beginReading(ViewFrames& frames) {

@@ -5,8 +5,10 @@
 #include <xcb/xcb.h>
 
 #include <QRect>
+#include <QRegion>
 #include <QSize>
 #include <cstddef>
+#include <vector>
 
 #include "platform/linux/shared_pixels.h"
 #include "platform/linux/x_server.h"
@@ -34,6 +36,10 @@ struct ViewFrames {
 void makeRoom(ViewFrames& frames, const QSize& size, PixelSharing sharing);
 
 void releaseFrames(ViewFrames& frames);
+
+// Cuts a region into parts that are small enough for the processor's caches: one is filtered while
+// the server is at work on the next.
+std::vector<QRect> inParts(const QRegion& region);
 
 // A part of the composed pixmap that was asked for.
 struct PixelRequest {

@@ -164,8 +164,8 @@ std::optional<std::string> connectToXServer() {
   const std::string display = displayName();
   if (display.empty()) {
     const bool wayland = qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
-    return wayland ? "Wayland does not let a program see other programs' windows; "
-                     "start it in an X11 session"
+    return wayland ? "its own windows need Xwayland, which this Wayland session does not have "
+                     "(DISPLAY is not set)"
                    : "there is no X11 display (DISPLAY is not set)";
   }
   int number = 0;

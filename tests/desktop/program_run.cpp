@@ -108,6 +108,7 @@ Launch ProgramTest::launch(const std::vector<std::string>& arguments) const {
                       {"DBUS_SESSION_BUS_ADDRESS", std::nullopt}},
       .output = folder() + "/output",
       .errors = errorsFile()};
+  for (const auto& [name, value] : variables_) launch.environment[name] = value;
   std::string libraries = preloaded_;
   if (const char* const library = std::getenv("TINTORA_PRELOAD")) {
     libraries += std::string(" ") + library;
@@ -134,15 +135,7 @@ void ProgramTest::start(const std::vector<std::string>& arguments) {
 }
 
 void ProgramTest::end() {
-  xcb_client_message_event_t event{};
-  event.response_type = XCB_CLIENT_MESSAGE;
-  event.format = 32;
-  event.window = main();
-  event.type = x().atom("WM_PROTOCOLS");
-  event.data.data32[0] = x().atom("WM_DELETE_WINDOW");
-  xcb_send_event(x().connection(), 0, main(), XCB_EVENT_MASK_NO_EVENT,
-                 reinterpret_cast<const char*>(&event));
-  x().sync();
+  x().close(main());
   expectNormalEnd();
 }
 

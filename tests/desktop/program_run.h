@@ -40,6 +40,10 @@ class ProgramTest : public testing::Test {
   void setBackground(std::uint32_t colour);
   // Has a library loaded before those of the program.
   void preload(const std::string& library) { preloaded_ = library; }
+  // Sets or removes variables for the program, over what a test's are.
+  void setVariables(const std::map<std::string, std::optional<std::string>>& variables) {
+    variables_ = variables;
+  }
   void storeValues(const StoredValues& values);
   StoredValues storedValues() const;
   std::string settingsFile() const { return configFolder() + "/tintora/settings.ini"; }
@@ -93,6 +97,7 @@ class ProgramTest : public testing::Test {
   std::unique_ptr<TemporaryFolder> folder_ = std::make_unique<TemporaryFolder>();
   std::shared_ptr<XDisplay> ownDisplay_;
   std::string preloaded_;
+  std::map<std::string, std::optional<std::string>> variables_;
   std::unique_ptr<XClient> client_;
   std::unique_ptr<Process> process_;
   std::unique_ptr<Scene> scene_;

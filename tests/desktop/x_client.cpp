@@ -146,6 +146,17 @@ void XClient::resize(xcb_window_t window, int width, int height) const {
   configure(window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, {u32(width), u32(height)});
 }
 
+void XClient::close(xcb_window_t window) const {
+  xcb_client_message_event_t event{};
+  event.response_type = XCB_CLIENT_MESSAGE;
+  event.format = 32;
+  event.window = window;
+  event.type = atom("WM_PROTOCOLS");
+  event.data.data32[0] = atom("WM_DELETE_WINDOW");
+  xcb_send_event(x_, 0, window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&event));
+  sync();
+}
+
 void XClient::restack(xcb_window_t window, xcb_stack_mode_t mode, xcb_window_t sibling) const {
   if (sibling == XCB_NONE) {
     configure(window, XCB_CONFIG_WINDOW_STACK_MODE, {mode});

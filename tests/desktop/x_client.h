@@ -54,6 +54,8 @@ class XClient {
                  const std::vector<std::uint32_t>& values) const;
   void move(xcb_window_t window, int x, int y) const;
   void resize(xcb_window_t window, int width, int height) const;
+  // Asks a window to close, as its button does.
+  void close(xcb_window_t window) const;
   // Puts a window right below or above another, or below or above all.
   void restack(xcb_window_t window, xcb_stack_mode_t mode, xcb_window_t sibling = XCB_NONE) const;
 

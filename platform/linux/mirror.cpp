@@ -1,0 +1,163 @@
+#include "platform/linux/mirror.h"
+
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QTimer>
+#include <iostream>
+#include <memory>
+#include <string_view>
+
+#include "platform/linux/handles.h"
+#include "platform/linux/mirror_picture.h"
+#include "platform/linux/mirror_texts.h"
+#include "platform/linux/pipewire_stream.h"
+#include "platform/linux/portal.h"
+#include "platform/linux/view_source.h"
+
+namespace tintora::platform {
+
+namespace {
+
+struct Mirror {
+  Window* parent = nullptr;
+  bool askAnew = false;
+  bool offersChoice = false;        // by a click or key in the view
+  std::unique_ptr<QTimer> silence;  // runs until the first frame comes
+};
+Mirror state;
+
+void choose(bool anew);
+
+// A terminal shows it, too.
+void tellTerminal(std::string_view text) {
+  std::cerr << "tintora: " << text.substr(0, text.find('\n')) << '\n';
+}
+
+// Shows a line instead of the picture, from which the user can go on.
+void offerChoice(const char* text) {
+  stopStream();
+  endPortalSession();
+  state.silence.reset();
+  state.offersChoice = true;
+  showText(text);
+  tellTerminal(text);
+}
+
+// Nothing can be shown on this desktop: says so in a window and ends the program.
+void giveUp(const char* text) {
+  stopStream();
+  endPortalSession();
+  state.silence.reset();
+  showText(text);
+  tellTerminal(text);
+  auto* const box = new QMessageBox(QMessageBox::Critical, "Tintora", QString::fromUtf8(text),
+                                    QMessageBox::Close);
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  box->winId();
+  box->windowHandle()->setTransientParent(state.parent->window.get());
+  QObject::connect(box, &QMessageBox::finished, [] { quit(1); });
+  box->open();
+}
+
+void onFrame(const StreamFrame& frame) {
+  state.silence.reset();
+  showFrame(frame);
+}
+
+void onStreamEnd(StreamEnd end) {
+  offerChoice(end == StreamEnd::PipeWire ? texts::pipeWireGone : texts::streamEnded);
+}
+
+void onGranted(int connection, std::uint32_t node) {
+  if (!startStream(connection, node, {&onFrame, &onStreamEnd})) return giveUp(texts::noPipeWire);
+  constexpr int milliseconds = 5000;
+  state.silence = std::make_unique<QTimer>();
+  state.silence->setSingleShot(true);
+  state.silence->callOnTimeout([] { showText(texts::noFrame); });
+  state.silence->start(milliseconds);
+}
+
+void onPortalEnd(PortalEnd end) {
+  switch (end) {
+    case PortalEnd::NoPortal:
+      return giveUp(texts::noPortal);
+    case PortalEnd::NoPipeWire:
+      return giveUp(texts::noPipeWire);
+    case PortalEnd::Cancelled:
+      return offerChoice(texts::cancelled);
+    case PortalEnd::Refused:
+      return offerChoice(texts::refused);
+    case PortalEnd::Closed:
+      return offerChoice(texts::closed);
+  }
+}
+
+void choose(bool anew) {
+  state.offersChoice = false;
+  showText(texts::choosing);
+  askPortal(state.parent->window->winId(), anew, {&onGranted, &onPortalEnd});
+}
+
+// Takes the clicks and keys that the view has asked for, before the program sees them.
+class ChoiceFilter : public QObject {
+ public:
+  using QObject::QObject;
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    if (!state.offersChoice || !isAnswer(*event)) return false;
+    if (event->type() == QEvent::MouseButtonRelease || event->type() == QEvent::KeyPress) {
+      choose(true);
+    }
+    return true;
+  }
+
+ private:
+  static bool isAnswer(const QEvent& event) {
+    switch (event.type()) {
+      case QEvent::MouseButtonPress:
+      case QEvent::MouseButtonRelease:
+        return static_cast<const QMouseEvent&>(event).button() == Qt::LeftButton;
+      case QEvent::KeyPress: {
+        const int key = static_cast<const QKeyEvent&>(event).key();
+        return key == Qt::Key_Return || key == Qt::Key_Enter;
+      }
+      default:
+        return false;
+    }
+  }
+};
+
+void start(Window* parent, xcb_window_t window) {
+  state.parent = parent;
+  startMirrorPicture(parent, window);
+  parent->window->installEventFilter(new ChoiceFilter(parent->window.get()));
+  showText(texts::choosing);
+  // When the main window is shown, so that the portal's dialog stands in front of it.
+  QTimer::singleShot(0, parent->window.get(), [] { choose(state.askAnew); });
+}
+
+void stop() {
+  stopStream();
+  endPortalSession();
+  state = {};
+  stopMirrorPicture();
+}
+
+}  // namespace
+
+const ViewSource mirror{.start = &start,
+                        .stop = &stop,
+                        .setSize = &setMirrorSize,
+                        .setOrigin = [](const QPoint& /*origin*/) {},
+                        .setFilter = &setMirrorFilter,
+                        .update = &updateMirror,
+                        .finish = &finishMirror,
+                        .copy = [](const QSize& /*clientArea*/) { return filteredPicture(); }};
+
+void useMirror(bool askAnew) {
+  viewSource = &mirror;
+  state.askAnew = askAnew;
+}
+
+}  // namespace tintora::platform

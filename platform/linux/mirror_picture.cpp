@@ -1,0 +1,267 @@
+#include "platform/linux/mirror_picture.h"
+
+#include <QAbstractEventDispatcher>
+#include <QFont>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QPalette>
+#include <QRegion>
+#include <QScreen>
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "platform/linux/handles.h"
+#include "platform/linux/screen_place.h"
+#include "platform/linux/smooth_scaling.h"
+#include "platform/linux/view_frames.h"
+#include "platform/linux/window_frame.h"
+#include "platform/linux/x_server.h"
+
+namespace tintora::platform {
+
+namespace {
+
+struct MirrorPicture {
+  Window* parent = nullptr;
+  xcb_window_t window = XCB_NONE;
+  QSize size;  // of the view
+  PixelFilter filter{};
+  ViewFrames frames;
+  QImage source;     // the last frame, blue first
+  QRect place;       // of the picture in the view
+  QString text;      // shown while there is no frame
+  QSize given;       // the client area that the main window was given for the source's size
+  QRegion toScale;   // parts of the view: to be scaled and filtered
+  QRegion toFilter;  // to be filtered only
+};
+MirrorPicture picture;
+
+QRect wholeView() {
+  return {QPoint(), picture.size};
+}
+
+bool isScaled() {
+  return picture.place.size() != picture.source.size();
+}
+
+// Only full screen makes a picture larger than it is.
+QRect placeInView() {
+  const QSize source = picture.source.size();
+  const bool fits = source.boundedTo(picture.size) == source;
+  const bool fills = picture.parent->form == WindowForm::FullScreen;
+  const QSize size = fits && !fills ? source
+                                    : source.scaled(picture.size, Qt::KeepAspectRatio)
+                                          .expandedTo(QSize(1, 1))
+                                          .boundedTo(picture.size);
+  return {QPoint((picture.size.width() - size.width()) / 2,
+                 (picture.size.height() - size.height()) / 2),
+          size};
+}
+
+void layOut() {
+  if (picture.size.isEmpty()) return;
+  if (!picture.source.isNull()) picture.place = placeInView();
+  picture.toScale = wholeView();
+}
+
+void fitMainWindow() {
+  Window* const window = picture.parent;
+  if (isMaximised(window)) return;
+  const QSize frame = outerBounds(window).size() - window->window->size();
+  // A user who has sized the window wants that size.
+  const QSize client = boundsAskedFor(window).size() - frame;
+  if (!picture.given.isEmpty() && client != picture.given) return;
+  const QRect room = window->window->screen()->availableGeometry();
+  const QSize most = room.size() - frame;
+  constexpr QSize least(200, 100);  // so that there is a title to hold the window by
+  const QSize source = picture.source.size();
+  const QSize fitting = source.boundedTo(most) == source ? source.expandedTo(least)
+                                                         : source.scaled(most, Qt::KeepAspectRatio);
+  QRect outer(boundsAskedFor(window).topLeft(), fitting + frame);
+  outer.moveRight(std::min(outer.right(), room.right()));
+  outer.moveBottom(std::min(outer.bottom(), room.bottom()));
+  outer.moveLeft(std::max(outer.left(), room.left()));
+  outer.moveTop(std::max(outer.top(), room.top()));
+  picture.given = fitting;
+  setWindowBounds(window, fromRoot(outer));
+}
+
+void copyRow(const std::uint8_t* from, std::uint8_t* to, int pixels, bool redFirst) {
+  if (!redFirst) {
+    std::memcpy(to, from, std::size_t{4} * static_cast<std::size_t>(pixels));
+    return;
+  }
+  for (std::ptrdiff_t i = 0; i < std::ptrdiff_t{4} * pixels; i += 4) {
+    to[i] = from[i + 2];
+    to[i + 1] = from[i + 1];
+    to[i + 2] = from[i];
+    to[i + 3] = from[i + 3];
+  }
+}
+
+void copyPart(const StreamFrame& frame, const QRect& part) {
+  QImage& source = picture.source;
+  for (int y = part.top(); y <= part.bottom(); ++y) {
+    copyRow(frame.pixels + y * frame.stride + 4L * part.left(),
+            source.scanLine(y) + 4L * part.left(), part.width(), frame.redFirst);
+  }
+}
+
+// Many small parts are one part around them.
+QRegion simplified(const QRegion& region) {
+  constexpr int most = 16;
+  return region.rectCount() > most ? QRegion(region.boundingRect()) : region;
+}
+
+// Takes events until there are none. Returns true if any was an exposure.
+bool noteExposures(xcb_generic_event_t* (*poll)(xcb_connection_t*)) {
+  bool any = false;
+  while (const Received<xcb_generic_event_t> event{poll(x())}) {
+    if ((event->response_type & 0x7F) != XCB_EXPOSE) continue;
+    const auto& exposed = reinterpret_cast<const xcb_expose_event_t&>(*event);
+    picture.toFilter += QRect(exposed.x, exposed.y, exposed.width, exposed.height);
+    any = true;
+  }
+  return any;
+}
+
+void clearPart(const QRect& part) {
+  const ViewFrames& frames = picture.frames;
+  for (int y = part.top(); y <= part.bottom(); ++y) {
+    std::memset(frames.filtered.bytes + frames.offset({part.left(), y}), 0,
+                std::size_t{4} * static_cast<std::size_t>(part.width()));
+  }
+}
+
+void scalePart(const QRect& part) {
+  const QImage& source = std::as_const(picture.source);
+  const ViewFrames& frames = picture.frames;
+  scaleByArea({source.constBits(), source.bytesPerLine(), source.size()}, picture.place.size(),
+              part.translated(-picture.place.topLeft()),
+              frames.unfiltered.bytes + frames.offset(part.topLeft()), frames.stride());
+}
+
+// A picture at its own size is filtered from where it is.
+void filterPart(const QRect& part) {
+  const QImage& source = std::as_const(picture.source);
+  const ViewFrames& frames = picture.frames;
+  const QPoint inPicture = part.topLeft() - picture.place.topLeft();
+  const std::uint8_t* const from =
+      isScaled() ? frames.unfiltered.bytes + frames.offset(part.topLeft())
+                 : source.constBits() + inPicture.y() * source.bytesPerLine() + 4L * inPicture.x();
+  filterRows(picture.filter, from, isScaled() ? frames.stride() : source.bytesPerLine(),
+             frames.filtered.bytes + frames.offset(part.topLeft()), frames.stride(),
+             static_cast<std::size_t>(part.width()), static_cast<std::size_t>(part.height()));
+}
+
+void drawText() {
+  const ViewFrames& frames = picture.frames;
+  QImage image(frames.filtered.bytes, picture.size.width(), picture.size.height(),
+               static_cast<qsizetype>(frames.stride()), QImage::Format_RGB32);
+  const QPalette colours = QGuiApplication::palette();
+  image.fill(colours.color(QPalette::Window));
+  QPainter painter(&image);
+  painter.setPen(colours.color(QPalette::WindowText));
+  painter.setFont(QGuiApplication::font());
+  constexpr int margin = 12;
+  painter.drawText(wholeView().adjusted(margin, margin, -margin, -margin),
+                   Qt::AlignCenter | Qt::TextWordWrap, picture.text);
+}
+
+void show(const QRegion& region) {
+  for (const QRect& part : inParts(region))
+    showFiltered(picture.frames, picture.window, part, part.topLeft());
+}
+
+void drawPicture(const QRegion& toScale, const QRegion& toFilter) {
+  for (const QRect& part : toScale - picture.place) clearPart(part);
+  if (isScaled()) {
+    for (const QRect& part : toScale& picture.place) scalePart(part);
+  }
+  for (const QRect& part : inParts((toScale + toFilter) & picture.place)) filterPart(part);
+}
+
+}  // namespace
+
+void startMirrorPicture(Window* parent, xcb_window_t window) {
+  picture.parent = parent;
+  picture.window = window;
+}
+
+void stopMirrorPicture() {
+  releaseFrames(picture.frames);
+  xcb_destroy_window(x(), picture.window);
+  picture = {};
+}
+
+void setMirrorSize(const QSize& size) {
+  const bool sameForm = picture.source.isNull() || size.isEmpty() || placeInView() == picture.place;
+  if (size == picture.size && sameForm) return;
+  picture.size = size;
+  if (size.isEmpty()) return;
+  makeRoom(picture.frames, size, xServer.sharing);
+  layOut();
+}
+
+void setMirrorFilter(const PixelFilter& filter) {
+  picture.filter = filter;
+  picture.toFilter = wholeView();
+}
+
+void showFrame(const StreamFrame& frame) {
+  if (picture.source.size() != frame.size) {
+    picture.source = QImage(frame.size, QImage::Format_RGB32);
+    fitMainWindow();
+    layOut();
+  }
+  for (const QRect& part : frame.changed) copyPart(frame, part);
+  if (picture.size.isEmpty()) return;
+  for (const QRect& part : simplified(frame.changed)) {
+    picture.toScale +=
+        scaledPart(part, frame.size, picture.place.size()).translated(picture.place.topLeft());
+  }
+}
+
+void showText(std::string_view text) {
+  picture.source = QImage();
+  picture.text = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+  picture.toScale = wholeView();
+}
+
+void updateMirror() {
+  if (picture.window == XCB_NONE) return;
+  noteExposures(&xcb_poll_for_event);
+  if (picture.size.isEmpty()) return;
+  const QRegion toScale = std::exchange(picture.toScale, {}) & wholeView();
+  const QRegion toFilter = std::exchange(picture.toFilter, {}) & wholeView();
+  if (toScale.isEmpty() && toFilter.isEmpty()) return;
+  // The server may still be at work on the pixels that were shown before.
+  waitForXServer();
+  if (picture.source.isNull()) {
+    drawText();
+  } else {
+    drawPicture(toScale, toFilter);
+  }
+  show(toScale + toFilter);
+  xcb_flush(x());
+  // What came with the answer waits in no socket: it would not wake the loop.
+  if (noteExposures(&xcb_poll_for_queued_event)) QAbstractEventDispatcher::instance()->wakeUp();
+}
+
+void finishMirror() {
+  updateMirror();
+  waitForXServer();
+}
+
+QImage filteredPicture() {
+  const QImage& source = std::as_const(picture.source);
+  if (source.isNull()) return {};
+  QImage filtered(source.size(), QImage::Format_RGB32);
+  filterRows(picture.filter, source.constBits(), source.bytesPerLine(), filtered.bits(),
+             filtered.bytesPerLine(), static_cast<std::size_t>(source.width()),
+             static_cast<std::size_t>(source.height()));
+  return filtered;
+}
+
+}  // namespace tintora::platform

@@ -1,0 +1,44 @@
+// The mirror's picture: the source's last frame, fitted into the view and filtered, or a text in
+// its place.
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <QImage>
+#include <QSize>
+#include <string_view>
+
+#include "engine/pixel_filter.h"
+#include "platform/linux/pipewire_stream.h"
+#include "platform/window.h"
+
+namespace tintora::platform {
+
+// Starts to show the picture in a window of the X server, a child of the main window.
+void startMirrorPicture(Window* parent, xcb_window_t window);
+
+// Releases everything and destroys the window.
+void stopMirrorPicture();
+
+void setMirrorSize(const QSize& size);
+
+// Shows the last frame through another filter.
+void setMirrorFilter(const PixelFilter& filter);
+
+// Shows a frame. At the first one, and when the frames' size changes, the main window takes that
+// size as far as the screen allows, unless its user has chosen another.
+void showFrame(const StreamFrame& frame);
+
+// Shows a text instead, in the desktop's colours. The frames before are forgotten.
+void showText(std::string_view text);
+
+// Draws what has changed: once for each turn of the event loop.
+void updateMirror();
+
+// Draws what has changed, and returns when the server shows it.
+void finishMirror();
+
+// Returns the last frame, filtered, at its own size; null if there is none.
+QImage filteredPicture();
+
+}  // namespace tintora::platform

@@ -1,0 +1,268 @@
+#include "platform/linux/pipewire_stream.h"
+
+#include <pipewire/pipewire.h>
+#include <spa/param/video/format-utils.h>
+#include <unistd.h>
+
+#include <QRect>
+#include <QSocketNotifier>
+#include <QTimer>
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <memory>
+#include <optional>
+
+#include "platform/linux/stream_parameters.h"
+
+namespace tintora::platform {
+
+namespace {
+
+struct Stream {
+  StreamEvents events{};
+  std::uint32_t node = 0;
+  pw_loop* loop = nullptr;
+  pw_context* context = nullptr;
+  pw_core* core = nullptr;
+  pw_registry* registry = nullptr;
+  pw_stream* stream = nullptr;
+  spa_hook coreHook{};
+  spa_hook registryHook{};
+  spa_hook streamHook{};
+  std::unique_ptr<QSocketNotifier> notifier;
+  bool connected = false;
+  bool ending = false;
+  FrameFormat format;
+  QRect crop;       // of the last frame
+  QRegion changed;  // in frames that were not passed on
+};
+Stream stream;
+
+QRect frameArea() {
+  return {QPoint(), stream.format.size};
+}
+
+// Not at once: PipeWire is still at work on what tells of the end.
+void endLater(StreamEnd end) {
+  if (stream.ending) return;
+  stream.ending = true;
+  QTimer::singleShot(0, stream.notifier.get(), [end] {
+    const auto ended = stream.events.ended;
+    stopStream();
+    ended(end);
+  });
+}
+
+QRect areaOf(const spa_meta_region& meta) {
+  const auto& [position, size] = meta.region;
+  const auto bounded = [](std::uint32_t length) {
+    return static_cast<int>(std::min(length, largestFrame));
+  };
+  if (position.x < 0 || position.y < 0) return {};
+  return QRect(position.x, position.y, bounded(size.width), bounded(size.height)) & frameArea();
+}
+
+// Returns the part of the frame that is the picture: for a window, less than the frame.
+QRect cropOf(const spa_buffer& buffer) {
+  const auto* const meta = static_cast<const spa_meta_region*>(
+      spa_buffer_find_meta_data(&buffer, SPA_META_VideoCrop, sizeof(spa_meta_region)));
+  const QRect crop = meta == nullptr ? QRect() : areaOf(*meta);
+  return crop.isEmpty() ? frameArea() : crop;
+}
+
+// Returns where the frame differs from the one before. A source that says nothing may have drawn
+// anywhere.
+QRegion damageOf(const spa_buffer& buffer) {
+  const spa_meta* const meta = spa_buffer_find_meta(&buffer, SPA_META_VideoDamage);
+  if (meta == nullptr) return frameArea();
+  QRegion damage;
+  const auto* const regions = static_cast<const spa_meta_region*>(meta->data);
+  const std::size_t count = meta->size / sizeof(spa_meta_region);
+  for (std::size_t i = 0; i < count && spa_meta_region_is_valid(&regions[i]); ++i) {
+    damage += areaOf(regions[i]);
+  }
+  return damage.isEmpty() ? frameArea() : damage;
+}
+
+// Returns the bytes from one row to the next if all rows lie within the memory.
+std::optional<std::ptrdiff_t> strideOf(const spa_data& data) {
+  const auto rowBytes = std::int64_t{4} * stream.format.size.width();
+  const std::int64_t stride = data.chunk->stride != 0 ? data.chunk->stride : rowBytes;
+  const std::int64_t first = data.chunk->offset;
+  const std::int64_t last = first + stride * (stream.format.size.height() - 1);
+  const bool fits = std::min(first, last) >= 0 && std::max(first, last) + rowBytes <= data.maxsize;
+  if (!fits) return std::nullopt;
+  return stride;
+}
+
+bool isMarkedCorrupted(const spa_buffer& buffer) {
+  const auto* const header = static_cast<const spa_meta_header*>(
+      spa_buffer_find_meta_data(&buffer, SPA_META_Header, sizeof(spa_meta_header)));
+  return header != nullptr && (header->flags & SPA_META_HEADER_FLAG_CORRUPTED) != 0;
+}
+
+// Some sources send buffers without pixels, for instance when only the pointer has moved.
+bool hasPixels(const spa_buffer& buffer) {
+  if (buffer.n_datas == 0 || stream.format.size.isEmpty()) return false;
+  const spa_data& data = buffer.datas[0];
+  constexpr auto corrupted = static_cast<std::int32_t>(SPA_CHUNK_FLAG_CORRUPTED);
+  return data.data != nullptr && data.chunk->size != 0 && (data.chunk->flags & corrupted) == 0 &&
+         !isMarkedCorrupted(buffer) && strideOf(data).has_value();
+}
+
+void passOn(const spa_buffer& buffer) {
+  const spa_data& data = buffer.datas[0];
+  const QRect crop = cropOf(buffer);
+  if (crop != stream.crop) stream.changed = crop;
+  stream.crop = crop;
+  const std::ptrdiff_t stride = *strideOf(data);
+  const StreamFrame frame{.pixels = static_cast<const std::uint8_t*>(data.data) +
+                                    data.chunk->offset + crop.y() * stride + 4L * crop.x(),
+                          .stride = stride,
+                          .size = crop.size(),
+                          .redFirst = stream.format.redFirst,
+                          .changed = (stream.changed & crop).translated(-crop.topLeft())};
+  stream.changed = QRegion();
+  if (!frame.changed.isEmpty()) stream.events.frame(frame);
+}
+
+// Of the frames that wait, only the newest is shown, with the changes of all.
+void onProcess(void* /*data*/) {
+  pw_buffer* newest = nullptr;
+  while (pw_buffer* const next = pw_stream_dequeue_buffer(stream.stream)) {
+    pw_buffer* done = next;
+    if (hasPixels(*next->buffer)) {
+      stream.changed += damageOf(*next->buffer);
+      std::swap(done, newest);
+    }
+    if (done != nullptr) pw_stream_queue_buffer(stream.stream, done);
+  }
+  if (newest == nullptr) return;
+  passOn(*newest->buffer);
+  pw_stream_queue_buffer(stream.stream, newest);
+}
+
+void onParameterChanged(void* /*data*/, std::uint32_t id, const spa_pod* parameter) {
+  if (id != SPA_PARAM_Format) return;
+  stream.format = {};
+  stream.crop = QRect();
+  stream.changed = QRegion();
+  if (parameter == nullptr) return;
+  const std::optional<FrameFormat> format = readFormat(*parameter);
+  if (!format) return;
+  stream.format = *format;
+  acceptBuffers(stream.stream);
+}
+
+void onStateChanged(void* /*data*/, pw_stream_state /*before*/, pw_stream_state now,
+                    const char* /*error*/) {
+  if (now == PW_STREAM_STATE_ERROR) endLater(StreamEnd::Source);
+  if (now == PW_STREAM_STATE_UNCONNECTED && stream.connected) endLater(StreamEnd::Source);
+  if (now != PW_STREAM_STATE_UNCONNECTED) stream.connected = true;
+}
+
+void onCoreError(void* /*data*/, std::uint32_t id, int /*sequence*/, int result,
+                 const char* /*message*/) {
+  if (id == PW_ID_CORE && result == -EPIPE) endLater(StreamEnd::PipeWire);
+}
+
+void onGlobalRemoved(void* /*data*/, std::uint32_t id) {
+  if (id == stream.node) endLater(StreamEnd::Source);
+}
+
+const pw_stream_events streamEvents = [] {
+  pw_stream_events events{};
+  events.version = PW_VERSION_STREAM_EVENTS;
+  events.state_changed = &onStateChanged;
+  events.param_changed = &onParameterChanged;
+  events.process = &onProcess;
+  return events;
+}();
+
+const pw_core_events coreEvents = [] {
+  pw_core_events events{};
+  events.version = PW_VERSION_CORE_EVENTS;
+  events.error = &onCoreError;
+  return events;
+}();
+
+const pw_registry_events registryEvents = [] {
+  pw_registry_events events{};
+  events.version = PW_VERSION_REGISTRY_EVENTS;
+  events.global_remove = &onGlobalRemoved;
+  return events;
+}();
+
+// All objects of PipeWire's server are proxies here.
+template <typename Object>
+pw_proxy* proxy(Object* object) {
+  return reinterpret_cast<pw_proxy*>(object);
+}
+
+bool connectTo(int connection) {
+  stream.loop = pw_loop_new(nullptr);
+  if (stream.loop != nullptr) stream.context = pw_context_new(stream.loop, nullptr, 0);
+  if (stream.context == nullptr) {
+    close(connection);
+    return false;
+  }
+  // Takes the descriptor, whether it succeeds or not.
+  stream.core = pw_context_connect_fd(stream.context, connection, nullptr, 0);
+  return stream.core != nullptr;
+}
+
+// Without reconnecting, since the session manager would choose another source, even a camera.
+bool createStream() {
+  pw_properties* const properties = pw_properties_new(
+      PW_KEY_MEDIA_TYPE, "Video", PW_KEY_MEDIA_CATEGORY, "Capture", PW_KEY_MEDIA_ROLE, "Screen",
+      PW_KEY_NODE_NAME, "tintora", PW_KEY_NODE_DONT_RECONNECT, "true", nullptr);
+  stream.stream = pw_stream_new(stream.core, "tintora", properties);
+  if (stream.stream == nullptr) return false;
+  pw_stream_add_listener(stream.stream, &stream.streamHook, &streamEvents, nullptr);
+  return connectStream(stream.stream, stream.node);
+}
+
+void joinEventLoop() {
+  pw_loop_enter(stream.loop);
+  stream.notifier =
+      std::make_unique<QSocketNotifier>(pw_loop_get_fd(stream.loop), QSocketNotifier::Read);
+  QObject::connect(stream.notifier.get(), &QSocketNotifier::activated,
+                   [] { pw_loop_iterate(stream.loop, 0); });
+}
+
+}  // namespace
+
+bool startStream(int connection, std::uint32_t node, const StreamEvents& events) {
+  stopStream();
+  pw_init(nullptr, nullptr);
+  stream.events = events;
+  stream.node = node;
+  if (!connectTo(connection)) {
+    stopStream();
+    return false;
+  }
+  joinEventLoop();
+  pw_proxy_add_object_listener(proxy(stream.core), &stream.coreHook, &coreEvents, nullptr);
+  stream.registry = pw_core_get_registry(stream.core, PW_VERSION_REGISTRY, 0);
+  pw_proxy_add_object_listener(proxy(stream.registry), &stream.registryHook, &registryEvents,
+                               nullptr);
+  if (createStream()) return true;
+  stopStream();
+  return false;
+}
+
+void stopStream() {
+  const bool entered = stream.notifier != nullptr;
+  stream.notifier.reset();
+  stream.ending = true;
+  if (stream.stream != nullptr) pw_stream_destroy(stream.stream);
+  if (stream.registry != nullptr) pw_proxy_destroy(proxy(stream.registry));
+  if (stream.core != nullptr) pw_core_disconnect(stream.core);
+  if (stream.context != nullptr) pw_context_destroy(stream.context);
+  if (entered) pw_loop_leave(stream.loop);
+  if (stream.loop != nullptr) pw_loop_destroy(stream.loop);
+  stream = {};
+}
+
+}  // namespace tintora::platform

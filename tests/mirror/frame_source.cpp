@@ -1,0 +1,279 @@
+// tintora_frame_source COMMANDS: a PipeWire stream of known frames, driven by lines that come
+// through a named pipe. Prints the number of its node.
+//   format NAME WIDTH HEIGHT OFFSET PADDING CROP_X CROP_Y CROP_WIDTH CROP_HEIGHT
+//                                  the first two lengths need another format or size
+//   frame SEED                     another picture
+//   part X Y WIDTH HEIGHT SEED     another picture, of which only a part is said to have changed
+//   solid PIXEL                    a picture of one colour
+//   empty                          a buffer without pixels
+//   broken                         a buffer whose rows lie outside its memory
+#include <fcntl.h>
+#include <pipewire/pipewire.h>
+#include <spa/param/video/format-utils.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <deque>
+#include <map>
+#include <sstream>
+#include <string>
+#include <tuple>
+
+#include "../desktop/picture.h"
+
+namespace {
+
+using tintora::desktop_test::Area;
+using tintora::desktop_test::noise;
+using tintora::desktop_test::Picture;
+using tintora::desktop_test::solid;
+
+const std::map<std::string, spa_video_format> formats{{"BGRx", SPA_VIDEO_FORMAT_BGRx},
+                                                      {"BGRA", SPA_VIDEO_FORMAT_BGRA},
+                                                      {"RGBx", SPA_VIDEO_FORMAT_RGBx},
+                                                      {"RGBA", SPA_VIDEO_FORMAT_RGBA}};
+
+struct Source {
+  pw_main_loop* loop = nullptr;
+  pw_stream* stream = nullptr;
+  std::string unread;             // of the commands
+  std::deque<std::string> waits;  // commands
+  bool agreed = false;            // on the format that the last command named
+  bool isFirst = true;            // the next frame, in its format
+  std::string first;              // it, until another command comes
+  std::uint64_t turns = 0;        // since it was last sent
+  std::string format = "BGRx";
+  int width = 64;
+  int height = 48;
+  int offset = 0;
+  int padding = 0;  // bytes at the end of each row
+  Area crop;
+};
+Source source;
+
+int stride() {
+  return 4 * source.width + source.padding;
+}
+
+struct Builder {
+  char memory[1024] = {};
+  spa_pod_builder pods{};
+  Builder() { spa_pod_builder_init(&pods, memory, sizeof memory); }
+};
+
+const spa_pod* offeredFormat(spa_pod_builder& builder) {
+  spa_pod_frame object{};
+  spa_pod_builder_push_object(&builder, &object, SPA_TYPE_OBJECT_Format, SPA_PARAM_EnumFormat);
+  spa_pod_builder_prop(&builder, SPA_FORMAT_mediaType, 0);
+  spa_pod_builder_id(&builder, SPA_MEDIA_TYPE_video);
+  spa_pod_builder_prop(&builder, SPA_FORMAT_mediaSubtype, 0);
+  spa_pod_builder_id(&builder, SPA_MEDIA_SUBTYPE_raw);
+  spa_pod_builder_prop(&builder, SPA_FORMAT_VIDEO_format, 0);
+  spa_pod_builder_id(&builder, formats.at(source.format));
+  spa_pod_builder_prop(&builder, SPA_FORMAT_VIDEO_size, 0);
+  spa_pod_builder_rectangle(&builder, static_cast<std::uint32_t>(source.width),
+                            static_cast<std::uint32_t>(source.height));
+  spa_pod_builder_prop(&builder, SPA_FORMAT_VIDEO_framerate, 0);
+  spa_pod_builder_fraction(&builder, 0, 1);
+  return static_cast<const spa_pod*>(spa_pod_builder_pop(&builder, &object));
+}
+
+const spa_pod* buffers(spa_pod_builder& builder) {
+  spa_pod_frame object{};
+  spa_pod_builder_push_object(&builder, &object, SPA_TYPE_OBJECT_ParamBuffers, SPA_PARAM_Buffers);
+  const auto number = [&](std::uint32_t key, int value) {
+    spa_pod_builder_prop(&builder, key, 0);
+    spa_pod_builder_int(&builder, value);
+  };
+  number(SPA_PARAM_BUFFERS_buffers, 4);
+  number(SPA_PARAM_BUFFERS_blocks, 1);
+  number(SPA_PARAM_BUFFERS_size, source.offset + stride() * source.height);
+  number(SPA_PARAM_BUFFERS_stride, stride());
+  number(SPA_PARAM_BUFFERS_dataType, 1 << SPA_DATA_MemFd);
+  return static_cast<const spa_pod*>(spa_pod_builder_pop(&builder, &object));
+}
+
+const spa_pod* fact(spa_pod_builder& builder, spa_meta_type type, std::size_t size) {
+  spa_pod_frame object{};
+  spa_pod_builder_push_object(&builder, &object, SPA_TYPE_OBJECT_ParamMeta, SPA_PARAM_Meta);
+  spa_pod_builder_prop(&builder, SPA_PARAM_META_type, 0);
+  spa_pod_builder_id(&builder, type);
+  spa_pod_builder_prop(&builder, SPA_PARAM_META_size, 0);
+  spa_pod_builder_int(&builder, static_cast<int>(size));
+  return static_cast<const spa_pod*>(spa_pod_builder_pop(&builder, &object));
+}
+
+void write(std::uint8_t* bytes, const Picture& picture) {
+  const bool redFirst = source.format.starts_with("RGB");
+  for (int y = 0; y < picture.height; ++y) {
+    std::uint8_t* to = bytes + y * stride();
+    for (int x = 0; x < picture.width; ++x, to += 4) {
+      const std::uint32_t pixel = picture.at(x, y);
+      to[redFirst ? 0 : 2] = static_cast<std::uint8_t>(pixel >> 16);
+      to[1] = static_cast<std::uint8_t>(pixel >> 8);
+      to[redFirst ? 2 : 0] = static_cast<std::uint8_t>(pixel);
+      to[3] = static_cast<std::uint8_t>(x * 7 + y);  // means nothing in any format
+    }
+  }
+}
+
+void set(spa_meta_region* region, const Area& area) {
+  if (region == nullptr) return;
+  region->region = {
+      {area.x, area.y},
+      {static_cast<std::uint32_t>(area.width), static_cast<std::uint32_t>(area.height)}};
+}
+
+enum class Kind { Whole, Empty, Broken };
+
+void send(pw_buffer* buffer, const Picture& picture, const Area& changed, Kind kind) {
+  spa_data& data = buffer->buffer->datas[0];
+  auto* const bytes = static_cast<std::uint8_t*>(data.data) + source.offset;
+  if (kind == Kind::Whole) write(bytes, picture);
+  data.chunk->flags = 0;
+  data.chunk->offset = static_cast<std::uint32_t>(source.offset);
+  data.chunk->stride = kind == Kind::Broken ? 4 * stride() : stride();
+  data.chunk->size = kind == Kind::Empty ? 0 : static_cast<std::uint32_t>(stride() * source.height);
+  const auto meta = [&](spa_meta_type type) {
+    return static_cast<spa_meta_region*>(
+        spa_buffer_find_meta_data(buffer->buffer, type, sizeof(spa_meta_region)));
+  };
+  set(meta(SPA_META_VideoCrop), source.crop);
+  spa_meta_region* const damage = meta(SPA_META_VideoDamage);
+  set(damage, changed);
+  if (damage != nullptr) set(damage + 1, {});
+  pw_stream_queue_buffer(source.stream, buffer);
+}
+
+void setFormat(std::istringstream& words) {
+  const auto agreed = std::tuple(source.format, source.width, source.height);
+  words >> source.format >> source.width >> source.height >> source.offset >> source.padding >>
+      source.crop.x >> source.crop.y >> source.crop.width >> source.crop.height;
+  if (agreed == std::tuple(source.format, source.width, source.height)) return;
+  Builder builder;
+  const spa_pod* parameters[] = {offeredFormat(builder.pods)};
+  source.agreed = false;
+  pw_stream_update_params(source.stream, parameters, 1);
+}
+
+void sendFrame(pw_buffer* buffer, const std::string& what, std::istringstream& words) {
+  const Area all{0, 0, source.width, source.height};
+  Area part = all;
+  std::uint32_t number = 0;
+  if (what == "part") words >> part.x >> part.y >> part.width >> part.height;
+  words >> number;
+  if (what == "empty") return send(buffer, {}, all, Kind::Empty);
+  if (what == "broken") return send(buffer, {}, all, Kind::Broken);
+  if (what == "solid") {
+    return send(buffer, solid(source.width, source.height, number), all, Kind::Whole);
+  }
+  send(buffer, noise(source.width, source.height, number), part, Kind::Whole);
+}
+
+// Returns false if the command has to wait: for a reader, its agreement, or a buffer.
+bool run(const std::string& line) {
+  std::istringstream words(line);
+  std::string what;
+  words >> what;
+  if (what == "format") {
+    setFormat(words);
+    return true;
+  }
+  const bool flows = pw_stream_get_state(source.stream, nullptr) == PW_STREAM_STATE_STREAMING;
+  if (!flows || !source.agreed) return false;
+  pw_buffer* const buffer = pw_stream_dequeue_buffer(source.stream);
+  if (buffer == nullptr) return false;
+  sendFrame(buffer, what, words);
+  return true;
+}
+
+// A frame may get lost while both sides agree on a new format. Desktops send more of them anyway;
+// so the first one is sent again until another command comes.
+void repeatFirst(std::uint64_t turns) {
+  constexpr std::uint64_t turnsBetween = 25;
+  source.turns += turns;
+  if (source.first.empty() || source.turns < turnsBetween) return;
+  source.turns = 0;
+  run(source.first);
+}
+
+void runWaiting(void* /*data*/, std::uint64_t turns) {
+  while (!source.waits.empty()) {
+    const std::string line = source.waits.front();
+    if (!run(line)) return;
+    source.waits.pop_front();
+    source.first = source.isFirst && !line.starts_with("format") ? line : "";
+    source.isFirst = line.starts_with("format");
+  }
+  repeatFirst(turns);
+}
+
+void onCommands(void* /*data*/, int descriptor, std::uint32_t /*mask*/) {
+  char text[512];
+  const ssize_t length = read(descriptor, text, sizeof text);
+  if (length > 0) source.unread.append(text, static_cast<std::size_t>(length));
+  for (std::size_t end = 0; (end = source.unread.find('\n')) != std::string::npos;) {
+    source.waits.push_back(source.unread.substr(0, end));
+    source.unread.erase(0, end + 1);
+  }
+}
+
+bool isWanted(const spa_pod& parameter) {
+  std::uint32_t type = 0;
+  std::uint32_t subtype = 0;
+  spa_video_info_raw info{};
+  return spa_format_parse(&parameter, &type, &subtype) >= 0 &&
+         spa_format_video_raw_parse(&parameter, &info) >= 0 &&
+         info.format == formats.at(source.format) &&
+         info.size.width == static_cast<std::uint32_t>(source.width) &&
+         info.size.height == static_cast<std::uint32_t>(source.height);
+}
+
+void onParameterChanged(void* /*data*/, std::uint32_t id, const spa_pod* parameter) {
+  if (id != SPA_PARAM_Format || parameter == nullptr) return;
+  source.agreed = isWanted(*parameter);
+  Builder builder;
+  const spa_pod* parameters[] = {
+      buffers(builder.pods), fact(builder.pods, SPA_META_VideoCrop, sizeof(spa_meta_region)),
+      fact(builder.pods, SPA_META_VideoDamage, 8 * sizeof(spa_meta_region))};
+  pw_stream_update_params(source.stream, parameters, 3);
+}
+
+void onStateChanged(void* /*data*/, pw_stream_state /*before*/, pw_stream_state now,
+                    const char* error) {
+  if (now == PW_STREAM_STATE_PAUSED && pw_stream_get_node_id(source.stream) != SPA_ID_INVALID) {
+    std::printf("node %u\n", pw_stream_get_node_id(source.stream));
+    std::fflush(stdout);
+  }
+  std::fprintf(stderr, "%s %s\n", pw_stream_state_as_string(now), error == nullptr ? "" : error);
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  if (count != 2) return 2;
+  pw_init(nullptr, nullptr);
+  source.loop = pw_main_loop_new(nullptr);
+  pw_loop* const loop = pw_main_loop_get_loop(source.loop);
+  pw_stream_events events{};
+  events.version = PW_VERSION_STREAM_EVENTS;
+  events.param_changed = &onParameterChanged;
+  events.state_changed = &onStateChanged;
+  source.stream = pw_stream_new_simple(
+      loop, "frames",
+      pw_properties_new(PW_KEY_MEDIA_CLASS, "Video/Source", PW_KEY_NODE_NAME, "frames", nullptr),
+      &events, nullptr);
+  Builder builder;
+  const spa_pod* parameters[] = {offeredFormat(builder.pods)};
+  pw_stream_connect(
+      source.stream, PW_DIRECTION_OUTPUT, PW_ID_ANY,
+      static_cast<pw_stream_flags>(PW_STREAM_FLAG_DRIVER | PW_STREAM_FLAG_MAP_BUFFERS), parameters,
+      1);
+  // For reading and writing, so that it does not end when the test closes its side.
+  const int commands = open(arguments[1], O_RDWR | O_CLOEXEC | O_NONBLOCK);
+  pw_loop_add_io(loop, commands, SPA_IO_IN, true, &onCommands, nullptr);
+  spa_source* const timer = pw_loop_add_timer(loop, &runWaiting, nullptr);
+  timespec interval{0, 4'000'000};
+  pw_loop_update_timer(loop, timer, &interval, &interval, false);
+  return pw_main_loop_run(source.loop);
+}

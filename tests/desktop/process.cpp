@@ -46,6 +46,12 @@ void redirect(const std::string& path, int descriptor) {
   _exit(notFound);
 }
 
+// What the system keeps of a process, from its state on, which stands behind its name.
+std::istringstream statisticsOf(pid_t process) {
+  const std::string text = readFile("/proc/" + std::to_string(process) + "/stat");
+  return std::istringstream(text.substr(text.rfind(')') + 1));
+}
+
 }  // namespace
 
 Process::Process(const Launch& launch) : id_(fork()) {
@@ -89,10 +95,14 @@ long Process::memory() const {
   return resident * (sysconf(_SC_PAGESIZE) / 1024);
 }
 
+bool Process::isWaiting() const {
+  std::string state;
+  statisticsOf(id_) >> state;
+  return state == "S";
+}
+
 double Process::processorSeconds() const {
-  const std::string text = readFile("/proc/" + std::to_string(id_) + "/stat");
-  // Behind the name, which may hold blanks.
-  std::istringstream fields(text.substr(text.rfind(')') + 1));
+  std::istringstream fields = statisticsOf(id_);
   constexpr int fieldsBefore = 11;
   std::string skipped;
   for (int i = 0; i < fieldsBefore; ++i) fields >> skipped;

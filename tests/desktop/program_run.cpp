@@ -218,8 +218,9 @@ std::vector<xcb_window_t> ProgramTest::openMenus() const {
   return findWindows(true);
 }
 
-// The program answers a window manager's question whether it lives when it has come that far;
-// twice, because the view is drawn at the end of a turn of its loop.
+// The program answers a window manager's question whether it lives when it has come that far. The
+// view is drawn and the mouse is heard at the end of that turn of its loop, so the turn has to end,
+// and the question is asked again.
 void ProgramTest::settle() {
   const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
   xcb_change_window_attributes(x().connection(), x().root(), XCB_CW_EVENT_MASK, &events);
@@ -247,6 +248,7 @@ void ProgramTest::settle() {
       return answered;
     })) << "The program does not answer. "
         << readFile(errorsFile());
+    ASSERT_TRUE(eventually([&] { return process().isWaiting(); }));
   }
 }
 

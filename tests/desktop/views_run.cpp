@@ -86,6 +86,15 @@ Picture ViewsTest::shown() {
   return picture;
 }
 
+testing::AssertionResult ViewsTest::comesToShow(const Picture& expected) {
+  testing::AssertionResult result = testing::AssertionFailure();
+  eventually([&] {
+    result = areSame(shown(), expected);
+    return static_cast<bool>(result);
+  });
+  return result;
+}
+
 void ViewsTest::moveInside(const Stop& stop) {
   const Area area = inside();
   x().moveMouse(area.x + stop.x, area.y + stop.y);

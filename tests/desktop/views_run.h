@@ -33,6 +33,8 @@ class ViewsTest : public ProgramTest {
   Area inside() const { return x().areaOf(colourSpace()); }
   // What the window shows once it has come to rest.
   Picture shown();
+  // Whether it comes to show a picture, to the last bit.
+  testing::AssertionResult comesToShow(const Picture& expected);
 
   // Presses a button in the window, moves the mouse through places of its inside and lets go.
   struct Stop {

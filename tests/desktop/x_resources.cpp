@@ -2,6 +2,12 @@
 
 #include <xcb/res.h>
 
+#include <chrono>
+#include <thread>
+#include <utility>
+
+#include "process.h"
+
 namespace tintora::desktop_test {
 
 namespace {
@@ -22,9 +28,7 @@ std::string nameOf(xcb_connection_t* x, xcb_atom_t atom) {
           static_cast<std::size_t>(xcb_get_atom_name_name_length(reply.get()))};
 }
 
-}  // namespace
-
-std::map<std::string, std::uint32_t> resourcesOf(const XClient& client, pid_t process) {
+std::map<std::string, std::uint32_t> resourcesNow(const XClient& client, pid_t process) {
   xcb_connection_t* const x = client.connection();
   std::map<std::string, std::uint32_t> counts;
   const Received<xcb_res_query_clients_reply_t> clients(
@@ -40,6 +44,23 @@ std::map<std::string, std::uint32_t> resourcesOf(const XClient& client, pid_t pr
       counts[nameOf(x, types[t].resource_type)] += types[t].count;
     }
   }
+  return counts;
+}
+
+}  // namespace
+
+std::map<std::string, std::uint32_t> resourcesOf(const XClient& client, pid_t process) {
+  constexpr int enough = 5;
+  constexpr std::chrono::milliseconds between{20};
+  auto counts = resourcesNow(client, process);
+  int same = 0;
+  eventually([&] {
+    std::this_thread::sleep_for(between);
+    auto next = resourcesNow(client, process);
+    same = next == counts ? same + 1 : 0;
+    counts = std::move(next);
+    return same == enough;
+  });
   return counts;
 }
 

@@ -11,7 +11,8 @@
 
 namespace tintora::desktop_test {
 
-// How many of each kind, over all its connections.
+// How many of each kind, over all its connections, once the numbers stay the same: while the
+// process works, it has some for a moment only.
 std::map<std::string, std::uint32_t> resourcesOf(const XClient& client, pid_t process);
 
 }  // namespace tintora::desktop_test

@@ -20,7 +20,7 @@ quick_test_packages=(libgtest-dev)
 test_packages=(python3 clang clang-format libclang-rt-14-dev
   g++-mingw-w64-x86-64-posix wine wine64 fonts-wine libxcomposite1 locales
   g++-aarch64-linux-gnu qemu-user googletest
-  pipewire pipewire-bin libpipewire-0.3-modules wireplumber
+  pipewire pipewire-bin libpipewire-0.3-modules wireplumber mutter xwayland foot
   picom xcompmgr dbus-daemon fluxbox i3-wm icewm twm xfwm4
   libxcb-res0-dev libxcb-xtest0-dev chromium
   fish groff-base mandoc zsh appstream desktop-file-utils)

@@ -1,6 +1,6 @@
 #include "platform/linux/mirror.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QMouseEvent>
@@ -45,18 +45,17 @@ void offerChoice(const char* text) {
   tellTerminal(text);
 }
 
-// Nothing can be shown on this desktop: says so in a window and ends the program.
+// Nothing can be shown on this desktop: says so in a window instead of the program's own, which
+// might hide it, and ends the program.
 void giveUp(const char* text) {
   stopStream();
   endPortalSession();
   state.silence.reset();
-  showText(text);
   tellTerminal(text);
+  for (QWindow* const window : QGuiApplication::topLevelWindows()) window->setVisible(false);
   auto* const box = new QMessageBox(QMessageBox::Critical, "Tintora", QString::fromUtf8(text),
                                     QMessageBox::Close);
   box->setAttribute(Qt::WA_DeleteOnClose);
-  box->winId();
-  box->windowHandle()->setTransientParent(state.parent->window.get());
   QObject::connect(box, &QMessageBox::finished, [] { quit(1); });
   box->open();
 }

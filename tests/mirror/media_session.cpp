@@ -16,7 +16,7 @@ using desktop_test::eventually;
 using desktop_test::readFile;
 using desktop_test::writeFile;
 
-constexpr std::chrono::seconds most{60};
+constexpr std::chrono::seconds most{120};
 constexpr unsigned int nobody = 65534;
 constexpr const char* waylandName = "wayland-tests";
 

@@ -15,7 +15,7 @@ using desktop_test::eventually;
 using desktop_test::Picture;
 
 // Generous, since a new stream passes through several processes.
-inline constexpr std::chrono::seconds most{60};
+inline constexpr std::chrono::seconds most{120};
 
 // What a picture becomes when it is scaled: the mean of what each pixel covers.
 Picture scaledByArea(const Picture& picture, int width, int height);

@@ -19,9 +19,12 @@
 #include <QDBusMetaType>
 #include <QDBusUnixFileDescriptor>
 #include <QDBusVirtualObject>
+#include <QDebug>
 #include <QFile>
 #include <QSet>
 #include <QSocketNotifier>
+#include <QTimer>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 
@@ -77,7 +80,7 @@ class Portal : public QDBusVirtualObject {
  public:
   explicit Portal(QString behaviour) : behaviour_(std::move(behaviour)) {
     const QString what = value("record");
-    if (!what.isEmpty()) askMutter(what);
+    if (!what.isEmpty()) record(what);
   }
 
   QString introspect(const QString& /*path*/) const override { return {}; }
@@ -207,11 +210,12 @@ class Portal : public QDBusVirtualObject {
     QDBusMessage call = QDBusMessage::createMethodCall(mutter, path, interface, method);
     call.setArguments(arguments);
     const QDBusMessage answer = bus().call(call);
-    if (answer.type() == QDBusMessage::ErrorMessage) print("mutter: " + answer.errorMessage());
+    if (answer.type() == QDBusMessage::ErrorMessage) qWarning() << answer.errorMessage();
     return answer.arguments().value(0).value<QDBusObjectPath>().path();
   }
 
-  void askMutter(const QString& what) {
+  // Again until there is a window that has the focus.
+  void record(const QString& what) {
     const QString session =
         pathFrom("/org/gnome/Mutter/ScreenCast", mutter, "CreateSession", {QVariantMap{}});
     const QString interface = mutter + ".Session";
@@ -220,6 +224,10 @@ class Portal : public QDBusVirtualObject {
     const QString stream = what == "monitor"
                                ? pathFrom(session, interface, "RecordMonitor", {QString(), options})
                                : pathFrom(session, interface, "RecordWindow", {options});
+    if (stream.isEmpty()) {
+      QTimer::singleShot(std::chrono::milliseconds(100), this, [this, what] { record(what); });
+      return;
+    }
     bus().connect(mutter, stream, mutter + ".Stream", "PipeWireStreamAdded", this,
                   SLOT(onStreamAdded(uint)));
     bus().connect(mutter, session, interface, "Closed", this, SLOT(onMutterClosed()));

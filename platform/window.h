@@ -30,12 +30,6 @@ constexpr bool isDrawnByLoop(WindowKind kind) {
   return kind == WindowKind::ColourSpace;
 }
 
-// Returns true if the program wants to be told when the desktop moves the window, and not only when
-// the user does.
-constexpr bool hearsMovesByDesktop(WindowKind kind) {
-  return kind == WindowKind::Main;
-}
-
 // The forms of the main window.
 enum class WindowForm { Framed, Frameless, FramedMaximised, FramelessMaximised, FullScreen };
 

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "platform/linux/handles.h"
@@ -119,6 +120,7 @@ bool handOverMouse(EventKind kind, Window* window, const QMouseEvent& mouse) {
 bool onMouse(Window* window, const QMouseEvent& mouse) {
   const bool down = mouse.type() != QEvent::MouseButtonRelease;
   if (mouse.button() == Qt::LeftButton) {
+    window->leftHeld = down;
     return handOverMouse(down ? EventKind::LeftDown : EventKind::LeftUp, window, mouse);
   }
   if (mouse.button() == Qt::RightButton) {
@@ -127,7 +129,14 @@ bool onMouse(Window* window, const QMouseEvent& mouse) {
   return false;
 }
 
+// The release was for another window, such as a menu that had opened meanwhile.
+void noteMouseLost(Window* window) {
+  if (!std::exchange(window->leftHeld, false)) return;
+  handOver({.kind = EventKind::MouseLost, .window = window});
+}
+
 bool onMouseMoved(Window* window, const QMouseEvent& mouse) {
+  if (!mouse.buttons().testFlag(Qt::LeftButton)) noteMouseLost(window);
   if (mouse.buttons() == Qt::NoButton && !hearsEveryMouseMove(window->kind)) return true;
   // X sends the moves of a held button from outside the window, too. They do not turn the cube.
   const QRect client(QPoint(), window->window->size());
@@ -154,11 +163,8 @@ bool onSized(Window* window) {
 bool onMoved(Window* window) {
   const Mover mover = moverOf(window);
   if (window->kind == WindowKind::Main && mover != Mover::Program) noteMainMoved();
-  const bool told =
-      mover == Mover::User || (mover == Mover::WindowManager && hearsMovesByDesktop(window->kind));
-  if (told) return handOver({.kind = EventKind::Moving, .window = window});
-  takeTurn();
-  return false;
+  if (mover == Mover::User) handOver({.kind = EventKind::Moving, .window = window});
+  return handOver({.kind = EventKind::Moved, .window = window});
 }
 
 bool onExposed(Window* window) {
@@ -180,8 +186,9 @@ bool onClosing(Window* window, QCloseEvent& close) {
 }
 
 bool onDragged(const Window* window, QDropEvent& drag) {
-  if (!window->acceptsFiles || !drag.mimeData()->hasUrls()) return false;
   // As a copy: after a move, the source would delete the file.
+  const bool copies = drag.possibleActions().testFlag(Qt::CopyAction);
+  if (!window->acceptsFiles || !drag.mimeData()->hasUrls() || !copies) return false;
   drag.setDropAction(Qt::CopyAction);
   drag.accept();
   return true;
@@ -210,6 +217,9 @@ bool translate(Window* window, QEvent& event) {
       return onSized(window);
     case QEvent::Move:
       return onMoved(window);
+    case QEvent::Hide:
+      noteMouseLost(window);
+      return false;
     case QEvent::Expose:
       return onExposed(window);
     case QEvent::UpdateRequest:
@@ -255,6 +265,13 @@ Window* windowOf(xcb_window_t id) {
   const auto found = std::ranges::find_if(
       translated, [id](const Window* window) { return window->window->winId() == id; });
   return found == translated.end() ? nullptr : *found;
+}
+
+void tellSessionEnds() {
+  if (eventHandler == nullptr) return;
+  for (Window* const window : translated) {
+    eventHandler({.kind = EventKind::SessionEnding, .window = window});
+  }
 }
 
 bool handOver(const Event& event) {

@@ -13,6 +13,10 @@ void setEventHandler(EventHandler handler);
 // Has what happens to a window handed to the handler from now on.
 void translateEvents(Window* window);
 
+// Tells the program that its session ends, if it has windows: at once, because the process may be
+// ended as soon as this returns.
+void tellSessionEnds();
+
 // Returns the program's window with an identifier of the X server, or null.
 Window* windowOf(xcb_window_t id);
 

@@ -36,6 +36,7 @@ struct Window {
   bool travels = false;           // to where it was last asked to be
   bool insists = false;           // on its place, against the first answer to its appearance
   bool hitTransparent = false;
+  bool leftHeld = false;  // the left button was pressed in it, and not released that is known of
   // By the window manager, while the window has the focus: it does so while the user moves it.
   bool keyboardHeld = false;
   std::chrono::steady_clock::time_point keyboardReleased;

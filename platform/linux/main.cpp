@@ -11,7 +11,9 @@
 #include <QIcon>
 #include <QLibraryInfo>
 #include <QMessageBox>
+#include <QSessionManager>
 #include <QSocketNotifier>
+#include <QStringList>
 #include <algorithm>
 #include <array>
 #include <clocale>
@@ -23,6 +25,7 @@
 #include <vector>
 
 #include "platform/linux/environment.h"
+#include "platform/linux/event_loop.h"
 #include "platform/linux/mirror.h"
 #include "platform/linux/program.h"
 #include "platform/linux/screen_place.h"
@@ -121,6 +124,18 @@ void endOnSignals(QSocketNotifier& notifier) {
     static_cast<void>(std::signal(signal, &onSignal));
 }
 
+// A session manager tells before it ends the session, and is told how to start the program again:
+// by default it would add an option, whose letters would be taken for the program's.
+void followSession(const QApplication& application, int count, char** arguments) {
+  using tintora::platform::tellSessionEnds;
+  QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
+                   [] { tellSessionEnds(); });
+  QStringList command;
+  for (int i = 0; i < count; ++i) command << QString::fromLocal8Bit(arguments[i]);
+  QObject::connect(&application, &QGuiApplication::saveStateRequest, &application,
+                   [command](QSessionManager& manager) { manager.setRestartCommand(command); });
+}
+
 // Returns true if the Wayland server that the environment names accepts connections.
 bool waylandAnswers() {
   const QString name = qEnvironmentVariable("WAYLAND_DISPLAY");
@@ -183,6 +198,7 @@ int main(int count, char** arguments) {
   // The arguments are the program's, not Qt's.
   int ownName = 1;
   const QApplication application(ownName, arguments);
+  followSession(application, count, arguments);
   tintora::platform::followWindowManager();
   tintora::platform::followMonitors(&tintora::platform::onMonitorsChanged);
   QApplication::setWindowIcon(QIcon(":/tintora.png"));

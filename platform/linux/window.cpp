@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QTimer>
 #include <array>
+#include <cstdlib>
 
 #include "platform/linux/covers.h"
 #include "platform/linux/event_loop.h"
@@ -98,7 +99,10 @@ void hideWindow(Window* window) {
 
 }  // namespace
 
+// The end of a session may take the X server away, and then Qt ends the process. What was read by
+// now, such as the settings, can still be written when the functions registered here run.
 void registerWindowKinds(EventHandler handler) {
+  static_cast<void>(std::atexit(&tellSessionEnds));
   setEventHandler(handler);
 }
 
@@ -173,7 +177,7 @@ void setWindowBounds(Window* window, const Rect& bounds) {
 void onMonitorsChanged() {
   if (mainWindow == nullptr) return;
   if (fillsScreen(mainWindow)) fillPrimaryMonitor(mainWindow);
-  handOver({.kind = EventKind::Sized, .window = mainWindow, .maximised = isMaximised(mainWindow)});
+  handOver({.kind = EventKind::ScreenChanged, .window = mainWindow});
 }
 
 Rect windowBounds(const Window* window) {

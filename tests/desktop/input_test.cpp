@@ -1,6 +1,8 @@
 // Input beyond plain keys and clicks: fine and sideways wheels, the menu's keys, a second click.
 #include <sys/stat.h>
 
+#include <array>
+
 #include "menu_run.h"
 #include "platform/linux/wheel.h"
 
@@ -83,6 +85,70 @@ TEST_F(Input, ARightClickElsewhereMovesTheMenuThere) {
     const auto menus = openMenus();
     return menus.size() == 1 && x().areaOf(menus[0]).x == view().x + 40;
   }));
+}
+
+// The menu gets the release, and the window is not told of it.
+TEST_F(Input, ADragThatAMenuInterruptsHasEnded) {
+  begin();
+  const Area before = x().outerAreaOf(main());
+  x().moveMouse(view().x + 150, view().y + 100);
+  x().button(1, true);
+  settle();
+  press(XK_F10, {XK_Shift_L});
+  ASSERT_TRUE(eventually([this] { return openMenus().size() == 1; }));
+  x().moveMouse(view().x + 20, view().y + 20);
+  x().button(1, false);
+  x().press(XK_Escape);
+  ASSERT_TRUE(eventually([this] { return openMenus().empty(); }));
+  x().moveMouse(view().x + 60, view().y + 60);
+  settle();
+  x().button(3, true);
+  x().moveMouse(view().x + 90, view().y + 95);
+  settle();
+  EXPECT_EQ(x().outerAreaOf(main()), before);
+  x().button(3, false);
+}
+
+TEST_F(Input, TheKeypadWithoutNumLockMovesAndSteps) {
+  begin();
+  const Area before = x().outerAreaOf(main());
+  const auto isAt = [&](int byX, int byY) {
+    return eventually([&] {
+      const Area now = x().outerAreaOf(main());
+      return now.x == before.x + byX && now.y == before.y + byY;
+    });
+  };
+  press(XK_KP_Right);
+  EXPECT_TRUE(isAt(1, 0));
+  press(XK_KP_Down);
+  EXPECT_TRUE(isAt(1, 1));
+  press(XK_KP_Left);
+  EXPECT_TRUE(isAt(0, 1));
+  press(XK_KP_Up);
+  EXPECT_TRUE(isAt(0, 0));
+  for (const xcb_keysym_t down : std::array<xcb_keysym_t, 2>{XK_KP_Next, XK_KP_Subtract})
+    press(down);
+  EXPECT_TRUE(titleBecomes(" Simulation - Protanomalous 90% severity"));
+  for (const xcb_keysym_t up : std::array<xcb_keysym_t, 2>{XK_KP_Prior, XK_KP_Add}) press(up);
+  EXPECT_TRUE(titleBecomes(" Simulation - Protanope 100% severity"));
+}
+
+// On a keyboard whose keys have other letters, the keys of a Latin one count by their place.
+TEST_F(Input, LettersOfAnotherScriptCountByTheirKeys) {
+  useDisplay({}, Manager::Openbox);
+  Process layout({.command = {"setxkbmap", "-display", display().name(), "ru"}});
+  ASSERT_EQ(layout.result(), 0);
+  begin();
+  struct Key {
+    xcb_keysym_t letter;
+    const char* title;
+  };
+  for (const auto& [letter, expected] :
+       {Key{XK_Cyrillic_pe, "Greyscale"}, Key{XK_Cyrillic_sha, "Invert "},
+        Key{XK_Cyrillic_ve, " Simulation - Deuteranope 100% severity"}}) {
+    press(letter);
+    EXPECT_TRUE(titleBecomes(expected));
+  }
 }
 
 TEST_F(Input, APipeInPlaceOfTheSettingsDoesNotHoldUpTheEnd) {

@@ -5,6 +5,7 @@
 
 #define XK_MISCELLANY
 #define XK_LATIN1
+#define XK_CYRILLIC
 #include <X11/keysymdef.h>
 
 #include <functional>

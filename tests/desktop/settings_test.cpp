@@ -73,6 +73,18 @@ TEST_F(Settings, SignalsThatEndTheProgramDoNotLoseThem) {
   }
 }
 
+// As at the end of a session.
+TEST_F(Settings, TheServersEndDoesNotLoseThem) {
+  useDisplay({}, Manager::Openbox);
+  storeValues({{"Selected", 1}});
+  start();
+  press(XK_g);
+  ASSERT_TRUE(titleBecomes("Greyscale"));
+  display().endServer();
+  ASSERT_TRUE(process().result(2 * patience).has_value());
+  EXPECT_EQ(storedValues()["Selected"], 4);
+}
+
 TEST_F(Settings, ADamagedFileIsNoReasonToStop) {
   for (const std::string& text :
        {std::string("\0\xFF\xFE[General\nSelected", 18), std::string("Selected=4"),

@@ -179,10 +179,8 @@ void placeCovers(const ViewFrames& frames, const QRect& view) {
 }
 
 void removeCovers() {
-  if (covers.empty()) return;
   for (const Cover& cover : covers) remove(cover);
   covers.clear();
-  xcb_flush(x());
 }
 
 }  // namespace tintora::platform

@@ -42,7 +42,7 @@ QAbstractEventDispatcher* dispatcher() {
   return QAbstractEventDispatcher::instance();
 }
 
-// The program's own turn follows every event, and an event it is not told of where it must look.
+// Ends `handleNextEvent`, so the shell takes its turn.
 void takeTurn() {
   handedOver = true;
   dispatcher()->wakeUp();

@@ -7,10 +7,10 @@
 
 namespace tintora::platform {
 
-// Who takes the program's events; nobody while it is null.
+// Sets who handles the program's events. Nobody does while it is null.
 void setEventHandler(EventHandler handler);
 
-// Has what happens to a window handed to the handler from now on.
+// From now on, passes the window's events to the handler.
 void translateEvents(Window* window);
 
 // Tells the program that its session ends, if it has windows: at once, because the process may be
@@ -20,7 +20,7 @@ void tellSessionEnds();
 // Returns the program's window with an identifier of the X server, or null.
 Window* windowOf(xcb_window_t id);
 
-// Hands an event to the program; true where the desktop's own handling must not follow.
+// Passes an event to the program. Returns true if the desktop must not handle it as well.
 bool handOver(const Event& event);
 
 }  // namespace tintora::platform

@@ -49,7 +49,7 @@ void followEventOfView(const xcb_generic_event_t& event) {
   if (event.response_type != 0 && !followBackdrop(event)) followEvent(event);
 }
 
-// Takes events until there are none; false where there was none at all.
+// Takes events until there are none. Returns false if there was none at all.
 bool followEvents(xcb_generic_event_t* (*poll)(xcb_connection_t*)) {
   bool any = false;
   while (const Received<xcb_generic_event_t> event{poll(xServer.connection)}) {
@@ -141,7 +141,12 @@ void updateView() {
   if (view.window == XCB_NONE) return;
   followEvents(&xcb_poll_for_event);
   watchBackdrop();
-  if (!isOwnWindowShown() || view.size.isEmpty()) return removeCovers();
+  if (!isOwnWindowShown() || view.size.isEmpty()) {
+    removeCovers();
+    // Windows that are no longer looked at were let go just now.
+    xcb_flush(xServer.connection);
+    return;
+  }
   collectDamage({view.origin, view.size});
   takeChanges();
   const QRegion toCompose = std::exchange(view.toCompose, {});

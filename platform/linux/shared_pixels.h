@@ -23,6 +23,7 @@ bool makeShared(SharedPixels& pixels, std::size_t size);
 // Makes memory of the program's own.
 void makeUnshared(SharedPixels& pixels, std::size_t size);
 
+// Releases the memory here and at the server.
 void release(SharedPixels& pixels);
 
 }  // namespace tintora::platform

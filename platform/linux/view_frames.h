@@ -35,6 +35,7 @@ struct ViewFrames {
 // much.
 void makeRoom(ViewFrames& frames, const QSize& size, PixelSharing sharing);
 
+// Releases both frames.
 void releaseFrames(ViewFrames& frames);
 
 // Cuts a region into parts that are small enough for the processor's caches: one is filtered while
@@ -48,10 +49,10 @@ struct PixelRequest {
   bool isPacked = false;
 };
 
-// Begins to read parts that do not overlap; those asked for before must have been received.
+// Starts reading parts that do not overlap. All that was requested before must have been received.
 void beginReading(ViewFrames& frames);
 
-// Asks for a part of the composed pixmap, as it is when all asked so far has been drawn.
+// Requests a part of the composed pixmap, as it is when all requests so far have been drawn.
 PixelRequest requestPixels(ViewFrames& frames, const QRect& part);
 
 // Waits until the part stands among the unfiltered pixels; returns false if it does not.

@@ -70,16 +70,16 @@ inline std::uint16_t u16(int value) {
   return static_cast<std::uint16_t>(value);
 }
 
-// Connects; what stands in the way as one line, or nothing.
+// Connects. Returns nothing on success, else one line that says what stands in the way.
 std::optional<std::string> connectToXServer();
 
-// Ends the connection, and with it all that the server holds for it.
+// Ends the connection and releases all that the server holds for it.
 void disconnectFromXServer();
 
-// The format of a visual; null where RENDER has none.
+// Returns the format of a visual, or null if RENDER has none.
 const VisualFormat* formatOf(xcb_visualid_t visual);
 
-// Returns when the server has done all that was asked so far.
+// Waits until the server has done all that was asked so far.
 void waitForXServer();
 
 }  // namespace tintora::platform

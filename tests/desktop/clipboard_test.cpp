@@ -2,7 +2,7 @@
 #include <chrono>
 
 #include "clipboard_reader.h"
-#include "program_run.h"
+#include "menu_run.h"
 
 namespace tintora::desktop_test {
 namespace {
@@ -11,10 +11,13 @@ using Clock = std::chrono::steady_clock;
 
 constexpr const char* copiedTitle = "Image Copied To Clipboard";
 
-class Clipboard : public ProgramTest {
+class Clipboard : public MenuTest {
  protected:
   void SetUp() override {
     ProgramTest::SetUp();
+    begin();
+  }
+  void begin() {
     storeValues({{"Selected", 5}, {"ColorSpace", 0}});
     start();
     const Area area = view();
@@ -63,6 +66,25 @@ TEST_F(Clipboard, WhatHasJustChangedIsInThePicture) {
     ASSERT_TRUE(eventually([&] { return reader().ask("TIMESTAMP") != before; }));
     expectViewOnClipboard();
   }
+}
+
+// Compositing managers that fade windows out show the menu for a while after it was closed.
+TEST_F(Clipboard, AMenuThatFadesOutIsNotInThePicture) {
+  end();
+  useDisplay({}, Manager::Openbox);
+  Process compositor({.command = {"picom", "--config", "/dev/null", "--backend", "xrender", "-f"},
+                      .environment = {{"DISPLAY", display().name()}}});
+  const xcb_atom_t selection = x().atom("_NET_WM_CM_S0");
+  ASSERT_TRUE(eventually([&] {
+    const Received<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        x().connection(), xcb_get_selection_owner(x().connection(), selection), nullptr));
+    return reply && reply->owner != XCB_NONE;
+  }));
+  begin();
+  choose({"View Options", "Copy"});
+  ASSERT_TRUE(titleBecomes(copiedTitle));
+  expectViewOnClipboard();
+  end();
 }
 
 TEST_F(Clipboard, TheTitleComesBackAfterThreeSeconds) {

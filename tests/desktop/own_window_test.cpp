@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "program_run.h"
+#include "x_resources.h"
 
 namespace tintora::desktop_test {
 namespace {
@@ -201,6 +202,24 @@ TEST_F(OwnWindow, IconifiedAndBroughtBackItShowsTheView) {
   scene().draw(scene().at(0), noise(400, 300, 9), 1100, 350);
   x().tellManager(main(), "_NET_ACTIVE_WINDOW", {2, 0, 0});
   ASSERT_TRUE(showing(main(), true));
+  EXPECT_TRUE(viewShows(grey));
+}
+
+// While nobody looks at the view, other programs draw straight to the screen.
+TEST_F(OwnWindow, IconifiedItLeavesOtherWindowsAlone) {
+  const auto redirected = [this] {
+    const auto counts = resourcesOf(x(), process().id());
+    const auto found = counts.find("CompositeClientWindow");
+    return found == counts.end() ? 0U : found->second;
+  };
+  ASSERT_GT(redirected(), 0U);
+  constexpr std::uint32_t iconic = 3;
+  x().tellManager(main(), "WM_CHANGE_STATE", {iconic});
+  ASSERT_TRUE(showing(main(), false));
+  EXPECT_TRUE(eventually([&] { return redirected() == 0U; })) << redirected();
+  x().tellManager(main(), "_NET_ACTIVE_WINDOW", {2, 0, 0});
+  ASSERT_TRUE(showing(main(), true));
+  EXPECT_TRUE(eventually([&] { return redirected() > 0U; }));
   EXPECT_TRUE(viewShows(grey));
 }
 

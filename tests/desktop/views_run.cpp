@@ -45,6 +45,12 @@ void ViewsTest::startStored(const StoredValues& values, const PictureSize& size)
   storeValues(values);
   start({"-t"});
   ASSERT_TRUE(showing(colourSpace(), true));
+  // The program has allowed for the window's frame.
+  constexpr std::array firstSize{400, 400};
+  ASSERT_TRUE(eventually([&] {
+    const Area outer = x().outerAreaOf(colourSpace());
+    return std::array{outer.width, outer.height} == firstSize;
+  }));
   resizeTo(size);
 }
 
@@ -53,8 +59,8 @@ void ViewsTest::resizeTo(const PictureSize& size) {
     const Area area = inside();
     return area.width == size.width && area.height == size.height;
   };
-  // What the program asked for when it opened its windows may still be on its way and come after
-  // the first request, so the size counts only if it is there once all have been answered.
+  // What the program asked for before may still be on its way and come after the first request, so
+  // the size counts only if it is there once all have been answered.
   ASSERT_TRUE(eventually([&] {
     settle();
     x().resize(colourSpace(), size.width, size.height);

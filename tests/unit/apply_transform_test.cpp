@@ -1,3 +1,5 @@
+#include "engine/apply_transform.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,7 +13,6 @@
 
 #include "display_recorder.h"
 #include "engine/colour_effects.h"
-#include "engine/effect_matrix.h"
 #include "engine/effect_matrix.h"
 #include "matrix_expectations.h"
 

@@ -102,7 +102,7 @@ TEST(Check, TakesTheMainColoursOfPictures) {
   expectRefused(check({first}), 1, "--image");
 }
 
-TEST(Check, NamesWhoseEyesItLooksThrough) {
+TEST(Check, NamesEachViewer) {
   const Json all = checkJson({"red", "green"});
   EXPECT_EQ(all["algorithm"], "judd");
   EXPECT_EQ(all["light"], "encoded");
@@ -127,7 +127,7 @@ TEST(Check, NamesWhoseEyesItLooksThrough) {
   EXPECT_EQ(viewers(some), (Words{"tritan29.0", "tritan5.5", "protan29.0", "protan5.5"}));
 }
 
-TEST(Check, TheLightCounts) {
+TEST(Check, TheLightChangesTheVerdict) {
   const auto after = [](const std::string& light) {
     return checkJson({"red", "green", "--light", light})["pairs"][0]["after"][1]["ciede2000"]
         .get<double>();
@@ -156,7 +156,7 @@ TEST(Check, CsvHasARowForEachPairAndViewer) {
   EXPECT_EQ(linesIn(findings), 1U + 6U);
 }
 
-TEST(Check, TheTableTellsEveryPairAndWhatIsLost) {
+TEST(Check, TheTableShowsEveryPairAndWhatIsLost) {
   const ToolRun run = check({"red", "green", "black"});
   for (const std::string part :
        {"3 colours, 3 pairs; Judd 1948 in encoded light", "CIEDE2000", "contrast", "1 finding\n",
@@ -205,7 +205,7 @@ TEST(Check, NamesFromFilesDoNotSteerTheTerminal) {
   EXPECT_NE(text.find("[2Jred"), std::string::npos);
 }
 
-TEST(Check, TranslucentColoursAreToldOf) {
+TEST(Check, TranslucentColoursAreReported) {
   const TemporaryFolder folder;
   const std::string css = folder.write("a.css", "a { color: #123; background: #abc8; top: #fff }");
   EXPECT_EQ(checkJson({css})["left_out"], Json::parse("[\"#abc8\"]"));

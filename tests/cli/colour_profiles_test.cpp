@@ -93,7 +93,7 @@ TEST(Profiles, StayOnEncodedValuesAndForSrgb) {
   EXPECT_EQ(linear.pixels, expectedPixels(spec));
 }
 
-TEST(Profiles, ThatCannotBeUsedAreNoObstacle) {
+TEST(Profiles, ThatCannotBeUsedAreIgnored) {
   PngSpec spec = randomPng(PNG_COLOR_TYPE_RGB, 8);
   spec.iccProfile = profileOf("RGB ");
   const Image image = decodeImage(filtered(pngFile(spec), transformOf({}, Light::Linear)));

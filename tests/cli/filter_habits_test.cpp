@@ -77,7 +77,7 @@ TEST(FilterHabits, FilesInAFolderAreOverwrittenOnlyWithForce) {
   EXPECT_EQ(readFile(single).substr(1, 3), "PNG");
 }
 
-TEST(FilterHabits, ForeignFilesFailAloneAndAreCounted) {
+TEST(FilterHabits, FilesOfOtherFormatsFailAndAreCounted) {
   const TemporaryFolder folder;
   const std::string good = folder.write("good.png", samplePng());
   const std::string notes = folder.write("notes.txt", "no picture");

@@ -137,7 +137,7 @@ TEST(FilterCommand, ShowsItsProgressOnATerminalAndClearsIt) {
   EXPECT_EQ(run.error.substr(run.error.size() - clear.size()), clear);
 }
 
-TEST(FilterCommand, OneBadInputDoesNotKeepTheOthersBack) {
+TEST(FilterCommand, FiltersTheOtherInputsWhenOneIsBad) {
   const TemporaryFolder folder;
   const Image image = colourfulImage(false);
   const std::string bad = folder.write("bad.png", "no picture");
@@ -169,7 +169,7 @@ TEST(FilterCommand, ReplacesAFileThatIsNamedAsBothInputAndOutput) {
   expectSwapped(decoded(readFile(in)), image);
 }
 
-TEST(FilterCommand, RefusesWhatIsNoWholeImageAndWritesNothing) {
+TEST(FilterCommand, RefusesBrokenImagesAndWritesNothing) {
   const std::string png = encoded(colourfulImage(true), ImageFormat::Png);
   const std::string jpeg = encoded(colourfulImage(false), ImageFormat::Jpeg);
   std::string huge = png;

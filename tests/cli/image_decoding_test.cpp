@@ -46,7 +46,7 @@ const auto kindsWithAlpha = testing::Values(PngKind{"GreyAlpha8", PNG_COLOR_TYPE
 
 class DecodePngKind : public testing::TestWithParam<PngKindAndInterlace> {};
 
-TEST_P(DecodePngKind, GivesThePixelsTheSamplesMean) {
+TEST_P(DecodePngKind, GivesThePixelsOfItsSamples) {
   const auto& [kind, interlaced] = GetParam();
   PngSpec spec = randomPng(kind.colourType, kind.depth);
   spec.interlaced = interlaced;
@@ -64,7 +64,7 @@ INSTANTIATE_TEST_SUITE_P(WithAlpha, DecodePngKind,
 
 class DecodePngTransparencyChunk : public testing::TestWithParam<PngKindAndInterlace> {};
 
-TEST_P(DecodePngTransparencyChunk, GivesTheAlphaItMeans) {
+TEST_P(DecodePngTransparencyChunk, GivesTheAlphaOfItsEntries) {
   const auto& [kind, interlaced] = GetParam();
   PngSpec spec = randomPng(kind.colourType, kind.depth);
   spec.interlaced = interlaced;
@@ -94,7 +94,7 @@ TEST(DecodePng, RoundsEverySampleOf16BitsToTheNearestOf8) {
   EXPECT_EQ(decodeImage(pngFile(spec)).pixels, expectedPixels(spec));
 }
 
-TEST(DecodePng, TellsSamplesOf16BitsApartFromTheTransparentOneBeforeRounding) {
+TEST(DecodePng, ComparesSamplesOf16BitsWithTheTransparentOneBeforeRounding) {
   PngSpec spec;
   spec.width = 2;
   spec.height = 1;

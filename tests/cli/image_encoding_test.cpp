@@ -261,7 +261,7 @@ TEST(Carrying, RefusesToWriteAProfileThatPngCannotHold) {
   EXPECT_EQ(decodeImage(encodeImage(image, ImageFormat::Jpeg)).iccProfile, image.iccProfile);
 }
 
-TEST(Carrying, LeavesOutExifDataThatIsNone) {
+TEST(Carrying, LeavesOutInvalidExifData) {
   JpegSpec spec;
   for (const std::string& remark : {"Exif\0\0"s, "Exif\0\0MM\0"s, "Exif\0\0hello world"s}) {
     spec.markers = {{JPEG_APP0 + 1, bytesOf(remark)}};

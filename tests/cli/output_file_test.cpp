@@ -38,7 +38,7 @@ TEST_F(WriteFileWhole, ReplacesALongerFile) {
   EXPECT_EQ(names(), Names{"old.png"});
 }
 
-TEST_F(WriteFileWhole, LeavesTheOldContentsToWhoHasThemOpen) {
+TEST_F(WriteFileWhole, LeavesTheOldContentsToProgramsThatHaveThemOpen) {
   put(directory / "old.png", bytesOf("old contents"));
   std::ifstream reader(directory / "old.png", std::ios::binary);
   writeFileWhole(directory / "old.png", bytesOf("new"));
@@ -46,7 +46,7 @@ TEST_F(WriteFileWhole, LeavesTheOldContentsToWhoHasThemOpen) {
   EXPECT_EQ(seen, bytesOf("old contents"));
 }
 
-TEST_F(WriteFileWhole, TakesANameWithoutADirectoryAsInTheCurrentOne) {
+TEST_F(WriteFileWhole, WritesANameWithoutADirectoryToTheCurrentOne) {
   EXPECT_EQ(resultInChild([&] {
               fs::current_path(directory);
               writeFileWhole("here.png", bytesOf("contents"));
@@ -84,7 +84,7 @@ TEST_F(WriteFileWhole, KeepsThePermissionsOfAReplacedFile) {
   }
 }
 
-TEST_F(WriteFileWhole, LetsTheSuperuserReplaceAFileWithoutTakingItOver) {
+TEST_F(WriteFileWhole, KeepsTheOwnerWhenTheSuperuserReplacesAFile) {
   if (::geteuid() != 0) GTEST_SKIP() << "for the superuser only";
   put(directory / "old.png", bytesOf("old"));
   ASSERT_EQ(::chown((directory / "old.png").c_str(), 1234, 4321), 0);
@@ -95,7 +95,7 @@ TEST_F(WriteFileWhole, LetsTheSuperuserReplaceAFileWithoutTakingItOver) {
   EXPECT_EQ(status.st_gid, 4321U);
 }
 
-TEST_F(WriteFileWhole, DoesNotGiveAnotherGroupWhatTheGroupOfTheFileHad) {
+TEST_F(WriteFileWhole, GivesAnotherGroupNoneOfTheFormerGroupsPermissions) {
   if (::geteuid() != 0) GTEST_SKIP() << "needs a file of another user";
   ASSERT_EQ(::chmod(directory.c_str(), 0777), 0);
   put(directory / "old.png", bytesOf("old"));
@@ -155,12 +155,12 @@ TEST_F(WriteFileWhole, WritesStraightIntoAPipe) {
   EXPECT_EQ(names(), Names{"pipe"});
 }
 
-TEST_F(WriteFileWhole, TellsThatADeviceIsFull) {
+TEST_F(WriteFileWhole, ReportsAFullDevice) {
   EXPECT_EQ(failureToWrite("/dev/full", bytesOf("new")),
             "cannot write /dev/full: No space left on device");
 }
 
-TEST_F(WriteFileWhole, GoesOnWhereStandardOutputStands) {
+TEST_F(WriteFileWhole, ContinuesAtThePositionOfStandardOutput) {
   put(directory / "log", bytesOf("before "));
   EXPECT_EQ(resultInChild([&] {
               const int log = ::open((directory / "log").c_str(), O_WRONLY | O_APPEND);
@@ -181,7 +181,7 @@ TEST_F(WriteFileWhole, RefusesADirectory) {
   EXPECT_EQ(names(), Names{"there"});
 }
 
-TEST_F(WriteFileWhole, TellsThatTheDirectoryIsMissing) {
+TEST_F(WriteFileWhole, ReportsAMissingDirectory) {
   const fs::path target = directory / "missing" / "new.png";
   EXPECT_EQ(failureToWrite(target, bytesOf("new")),
             "cannot write " + target.string() +
@@ -192,7 +192,7 @@ TEST_F(WriteFileWhole, TellsThatTheDirectoryIsMissing) {
   EXPECT_TRUE(failureToWrite("", bytesOf("new")).has_value());
 }
 
-TEST_F(WriteFileWhole, LeavesAllAsItWasInADirectoryWithoutLeaveToWrite) {
+TEST_F(WriteFileWhole, ChangesNothingInADirectoryWithoutWritePermission) {
   put(directory / "old.png", bytesOf("old"));
   ASSERT_EQ(::chmod((directory / "old.png").c_str(), 0666), 0);
   ASSERT_EQ(::chmod(directory.c_str(), 0555), 0);
@@ -229,7 +229,7 @@ TEST_F(WriteFileWhole, LeavesAWriteProtectedFileAlone) {
   EXPECT_EQ(names(), Names{"old.png"});
 }
 
-TEST_F(WriteFileWhole, LeavesAllAsItWasWhenThereIsNoRoomForTheContents) {
+TEST_F(WriteFileWhole, ChangesNothingWhenTheContentsDoNotFit) {
   put(directory / "old.png", bytesOf("old"));
   for (const char* const name : {"old.png", "new.png"}) {
     const fs::path target = directory / name;
@@ -247,7 +247,7 @@ TEST_F(WriteFileWhole, LeavesAllAsItWasWhenThereIsNoRoomForTheContents) {
   EXPECT_EQ(contentsOf(directory / "old.png"), bytesOf("old"));
 }
 
-TEST_F(WriteFileWhole, LeavesAllAsItWasWhenTheFileMayNotBeReplaced) {
+TEST_F(WriteFileWhole, ChangesNothingWhenTheFileMayNotBeReplaced) {
   if (::geteuid() != 0) GTEST_SKIP() << "needs a file of another user";
   // In a directory like this only the owner of a file may put another one in its place.
   ASSERT_EQ(::chmod(directory.c_str(), 01777), 0);

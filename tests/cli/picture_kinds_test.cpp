@@ -22,7 +22,7 @@ struct Kind {
   int depth;
 };
 
-TEST(PictureKinds, EveryKindOfPngStaysWhatItIsWhereTheResultAllows) {
+TEST(PictureKinds, EveryKindOfPngIsKeptIfTheResultAllows) {
   for (const Kind& kind :
        {Kind{PNG_COLOR_TYPE_GRAY, 1}, Kind{PNG_COLOR_TYPE_GRAY, 2}, Kind{PNG_COLOR_TYPE_GRAY, 4},
         Kind{PNG_COLOR_TYPE_GRAY, 8}, Kind{PNG_COLOR_TYPE_GRAY, 16},
@@ -131,7 +131,7 @@ TEST(PictureKinds, SixteenBitsAreComputedAtSixteen) {
   EXPECT_EQ(chunksOf(filtered(pngFile(expected), transformOf({}))), chunksOf(result));
 }
 
-TEST(PictureKinds, GreyJpegStaysGreyAndBecomesColourOnlyWhereItMust) {
+TEST(PictureKinds, GreyJpegStaysGreyUnlessTheResultHasColours) {
   JpegSpec grey;
   grey.in = JCS_GRAYSCALE;
   const Bytes file = jpegFile(smoothImage(24, 16), grey);
@@ -162,7 +162,7 @@ TEST(PictureKinds, EveryKindOfPngBecomesJpeg) {
   }
 }
 
-TEST(PictureKinds, GreysWithATransparencyThatNoneOfThemHasBecomeJpeg) {
+TEST(PictureKinds, GreysBecomeJpegIfNoneOfThemIsTheTransparentOne) {
   for (const int depth : {1, 2, 4}) {
     SCOPED_TRACE(depth);
     PngSpec spec = randomPng(PNG_COLOR_TYPE_GRAY, depth);

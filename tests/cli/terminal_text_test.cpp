@@ -8,7 +8,7 @@
 namespace tintora::cli {
 namespace {
 
-TEST(Printable, ReplacesWhatATerminalWouldObeyOrCannotShow) {
+TEST(Printable, ReplacesControlCharactersAndInvalidText) {
   EXPECT_EQ(printable("plain é 色 😀.png"), "plain é 色 😀.png");
   EXPECT_EQ(printable("a\x1b[31mb\tc\x7f"), "a?[31mb?c?");
   EXPECT_EQ(printable("two\nlines\r"), "two lines?");

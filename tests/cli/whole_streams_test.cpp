@@ -67,7 +67,7 @@ TEST(WriteStandardOutput, WritesAllInAsManyStepsAsItTakes) {
   EXPECT_EQ(run.output, manyBytes());
 }
 
-TEST(WriteStandardOutput, WaitsWhereWritingDoesNot) {
+TEST(WriteStandardOutput, WaitsForADescriptorThatDoesNotBlock) {
   const PipedRun run = runPiped(
       [] {
         writeStandardOutput(manyBytes());
@@ -78,7 +78,7 @@ TEST(WriteStandardOutput, WaitsWhereWritingDoesNot) {
   EXPECT_EQ(run.output, manyBytes());
 }
 
-TEST(WriteStandardOutput, TellsThatNobodyReadsAndLivesOn) {
+TEST(WriteStandardOutput, ReportsAClosedPipeAndContinues) {
   std::array<int, 2> ends{};
   ASSERT_EQ(::pipe(ends.data()), 0);
   ::close(ends[0]);
@@ -86,14 +86,14 @@ TEST(WriteStandardOutput, TellsThatNobodyReadsAndLivesOn) {
   ::close(ends[1]);
 }
 
-TEST(WriteStandardOutput, TellsThatThereIsNoRoom) {
+TEST(WriteStandardOutput, ReportsAFullDevice) {
   const int full = ::open("/dev/full", O_WRONLY);
   ASSERT_GE(full, 0);
   EXPECT_EQ(resultOfWritingTo(full, "cannot write standard output: No space left on device"), 0);
   ::close(full);
 }
 
-TEST(WriteStandardOutput, LeavesTheHandlingOfSignalsAsItWas) {
+TEST(WriteStandardOutput, RestoresTheHandlingOfSignals) {
   std::array<int, 2> ends{};
   ASSERT_EQ(::pipe(ends.data()), 0);
   ::close(ends[0]);
@@ -126,7 +126,7 @@ TEST_F(ReadFileWhole, GivesTheBytesOfTheFile) {
   EXPECT_EQ(readFileWhole(directory / "empty", 0), Bytes{});
 }
 
-TEST_F(ReadFileWhole, ReadsFilesThatDoNotTellTheirLength) {
+TEST_F(ReadFileWhole, ReadsFilesOfUnknownLength) {
   EXPECT_EQ(readFileWhole("/proc/self/cmdline", noLimit), contentsOf("/proc/self/cmdline"));
   const fs::path pipe = directory / "pipe";
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
@@ -165,7 +165,7 @@ TEST_F(ReadFileWhole, RefusesAHugeFileWithoutReadingIt) {
                 ": it is longer than the limit of 4294967295 bytes");
 }
 
-TEST_F(ReadFileWhole, TellsWhyAFileCannotBeRead) {
+TEST_F(ReadFileWhole, ReportsWhyAFileCannotBeRead) {
   const auto failure = [](const fs::path& path, const std::string& why) {
     return "cannot read " + path.string() + ": " + why;
   };

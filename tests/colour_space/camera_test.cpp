@@ -124,7 +124,7 @@ TEST_F(Drag, FrontOfTheCubeFollowsTheMouse) {
   EXPECT_LT(transformedPoint({0.0F, 0.0F, -1.0F}, colourSpaceView.viewMatrix).y, -0.05F);
 }
 
-TEST_F(Drag, BothWaysAtOnceTurnsAboutAxesTakenTogether) {
+TEST_F(Drag, BothWaysAtOnceTurnsAboutBothAxes) {
   press(50, 60);
   rotateByMouse(left, 250, 180);
   expectCamera(seenTurn(-50.0, -30.0, 0.0));
@@ -232,7 +232,7 @@ TEST_F(Drag, BothButtonsLockTheAxis) {
   expectCamera(seenTurn(-10.0, 0.0, 0.0));
 }
 
-TEST_F(Drag, PlainMovesOnlyRecordThePlace) {
+TEST_F(Drag, MovesWithoutAButtonOnlyRecordThePlace) {
   colourSpaceView.viewCode = ViewCode::RgbCube;
   const Calls calls = callsOf([] {
     rotateByMouse({}, 300, 200);
@@ -244,7 +244,7 @@ TEST_F(Drag, PlainMovesOnlyRecordThePlace) {
   expectCamera({});
 }
 
-TEST_F(Drag, AfterPlainMovesStartsWithoutAJump) {
+TEST_F(Drag, AfterMovesWithoutAButtonStartsWithoutAJump) {
   press(0, 0);
   rotateByMouse(left, 40, 0);
   rotateByMouse({}, 350, 390);

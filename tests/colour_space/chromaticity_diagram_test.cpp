@@ -144,7 +144,7 @@ TEST_F(Gamut, IsBuiltUntransformed) {
   expectVertices(verticesOf(SceneRole::GamutOutline), untransformed(referenceEdgeColours()));
 }
 
-TEST_F(Gamut, EachPatchHasOneComponentWhole) {
+TEST_F(Gamut, EachPatchHasOneComponentAtFull) {
   constexpr std::array<PackedColour, 3> whole{0xFF0000U, 0x00FF00U, 0x0000FFU};
   const Vertices& mesh = verticesOf(SceneRole::GamutMesh);
   for (std::size_t i = 0; i < mesh.size(); ++i) {
@@ -342,7 +342,7 @@ TEST_F(WavelengthLabels, OnlyTheTopOneStandsAboveItsTickMark) {
 }
 
 // The blue-green side rises to 520 nm, and from there the locus falls.
-TEST_F(WavelengthLabels, RisingSideHasThemOnTheLeftAndFallingSideOnTheRight) {
+TEST_F(WavelengthLabels, StandLeftOfTheRisingSideAndRightOfTheFallingSide) {
   const std::set<std::string> rising{"480", "485", "490", "495", "500", "505",
                                      "510", "475", "470", "460", "440"};
   for (const WavelengthLabel& label : colourSpaceView.wavelengthLabels) {

@@ -103,7 +103,7 @@ TEST_F(Device, HoldsTheViewBeforeShrinkingUntilTheFirstFrame) {
             colourSpaceView.viewMatrix);
 }
 
-TEST_F(Resize, BelowTenPixelsEitherWayLeavesDeviceAndPictureAsTheyWere) {
+TEST_F(Resize, BelowTenPixelsInEitherDirectionChangesNothing) {
   render(ViewCode::RgbCube);
   const std::vector<Vertices> before = allVertices();
   for (const platform::Size size : {platform::Size{9, 400}, {400, 9}, {9, 9}, {0, 0}, {-1, 500}}) {
@@ -115,13 +115,13 @@ TEST_F(Resize, BelowTenPixelsEitherWayLeavesDeviceAndPictureAsTheyWere) {
   EXPECT_EQ(allVertices(), before);
 }
 
-TEST_F(Resize, AtTenPixelsMakesTheDeviceAnew) {
+TEST_F(Resize, AtTenPixelsRecreatesTheDevice) {
   resizeDevice(10, 10);
   EXPECT_EQ(nullGraphics().devicesMade, 2);
   EXPECT_EQ(colourSpaceView.device->size, (platform::Size{10, 10}));
 }
 
-TEST_F(Resize, ReleasesObjectsFontsAndDeviceInOrderThenMakesThemAnew) {
+TEST_F(Resize, ReleasesObjectsFontsAndDeviceInOrderThenRecreatesThem) {
   Calls released{"releaseVertexBuffer 1", "releaseIndexBuffer 1", "releaseVertexBuffer 2",
                  "releaseIndexBuffer 2"};
   for (int i = 3; i <= 11; ++i) released.push_back("releaseVertexBuffer " + std::to_string(i));

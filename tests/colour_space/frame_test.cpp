@@ -141,7 +141,7 @@ TEST_F(Views, OnlyTheCubeIsTurned) {
   for (const DrawnPrimitives& drawn : nullGraphics().drawn) EXPECT_EQ(drawn.view, turned);
 }
 
-TEST_F(Views, DrawNoObjectsOfOthers) {
+TEST_F(Views, DrawOnlyTheirOwnObjects) {
   constexpr std::array<std::pair<ViewCode, std::size_t>, 5> objectsOfViews{
       {{ViewCode::ResponseCurves, 3},
        {ViewCode::NormalCurves, 3},

@@ -82,7 +82,7 @@ TEST(Matrix4x4, RotationAboutAnAxisKeepsTheAxis) {
   }
 }
 
-TEST(Matrix4x4, RotationByNothingIsTheIdentity) {
+TEST(Matrix4x4, RotationByZeroIsTheIdentity) {
   EXPECT_EQ(rotationAbout({0.0F, 1.375F, 0.0F}, 0.0F), identity4x4);
 }
 

@@ -74,7 +74,7 @@ TEST_F(NotFinite, NothingReachesTheDeviceFromRandomExponents) {
   }
 }
 
-TEST_F(NotFinite, MatrixOfNoNumbersLeavesEverythingInPlace) {
+TEST_F(NotFinite, MatrixOfNotANumberLeavesEverythingInPlace) {
   show(Simulation{CvdType::Deutan, 0.6, SimulationAlgorithm::Yang2008, ""});
   const Vertices cube = verticesOf(SceneRole::SolidCube);
   const Vertices mesh = verticesOf(SceneRole::GamutMesh);
@@ -88,7 +88,7 @@ TEST_F(NotFinite, MatrixOfNoNumbersLeavesEverythingInPlace) {
 }
 
 // Red and blue alone would still have a finite place.
-TEST_F(NotFinite, OneRowWithoutANumberLeavesTheGamutInPlace) {
+TEST_F(NotFinite, OneRowOfNotANumberLeavesTheGamutInPlace) {
   const Vertices mesh = verticesOf(SceneRole::GamutMesh);
   const Vertices outline = verticesOf(SceneRole::GamutOutline);
   for (const double value : {noNumber, -infinity}) {

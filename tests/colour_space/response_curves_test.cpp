@@ -175,7 +175,7 @@ TEST_F(ResponseCurves, SeverityAbove100PercentCountsAs100) {
   }
 }
 
-TEST_F(ResponseCurves, SeverityBelowNoughtIsNotRaised) {
+TEST_F(ResponseCurves, NegativeSeverityIsNotRaised) {
   refreshFor(CvdType::Protan, -0.5);
   expectLivePeaks({420.7L, 558.9L + 14.3L, 530.3L});
 }

@@ -162,7 +162,7 @@ TEST_F(RgbCube, RowAboveOneMovesWhiteOutsideTheFrameWithItsColourClamped) {
   EXPECT_EQ(white.colour, 0xFFFFFFFFU);
 }
 
-TEST_F(RgbCube, NegativeEntriesMoveCornersBeyondTheFrameWithTheirColoursAtNought) {
+TEST_F(RgbCube, NegativeEntriesMoveCornersBeyondTheFrameWithTheirColoursAtZero) {
   show(Matrix3x3{1.0, -0.5, 0.0, 0.0, 1.0, -0.25, 0.0, 0.0, 1.0});
   const ColourVertex& green = verticesOf(SceneRole::SolidCube).at(2);
   EXPECT_FLOAT_EQ(green.x, 2.0F);
@@ -172,7 +172,7 @@ TEST_F(RgbCube, NegativeEntriesMoveCornersBeyondTheFrameWithTheirColoursAtNought
   EXPECT_EQ(blue.colour, 0xFF0000FFU);
 }
 
-TEST_F(RgbCube, ComponentsAreCutOffNotRounded) {
+TEST_F(RgbCube, ComponentsAreTruncated) {
   show(Matrix3x3{0.999, 0.0, 0.0, 0.0, 0.5, 0.0, 0.0, 0.0, 0.0039});
   EXPECT_EQ(verticesOf(SceneRole::SolidCube).at(5).colour, 0xFFFE7F00U);
 }

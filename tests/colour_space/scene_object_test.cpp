@@ -71,7 +71,7 @@ TEST(WorldMatrix, OneAngleAloneRotates) {
   }
 }
 
-TEST(WorldMatrix, AngleThatIsNoNumberCountsAsARotation) {
+TEST(WorldMatrix, AngleThatIsNotANumberCountsAsARotation) {
   SceneObject object;
   object.rotation.y = std::numeric_limits<float>::quiet_NaN();
   buildWorldMatrix(object);

@@ -39,7 +39,7 @@ TEST(MainColours, OfFlatColoursAreThoseColoursByTheirShare) {
   EXPECT_DOUBLE_EQ(colours[3].share, 0.01);
 }
 
-TEST(MainColours, AreColoursOfThePictureEvenWithNoiseAboutThem) {
+TEST(MainColours, AreColoursOfThePictureDespiteNoise) {
   std::mt19937 random(1);
   Pixels pixels;
   for (const Rgb8 rgb : {Rgb8{200, 40, 40}, Rgb8{40, 40, 200}, Rgb8{240, 240, 230}}) {
@@ -58,7 +58,7 @@ TEST(MainColours, AreColoursOfThePictureEvenWithNoiseAboutThem) {
   for (const MainColour& colour : colours) EXPECT_NEAR(colour.share, 1.0 / 3.0, 0.02);
 }
 
-TEST(MainColours, AThinLineIsAmongThem) {
+TEST(MainColours, IncludeTheColourOfAThinLine) {
   Pixels pixels;
   add(pixels, {255, 255, 255}, 996000);
   for (int grey = 0; grey < 255; ++grey) {
@@ -70,7 +70,7 @@ TEST(MainColours, AThinLineIsAmongThem) {
   EXPECT_NE(std::find(names.begin(), names.end(), "#2ca02c"), names.end());
 }
 
-TEST(MainColours, AreNoMoreThanAskedFor) {
+TEST(MainColours, AreAtMostAsManyAsRequested) {
   Pixels pixels;
   for (int i = 0; i < 4096; ++i) {
     add(pixels,

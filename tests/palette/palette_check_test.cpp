@@ -187,7 +187,7 @@ TEST(Suggestions, OfLargePalettesChangeLightnessAlone) {
   EXPECT_GE(leastDifference(suggestion.pair), 8.0);
 }
 
-TEST(Suggestions, ThereIsNoneWhereNothingHelps) {
+TEST(Suggestions, AreMissingIfNothingHelps) {
   // No two colours are as far apart as this limit asks for.
   const PaletteCheck check = checkPalette(palette({"red", "green"}), allViewers(), {15.0, 150.0});
   ASSERT_EQ(check.findings.size(), 1U);

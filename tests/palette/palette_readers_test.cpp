@@ -43,7 +43,7 @@ TEST(Colours, AreReadInEveryNotation) {
   EXPECT_EQ(parseColour("darkslategrey"), parseColour("DARKSLATEGRAY"));
 }
 
-TEST(Colours, OtherTextsAreNone) {
+TEST(Colours, AreNotReadFromOtherTexts) {
   for (const std::string text :
        {"", "#", "#12", "#1234", "#12345", "#1234567", "#12345678", "#ggg", "# fff", "#ff f", "fff",
         "d55e00", "transparent", "currentcolor", "redd", "re", "red ", "#\xC3\xA9", "rgb(1,2,3)"}) {
@@ -85,7 +85,7 @@ TEST(JsonPalette, HasTextsTriplesAndObjects) {
   EXPECT_EQ(read("\n [\"red\"]\n"), (Texts{"#ff0000"}));
 }
 
-TEST(JsonPalette, WhatIsNoColourIsRefusedByItsPlace) {
+TEST(JsonPalette, AnEntryThatIsNoColourIsRefusedByItsPlace) {
   const std::string second = "entry 2 of the array: ";
   EXPECT_EQ(refusal(R"(["red", "#12"])"),
             second + "the text is neither #rgb, #rrggbb nor a CSS colour name");
@@ -119,7 +119,7 @@ TEST(HexColours, AreFoundAnywhereInAText) {
   EXPECT_EQ(read("#f00 #FF0000 #f00f #ff0000ff"), (Texts{"#ff0000"}));
 }
 
-TEST(HexColours, WhatOnlyLooksAlikeIsLeft) {
+TEST(HexColours, TextThatOnlyLooksSimilarIsIgnored) {
   EXPECT_EQ(refusal("#12 #12345 #1234567 #ggg x#fff &#123; page.html#add /#bad ##"),
             "it holds no colour");
   EXPECT_EQ(read("#face-mask #fffé #fff"), (Texts{"#ffffff"}));
@@ -134,7 +134,7 @@ TEST(StyleSheets, GiveTheColoursOfTheirDeclarationsNamedByVariables) {
   EXPECT_EQ(refusal("#add { color: red } /* #fff"), "it holds no colour");
 }
 
-TEST(StyleSheets, TranslucentColoursAreLeftOutAndTold) {
+TEST(StyleSheets, TranslucentColoursAreLeftOutAndReported) {
   const PaletteText palette =
       readPalette("a { color: #123; box-shadow: 0 0 3px #00000040, #abc8 }");
   EXPECT_EQ(listed(palette), (Texts{"#112233"}));

@@ -98,7 +98,7 @@ TEST_F(ClipboardCapture, CopiesWithControlAndOInsteadOfChoosingContrast) {
   });
 }
 
-TEST_F(ClipboardCapture, ConfirmsEvenWhereTheClipboardCannotBeHad) {
+TEST_F(ClipboardCapture, ConfirmsEvenIfTheClipboardIsNotAvailable) {
   nullDesktop().hasClipboard = false;
   play([]() -> Script {
     co_yield copies();
@@ -108,7 +108,7 @@ TEST_F(ClipboardCapture, ConfirmsEvenWhereTheClipboardCannotBeHad) {
   });
 }
 
-TEST_F(ClipboardCapture, TakesTheClientAreaOfTheMainWindowWhateverTheWindowAsking) {
+TEST_F(ClipboardCapture, CopiesTheMainWindowsClientAreaFromAnyWindow) {
   play([]() -> Script {
     co_yield keyDown('H');
     Event event = copies();

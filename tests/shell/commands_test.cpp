@@ -272,7 +272,7 @@ class Commands : public ShellTest {
   ProgramFolder folder;
 };
 
-TEST_F(Commands, DoWhatTheyStandFor) {
+TEST_F(Commands, DoTheirTasks) {
   std::vector<int> ids;
   for (int id = 0; id <= 1000; ++id) ids.push_back(id);
   ids.push_back(65535);
@@ -319,7 +319,7 @@ TEST_F(Commands, ProtanIsTheFirstWithoutCustomTransforms) {
   });
 }
 
-TEST_F(Commands, TritanIsACommandOnlyWhereEnabled) {
+TEST_F(Commands, TritanIsACommandOnlyIfEnabled) {
   for (const int customCount : {0, 3}) {
     start(customCount);
     nullDesktop().arguments = "-t";
@@ -346,7 +346,7 @@ TEST_F(Commands, AlgorithmsLeaveTheModeAlone) {
   });
 }
 
-TEST_F(Commands, SimulationTakesDaltonizeAndInversionBack) {
+TEST_F(Commands, SimulationTurnsDaltonizeAndInversionOff) {
   start(0);
   play([]() -> Script {
     co_yield command(776);

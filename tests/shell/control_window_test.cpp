@@ -83,7 +83,7 @@ TEST_F(ControlWindow, IsNotPaintedUnlessHitTransparent) {
   });
 }
 
-TEST_F(ControlWindow, IsNamedByTheWayOut) {
+TEST_F(ControlWindow, IsNamedByHowToLeave) {
   play([]() -> Script {
     EXPECT_EQ(controlWindow().title, "Hit Transparent, Press H to exit");
     co_yield keyDown('H');

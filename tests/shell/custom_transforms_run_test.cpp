@@ -58,7 +58,7 @@ TEST_F(CustomTransforms, AreAppliedWhenPicked) {
   EXPECT_EQ(nullDesktop().store->at("Selected"), 1U);
 }
 
-TEST_F(CustomTransforms, AdjustableOnesFollowTheSeverity) {
+TEST_F(CustomTransforms, FollowTheSeverityIfAdjustable) {
   nullDesktop().store = Store{{"Selected", 1}, {"ScrollPc", 60}};
   play([]() -> Script {
     EXPECT_EQ(title(), "Deutan correction   60% (mouse-wheel adjusts %)");
@@ -86,7 +86,7 @@ TEST_F(CustomTransforms, AreAppliedAtStartUpBeforeAndWithTheMarks) {
   });
 }
 
-TEST_F(CustomTransforms, TabTurnsTheCurrentOneOffAndOn) {
+TEST_F(CustomTransforms, AreTurnedOffAndOnByTab) {
   play([]() -> Script {
     co_yield keyDown('H');
     co_yield command(1);
@@ -110,7 +110,7 @@ TEST_F(CustomTransforms, TabTurnsTheCurrentOneOffAndOn) {
   });
 }
 
-TEST_F(CustomTransforms, LeaveTheLastDeficiencyToTheViewersKeys) {
+TEST_F(CustomTransforms, KeepTheLastDeficiencyForTheKeysOfTheViewers) {
   play([]() -> Script {
     co_yield keyDown('D');
     co_yield command(2);
@@ -120,7 +120,7 @@ TEST_F(CustomTransforms, LeaveTheLastDeficiencyToTheViewersKeys) {
   });
 }
 
-TEST_F(CustomTransforms, FallBackToTheFirstWhereTheFileHasBecomeShorter) {
+TEST_F(CustomTransforms, FallBackToTheFirstIfTheFileHasBecomeShorter) {
   start("Only\n0.5 0 0 0\n0 1 0 0\n0 0 1 0\n");
   play([]() -> Script {
     transformSettings.Selected = Mode::Custom;
@@ -186,7 +186,7 @@ TEST_F(CustomTransforms, AreLookedForBesideTheProgram) {
   }
 }
 
-TEST_F(CustomTransforms, AreLookedForInTheCurrentDirectoryWithoutAnother) {
+TEST_F(CustomTransforms, AreLookedForInTheCurrentDirectoryByDefault) {
   const std::filesystem::path before = std::filesystem::current_path();
   std::filesystem::current_path(std::filesystem::path(folder.program()).parent_path());
   for (const char* commandLine : {"Tintora", "\"Tintora\"", "Tintora -st"}) {

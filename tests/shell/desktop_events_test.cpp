@@ -60,7 +60,7 @@ TEST_F(DesktopEvents, FullScreenFollowsTheScreen) {
   });
 }
 
-TEST_F(DesktopEvents, AnotherScreenMovesNoFrame) {
+TEST_F(DesktopEvents, AnotherScreenSizeMovesNoFramedWindow) {
   play([]() -> Script {
     const Rect before = mainWindow().bounds;
     nullDesktop().screen = {1280, 800};
@@ -69,7 +69,7 @@ TEST_F(DesktopEvents, AnotherScreenMovesNoFrame) {
   });
 }
 
-TEST_F(DesktopEvents, TheSessionsEndSavesTheSettings) {
+TEST_F(DesktopEvents, TheEndOfTheSessionSavesTheSettings) {
   play([]() -> Script {
     co_yield command(2);
     EXPECT_FALSE(nullDesktop().store.has_value());
@@ -83,7 +83,7 @@ TEST_F(DesktopEvents, TheSessionsEndSavesTheSettings) {
 
 // The primary screen is 1920 x 1080. Right of it and below the rule for a maximised window would
 // aim at nothing.
-TEST_F(Monitors, NeverAimAtNothing) {
+TEST_F(Monitors, AreNeverAimedAtAnEmptyArea) {
   play([]() -> Script {
     struct Row {
       Rect bounds;

@@ -115,7 +115,7 @@ TEST_F(Docking, ShowsAnUndockedWindowWhereItIs) {
   });
 }
 
-TEST_F(Docking, StandsAgainBesideAMainWindowThatWasMovedMeanwhile) {
+TEST_F(Docking, FollowsAMainWindowThatWasMovedWhileHidden) {
   play([]() -> Script {
     co_yield keyDown('R');
     co_yield keyDown('W');

@@ -31,7 +31,7 @@ void pointAt(int x, int y) {
   nullDesktop().cursor = {x, y};
 }
 
-TEST_F(Dragging, MovesTheMainWindowByTheCursorsWay) {
+TEST_F(Dragging, MovesTheMainWindowWithTheCursor) {
   play([]() -> Script {
     co_yield keyDown('H');
     pointAt(900, 500);
@@ -65,7 +65,7 @@ TEST_F(Dragging, MovesTheMainWindowByTheCursorsWay) {
   });
 }
 
-TEST_F(Dragging, EndsInWhicheverWindowTheButtonIsLetGo) {
+TEST_F(Dragging, EndsInAnyWindowWhereTheButtonIsReleased) {
   nullDesktop().store = Store{{"View", 703}};
   play([]() -> Script {
     pointAt(0, 0);
@@ -77,7 +77,7 @@ TEST_F(Dragging, EndsInWhicheverWindowTheButtonIsLetGo) {
   });
 }
 
-TEST_F(Dragging, KeepsTheSizeThatTheWindowHas) {
+TEST_F(Dragging, KeepsTheSizeOfTheWindow) {
   play([]() -> Script {
     pointAt(0, 0);
     co_yield press(mainWindow());
@@ -202,7 +202,7 @@ TEST_F(CubeRotation, TakesEveryMoveOfTheMouse) {
   });
 }
 
-TEST_F(CubeRotation, IsForTheCubeOnly) {
+TEST_F(CubeRotation, TurnsTheCubeOnly) {
   for (const std::uint32_t view : {702U, 704U, 705U, 999U}) {
     SCOPED_TRACE(view);
     forgetEverything();

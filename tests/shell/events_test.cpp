@@ -58,7 +58,7 @@ TEST_F(DroppedFiles, AreAcceptedFromStartToEnd) {
   EXPECT_FALSE(mainWindow().acceptsFiles);
 }
 
-TEST_F(DroppedFiles, ChangeNothingButThatTheControlWindowIsRepainted) {
+TEST_F(DroppedFiles, OnlyRepaintTheControlWindow) {
   const ProgramFolder folder;
   folder.writeCustomTransforms("Warm\n1 0 0 0\n0 1 0 0\n0 0 0.5 0\n");
   nullDesktop().commandLine = folder.program();

@@ -70,7 +70,7 @@ TEST_F(FullScreenOnASmallScreen, IsHitTransparentWithTheControlWindowWhenEntered
 }
 
 // The control window stays where it is, with a new name.
-TEST_F(FullScreenOnASmallScreen, LeavesTheControlWindowAloneWhereItIsShown) {
+TEST_F(FullScreenOnASmallScreen, LeavesAVisibleControlWindowAlone) {
   play([]() -> Script {
     place();
     co_yield keyDown('H');
@@ -88,7 +88,7 @@ TEST_F(FullScreenOnASmallScreen, LeavesTheControlWindowAloneWhereItIsShown) {
   });
 }
 
-TEST_F(FullScreenOnASmallScreen, EndsInTheFramedFormAtThePlaceBefore) {
+TEST_F(FullScreenOnASmallScreen, EndsWithAFrameAtTheFormerPlace) {
   const std::vector<Event (*)()> entries{[] { return keyDown('F'); }, [] { return command(54); }};
   const std::vector<Event (*)()> exits{[] { return keyDown('F'); }, [] { return command(54); }};
   for (const auto enter : entries) {
@@ -112,7 +112,7 @@ TEST_F(FullScreenOnASmallScreen, EndsInTheFramedFormAtThePlaceBefore) {
   }
 }
 
-TEST_F(FullScreenOnASmallScreen, EndsWithTheClosingOfTheControlWindow) {
+TEST_F(FullScreenOnASmallScreen, EndsWhenTheControlWindowIsClosed) {
   play([]() -> Script {
     place();
     co_yield keyDown('F');
@@ -161,7 +161,7 @@ TEST_F(FullScreen, IsLeftByF) {
   });
 }
 
-TEST_F(FullScreen, LetsTheTransformAndTheViewsBeChosen) {
+TEST_F(FullScreen, AllowsToChooseTheTransformAndTheViews) {
   play([]() -> Script {
     co_yield keyDown('F');
     co_yield keyDown('G');
@@ -185,7 +185,7 @@ TEST_F(FullScreen, UndocksTheColourSpaceWindowUntilKDocksItAgain) {
 }
 
 // Full screen was never entered, so the window returns to its first bounds.
-TEST_F(FullScreen, LeavesAWindowThatWasMaximisedFromTheStartForItsFirstPlace) {
+TEST_F(FullScreen, ReturnsAWindowMaximisedFromTheStartToItsFirstPlace) {
   play([]() -> Script {
     mainWindow().bounds = {0, 0, 1920, 1080};
     mainWindow().maximised = true;

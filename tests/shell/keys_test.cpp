@@ -153,7 +153,7 @@ const std::vector<KeyRow> keyRows{
     {.name = "F1", .key = 112, .calls = viewShown, .view = 705},
 };
 
-TEST_F(Keys, DoWhatTheyStandForInEveryWindow) {
+TEST_F(Keys, WorkInEveryWindow) {
   for (const char* window : {"main", "control", "colour space"}) {
     for (const KeyRow& row : keyRows) {
       SCOPED_TRACE(std::string(row.name) + " in " + window);
@@ -187,7 +187,7 @@ TEST_F(Keys, FEntersAndLeavesFullScreen) {
   });
 }
 
-TEST_F(Keys, WithoutAMeaningDoNothing) {
+TEST_F(Keys, WithoutAnActionDoNothing) {
   std::array<bool, 256> known{};
   for (const KeyRow& row : keyRows) known.at(static_cast<std::size_t>(row.key)) = true;
   known['F'] = true;
@@ -313,7 +313,7 @@ TEST_F(Keys, AnyOtherChangeAlsoEndsTheTabbedState) {
   });
 }
 
-TEST_F(Keys, TIsATritanKeyOnlyWhereEnabled) {
+TEST_F(Keys, TChoosesTritanOnlyIfEnabled) {
   for (const bool enabled : {false, true}) {
     SCOPED_TRACE(enabled);
     forgetEverything();

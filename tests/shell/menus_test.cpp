@@ -225,7 +225,7 @@ TEST_F(Menus, HoldTheirItemsInOrder) {
   }
 }
 
-TEST_F(Menus, AreNineAndNoneIsLeftBehind) {
+TEST_F(Menus, AreNineAndAllAreDestroyed) {
   start({"st", 3});
   play([]() -> Script {
     EXPECT_EQ(nullDesktop().menus.size(), 9U);
@@ -255,7 +255,7 @@ TEST_F(Menus, CountBuiltInItemsFromTheNumberOfCustomTransforms) {
 }
 
 // If an optional item is absent, the items behind it move up.
-TEST_F(Menus, RecordWhereTheMarkedItemsStand) {
+TEST_F(Menus, RecordThePositionsOfTheMarkedItems) {
   struct Row {
     const char* letters;
     int simulation, daltonize, inverse, swap, other;

@@ -72,7 +72,7 @@ const std::vector<RunRow> runRows{
     {"filter without a colour", {102, 150}, 12, "100% None Filter"},
 };
 
-TEST_F(SettingsRuns, GoOnWhereTheLastRunEnded) {
+TEST_F(SettingsRuns, ContinueWhereTheLastRunEnded) {
   const ProgramFolder folder;
   folder.writeCustomTransforms(customText(3));
   for (const RunRow& row : runRows) {
@@ -99,7 +99,7 @@ TEST_F(SettingsRuns, GoOnWhereTheLastRunEnded) {
   }
 }
 
-TEST_F(SettingsRuns, ForgetWhatIsNotStored) {
+TEST_F(SettingsRuns, ForgetEverythingElse) {
   play([]() -> Script {
     co_yield keyDown('B');
     for (int turn = 0; turn < 30; ++turn) co_yield wheel(true);

@@ -75,7 +75,7 @@ TEST_F(SelectionEncoding, IsReversedByDecoding) {
   }
 }
 
-TEST_F(SelectionEncoding, OfTheFullRedFilterBringsItsColourButNoName) {
+TEST_F(SelectionEncoding, OfTheFullRedFilterSetsItsColourButNoName) {
   Settings settings;
   settings.filterRed = 0.0;
   settings.filterName = "Cyan";
@@ -184,7 +184,7 @@ void setFilter(Settings& settings, const FilterColour& filter) {
   settings.filterBlue = filter.blue;
 }
 
-TEST_F(LoadedSettings, BringTheColourOfTheFilter) {
+TEST_F(LoadedSettings, SetTheColourOfTheFilter) {
   for (const FilterColour& filter : filterColours) {
     SCOPED_TRACE(filter.name);
     expectLoaded({{"Filter", filter.stored}}, [&](Settings& s) { setFilter(s, filter); });
@@ -253,7 +253,7 @@ TEST_F(LoadedSettings, TakeOptionAndViewAsTheyAre) {
   }
 }
 
-TEST_F(LoadedSettings, TakeAnythingButZeroAsTrue) {
+TEST_F(LoadedSettings, TreatEverythingButZeroAsTrue) {
   for (const std::uint32_t stored : {0U, 1U, 2U, 0x80000000U, 0xFFFFFFFFU}) {
     SCOPED_TRACE(stored);
     const bool expected = stored != 0;
@@ -267,7 +267,7 @@ TEST_F(LoadedSettings, TakeAnythingButZeroAsTrue) {
 }
 
 // Each value that is missing leaves its default, and the others are read all the same.
-TEST_F(LoadedSettings, DoWithoutAMissingValue) {
+TEST_F(LoadedSettings, KeepTheDefaultOfAMissingValue) {
   const Store whole{{"Selected", 10}, {"ScrollPc", 40},  {"Filter", 104},
                     {"Swap", 202},    {"Option", 2},     {"Inversion", 1},
                     {"Daltonize", 1}, {"ColorSpace", 0}, {"View", 704}};

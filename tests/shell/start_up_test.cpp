@@ -67,7 +67,7 @@ TEST_F(StartUp, TakesItsStepsInOrderUpToTheMenus) {
   EXPECT_EQ(colourSpaceView.cameraDistance, 4.0F) << "The camera is not set up.";
 }
 
-TEST_F(StartUp, BuildsEveryMenuAnewAndTheMainMenuLast) {
+TEST_F(StartUp, RebuildsEveryMenuAndTheMainMenuLast) {
   playNothing();
   const Calls& calls = nullDesktop().calls;
   auto call = std::ranges::find_if(calls, [](const auto& c) { return c.starts_with("destroy"); });
@@ -150,7 +150,7 @@ TEST_F(StartUp, CentresTheMainWindowOnTheScreen) {
   }
 }
 
-TEST_F(StartUp, HandsTheSavedViewToTheRenderer) {
+TEST_F(StartUp, PassesTheSavedViewToTheRenderer) {
   for (const std::uint32_t view : {702U, 703U, 704U, 705U}) {
     SCOPED_TRACE(view);
     forgetEverything();
@@ -176,7 +176,7 @@ TEST_F(StartUp, ComputesAFirstMatrixFromTheLoadedSettings) {
   EXPECT_NEAR(modelContext.uninvertedMatrix[0], 0.539009, 1e-6);
 }
 
-TEST_F(StartUp, HandsTheEffectMatrixToTheMagnifier) {
+TEST_F(StartUp, PassesTheEffectMatrixToTheMagnifier) {
   playNothing();
   EXPECT_EQ(nullDesktop().colourEffect, effectMatrix);
   EXPECT_NE(effectMatrix, identityEffectMatrix);
@@ -187,7 +187,7 @@ struct Failure {
   Calls calls;  // after the nine menus
 };
 
-TEST_F(StartUp, EndsAtOnceWhereTheDesktopLacksSomething) {
+TEST_F(StartUp, EndsAtOnceIfTheDesktopLacksSomething) {
   const Calls untilMain{"startMagnifier", "readValues", "registerWindowKinds", createMain};
   const std::vector<Failure> rows{
       {"service", {"startMagnifier"}},
@@ -241,7 +241,7 @@ TEST_F(ShutDown, StopsAPendingTitleTimerAfterTheSettingsAreSaved) {
   EXPECT_FALSE(mainWindow().timer);
 }
 
-TEST_F(ShutDown, ReturnsWhatTheProgramWasToldToEndWith) {
+TEST_F(ShutDown, ReturnsTheRequestedExitStatus) {
   for (const int told : {0, 7}) {
     forgetEverything();
     const int result = play([told]() -> Script {
@@ -303,7 +303,7 @@ TEST_F(CommandLineLetters, AreNotLookedForInTheProgramsOwnPath) {
   EXPECT_FALSE(shellState.tritanEnabled);
 }
 
-TEST_F(CommandLineLetters, OffTakeTheTritanItemAndTheAlgorithmsOutOfTheMenu) {
+TEST_F(CommandLineLetters, RemoveTheTritanItemAndTheAlgorithmsWhenOff) {
   for (const bool on : {false, true}) {
     SCOPED_TRACE(on);
     forgetEverything();

@@ -145,7 +145,7 @@ TEST_F(Sizing, OfTheControlWindowChangesNothing) {
   });
 }
 
-TEST_F(Sizing, OfTheColourSpaceWindowMakesTheRendererFollow) {
+TEST_F(Sizing, OfTheColourSpaceWindowResizesTheRenderer) {
   play([]() -> Script {
     co_yield keyDown('H');
     const std::vector<EventKind> kinds{EventKind::Sized, EventKind::Sizing};
@@ -186,7 +186,7 @@ TEST_F(Sizing, RemembersASizeThatTheRendererRefuses) {
 }
 
 // The margins are 0 in this version; they are taken off wherever the magnifier is placed.
-TEST_F(ViewTracking, TakesTheMarginsOff) {
+TEST_F(ViewTracking, LeavesTheMarginsOut) {
   shellState.magnifierTopOffset = 20;
   shellState.magnifierRightMargin = 30;
   play([]() -> Script {

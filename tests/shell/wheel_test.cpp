@@ -107,7 +107,7 @@ TEST_F(WheelInEveryMode, StaysWithinTheRangeOfTheValue) {
   }
 }
 
-TEST_F(WheelInEveryMode, IsTurnedByKeysToo) {
+TEST_F(WheelInEveryMode, WorksByKeysToo) {
   for (const WheelRow& row : wheelRows) {
     for (const auto& [key, up] : std::vector<std::pair<int, bool>>{
              {33, true}, {107, true}, {187, true}, {34, false}, {109, false}, {189, false}}) {
@@ -136,7 +136,7 @@ TEST_F(Wheel, AppliesInvalidatesAndRepaints) {
   });
 }
 
-TEST_F(Wheel, CountsInEveryWindow) {
+TEST_F(Wheel, WorksInEveryWindow) {
   play([]() -> Script {
     double expected = 1.0;
     const std::vector<platform::Window*> windows{&mainWindow(), &controlWindow(),

@@ -142,7 +142,7 @@ TEST_F(ApplyTransform, KeepsItsAlphaRowAndColumnThroughAnySequenceOfApplications
   }
 }
 
-TEST_F(ApplyTransform, LosesTheOffsetsOfTheModeBefore) {
+TEST_F(ApplyTransform, DropsTheOffsetsOfTheModeBefore) {
   transformSettings.Selected = Mode::Invert;
   applyTransform();
   EXPECT_EQ(effectMatrix[4][0], 1.0F);
@@ -319,7 +319,7 @@ TEST_F(TransformOff, EndsBeforeTheViewsAreRefreshed) {
   EXPECT_EQ(callsOfApplication().back(), "refresh");
 }
 
-TEST_F(ApplyTransform, IsAppliedWithNothingAroundTheEngine) {
+TEST_F(ApplyTransform, WorksWithoutAProgramAroundTheEngine) {
   transformDisplay = recordsAtStart().display;
   transformSettings.Selected = Mode::Protan;
   applyTransform();

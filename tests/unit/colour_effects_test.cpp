@@ -190,7 +190,7 @@ TEST(ColourSwaps, AverageTheirChannelsAtHalfStrength) {
                          {{{1, 0, 0, 0}, {0, 0.5, 0.5, 0}, {0, 0.5, 0.5, 0}}});
 }
 
-TEST(ColourSwaps, RedAndBlueAtFullStrengthIsTheSwapInFull) {
+TEST(ColourSwaps, RedAndBlueAtFullStrengthChangePlaces) {
   const ColourEffect inFull = swapEffect(ColourSwap::RedBlueInFull, 0.3);
   const ColourEffect atFullStrength = swapEffect(ColourSwap::RedBlue, 1.0);
   EXPECT_EQ(atFullStrength.matrix, inFull.matrix);

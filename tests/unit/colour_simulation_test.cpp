@@ -112,7 +112,7 @@ TEST(Brettel1997, KeepsTheTwoRemainingConesAndLandsOnTheHalfPlaneOfItsSide) {
   }
 }
 
-TEST(Brettel1997, GreysStayAndNoSeverityChangesNothing) {
+TEST(Brettel1997, LeavesGreysAlwaysAndColoursAtSeverityZero) {
   std::mt19937 random(1);
   for (const CvdType type : types) {
     for (const double grey : {0.0, 0.2, 0.5, 1.0}) {

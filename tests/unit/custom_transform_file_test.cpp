@@ -186,7 +186,7 @@ TEST(CustomFile, ALineOfThreeOrFiveNumbersEndsTheReading) {
   }
 }
 
-TEST(CustomFile, AFieldCountsForItsLongestLeadingNumber) {
+TEST(CustomFile, AFieldIsReadAsItsLongestLeadingNumber) {
   constexpr std::array<float, 4> expected{0.5F, 0.5F, -2.0F, 300.0F};
   EXPECT_EQ(firstRow("0.5abc 0.5.5 -2- 3e2%"), expected);
   constexpr std::array<float, 4> others{5.0F, 0.5F, 1.0F, 0.25F};
@@ -364,13 +364,13 @@ TEST_F(CustomFileLoading, FindsTheFileInTheCurrentDirectoryWithoutADirectoryOnTh
   expectCounted(customTransforms[0], "here");
 }
 
-TEST_F(CustomFileLoading, WithoutAFileAddsNothingAndSaysNothing) {
+TEST_F(CustomFileLoading, WithoutAFileAddsNothingAndReportsNothing) {
   load();
   EXPECT_TRUE(customTransforms.empty());
   EXPECT_TRUE(displayRecord.calls.empty());
 }
 
-TEST_F(CustomFileLoading, KeepsTheEntriesBeforeAMalformedRecordInSilence) {
+TEST_F(CustomFileLoading, KeepsTheEntriesBeforeAMalformedRecordAndReportsNothing) {
   write("one\n" + countedText + "two\n1 2 3\n5 6 7 8\n9 10 11 12\nthree\n" + countedText);
   load();
   ASSERT_EQ(customTransforms.size(), 1U);

@@ -197,7 +197,7 @@ TEST(PictureFilter, EachSideOfADivisionHasItsOwnEffect) {
   EXPECT_GT(std::min(met[0], met[1]), 100);
 }
 
-TEST(PictureFilter, WhatIsNoNumberBecomesBlackAndInfinitySaturates) {
+TEST(PictureFilter, NotANumberBecomesBlackAndInfinitySaturates) {
   ColourEffect effect;
   effect.matrix[0] = std::numeric_limits<double>::quiet_NaN();
   effect.matrix[4] = std::numeric_limits<double>::infinity();

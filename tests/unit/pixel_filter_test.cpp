@@ -178,7 +178,7 @@ TEST(PixelFilter, InfinitiesSaturateTowardsTheirSign) {
   EXPECT_EQ(filtered(matrix, source), (Bytes{255, 0, 255, 40, 255, 0, 255, 255}));
 }
 
-TEST(PixelFilter, WhatIsNotANumberBecomesBlackAndTouchesNoOtherChannel) {
+TEST(PixelFilter, NotANumberBecomesBlackInItsChannelAlone) {
   // An infinite coefficient of a channel that is 0, opposite infinities, and NaN itself.
   const EffectMatrix zeroTimesInfinity =
       matrixOf({{{infinity, 0, 0}, {0, 1, 0}, {0, 0, 1}}}, {0, 0, 0});

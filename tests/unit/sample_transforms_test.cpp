@@ -194,7 +194,7 @@ TEST(SampleTransforms, NightVisionIsTheLuminanceInRedLight) {
   }
 }
 
-TEST(SampleTransforms, WarmLightTakesMostFromBlueAndNothingFromRed) {
+TEST(SampleTransforms, WarmLightReducesBlueMostAndKeepsRed) {
   const Colour paper = seen("Warm evening light", white);
   EXPECT_EQ(paper[0], 1.0);
   EXPECT_LT(paper[1], paper[0]);

@@ -193,7 +193,7 @@ TEST(IntegrateConeMatrix, DividesTheResponsesOfEachConeByTheirSum) {
   expectSameMatrix(model.rgbToOpponent, {});
 }
 
-TEST(IntegrateConeMatrix, HasNoWayBackWhenTwoConesAreOne) {
+TEST(IntegrateConeMatrix, HasNoInverseWhenTwoConesAreEqual) {
   ConeModel model;
   model.lmsToRgb.fill(7.0);
   SpectralCurve red{};

@@ -182,7 +182,7 @@ TEST(Titles, SeverityZeroUsesTheAnomalousWord) {
             " Simulation - Tritanomalous 0% severity");
 }
 
-TEST(Titles, AHairBelowFullSeverityIsStillAnomalous) {
+TEST(Titles, JustBelowFullSeverityIsStillAnomalous) {
   EXPECT_EQ(transformTitle(cvdSettings(Mode::Deutan, 0.999999)),
             " Simulation - Deuteranomalous 100% severity");
   EXPECT_EQ(transformTitle(cvdSettings(Mode::Protan, std::nextafter(1.0, 0.0))),

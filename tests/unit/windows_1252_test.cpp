@@ -30,7 +30,7 @@ TEST(Windows1252, HasTypographersCharactersInTheMiddle) {
   }
 }
 
-TEST(Windows1252, KeepsTheNumbersOfBytesThatStandForNothing) {
+TEST(Windows1252, KeepsTheNumbersOfUnassignedBytes) {
   for (const char byte : {'\x81', '\x8D', '\x8F', '\x90', '\x9D'}) {
     const auto number = static_cast<unsigned char>(byte);
     EXPECT_EQ(toCodePoint(byte), char16_t{number});
@@ -38,7 +38,7 @@ TEST(Windows1252, KeepsTheNumbersOfBytesThatStandForNothing) {
   }
 }
 
-TEST(Windows1252, LacksEverythingElse) {
+TEST(Windows1252, HasNoOtherCharacters) {
   for (const char16_t codePoint : {u'\u0080', u'\u0099', u'\u0100', u'Ж', u'日', u'\uFFFF'}) {
     EXPECT_EQ(fromCodePoint(codePoint), std::nullopt) << static_cast<unsigned>(codePoint);
   }

@@ -1,5 +1,5 @@
-// Many files at once: on several threads, with a progress bar, and with one complaint for each that
-// fails.
+// Handles many files on several threads, with a progress bar and one error message for each file
+// that fails.
 #pragma once
 
 #include <cstddef>
@@ -9,9 +9,9 @@
 
 namespace tintora::cli {
 
-// Runs step(i) for every name on so many threads, at least one, and returns how many steps threw.
-// Each of those is complained about in a line of its own, and does not keep the others back. The
-// progress bar shows the names.
+// Runs step(i) for every name on this many threads, at least one, and returns how many steps threw.
+// Prints one line of error for each of those and continues with the others. The progress bar shows
+// the names.
 std::size_t runBatch(const std::vector<std::string>& names, std::size_t threads, bool showsProgress,
                      const std::function<void(std::size_t)>& step);
 

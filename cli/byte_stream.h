@@ -1,4 +1,5 @@
-// Bytes in and out, piece by piece, for codecs that must not be left by exceptions.
+// Reads and writes bytes piece by piece without throwing, because exceptions must not pass through
+// the codecs.
 #pragma once
 
 #include <cstddef>
@@ -19,8 +20,7 @@ struct Descriptor {
   ~Descriptor();
 };
 
-// Where an image is read from: memory, or an open file, of which a piece at a time is in the
-// buffer.
+// What an image is read from: memory, or an open file that is read into the buffer piece by piece.
 struct ByteSource {
   std::span<const std::uint8_t> rest;  // read and not yet taken
   int descriptor = -1;                 // -1: there is no more than the rest
@@ -34,7 +34,7 @@ bool refill(ByteSource& source) noexcept;
 // Returns the next bytes, as many as asked for if the file has them, and leaves them in the source.
 std::span<const std::uint8_t> peek(ByteSource& source, std::size_t count);
 
-// Where an image is written to: the bytes, or an open file that they are flushed to.
+// What an image is written to: memory, or an open file to which the bytes are flushed.
 struct ByteSink {
   std::vector<std::uint8_t> bytes;
   int descriptor = -1;  // -1: all bytes are kept

@@ -17,8 +17,8 @@ std::string fixed(double value, int decimals);
 // Returns true if the viewer at that place loses the pair.
 bool isLostTo(const Finding* finding, std::size_t viewer);
 
-// Returns the finding about a pair, null if it is none. Findings come in the order of the pairs, so
-// that `next`, 0 at first, leads from one to the next.
+// Returns the finding about a pair, or null if there is none. Findings come in the order of the
+// pairs: `next` is 0 at first and moves to the finding behind the one returned.
 const Finding* findingOf(const PaletteCheck& check, std::size_t pair, std::size_t& next);
 
 }  // namespace tintora::cli

@@ -1,5 +1,5 @@
-// The parts of EXIF data that a filtered picture must not carry along unchanged. Edited in place,
-// so that everything else, makers' notes included, stays byte for byte.
+// Edits the parts of EXIF data that would be wrong in a filtered picture, in place, so that
+// everything else, including makers' notes, stays the same byte for byte.
 #pragma once
 
 #include <cstdint>
@@ -14,10 +14,10 @@ bool isExif(std::span<const std::uint8_t> exif);
 // Returns the orientation, 1 to 8 as EXIF 2.3 numbers them; 1, upright, if none is stated.
 int exifOrientation(std::span<const std::uint8_t> exif);
 
-// Sets an orientation that is stated to upright.
+// Sets the orientation to upright if the data states one.
 void setExifUpright(std::vector<std::uint8_t>& exif);
 
-// Cuts the thumbnail off, which would show the picture as it was.
+// Removes the thumbnail, which would show the unfiltered picture.
 void dropExifThumbnail(std::vector<std::uint8_t>& exif);
 
 }  // namespace tintora::cli

@@ -46,7 +46,7 @@ void addFilterArguments(CLI::App& command, FilterRequest& request);
 // input or another output, or be binary data on a terminal.
 FilterPlan planFilterJobs(const FilterRequest& request);
 
-// Puts one image through the transform; its output appears whole or not at all. Throws RunError.
+// Filters one image. Its output appears whole or not at all. Throws RunError.
 void filterImage(const FilterJob& job, const FilterRequest& request, const FilterSet& filters);
 
 }  // namespace tintora::cli

@@ -1,4 +1,4 @@
-// One image file through a transform, row by row.
+// Filters an image file row by row.
 #pragma once
 
 #include <cstdint>
@@ -23,10 +23,10 @@ struct StreamOptions {
   std::uint64_t pixelLimit;
 };
 
-// Reads, filters and writes an image. Whole rows are kept only of interlaced PNG, of progressive
-// JPEG and of a picture that is turned: where JPEG becomes PNG, whose readers ignore an EXIF
-// orientation, it is applied. EXIF thumbnails are cut off. The sink is flushed at the end. Throws
-// the errors above; what the sink then holds is no image.
+// Reads, filters and writes an image, and flushes the sink. If JPEG becomes PNG, applies the EXIF
+// orientation, which readers of PNG ignore. Removes EXIF thumbnails. Keeps the whole picture in
+// memory only for interlaced PNG, progressive JPEG and pictures that are turned. Throws the errors
+// above; the sink then holds no valid image.
 void filterStream(ByteSource& source, ByteSink& sink, const FilterSet& filters,
                   const StreamOptions& options);
 

@@ -1,5 +1,4 @@
-// The rows of an image through a transform, in the layout that comes nearest to the one they came
-// in.
+// Filters the rows of an image and keeps their layout as far as possible.
 #pragma once
 
 #include <cstdint>
@@ -12,8 +11,8 @@
 
 namespace tintora::cli {
 
-// A transform made ready for both depths, the deeper one when it is first needed. It may be used by
-// several threads.
+// A transform prepared for samples of 8 bits and, once they are needed, of 16. Several threads may
+// use it.
 struct FilterSet {
   explicit FilterSet(const ColourTransform& transform);
 
@@ -27,19 +26,19 @@ struct FilterSet {
   mutable PictureFilter bits16;
 };
 
-// How the rows of one image become those of the filtered one.
+// The header of the filtered image, and the function that filters a row.
 struct RowFilter {
   RowsHeader header;  // of the filtered image
   std::function<void(const std::uint8_t* row, std::uint8_t* filtered)> filterRow;
 };
 
-// Plans it for a format: palettes, greys and 16 bits stay what they are where the transform and the
-// format allow. In linear light a colour profile other than sRGB is converted to sRGB and left out;
-// otherwise it stays if it is for the colours of the filtered image. The filters must outlive the
-// plan.
+// Returns the row filter for an output format. Keeps palettes, greys and 16 bits if the transform
+// and the format allow it. In linear light, converts colours to sRGB by the colour profile and
+// leaves the profile out; otherwise keeps a profile that suits the filtered colours. The filters
+// must outlive the result.
 RowFilter planRowFilter(const RowsHeader& header, const FilterSet& filters, ImageFormat format);
 
-// Plans the change of any layout into Bgra8, without a filter.
+// Returns the row filter that converts any layout to Bgra8 and changes no colour.
 RowFilter planPlainRows(const RowsHeader& header);
 
 }  // namespace tintora::cli

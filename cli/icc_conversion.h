@@ -10,11 +10,10 @@ namespace tintora::cli {
 
 enum class ProfileColours { None, Grey, Rgb };  // None: damaged, or for other colours
 
-// Returns what a profile is for, as its header says.
+// Returns the kind of colours that the header of a profile names.
 ProfileColours profileColours(std::span<const std::uint8_t> profile);
 
-// A conversion from a profile's colours to sRGB, relative colorimetric. It may be used by several
-// threads.
+// A relative colorimetric conversion from a profile's colours to sRGB. Several threads may use it.
 struct SrgbConversion;
 
 // Returns the conversion, or null for a profile that cannot be used or changes no colour by half a

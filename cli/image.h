@@ -1,4 +1,4 @@
-// What an image is between its file and its pixels.
+// Images as they pass row by row between files and filters.
 #pragma once
 
 #include <array>
@@ -19,8 +19,8 @@ struct ImageError : std::runtime_error {
 
 enum class ImageFormat { Png, Jpeg };
 
-// How many pixels there are meant to be to a unit of length, in the unit that the file gave.
-// Without a unit only the ratio of the two counts.
+// Pixels for each unit of length, in the unit of the file. Without a unit only the ratio of the two
+// numbers has a meaning.
 struct PixelDensity {
   enum class Unit { None, Inch, Centimetre, Metre };
   std::uint32_t across = 0, down = 0;
@@ -28,8 +28,8 @@ struct PixelDensity {
   bool operator==(const PixelDensity&) const = default;
 };
 
-// What a PNG file without a colour profile can say about its colours. It is only carried along: the
-// pixels are as they stand in the file.
+// What a PNG file without a colour profile can say about its colours. It is copied to the output
+// and does not affect the pixels.
 struct PngColourSpace {
   std::optional<int> srgbIntent;      // the rendering intent of an sRGB image, 0..3
   std::optional<std::int32_t> gamma;  // of the file, in 1/100000
@@ -84,15 +84,15 @@ unsigned indexAt(const std::uint8_t* row, std::size_t x, int indexBits);
 struct ImageReader {
   RowsHeader header;
   std::function<void(std::uint8_t* row)> readRow;
-  // Checks the file up to its end, and returns EXIF data that stood behind the pixels.
+  // Checks the rest of the file, and returns EXIF data found behind the pixels.
   std::function<std::vector<std::uint8_t>()> finish;
 };
 
 // An image that is written row by row from the top. Both functions throw ImageError.
 struct ImageWriter {
   std::function<void(const std::uint8_t* row)> writeRow;
-  // With EXIF data for an image that has been written without; ignored if the format has no place
-  // for it any more.
+  // Finishes the file. Adds EXIF data that was found behind the pixels of the input, if the format
+  // has a place for it there.
   std::function<void(std::span<const std::uint8_t> lateExif)> finish;
 };
 

@@ -20,12 +20,11 @@ inline constexpr std::uint64_t defaultPixelLimit = std::uint64_t{1} << 28;
 inline constexpr std::uint64_t highestPixelLimit = std::uint64_t{1} << 40;
 inline constexpr int defaultJpegQuality = 95;
 
-// Reads a PNG or JPEG file, told apart by how it begins. Every kind of PNG is read, 16 bits per
-// channel rounded to 8, but no animation; JPEG in greyscale or colour, but not in CMYK. A profile
-// for other than RGB colours and damaged profiles and EXIF data are left out, as are texts and
-// other remarks. Throws ImageError for a file that is neither, is damaged or cut short anywhere up
-// to its end marker, has no pixels, or has more than pixelLimit of them
-// .
+// Reads a PNG or JPEG file; its first bytes tell which it is. Reads every kind of PNG but
+// animations, rounding 16 bits per channel to 8, and JPEG in greyscale or colour, but not in CMYK.
+// Leaves out profiles for other than RGB colours, damaged profiles and EXIF data, and texts. Throws
+// ImageError if the file is neither, is damaged or truncated anywhere before its end marker, or has
+// no pixels or more than pixelLimit.
 Image decodeImage(std::span<const std::uint8_t> file, std::uint64_t pixelLimit = defaultPixelLimit);
 
 // Writes the image with its profile, its EXIF data and, unless it is out of the range of the
@@ -37,8 +36,8 @@ Image decodeImage(std::span<const std::uint8_t> file, std::uint64_t pixelLimit =
 std::vector<std::uint8_t> encodeImage(const Image& image, ImageFormat format,
                                       int quality = defaultJpegQuality);
 
-// Opens such a file to be read row by row, in the layout that it has; the source must outlive the
-// reader. Damaged profiles and EXIF data are left out. Throws ImageError.
+// Opens such a file for reading row by row, in its own layout, without damaged profiles and EXIF
+// data. The source must outlive the reader. Throws ImageError.
 ImageReader openImage(ByteSource& source, std::uint64_t pixelLimit);
 
 // Returns true if the file begins like JPEG.

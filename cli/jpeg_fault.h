@@ -46,8 +46,8 @@ template <typename Codec>
   std::longjmp(fault.jump, 1);  // NOLINT(cert-err52-cpp)
 }
 
-// libjpeg only warns of damage, fills in what it lacks and goes on; such a picture must not pass
-// for the real one. The oddities here leave the pixels as they are or as every viewer shows them.
+// libjpeg only warns about damage, and fills in missing pixels. Such a picture must be refused. The
+// warnings listed here are harmless: every viewer shows the same pixels.
 inline void jpegWarned(j_common_ptr codec, int level) {
   if (level >= 0) return;
   switch (codec->err->msg_code) {

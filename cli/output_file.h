@@ -13,7 +13,8 @@ namespace tintora::cli {
 // Every failure below is a std::runtime_error of one line that says what could not be read or
 // written, and why.
 
-// The bytes of a file of at most limit bytes, or of standard input for "-".
+// Returns the bytes of a file, or of standard input for "-". Throws if there are more than the
+// limit.
 std::vector<std::uint8_t> readFileWhole(const std::filesystem::path& source, std::uint64_t limit);
 
 // Puts the contents into a file, new or replaced: the file then holds all of them, or after a

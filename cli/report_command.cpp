@@ -48,7 +48,7 @@ ReportSection pictureSection(const std::string& path, const Image& picture,
   return section;
 }
 
-// A file is read once, for it may be a pipe.
+// Reads the file only once, because it may be a pipe.
 ReportSection fileSection(const std::string& path, const ReportRequest& request) {
   const std::vector<std::uint8_t> contents = readFileWhole(path, mostPictureBytes);
   if (isPicture(contents)) return pictureSection(path, decodePicture(path, contents), request);

@@ -20,7 +20,7 @@ std::string toUtf8(std::string_view text);
 // control characters and bytes that are not UTF-8 become question marks, line feeds blanks.
 std::string printable(std::string_view text);
 
-// Returns as much of the front of a UTF-8 text as takes no more than so many columns of a terminal.
+// Returns the longest prefix of a UTF-8 text that fits into this many columns of a terminal.
 std::string leadingColumns(std::string_view text, std::size_t columns);
 
 }  // namespace tintora::cli

@@ -108,7 +108,7 @@ Colour fromLab(const Lab& lab) {
 }
 
 double ciede2000(const Lab& first, const Lab& second) {
-  // Greys are brought apart in a, more so the less chroma there is.
+  // CIEDE2000 stretches a near the neutral axis.
   const double meanChroma = (std::hypot(first.a, first.b) + std::hypot(second.a, second.b)) / 2.0;
   const double g = 0.5 * (1.0 - chromaShare(meanChroma));
   const double a1 = (1.0 + g) * first.a;

@@ -164,7 +164,7 @@ PaletteText readPalette(std::string_view text) {
   if (text.find('\0') != std::string_view::npos) throw PaletteError("this is no text file");
   if (text.starts_with(gimpHeader)) return readGimpPalette(text);
   if (trim(text).starts_with('[')) {
-    // A list in another notation, or a section of a settings file, may begin alike.
+    // Other lists, and sections of settings files, begin with the same bracket.
     try {
       return readJsonPalette(text);
     } catch (const PaletteError&) {

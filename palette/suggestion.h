@@ -17,10 +17,10 @@ struct CheckedPalette {
   CheckLimits limits;
 };
 
-// Returns the nearest change, by CIEDE2000, of one of the two colours that keeps the promises of
-// Suggestion; none if there is none. It changes lightness alone if that is enough, with as much of
-// the chroma as the display has at that lightness. Else it looks at a grid over every hue and
-// chroma, unless the palette has more than 32 colours.
+// Returns the smallest change of one of the two colours, by CIEDE2000, that makes a Suggestion;
+// nothing if there is none. Changes lightness alone if that is enough, and keeps as much chroma as
+// the display can show at that lightness. Otherwise searches every hue and chroma, unless the
+// palette has more than 32 colours.
 std::optional<Suggestion> suggestChange(const CheckedPalette& palette, std::size_t first,
                                         std::size_t second);
 

@@ -31,7 +31,7 @@ inline constexpr Relative toggleHitTransparency{53};
 inline constexpr Relative toggleFullScreen{54};
 inline constexpr Relative openUserGuide{55};
 
-// Labels carry it; nothing can choose them.
+// The id of labels, which cannot be chosen.
 inline constexpr int label = 99;
 
 inline constexpr int firstAbsolute = 100;

@@ -47,7 +47,7 @@ void showControlWindow() {
   state.mainBounds = platform::windowBounds(state.mainWindow);
   const double scale = platform::windowScale(state.controlWindow);
   centreOverMainWindow(scale);
-  // There it may be on another screen, with another scale.
+  // It may now be on another screen, with another scale.
   const double scaleThere = platform::windowScale(state.controlWindow);
   if (scaleThere != scale) centreOverMainWindow(scaleThere);
   platform::showWindow(state.controlWindow, ShowState::Shown);

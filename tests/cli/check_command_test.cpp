@@ -48,7 +48,7 @@ Words hexes(const Json& answer) {
   return found;
 }
 
-// A picture of stripes, each one pixel row high.
+// Returns a picture of stripes, each one pixel high.
 std::string pngOf(const std::vector<std::vector<std::uint8_t>>& stripes) {
   cli::Image image;
   image.width = 10;

@@ -16,7 +16,8 @@
 namespace tintora::cli {
 namespace {
 
-// One directory with an orientation, and another with a thumbnail of five bytes at the end.
+// Returns EXIF data of two directories: one with an orientation, and one with a thumbnail of five
+// bytes at the end.
 Bytes exifWithThumbnail(int orientation, bool bigEndian) {
   Bytes exif = bytesOf(bigEndian ? "MM\0*"s : "II*\0"s);
   const auto number = [&](std::uint32_t value, std::size_t bytes) {
@@ -69,7 +70,7 @@ TEST(Exif, TheOrientationIsOneToEightHoweverDamagedTheData) {
     exif.at(19) = wrong;
     EXPECT_EQ(exifOrientation(exif), 1);
   }
-  // Cut short anywhere it must not be read past its end.
+  // Truncated data must not be read beyond its end.
   for (std::size_t size = 0; size < exifOf().size(); ++size) {
     const Bytes whole = exifOf();
     const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));

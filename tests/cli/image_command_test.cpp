@@ -173,7 +173,7 @@ TEST(FilterCommand, RefusesBrokenImagesAndWritesNothing) {
   const std::string png = encoded(colourfulImage(true), ImageFormat::Png);
   const std::string jpeg = encoded(colourfulImage(false), ImageFormat::Jpeg);
   std::string huge = png;
-  // Width and height 2^30; the check sum that follows is wrong as well, whichever is seen first.
+  // Width and height are 2^30; the checksum behind them is wrong, too.
   huge.replace(16, 8, std::string("\x40\0\0\0\x40\0\0\0", 8));
   const struct {
     const char* description;

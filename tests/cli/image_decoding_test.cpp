@@ -231,12 +231,12 @@ TEST(DecodeImage, RefusesAFileCutShortAtAnyLength) {
   constexpr std::size_t longestSignature = 8;
   const Bytes jpeg = smallRichJpeg(false);
   const std::size_t end = findMarker(jpeg, endMarker, true);
-  // All its pixels are there before its last remark.
+  // All its pixels stand before its last chunk.
   const Bytes remarkAtEnd = joined(slice(jpeg, 0, end), bytesOf("\xFF\xFE\0\x07hello\xFF\xD9"s));
   JpegSpec arithmetic;
   arithmetic.arithmetic = true;
 
-  // Up to the last byte: that of a PNG belongs to a checksum, that of a JPEG to the end marker.
+  // Even without the last byte, which belongs to a checksum in PNG and to the end marker in JPEG.
   for (const Bytes& file :
        {smallRichPng(), pngFile(randomPng(PNG_COLOR_TYPE_RGB_ALPHA, 16)), jpeg, smallRichJpeg(true),
         jpegFile(smoothImage(9, 9), arithmetic), remarkAtEnd}) {

@@ -145,7 +145,7 @@ struct Passage {
 
 class CarriedAcross : public testing::TestWithParam<Passage> {
  protected:
-  // The image read from a file of the first format, written in the second and read again.
+  // Returns the image read from a file of the first format, written in the second and read again.
   Image carried(const Bytes& iccProfile, const Bytes& exif) const {
     return decodeImage(encodeImage(decodeImage(source(iccProfile, exif)), GetParam().to));
   }
@@ -159,7 +159,7 @@ class CarriedAcross : public testing::TestWithParam<Passage> {
     }
     JpegSpec spec;
     spec.iccProfile = iccProfile;
-    // Another remark under the marker that EXIF data has as well.
+    // Other data under the marker of EXIF data.
     spec.markers = {{JPEG_APP0 + 1, bytesOf("http://example.org/\0<x/>"s)}};
     if (!exif.empty()) {
       spec.markers.emplace_back(JPEG_APP0 + 1, joined(bytesOf("Exif\0\0"s), exif));
@@ -225,15 +225,15 @@ TEST(Carrying, KeepsTheRgbProfileOfAGreyJpegFile) {
 }
 
 TEST(Carrying, LeavesOutADamagedProfileAndKeepsThePicture) {
-  // A segment of several is missing.
+  // One of several segments is missing.
   JpegSpec spec;
   spec.markers = {{JPEG_APP0 + 2, joined(bytesOf("ICC_PROFILE\0\x01\x02"s), profileOf("RGB "))}};
   const Bytes half = jpegFile(smoothImage(8, 8), spec);
-  // The size that it states is another.
+  // It states a wrong size.
   spec.markers = {{JPEG_APP0 + 2,
                    joined(bytesOf("ICC_PROFILE\0\x01\x01"s), joined(profileOf("RGB "), Bytes(1)))}};
   const Bytes longer = jpegFile(smoothImage(8, 8), spec);
-  // What should be compressed is not.
+  // The data is not compressed.
   const Bytes plain = pngFile(randomPng(PNG_COLOR_TYPE_RGB, 8));
   const Bytes raw = withChunkBefore(
       plain, "IDAT", pngChunk("iCCP", joined(bytesOf("profile\0\0"s), profileOf("RGB "))));

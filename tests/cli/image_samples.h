@@ -43,7 +43,7 @@ inline std::uint32_t bigEndian32(const Bytes& bytes, std::size_t at) {
   return value;
 }
 
-// What decodeImage says of a file it refuses; nothing if it does not refuse it.
+// Returns the error with which decodeImage refuses a file, or nothing if it reads it.
 inline std::optional<std::string> refusalOf(const Bytes& file,
                                             std::uint64_t limit = defaultPixelLimit) {
   try {
@@ -68,7 +68,8 @@ inline bool contains(const std::optional<std::string>& text, std::string_view pa
   return text && text->find(part) != std::string::npos;
 }
 
-// A profile of a colour space of four letters: a header, no tags, and a filling up to the size.
+// Returns a colour profile of this size: a header that names the colour space, no tags, and
+// padding.
 inline Bytes profileOf(std::string_view colourSpace, std::size_t size = 300) {
   Bytes profile(size);
   std::mt19937 random(7);
@@ -88,7 +89,7 @@ inline Bytes profileOf(std::string_view colourSpace, std::size_t size = 300) {
   return profile;
 }
 
-// EXIF data with an orientation and a filling up to the size.
+// Returns EXIF data of this size: an orientation and padding.
 inline Bytes exifOf(std::size_t size = 26) {
   Bytes exif = bytesOf("MM\0*\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0\x06\0\0\0\0\0\0"s);
   exif.resize(size, 0x5A);
@@ -111,7 +112,7 @@ inline Image randomImage(std::uint32_t width, std::uint32_t height, bool hasAlph
   return image;
 }
 
-// Without noise and edges, so that JPEG keeps it closely.
+// Returns an image without noise or edges, which JPEG hardly changes.
 inline Image smoothImage(std::uint32_t width, std::uint32_t height) {
   Image image = randomImage(width, height, false, 1);
   for (std::size_t y = 0; y < height; ++y) {

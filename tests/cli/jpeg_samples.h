@@ -99,7 +99,7 @@ inline Bytes jpegFile(const Image& image, JpegSpec spec = {}) {
   return jpegFile(image.width, image.height, image.pixels, spec);
 }
 
-// What the library itself makes of a JPEG file, as R G B.
+// Returns the R G B pixels that libjpeg decodes from a file.
 inline Bytes plainlyDecoded(const Bytes& file) {
   jpeg_decompress_struct codec{};
   jpeg_error_mgr handlers{};
@@ -128,7 +128,7 @@ inline Bytes toBgra(const Bytes& rgb) {
   return bgra;
 }
 
-// Where the marker 0xFF code stands, from the end if last.
+// Returns the place of the first marker 0xFF code, or of the last one.
 inline std::size_t findMarker(const Bytes& file, std::uint8_t code, bool last = false) {
   const std::array<std::uint8_t, 2> marker{0xFF, code};
   const auto found = last ? std::find_end(file.begin(), file.end(), marker.begin(), marker.end())
@@ -147,7 +147,7 @@ inline Bytes slice(const Bytes& bytes, std::size_t from, std::size_t to) {
           bytes.begin() + static_cast<std::ptrdiff_t>(to)};
 }
 
-// A file of a few hundred bytes with one of everything that is read from it.
+// Returns a file of a few hundred bytes with everything that a reader looks for.
 inline Bytes smallRichPng() {
   PngSpec spec = randomPng(PNG_COLOR_TYPE_PALETTE, 4);
   spec.interlaced = true;

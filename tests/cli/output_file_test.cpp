@@ -109,7 +109,7 @@ TEST_F(WriteFileWhole, GivesAnotherGroupNoneOfTheFormerGroupsPermissions) {
   EXPECT_EQ(resultInChild(replace), 0);
   EXPECT_EQ(permissionsOf(directory / "old.png"), 0666U);
 
-  // Others may write and not read, so that the new group may not read either.
+  // Others may write but not read, so the new group must not be able to read either.
   ASSERT_EQ(::chown((directory / "old.png").c_str(), 1234, 4321), 0);
   ASSERT_EQ(::chmod((directory / "old.png").c_str(), 0662), 0);
   EXPECT_EQ(resultInChild(replace), 0);

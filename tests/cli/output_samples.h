@@ -34,7 +34,7 @@ inline Bytes bytesOf(std::string_view text) {
   return {text.begin(), text.end()};
 }
 
-// So many that no pipe takes them at once.
+// More than fits into a pipe at once.
 inline Bytes manyBytes() {
   Bytes bytes(3000001);
   for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::uint8_t>(i % 251);
@@ -71,7 +71,8 @@ inline mode_t permissionsOf(const fs::path& path) {
   return status.st_mode & 07777;
 }
 
-// What another process finds, as a number: its limits, its user and its descriptors are its own.
+// Runs the action in another process, which may change its limits, user and descriptors, and
+// returns the number that it ends with.
 inline int resultInChild(const std::function<int()>& action) {
   const pid_t child = ::fork();
   if (child == 0) {
@@ -88,7 +89,7 @@ inline int resultInChild(const std::function<int()>& action) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-// The superuser may do what the tests expect to be forbidden.
+// Returns true for the superuser, to whom nothing is forbidden that the tests expect to be.
 inline void becomeOrdinaryUser() {
   constexpr uid_t nobody = 65534;
   if (::geteuid() == 0 && (::setgid(nobody) != 0 || ::setuid(nobody) != 0)) ::_exit(98);

@@ -143,7 +143,7 @@ inline PngSpec randomPng(int colourType, int depth, unsigned seed = 1) {
   return spec;
 }
 
-// The B G R A that the samples mean, by the arithmetic of the definition.
+// Returns the B G R A pixels of the samples, by the definition of the format.
 inline Bytes expectedPixels(const PngSpec& spec) {
   const auto to8 = [&](unsigned sample) {
     const double most = (1 << spec.depth) - 1;
@@ -193,7 +193,7 @@ inline Bytes pngChunk(std::string_view type, const Bytes& data) {
   return chunk;
 }
 
-// A file that claims to be of this size and has hardly any data.
+// Returns a file that claims to be of this size but has hardly any data.
 inline Bytes pngOfSize(std::uint32_t width, std::uint32_t height) {
   Bytes header(13);
   putBigEndian32(header, 0, width);
@@ -224,7 +224,7 @@ inline bool hasChunk(const Bytes& file, std::string_view type) {
                      [&](const auto& chunk) { return chunk.first == type; });
 }
 
-// The file with a chunk put in before the first of that type.
+// Returns the file with a chunk inserted before the first of that type.
 inline Bytes withChunkBefore(const Bytes& file, std::string_view type, const Bytes& chunk) {
   Bytes result(file.begin(), file.begin() + 8);
   bool placed = false;

@@ -48,7 +48,7 @@ Bytes decodedBase64(const std::string& text) {
   return bytes;
 }
 
-// The pictures of the page whose alternative text is this one.
+// Returns the pictures of the page that have this alternative text.
 std::vector<Image> picturesOf(const std::string& page, const std::string& alt) {
   std::vector<Image> pictures;
   const std::string mark = "\" alt=\"" + alt + "\"";
@@ -62,7 +62,7 @@ std::vector<Image> picturesOf(const std::string& page, const std::string& alt) {
 
 TEST(Report, HoldsEachPictureAndWhatFilterMakesOfIt) {
   const TemporaryFolder folder;
-  // With an alpha channel every picture in the page is a PNG, and so exact.
+  // Pictures with an alpha channel stand in the page as PNG, which is exact.
   const Image original = randomImage(61, 40, true, 7);
   const std::string path = folder.write("a.png", textOf(encodeImage(original, ImageFormat::Png)));
   const ToolRun run = report({path, "-o", "-"});
@@ -97,7 +97,7 @@ TEST(Report, LargePicturesAreMadeSmallerByTheirLight) {
   stripes.hasAlpha = true;
   for (std::uint32_t i = 0; i < stripes.width * stripes.height; ++i) {
     const std::uint8_t value = i % 2 == 0 ? 255 : 0;
-    // Black that is transparent counts for nothing.
+    // Transparent black must not darken the result.
     const bool upper = i < stripes.width * stripes.height / 2;
     const std::uint8_t alpha = upper || value == 255 ? 255 : 0;
     stripes.pixels.insert(stripes.pixels.end(), {value, value, value, alpha});
@@ -177,7 +177,7 @@ TEST(Report, IsOnePageThatStandsAlone) {
   EXPECT_NE(html.find("</html>"), std::string::npos);
   EXPECT_EQ(html.find("http://"), std::string::npos);
   EXPECT_EQ(html.find("https://"), std::string::npos);
-  // Each input is a section of its own, the colours together one at the end.
+  // Each input makes a section, and all colours together make one at the end.
   std::vector<std::string> headings;
   const std::regex heading("<h2[^>]*>([^<]*)</h2>");
   for (std::sregex_iterator found(html.begin(), html.end(), heading), end; found != end; ++found) {

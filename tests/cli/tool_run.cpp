@@ -57,12 +57,12 @@ ToolRun runToolOnTerminal(const std::vector<std::string>& arguments, bool output
   if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) {
     throw std::runtime_error("no terminal");
   }
-  // Held open, or what was written would be gone with the tool.
+  // Keep the terminal open, because closing it discards what the tool wrote.
   const std::string name = ptsname(terminal);
   const int screen = open(name.c_str(), O_RDWR | O_NOCTTY);
   const std::string out = outputToo ? name : (folder / "out").string();
   const int status = runWith(arguments, "/dev/null", out, name);
-  // What was written arrives bit by bit; a mark tells where it ends.
+  // Output arrives piece by piece; a mark shows where it ends.
   const std::string mark("\x04", 1);
   std::string shown;
   bool arrives = write(screen, mark.data(), mark.size()) == 1;

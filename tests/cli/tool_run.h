@@ -15,7 +15,7 @@ struct ToolRun {
 
 ToolRun runTool(const std::vector<std::string>& arguments, const std::string& input = "");
 
-// The same with a terminal as standard error, and as standard output where asked for.
+// Runs the tool with a terminal as standard error and, if asked for, as standard output.
 ToolRun runToolOnTerminal(const std::vector<std::string>& arguments, bool outputToo = false);
 
 // A folder of its own for each test, removed at its end.

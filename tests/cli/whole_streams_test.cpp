@@ -31,7 +31,7 @@ PipedRun runPiped(const std::function<int()>& action, int flags = 0) {
   EXPECT_EQ(::pipe2(ends.data(), flags), 0);
   PipedRun run{-1, {}};
   std::thread reader([&] {
-    // The writer is to find the pipe full at first.
+    // Fill the pipe, so that the writer has to wait.
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     std::array<std::uint8_t, 5000> buffer{};
     ssize_t count = 0;

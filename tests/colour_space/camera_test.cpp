@@ -216,7 +216,7 @@ TEST_F(Drag, FreeDragDoesNotChooseTheAxis) {
   expectCamera(seenTurn(-10.0, 0.0, 0.0) * seenTurn(0.0, -10.0, 0.0));
 }
 
-// Shift has set both parts to nothing: a tie.
+// Shift has set both parts to 0, so neither is larger.
 TEST_F(Drag, WithShiftAndTheRightButtonRollsAndLocksToTheVertical) {
   lockToHorizontal();
   press(0, 0);

@@ -171,7 +171,7 @@ TEST(Suggestions, ChangeLightnessByNoMoreThanIsNeeded) {
 TEST(Suggestions, OfLargePalettesChangeLightnessAlone) {
   std::vector<Rgb8> colours = palette({"#ff4f80", "#808080"});
   for (int i = 0; i < 31; ++i) {
-    // Near to black, so that they are in nobody's way.
+    // Almost black, so that they collide with no suggestion.
     const auto channel = static_cast<std::uint8_t>(i);
     colours.push_back({channel, channel, channel});
   }
@@ -188,7 +188,7 @@ TEST(Suggestions, OfLargePalettesChangeLightnessAlone) {
 }
 
 TEST(Suggestions, AreMissingIfNothingHelps) {
-  // No two colours are as far apart as this limit asks for.
+  // No two colours differ by as much as this limit.
   const PaletteCheck check = checkPalette(palette({"red", "green"}), allViewers(), {15.0, 150.0});
   ASSERT_EQ(check.findings.size(), 1U);
   EXPECT_FALSE(check.findings.front().suggestion.has_value());

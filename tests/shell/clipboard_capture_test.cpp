@@ -24,7 +24,7 @@ Event timeElapses() {
   return happens(EventKind::TimerElapsed, mainWindow());
 }
 
-// The cursor and everything that waits to be painted are out of the way before the picture.
+// The cursor is hidden and everything is painted before the picture is taken.
 Calls copied(bool pending) {
   return joined({{"showCursor false", "handleWaitingEvents", "captureClientArea main",
                   "putOnClipboard main", "deletePicture", "setTitle main " + confirmation},
@@ -60,7 +60,7 @@ TEST_F(ClipboardCapture, RestartsTheThreeSecondsWithASecondCopy) {
     EXPECT_EQ(mainWindow().timer, 3000);
     co_yield timeElapses();
     EXPECT_FALSE(mainWindow().timer);
-    // The time being over, a third has no timer to stop.
+    // The time is over, so a third copy has no timer to stop.
     co_yield copies();
     expectCalls(copied(false));
   });
@@ -130,7 +130,7 @@ TEST_F(ClipboardCapture, IsConfirmedOnlyUntilTheNextChange) {
   });
 }
 
-// The time that elapses applies the transform, whether it was on or off.
+// When the time elapses, the transform is applied, whether it was on or off.
 TEST_F(ClipboardCapture, TurnsTheTransformOnAgainWhenTheTimeElapses) {
   play([]() -> Script {
     co_yield keyDown(9);

@@ -62,7 +62,7 @@ TEST_F(CustomTransforms, FollowTheSeverityIfAdjustable) {
   nullDesktop().store = Store{{"Selected", 1}, {"ScrollPc", 60}};
   play([]() -> Script {
     EXPECT_EQ(title(), "Deutan correction   60% (mouse-wheel adjusts %)");
-    // The last turn meets the limit, so that nothing is left of what the steps lost.
+    // The last step reaches the limit, which removes the rounding error of the others.
     for (int turn = 0; turn < 13; ++turn) co_yield wheel(false);
     EXPECT_EQ(title(), "Deutan correction   0% (mouse-wheel adjusts %)");
     EXPECT_EQ(nullDesktop().colourEffect, identityEffectMatrix);

@@ -101,7 +101,7 @@ TEST_F(Dragging, OfTheControlWindowMovesOnlyIt) {
     pointAt(0, 0);
     co_yield move(controlWindow());
     expectCalls({});
-    // It stays there: what happens to the main window does not take it along.
+    // It stays there and does not follow the main window.
     mainWindow().bounds = {0, 0, 500, 400};
     co_yield happens(EventKind::Moving, mainWindow());
     co_yield happens(EventKind::Sized, mainWindow());

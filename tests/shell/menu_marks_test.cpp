@@ -63,7 +63,7 @@ TEST_F(MenuMarks, AfterStartUpNameTheTransformInForce) {
       {"first run with both", "st", {}, {1, 7}, {1}},
       {"deutan", "", {{"Selected", 2}}, {2, 6}, {1}},
       {"tritan", "t", {{"Selected", 3}}, {3, 7}, {1}},
-      // Without its item the mark falls on the one that took its place.
+      // Without the item, the mark falls on the one at its position.
       {"tritan without its item", "", {{"Selected", 3}}, {3, 6}, {1}},
       {"Normal", "", {{"Selected", 0}}, {13}, {1}},
       {"greyscale", "", {{"Selected", 4}}, {13}, {1}},

@@ -140,7 +140,7 @@ bool within(double value, double least, double most) {
   return value >= least && value <= most;
 }
 
-// Alpha passes through unchanged and gets nothing from the colours.
+// Alpha stays unchanged and does not depend on the colours.
 bool keepsAlpha(const EffectMatrix& matrix) {
   for (std::size_t i = 0; i < 5; ++i) {
     const auto row = i == 3 ? 1.0F : 0.0F;
@@ -215,7 +215,7 @@ class RandomUse : public ShellTest {
       }
     });
     EXPECT_TRUE(nullDesktop().menus.empty());
-    // Not one title all along.
+    // The title has changed during the run.
     EXPECT_GT(knownTitles.size(), 300U);
   }
 

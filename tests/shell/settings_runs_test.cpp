@@ -91,8 +91,7 @@ TEST_F(SettingsRuns, ContinueWhereTheLastRunEnded) {
       EXPECT_FALSE(transformSettings.transformOff);
       co_return;
     });
-    // A run in which nothing happens changes nothing, but that a swap past the known ones is
-    // brought back to them.
+    // A run without events changes nothing, except that an unknown swap becomes a known one.
     Store expected = saved;
     if (expected["Swap"] > 203) expected["Swap"] = 203;
     EXPECT_EQ(nullDesktop().store, expected);

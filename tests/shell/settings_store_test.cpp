@@ -266,7 +266,7 @@ TEST_F(LoadedSettings, TreatEverythingButZeroAsTrue) {
   }
 }
 
-// Each value that is missing leaves its default, and the others are read all the same.
+// A missing value keeps its default; the others are read.
 TEST_F(LoadedSettings, KeepTheDefaultOfAMissingValue) {
   const Store whole{{"Selected", 10}, {"ScrollPc", 40},  {"Filter", 104},
                     {"Swap", 202},    {"Option", 2},     {"Inversion", 1},

@@ -127,7 +127,7 @@ TEST_F(StartUp, ShowsNoColourSpaceWindowThatWasHidden) {
     EXPECT_EQ(colourSpaceWindow().shown, platform::ShowState::Hidden);
     co_return;
   });
-  // The renderer is made ready all the same.
+  // The renderer is created nevertheless.
   EXPECT_EQ(std::ranges::count(nullDesktop().calls, "createGraphicsDevice colour space 384x361"),
             1);
 }

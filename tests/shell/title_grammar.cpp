@@ -51,7 +51,7 @@ bool isDigit(char character) {
   return character >= '0' && character <= '9';
 }
 
-// Whether digits are a percentage that fits the pattern around them.
+// Returns true if the digits are a percentage that the pattern allows.
 bool isPercentage(const std::string& digits, const std::string& pattern) {
   if (digits.size() > 3 || (digits.size() > 1 && digits.front() == '0')) return false;
   const int value = std::stoi(digits);

@@ -156,7 +156,7 @@ TEST_F(Captions, NameTheViewAfterEveryEvent) {
       co_yield command(row.command);
       EXPECT_EQ(colourSpaceWindow().title, row.caption);
       EXPECT_EQ(static_cast<int>(colourSpaceView.viewCode), row.command);
-      // After any event, whatever it was.
+      // After any kind of event.
       colourSpaceWindow().title.clear();
       colourSpaceView.viewCode = {};
       co_yield happens(EventKind::KeyUp, mainWindow());

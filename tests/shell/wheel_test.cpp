@@ -98,7 +98,7 @@ TEST_F(WheelInEveryMode, StaysWithinTheRangeOfTheValue) {
       EXPECT_EQ(value, row.least);
       co_yield wheel(false);
       EXPECT_EQ(value, row.least);
-      // The whole way, both ways.
+      // Through the whole range, in both directions.
       for (int turn = 0; turn < 250; ++turn) co_yield wheel(true);
       EXPECT_EQ(value, 1.0);
       for (int turn = 0; turn < 250; ++turn) co_yield wheel(false);

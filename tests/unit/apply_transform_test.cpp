@@ -32,7 +32,7 @@ const std::vector<std::string> clearedMarks{
     "alternative 4 off", "alternative 5 off", "alternative 6 off",
 };
 
-// Every application clears the marks and goes on with these.
+// Returns the calls of an application: it clears all marks, then makes these calls.
 std::vector<std::string> afterClearing(const std::vector<std::string>& calls) {
   std::vector<std::string> all = clearedMarks;
   all.insert(all.end(), calls.begin(), calls.end());

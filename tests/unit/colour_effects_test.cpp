@@ -25,7 +25,7 @@ void expectSameEffectAsRows(const ColourEffect& effect,
   }
 }
 
-// What remains of the rounding of a few operations on values near 1.
+// The rounding error of a few operations on values near 1.
 constexpr double rounding = 3e-16;
 
 TEST(ColourEffect, LeavesTheScreenAsItIsByDefault) {

@@ -20,7 +20,8 @@ using Vector = std::array<double, 3>;
 
 constexpr std::array<CvdType, 3> types{CvdType::Protan, CvdType::Deutan, CvdType::Tritan};
 
-// By the published numbers once more, in steps of its own: linear R, G, B to cone responses.
+// Computes cone responses from linear R, G, B by the published numbers, independently of the
+// engine.
 Vector coneResponses(const Vector& rgb) {
   const double x = 0.409568 * rgb[0] + 0.355041 * rgb[1] + 0.179167 * rgb[2];
   const double y = 0.213389 * rgb[0] + 0.706743 * rgb[1] + 0.0798680 * rgb[2];
@@ -93,7 +94,8 @@ TEST(Brettel1997, KeepsTheTwoRemainingConesAndLandsOnTheHalfPlaneOfItsSide) {
         if (cone == missing) continue;
         ASSERT_NEAR(after[cone], before[cone], 1e-12);
       }
-      // Which anchor stands on the colour's side of the plane through white and the missing axis.
+      // Choose the anchor on the colour's side of the plane through white and the missing cone's
+      // axis.
       std::size_t side = 2;
       for (std::size_t k = 0; k < 2; ++k) {
         const Vector& xyz = anchors[k];

@@ -12,8 +12,8 @@
 namespace tintora {
 namespace {
 
-// The terms of the template's polynomial reach 1e7 and cancel: computed in double precision they
-// would leave eight digits.
+// The terms of the template's polynomial reach 1e7 and cancel. In double precision only eight
+// digits would remain.
 constexpr double templateTolerance = 1e-10;
 
 void expectCurveNear(const SpectralCurve& actual, const ReferenceCurve& expected,

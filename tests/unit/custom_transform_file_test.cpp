@@ -338,7 +338,7 @@ class CustomFileLoading : public EngineTest {
   void load() const { loadCustomTransforms(customTransformPath(commandLine)); }
 
   std::string commandLine;
-  // Tests may run side by side.
+  // Tests may run in parallel.
   const std::filesystem::path directory = std::filesystem::temp_directory_path() /
                                           ("tintora " + std::to_string(std::random_device{}()));
 };

@@ -25,7 +25,7 @@ std::vector<Sample> randomSamples(std::size_t pixels, unsigned seed) {
   return samples;
 }
 
-// sRGB by the text of the standard, once more.
+// Decodes sRGB by the text of the standard, independently of the engine.
 double toLight(double value) {
   return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
 }

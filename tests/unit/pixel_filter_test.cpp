@@ -210,7 +210,7 @@ TEST(PixelFilter, FixedPointIsUsedForEveryMatrixItCanHold) {
   EXPECT_TRUE(isFixed(1, -31.9F));
   EXPECT_FALSE(isFixed(64.1F, 0));
   EXPECT_FALSE(isFixed(1, 32.2F));
-  // Each entry would do, but the sum could leave 32 bits.
+  // Each entry fits, but their sum could exceed 32 bits.
   const EffectMatrix wide = matrixOf({{{50, 0, 0}, {50, 1, 0}, {50, 0, 1}}}, {0, 0, 0});
   EXPECT_FALSE(makePixelFilter(wide).fixedPoint.has_value());
   const Bytes source = randomPixels(500, 7);

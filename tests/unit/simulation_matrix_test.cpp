@@ -20,8 +20,8 @@ namespace {
 
 constexpr std::array<CvdType, 3> cvdTypes{CvdType::Protan, CvdType::Deutan, CvdType::Tritan};
 
-// The terms of the photopigment template reach 1e7 and cancel: computed in double precision they
-// would leave eight digits, too few for these. The opponent rows nearly cancel once more.
+// The terms of the photopigment template reach 1e7 and cancel. In double precision only eight
+// digits would remain, too few for these limits. The opponent rows nearly cancel again.
 constexpr double curveTolerance = 1e-10;
 constexpr double coneTolerance = 1e-11;
 constexpr double derivationTolerance = 1e-10;
@@ -267,7 +267,7 @@ TEST(SpectralDerivation, RebuildsBothObserversWithAllTheirMatrices) {
       matrix->fill(0.5);
     }
   }
-  // Nothing but the filter may be taken over from the derivation before.
+  // Only the filter may be kept from the previous derivation.
   deriveSpectralMatrix(context);
   const auto expectObserver = [](const ConeModel& observer, const ConeValues& peaks) {
     EXPECT_EQ(observer.peakS, peaks.S);
@@ -282,7 +282,7 @@ TEST(SpectralDerivation, RebuildsBothObserversWithAllTheirMatrices) {
     expectMatrixNear(observer.rgbToLms, inDoubles(lms), coneTolerance);
     expectMatrixNear(observer.lmsToRgb, inDoubles(referenceInverse(lms)), derivationTolerance);
     expectMatrixNear(observer.rgbToOpponent, inDoubles(opponent), opponentTolerance);
-    // Rows that nearly cancel make the way back too sensitive to hold against the reference.
+    // Rows that nearly cancel make the inverse too sensitive to compare with the reference.
     expectMatrixNear(multiply3x3(observer.opponentToRgb, observer.rgbToOpponent), identity3x3,
                      1e-13);
   };

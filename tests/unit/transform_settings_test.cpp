@@ -246,7 +246,7 @@ TEST(Titles, OfBrightnessCarryTheSign) {
            Row{0.29, "Brightness +29%"},
            Row{-0.29, "Brightness -29%"},
            Row{-0.01, "Brightness -1%"},
-           // What ten steps up and ten down can leave: no "+" any more and no "-" yet.
+           // The remainder of ten steps up and ten down must show neither "+" nor "-".
            Row{-1e-17, "Brightness 0%"},
        }) {
     TransformSettings settings;

@@ -14,7 +14,7 @@ namespace tintora::cli {
 // A transform prepared for samples of 8 bits and, once they are needed, of 16. Several threads may
 // use it.
 struct FilterSet {
-  explicit FilterSet(const ColourTransform& transform);
+  explicit FilterSet(const ColourTransform& chosen);
 
   const PictureFilter& wide() const;
 

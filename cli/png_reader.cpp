@@ -220,7 +220,7 @@ void readInterlaced(PngRows& rows) {
     for (std::uint32_t y = 0; y < rows.height; ++y) {
       auto& row = rows.interlaced[y];
       if (!row && !spare) spare = std::make_unique<std::uint8_t[]>(rows.rowBytes);
-      png_bytep const bytes = row ? row.get() : spare.get();
+      std::uint8_t* const bytes = row ? row.get() : spare.get();
       if (!completes(rows.reader.png, [&] { png_read_row(rows.reader.png, bytes, nullptr); })) {
         throwUnreadable(rows.reader.fault);
       }

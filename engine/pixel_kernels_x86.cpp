@@ -228,10 +228,13 @@ constexpr std::array<PixelKernel, 4> kernels{{
 
 std::size_t fastestKernel() {
   __builtin_cpu_init();
+  // GCC's function returns an int, Clang's a bool.
+  // NOLINTBEGIN(readability-implicit-bool-conversion)
   if (__builtin_cpu_supports("avx512bw") != 0 && __builtin_cpu_supports("avx512vnni") != 0) {
     return 0;
   }
   return __builtin_cpu_supports("avx2") != 0 ? 1 : 2;
+  // NOLINTEND(readability-implicit-bool-conversion)
 }
 
 }  // namespace

@@ -14,10 +14,13 @@ build_packages=("${compiler_packages[@]}" "${tool_packages[@]}" "${desktop_packa
 # What the quick tests take besides.
 quick_test_packages=(libgtest-dev)
 
+# clang-tidy, and what its plugin is built with.
+lint_packages=(clang-tidy libclang-14-dev llvm-14-dev)
+
 # What all tests take besides: clang for formatting, lint and fuzzing; the cross-compiler and Wine for
 # the Windows program, and languages to run it in; another processor's compiler and emulator; compositing and window managers; a
 # browser for the pages that the tool writes; shells and readers of manual pages; checks of packaging.
-test_packages=(python3 clang clang-format libclang-rt-14-dev
+test_packages=(python3 clang clang-format libclang-rt-14-dev "${lint_packages[@]}"
   g++-mingw-w64-x86-64-posix wine wine64 fonts-wine libxcomposite1 locales
   g++-aarch64-linux-gnu qemu-user googletest
   pipewire pipewire-bin libpipewire-0.3-modules wireplumber mutter xwayland foot

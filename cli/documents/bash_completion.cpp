@@ -49,7 +49,8 @@ void appendCases(std::string& script, const DeclaredCommand& command, const std:
     if (option.value.empty()) continue;
     std::vector<std::string> patterns;
     for (const std::string& dashed : option.names) {
-      patterns.push_back('\'' + name + ' ' + dashed + " '*");
+      std::string& pattern = patterns.emplace_back("'");
+      pattern.append(name).append(" ").append(dashed).append(" '*");
     }
     script += "    " + join(patterns, " | ") + ") " + valueAction(option) + " ;;\n";
   }

@@ -1,0 +1,145 @@
+"""Checks sources with clang-tidy by the rules in .clang-tidy, and fails on a finding.
+
+A file that was found right is not checked again until it, a header of this project that it includes,
+the rules or its compiler options change.
+"""
+import argparse
+import hashlib
+import json
+import os
+import re
+import shlex
+import subprocess
+import sys
+from concurrent.futures import ThreadPoolExecutor
+from functools import lru_cache
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+INCLUDE = re.compile(rb'^\s*#\s*include\s*"([^"]+)"', re.MULTILINE)
+
+
+@lru_cache(maxsize=None)
+def own_includes(path):
+    """Returns the project's headers that a file names."""
+    found = []
+    for name in INCLUDE.findall(path.read_bytes()):
+        for folder in (path.parent, ROOT):
+            header = (folder / name.decode()).resolve()
+            if header.is_file():
+                found.append(header)
+                break
+    return found
+
+
+def sources_of(path):
+    """Returns the file and the project's headers that it includes, however deep."""
+    reached, waiting = {path}, [path]
+    while waiting:
+        for header in own_includes(waiting.pop()):
+            if header not in reached:
+                reached.add(header)
+                waiting.append(header)
+    return sorted(reached)
+
+
+def rules_for(path):
+    return [folder / ".clang-tidy" for folder in path.parents
+            if folder.is_relative_to(ROOT) and (folder / ".clang-tidy").is_file()]
+
+
+def options_of(entry):
+    """Returns the compiler's options that matter to clang-tidy; GCC's precompiled headers do not."""
+    words = shlex.split(entry["command"])
+    kept = []
+    skip = 0
+    for word, following in zip(words, words[1:] + [""]):
+        if skip:
+            skip -= 1
+        elif word == "-include" and following.endswith("cmake_pch.hxx"):
+            skip = 1
+        elif word.startswith(("-I", "-D", "-std=")):
+            kept.append(word)
+        elif word == "-isystem":
+            kept += [word, following]
+            skip = 1
+    return kept
+
+
+def command_for(entry, arguments):
+    target = [f"--target={arguments.target}"] if arguments.target else []
+    plugin = ["-load", arguments.plugin] if arguments.plugin else []
+    return ["clang-tidy", "--quiet", *plugin, "--checks=tintora-*", entry["file"], "--",
+            "-Wno-unknown-warning-option", *target, *options_of(entry)]
+
+
+def stamp_of(entry, command, arguments):
+    digest = hashlib.sha256("\0".join(command).encode())
+    path = Path(entry["file"])
+    for file in [*sources_of(path), *rules_for(path), Path(__file__)]:
+        digest.update(file.read_bytes())
+    return arguments.stamps / digest.hexdigest()
+
+
+def check(entry, arguments):
+    """Returns what clang-tidy finds in a file; nothing if all is well."""
+    command = command_for(entry, arguments)
+    stamp = stamp_of(entry, command, arguments)
+    if stamp.exists():
+        return ""
+    run = subprocess.run(command, cwd=entry["directory"], capture_output=True, text=True)
+    if run.returncode == 0:
+        stamp.touch()
+        return ""
+    return run.stdout or run.stderr
+
+
+def entries_of(arguments):
+    """Returns the wanted entries of the compile commands, one for each source of the project."""
+    entries = {}
+    for entry in json.loads((arguments.build / "compile_commands.json").read_text()):
+        path = Path(entry["file"])
+        if path.suffix == ".cpp" and path.is_relative_to(ROOT) and \
+                not path.is_relative_to(arguments.build):
+            entries.setdefault(path, entry)
+    if arguments.only:
+        entries = {path: entry for path, entry in entries.items()
+                   if any(room in path.parents for room in arguments.only)}
+    if arguments.files:
+        wanted = {Path(file).resolve() for file in arguments.files}
+        entries = {path: entry for path, entry in entries.items() if path in wanted}
+    ordered = [entries[path] for path in sorted(entries)]
+    return ordered[arguments.share - 1::arguments.shares]
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--build", type=lambda path: Path(path).resolve(), required=True,
+                        help="a folder with compile_commands.json")
+    parser.add_argument("--plugin", help="the plugin that keeps clang-tidy to the project's code")
+    parser.add_argument("--target", help="what the compile commands build for, if not this machine")
+    parser.add_argument("--only", type=lambda path: Path(path).resolve(), action="append",
+                        help="a folder of sources")
+    parser.add_argument("--jobs", type=int, default=1)
+    parser.add_argument("--shares", type=int, default=1)
+    parser.add_argument("--share", type=int, default=1)
+    parser.add_argument("files", nargs="*")
+    arguments = parser.parse_args()
+    arguments.stamps = arguments.build / "lint"
+    arguments.stamps.mkdir(exist_ok=True)
+    entries = entries_of(arguments)
+    if not entries:
+        sys.exit("There is nothing to check.")
+    faulty = 0
+    with ThreadPoolExecutor(arguments.jobs) as pool:
+        for finding in pool.map(lambda entry: check(entry, arguments), entries):
+            faulty += finding != ""
+            print(finding, end="", flush=True)
+    used = sum(os.times()[2:4])
+    print(f"{len(entries)} files in {used:.0f} seconds of the processor, "
+          f"{faulty} of them with findings")
+    sys.exit(faulty > 0)
+
+
+if __name__ == "__main__":
+    main()

@@ -88,6 +88,8 @@ void fillPrimaryMonitor(Window* window) {
 void hideWindow(Window* window) {
   const bool passesFocus = window != mainWindow && mainWindow->window->isVisible() &&
                            QGuiApplication::focusWindow() == window->window.get();
+  // While it is hidden, nobody tells the frame that its bounds count.
+  rememberFrame(window);
   window->window->setVisible(false);
   if (!passesFocus) return;
   constexpr int milliseconds = 150;

@@ -134,6 +134,7 @@ void askForFrame(Window* window) {
 void expectBounds(Window* window, const QRect& outer) {
   std::erase_if(window->asked,
                 [](const AskedBounds& asked) { return !isWithin(answerTime, asked.time); });
+  rememberFrame(window);
   window->asked.push_back({outer, frameOf(window), Clock::now()});
   window->travels = true;
 }

@@ -1,5 +1,7 @@
 // The colour space window as a window: where it stands, when it is shown and what its title says.
+#include <array>
 #include <chrono>
+#include <future>
 #include <thread>
 
 #include "program_run.h"
@@ -58,6 +60,38 @@ TEST_F(ColourSpace, IsHiddenWhereItWasHiddenBefore) {
   start(703, false);
   settle();
   EXPECT_FALSE(x().isShown(colourSpace()));
+}
+
+// No frame was told in advance, nor within the time in which a window manager answers.
+TEST_F(ColourSpace, HiddenAndShownItKeepsItsSizeUnderASlowManager) {
+  useDisplay({}, Manager::Openbox);
+  display().holdManager();
+  const auto later = std::async(std::launch::async, [this] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(3500));
+    display().letManagerGoOn();
+  });
+  start(703, true);
+  const auto size = [this] {
+    const Area outer = x().outerAreaOf(colourSpace());
+    return std::array{outer.width, outer.height};
+  };
+  later.wait();
+  ASSERT_TRUE(eventually([&] { return x().topLevelOf(colourSpace()) != colourSpace(); }));
+  settle();
+  x().resize(colourSpace(), 350, 370);
+  ASSERT_TRUE(eventually([&] { return x().areaOf(colourSpace()).height == 370; }));
+  settle();
+  const std::array before = size();
+  for (int round = 0; round < 2; ++round) {
+    x().tellManager(colourSpace(), "_NET_CLOSE_WINDOW", {0, 2});
+    ASSERT_TRUE(showing(colourSpace(), false));
+    settle();
+    press(XK_r);
+    ASSERT_TRUE(showing(colourSpace(), true));
+    EXPECT_TRUE(isDocked());
+    EXPECT_TRUE(eventually([&] { return size() == before; }, std::chrono::seconds(2)))
+        << testing::PrintToString(size()) << " was " << testing::PrintToString(before);
+  }
 }
 
 TEST_F(ColourSpace, EveryViewHasItsKeyAndItsTitle) {

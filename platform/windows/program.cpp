@@ -7,38 +7,18 @@
 #include <string>
 
 #include "engine/custom_transforms.h"
+#include "platform/windows/path.h"
 #include "platform/windows/scale.h"
 #include "platform/windows/text.h"
 
 namespace tintora::platform {
-
-namespace {
-
-// As long as any path may be.
-constexpr std::size_t longestPath = 32768;
-
-std::wstring fullPath(const std::wstring& path) {
-  std::wstring full(longestPath, L'\0');
-  full.resize(GetFullPathNameW(path.c_str(), longestPath, full.data(), nullptr));
-  return full;
-}
-
-// Long paths are opened only if they say that they are meant literally.
-std::wstring openable(const std::wstring& path) {
-  const std::wstring full = fullPath(path);
-  if (full.size() < MAX_PATH || full.starts_with(L"\\\\?\\")) return full;
-  const bool onNetwork = full.starts_with(L"\\\\");
-  return onNetwork ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
-}
-
-}  // namespace
 
 std::filesystem::path customTransformFile() {
   // In UTF-8 no part of a letter looks like a backslash, as it may in other code pages.
   const std::u8string line = utf8(GetCommandLineW());
   const std::string path =
       customTransformPath({reinterpret_cast<const char*>(line.data()), line.size()});
-  return openable(std::filesystem::path(std::u8string(path.begin(), path.end())).wstring());
+  return openablePath(std::filesystem::path(std::u8string(path.begin(), path.end())).wstring());
 }
 
 std::string programArguments() {

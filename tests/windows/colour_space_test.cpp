@@ -19,8 +19,9 @@ class ColourSpace : public ProgramTest {
     const Bounds bounds = boundsOf(windows().colourSpace);
     return bounds.left == main.right + 4 && bounds.top == main.top;
   }
+  // To another place and to another size, either of which takes a docked window along.
   void moveMain(int x, int y) {
-    SetWindowPos(windows().main, nullptr, x, y, 300, 200, SWP_NOZORDER | SWP_NOACTIVATE);
+    SetWindowPos(windows().main, nullptr, x, y, 300 + x, 200 + y, SWP_NOZORDER | SWP_NOACTIVATE);
     settle();
   }
 };

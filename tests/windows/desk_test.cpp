@@ -70,6 +70,21 @@ TEST_F(Desk, AKeyThatIsLetGoOpensNoMenu) {
   EXPECT_EQ(threadOf(windows().main).flags & (GUI_INMENUMODE | GUI_SYSTEMMENUMODE), 0U);
 }
 
+TEST_F(Desk, KeysOutsideTheProgramsRangeAreLeftToTheDesktop) {
+  constexpr int first = 9;
+  constexpr int last = 189;
+  start();
+  for (const int key : {first, last}) {
+    magnifierRecord().unhandledKey = 0;
+    press(key);
+    EXPECT_EQ(magnifierRecord().unhandledKey, 0U) << key;
+  }
+  for (const int key : {first - 1, last + 1}) {
+    press(key);
+    EXPECT_EQ(magnifierRecord().unhandledKey, static_cast<std::uint32_t>(key));
+  }
+}
+
 TEST_F(Desk, ScreenChangesFitFullScreenAgain) {
   start();
   press('F');

@@ -1,5 +1,7 @@
-// The user guide, opened by the desktop's program for web pages.
+// The user guide that is handed out with the program, opened by the desktop's program for web
+// pages.
 #include <windows.h>
+#include <objbase.h>
 
 #include <array>
 #include <filesystem>
@@ -12,13 +14,20 @@
 namespace tintora::windows_test {
 namespace {
 
+namespace fs = std::filesystem;
+
+std::string contentOf(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
 // A desktop on which opening a web page writes its path down.
 class Guide : public ProgramTest {
  protected:
   void SetUp() override {
     ProgramTest::SetUp();
-    std::ofstream(page()) << "<p>Guide</p>";
-    std::filesystem::remove(note());
+    magnifierRecord().pagesOpened = 0;
+    fs::remove(note());
     classBefore_ = classOfPages();
     setClass(".html", "TintoraGuide");
     setClass("TintoraGuide\\shell\\open\\command", "cmd.exe /c echo %1>\"" + note() + "\"");
@@ -27,16 +36,17 @@ class Guide : public ProgramTest {
     ProgramTest::TearDown();
     RegDeleteTreeA(HKEY_LOCAL_MACHINE, (classes + "TintoraGuide").c_str());
     setClass(".html", classBefore_);
-    std::filesystem::remove(page());
-    std::filesystem::remove(note());
+    fs::remove(note());
   }
 
   static std::string page() { return programFolder() + "guide.html"; }
   static std::string note() { return programFolder() + "opened.txt"; }
 
-  static std::string noted() {
-    std::ifstream file(note());
-    return {std::istreambuf_iterator<char>(file), {}};
+  // Chooses the guide in the menu; returns what the program asked of the desktop then.
+  const RecordedPage& openGuide() {
+    choose(55);
+    EXPECT_TRUE(eventually([] { return magnifierRecord().pagesOpened == 1; }));
+    return magnifierRecord().page;
   }
 
  private:
@@ -57,11 +67,34 @@ class Guide : public ProgramTest {
   std::string classBefore_;
 };
 
-TEST_F(Guide, IsOpenedFromBesideTheProgram) {
+TEST_F(Guide, IsTheOneHandedOutWithTheProgram) {
+  EXPECT_NE(contentOf(page()).find("<title>Tintora"), std::string::npos);
   start();
-  choose(55);
-  EXPECT_TRUE(eventually([] { return noted().find(page()) != std::string::npos; })) << noted();
+  openGuide();
+  EXPECT_TRUE(eventually([] { return contentOf(note()).find(page()) != std::string::npos; }))
+      << contentOf(note());
   EXPECT_TRUE(process().isRunning());
+}
+
+TEST_F(Guide, IsShownNormallyWithComReady) {
+  start();
+  const RecordedPage& opened = openGuide();
+  EXPECT_EQ(opened.com, static_cast<DWORD>(COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE));
+  EXPECT_EQ(opened.show, SW_SHOWNORMAL);
+}
+
+TEST_F(Guide, IsFoundInAFolderOfAnyName) {
+  constexpr std::uintptr_t highestFault = 32;
+  const fs::path folder = L"C:\\\u041f\u0440\u043e\u0432\u0430 \u8868";
+  fs::create_directory(folder);
+  fs::copy(programPath(), folder / "Tintora.exe");
+  fs::copy(page(), folder / "guide.html");
+  start(Launch{.program = (folder / "Tintora.exe").wstring()});
+  const RecordedPage& opened = openGuide();
+  EXPECT_EQ(std::wstring(opened.path.data()), (folder / "guide.html").wstring());
+  EXPECT_GT(opened.answer, highestFault);
+  end();
+  fs::remove_all(folder);
 }
 
 }  // namespace

@@ -34,6 +34,7 @@ enum class Refusal : std::uint32_t {
   SetWindowTransform,
   SetWindowSource,
   SetColorEffect,
+  SettingsKey,
 };
 
 // How the stand-in behaves where the documentation leaves it open. Cleared, it is as harsh as a
@@ -72,6 +73,14 @@ struct RecordedClass {
   bool menu = false;
 };
 
+// A page that the program had the desktop open.
+struct RecordedPage {
+  std::uint32_t com = 0;  // the flags by which COM was ready; 0 if it was not
+  std::int32_t show = 0;
+  std::uintptr_t answer = 0;  // above 32 if the desktop found and opened it
+  std::array<wchar_t, 512> path{};
+};
+
 // The latest calls; call n stands at n modulo the room.
 constexpr std::size_t recordedCalls = 8192;
 constexpr std::size_t recordedMenuItems = 128;
@@ -92,7 +101,12 @@ struct MagnifierRecord {
   std::atomic<std::uint64_t> paintsAtMarker;  // when the last marker was reached
   std::atomic<std::uint64_t> composed;        // calls to DwmFlush
   std::atomic<std::uint32_t> corners;         // the corner preference asked for, 0 if none
-  RECT suggested;                             // bounds at another resolution
+  std::atomic<std::int32_t> mainShown;        // the latest show command for the main window
+  std::atomic<std::uint32_t> titleTimer;      // milliseconds of the main window's latest timer
+  std::atomic<std::uint32_t> unhandledKey;    // the latest that was left to the desktop
+  std::atomic<std::uint64_t> pagesOpened;
+  RecordedPage page;
+  RECT suggested;  // bounds at another resolution
   std::uint32_t menuItems;
   RecordedClass windowClass;
   std::uint32_t graphicsObjects;
@@ -132,6 +146,8 @@ enum Request : UINT {
   QueueKeys,
   // Waits until the display has carried out everything that the program has asked of it.
   FinishDrawing,
+  // From now on, the program's graphics devices are lost.
+  LoseDevices,
 };
 
 }  // namespace tintora::windows_test

@@ -253,6 +253,7 @@ TEST_F(Clipboard, ConfirmsForThreeSeconds) {
   startOver();
   choose(52);
   ASSERT_TRUE(hasCopied());
+  EXPECT_EQ(magnifierRecord().titleTimer, 3000U);
   EXPECT_GE(renamedAfter(magnifierRecord().copiedAt), nearlyThreeSeconds);
   EXPECT_EQ(title(), firstTitle);
 }

@@ -115,18 +115,24 @@ class Places : public ProgramTest, public testing::WithParamInterface<PlaceRow> 
  protected:
   void SetUp() override {
     ProgramTest::SetUp();
-    for (const std::wstring& folder : levels()) CreateDirectoryW(folder.c_str(), nullptr);
-    ASSERT_TRUE(CopyFileW(std::filesystem::path(programPath()).c_str(), program().c_str(), FALSE));
-    std::ofstream(std::filesystem::path(transforms())) << transform;
+    for (const std::wstring& folder : levels()) {
+      CreateDirectoryW((literally + folder).c_str(), nullptr);
+    }
+    ASSERT_TRUE(CopyFileW(std::filesystem::path(programPath()).c_str(),
+                          (literally + program()).c_str(), FALSE));
+    std::ofstream(std::filesystem::path(literally + transforms())) << transform;
   }
   void TearDown() override {
     ProgramTest::TearDown();
-    DeleteFileW(program().c_str());
-    DeleteFileW(transforms().c_str());
+    DeleteFileW((literally + program()).c_str());
+    DeleteFileW((literally + transforms()).c_str());
     std::vector<std::wstring> folders = levels();
     std::ranges::reverse(folders);
-    for (const std::wstring& folder : folders) RemoveDirectoryW(folder.c_str());
+    for (const std::wstring& folder : folders) RemoveDirectoryW((literally + folder).c_str());
   }
+
+  // So that the test itself gets at paths of any length.
+  static inline const std::wstring literally = L"\\\\?\\";
 
   static std::vector<std::wstring> levels() {
     std::vector<std::wstring> all;

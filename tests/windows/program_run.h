@@ -121,6 +121,8 @@ class ProgramTest : public testing::Test {
   void start(const Launch& launch);
   // Closes the main window and waits for the end.
   void end();
+  // Ends it at once, as the desktop's task manager does.
+  void kill() { process_.reset(); }
 
   const ProgramWindows& windows() const { return windows_; }
   const Process& process() const { return *process_; }

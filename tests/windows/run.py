@@ -20,7 +20,9 @@ from contextlib import contextmanager
 from pathlib import Path
 
 SCREEN = "1280x800x24"
+TWO_SCREENS = "2560x1600x24"
 PREFIX_SECONDS = 600
+UNIT_TESTS = "tintora_unit_tests.exe"
 STRIP = "x86_64-w64-mingw32-strip"
 
 REGISTRY = [
@@ -31,6 +33,8 @@ REGISTRY = [
     ("HKCU\\Software\\Wine\\Direct3D", "csmt", "REG_DWORD", "0"),
     # As Windows has it: a window moves while it is dragged, not after.
     ("HKCU\\Control Panel\\Desktop", "DragFullWindows", "REG_SZ", "1"),
+    # Xvfb's one output cannot have two monitors; its Xinerama can.
+    ("HKCU\\Software\\Wine\\X11 Driver", "UseXRandR", "REG_SZ", "N"),
 ]
 
 LOCALES = ["ru_RU", "ja_JP"]
@@ -60,6 +64,8 @@ def parse_arguments():
                              "at the same time")
     parser.add_argument("--share", type=int, nargs="+",
                         help="the only ones to run, from 0")
+    parser.add_argument("--two-monitors", action="store_true",
+                        help="run only the tests of a second monitor")
     parser.add_argument("--seconds", type=int, default=1500,
                         help="how long the tests may take")
     parser.add_argument("rest", nargs="*", metavar="TEST_OPTION",
@@ -68,12 +74,14 @@ def parse_arguments():
 
 
 @contextmanager
-def display():
+def display(monitors=1):
     """An X server on a free display, each window drawn into a pixmap of its
-    own, so that what a window hides of another can still be read."""
+    own, so that what a window hides of another can still be read. A second
+    monitor stands to the left of and above the first one."""
     read_end, write_end = os.pipe()
+    screen = SCREEN if monitors == 1 else TWO_SCREENS
     server = subprocess.Popen(
-        ["Xvfb", "-displayfd", str(write_end), "-screen", "0", SCREEN,
+        ["Xvfb", "-displayfd", str(write_end), "-screen", "0", screen,
          "-nolisten", "tcp", "+extension", "Composite"],
         pass_fds=[write_end], stdout=subprocess.DEVNULL,
         stderr=subprocess.DEVNULL, start_new_session=True,
@@ -85,10 +93,21 @@ def display():
         if not number:
             raise RuntimeError("Xvfb did not start")
         redirect_windows(f":{number}")
+        if monitors == 2:
+            divide_screen(f":{number}")
         yield f":{number}"
     finally:
         server.terminate()
         server.wait()
+
+
+def divide_screen(name):
+    for monitor, place, output in (("primary", "1280+800", "screen"),
+                                   ("other", "0+0", "none")):
+        subprocess.run(["xrandr", "--setmonitor", monitor,
+                        f"1280/338x800/212+{place}", output], check=True,
+                       env=dict(os.environ, DISPLAY=name),
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
 def redirect_windows(name):
@@ -190,7 +209,8 @@ def windows_path(path):
 
 
 def install(options, prefix):
-    """The program stands alone in a folder, as it is handed out."""
+    """The program stands in a folder with its guide and nothing else, as it
+    is handed out."""
     system = prefix / "drive_c/windows/system32"
     for library in ("magnification.dll", "dwmapi.dll"):
         # A file of its own instead of the link that may be there.
@@ -201,6 +221,7 @@ def install(options, prefix):
     folder.mkdir()
     program = folder / "Tintora.exe"
     subprocess.run([STRIP, "-o", program, options.program], check=True)
+    shutil.copy(options.program.parent / "guide.html", folder)
     return program
 
 
@@ -233,9 +254,15 @@ def run_tests(options, wine, environment, program):
         return run_program(options, wine, environment,
                            "tintora_windows_pictures.exe", options.rest)
     name = "tintora_windows_tests.exe"
-    result = run_program(options, wine, environment, name, options.rest)
+    second_monitor = "SecondMonitor.*"
+    if options.two_monitors:
+        return run_program(options, wine, environment, name,
+                           [f"--gtest_filter={second_monitor}", *options.rest])
     if options.rest:
-        return result
+        return run_program(options, wine, environment, name, options.rest)
+    result = run_program(options, wine, environment, name,
+                         [f"--gtest_filter=-{second_monitor}"])
+    result |= run_program(options, wine, environment, UNIT_TESTS, [])
     # Wine takes the language from where its first process was started.
     environment["LOCPATH"] = str(make_locales(options.work / "locales"))
     for locale in LOCALES:
@@ -270,12 +297,14 @@ def main():
     original = options.work / "prefix"
     if options.pictures:
         options.work /= "pictures"
+    elif options.two_monitors:
+        options.work /= "monitors"
     else:
         options.work /= f"share{shares[0]}"
     options.work.mkdir(parents=True, exist_ok=True)
     prefix = options.work / "prefix"
     wine = find_wine()
-    with display() as name:
+    with display(2 if options.two_monitors else 1) as name:
         environment = wine_environment(prefix, name)
         try:
             provide_prefix(wine, original, prefix, name)

@@ -6,6 +6,8 @@
 #include <cwchar>
 
 #include "magnifier_record.h"
+#include "stand_in_calls.h"
+#include "stand_in_device.h"
 #include "stand_in_enquiries.h"
 #include "stand_in_picture.h"
 
@@ -135,6 +137,9 @@ LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM secon
     case FinishDrawing:
       finishDrawing();
       return 1;
+    case LoseDevices:
+      loseDevices();
+      return 1;
     default:
       return DefWindowProcA(window, message, first, second);
   }
@@ -156,6 +161,7 @@ __declspec(dllexport) BOOL WINAPI MagInitialize() {
   openRecord();
   if (record == nullptr) return FALSE;
   write({.call = MagnifierCall::Initialize});
+  watchCalls(*record);
   SetWindowsHookExW(WH_CALLWNDPROC, &watchMessages, nullptr, GetCurrentThreadId());
   WNDCLASSA facts{};
   facts.style = CS_GLOBALCLASS;

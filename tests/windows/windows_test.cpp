@@ -77,6 +77,16 @@ TEST_P(Windows, AreCreatedAsTheirRowSays) {
 INSTANTIATE_TEST_SUITE_P(By, Windows, testing::ValuesIn(windowRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
+using FullScreen = ProgramTest;
+
+TEST_F(FullScreen, IsLeftByShowingTheWindowNormally) {
+  start();
+  press('F');
+  EXPECT_EQ(magnifierRecord().mainShown, SW_SHOWMAXIMIZED);
+  press('F');
+  EXPECT_EQ(magnifierRecord().mainShown, SW_SHOWNORMAL);
+}
+
 using WindowClasses = ProgramTest;
 
 TEST_F(WindowClasses, HaveTheProgramsIconAndNoBackground) {

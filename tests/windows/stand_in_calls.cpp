@@ -1,0 +1,140 @@
+#include "stand_in_calls.h"
+
+#include <objbase.h>
+#include <shellapi.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+
+namespace tintora::windows_test {
+
+namespace {
+
+MagnifierRecord* record = nullptr;
+
+// Where a module keeps the address of a function that it imports by name; null if it imports none
+// of that name.
+void** importOf(HMODULE module, const char* function) {
+  auto* const base = reinterpret_cast<std::byte*>(module);
+  const auto at = [base](auto* kind, auto offset) {
+    return reinterpret_cast<decltype(kind)>(base + offset);
+  };
+  const auto* const start = at(static_cast<IMAGE_DOS_HEADER*>(nullptr), 0);
+  const auto* const headers = at(static_cast<IMAGE_NT_HEADERS*>(nullptr), start->e_lfanew);
+  const IMAGE_DATA_DIRECTORY& imports =
+      headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+  const auto* library = at(static_cast<IMAGE_IMPORT_DESCRIPTOR*>(nullptr), imports.VirtualAddress);
+  for (; library->Name != 0; ++library) {
+    const auto* name = at(static_cast<IMAGE_THUNK_DATA*>(nullptr), library->OriginalFirstThunk);
+    auto* place = at(static_cast<IMAGE_THUNK_DATA*>(nullptr), library->FirstThunk);
+    for (; name->u1.AddressOfData != 0; ++name, ++place) {
+      if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
+      const auto* const entry =
+          at(static_cast<IMAGE_IMPORT_BY_NAME*>(nullptr), name->u1.AddressOfData);
+      if (std::strcmp(reinterpret_cast<const char*>(entry->Name), function) == 0) {
+        return reinterpret_cast<void**>(&place->u1.Function);
+      }
+    }
+  }
+  return nullptr;
+}
+
+// Has the program's calls of a function go to another one; returns the function.
+template <typename Function>
+Function* replace(const char* name, Function* replacement) {
+  void** const place = importOf(GetModuleHandleA(nullptr), name);
+  if (place == nullptr) return nullptr;
+  auto* const original = reinterpret_cast<Function*>(*place);
+  DWORD protection = 0;
+  VirtualProtect(place, sizeof *place, PAGE_READWRITE, &protection);
+  *place = reinterpret_cast<void*>(replacement);
+  VirtualProtect(place, sizeof *place, protection, &protection);
+  return original;
+}
+
+struct Originals {
+  decltype(CoInitializeEx)* initialiseCom = nullptr;
+  decltype(CoUninitialize)* uninitialiseCom = nullptr;
+  decltype(ShellExecuteW)* open = nullptr;
+  decltype(ShowWindow)* show = nullptr;
+  decltype(SetTimer)* setTimer = nullptr;
+  decltype(DefWindowProcW)* handleByDefault = nullptr;
+  decltype(RegOpenKeyExA)* openKey = nullptr;
+  decltype(RegCreateKeyExA)* createKey = nullptr;
+};
+Originals originals;
+
+DWORD comFlags = 0;  // while COM is ready
+
+bool isMainWindow(HWND window) {
+  return FindWindowExA(window, nullptr, "Magnifier", nullptr) != nullptr;
+}
+
+HRESULT WINAPI initialiseCom(LPVOID reserved, DWORD flags) {
+  const HRESULT result = originals.initialiseCom(reserved, flags);
+  if (SUCCEEDED(result)) comFlags = flags;
+  return result;
+}
+
+void WINAPI uninitialiseCom() {
+  comFlags = 0;
+  originals.uninitialiseCom();
+}
+
+HINSTANCE WINAPI open(HWND window, LPCWSTR verb, LPCWSTR path, LPCWSTR arguments, LPCWSTR folder,
+                      INT show) {
+  RecordedPage& page = record->page;
+  page = {.com = comFlags, .show = show};
+  const std::wstring_view text(path);
+  std::copy_n(text.begin(), std::min(text.size(), page.path.size() - 1), page.path.begin());
+  const HINSTANCE answer = originals.open(window, verb, path, arguments, folder, show);
+  page.answer = reinterpret_cast<std::uintptr_t>(answer);
+  ++record->pagesOpened;
+  return answer;
+}
+
+BOOL WINAPI show(HWND window, int command) {
+  if (isMainWindow(window)) record->mainShown = command;
+  return originals.show(window, command);
+}
+
+UINT_PTR WINAPI setTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedure) {
+  if (isMainWindow(window)) record->titleTimer = milliseconds;
+  return originals.setTimer(window, id, milliseconds, procedure);
+}
+
+LRESULT WINAPI handleByDefault(HWND window, UINT message, WPARAM first, LPARAM second) {
+  if (message == WM_KEYDOWN) record->unhandledKey = static_cast<std::uint32_t>(first);
+  return originals.handleByDefault(window, message, first, second);
+}
+
+LSTATUS WINAPI openKey(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key) {
+  if (record->refusal == Refusal::SettingsKey) return ERROR_ACCESS_DENIED;
+  return originals.openKey(root, path, options, access, key);
+}
+
+LSTATUS WINAPI createKey(HKEY root, LPCSTR path, DWORD reserved, LPSTR kind, DWORD options,
+                         REGSAM access, LPSECURITY_ATTRIBUTES security, PHKEY key, LPDWORD made) {
+  if (record->refusal == Refusal::SettingsKey) return ERROR_ACCESS_DENIED;
+  return originals.createKey(root, path, reserved, kind, options, access, security, key, made);
+}
+
+}  // namespace
+
+void watchCalls(MagnifierRecord& written) {
+  record = &written;
+  originals = {
+      .initialiseCom = replace("CoInitializeEx", &initialiseCom),
+      .uninitialiseCom = replace("CoUninitialize", &uninitialiseCom),
+      .open = replace("ShellExecuteW", &open),
+      .show = replace("ShowWindow", &show),
+      .setTimer = replace("SetTimer", &setTimer),
+      .handleByDefault = replace("DefWindowProcW", &handleByDefault),
+      .openKey = replace("RegOpenKeyExA", &openKey),
+      .createKey = replace("RegCreateKeyExA", &createKey),
+  };
+}
+
+}  // namespace tintora::windows_test

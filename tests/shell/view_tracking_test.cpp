@@ -74,6 +74,41 @@ TEST_F(ViewTracking, FollowsTheClientAreaOfEveryForm) {
   });
 }
 
+// The source ends with the primary screen, unless nothing of the window lies before that end.
+TEST_F(ViewTracking, AimsAtAWindowMaximisedOnAnotherMonitor) {
+  play([]() -> Script {
+    struct Row {
+      Rect bounds;
+      const char* source;
+    };
+    const std::vector<Row> rows{{{-1920, 0, 0, 1080}, "-1920,0,1920,1080"},
+                                {{1919, 0, 3839, 1080}, "1919,0,1920,1080"},
+                                {{1920, 0, 3840, 1080}, "1920,0,3840,1080"},
+                                {{0, 1079, 1920, 2159}, "0,1079,1920,1080"},
+                                {{0, 1080, 1920, 2160}, "0,1080,1920,2160"}};
+    mainWindow().form = WindowForm::FramelessMaximised;
+    mainWindow().maximised = true;
+    for (const Row& row : rows) {
+      mainWindow().bounds = row.bounds;
+      co_yield happens(EventKind::KeyUp, mainWindow());
+      EXPECT_EQ(source(), row.source);
+    }
+  });
+}
+
+TEST_F(ViewTracking, KeepsTheLastSourceWhileTheClientAreaIsEmpty) {
+  play([]() -> Script {
+    for (const Rect& bounds : {Rect{100, 200, 108, 700}, Rect{100, 200, 600, 231}}) {
+      mainWindow().bounds = {100, 200, 109, 232};
+      co_yield happens(EventKind::KeyUp, mainWindow());
+      EXPECT_EQ(source(), "108,231,109,232");
+      mainWindow().bounds = bounds;
+      co_yield happens(EventKind::KeyUp, mainWindow());
+      EXPECT_EQ(source(), "108,231,109,232");
+    }
+  });
+}
+
 TEST_F(ViewTracking, FollowsTheWindowWhileItIsDragged) {
   play([]() -> Script {
     for (int step = 1; step <= 20; ++step) {

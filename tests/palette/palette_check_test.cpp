@@ -167,6 +167,42 @@ TEST(Suggestions, ChangeLightnessByNoMoreThanIsNeeded) {
   }
 }
 
+// The pair has no free lightness between the greys, so the hue has to change; and no step of one
+// channel towards the colour as it was may do as well.
+TEST(Suggestions, ChangeTheHueIfNoLightnessIsFreeAndByNoMoreThanIsNeeded) {
+  const auto colours = palette({"#777777", "#2e9877", "#000000", "#3b3b3b", "#b9b9b9", "#ffffff"});
+  const std::vector<ColourSimulation> viewers{{CvdType::Deutan, 1.0}};
+  const CheckLimits limits{20.0, 20.0};
+  const PaletteCheck was = checkPalette(colours, viewers, limits);
+  ASSERT_EQ(was.findings.size(), 1U);
+  const Suggestion suggestion = was.findings.front().suggestion.value();
+  ASSERT_EQ(suggestion.changed, 1U);
+  const Lab from = toLab(toColour(colours[1]));
+  const Lab to = toLab(toColour(suggestion.to));
+  EXPECT_GT(std::abs(std::atan2(to.b, to.a) - std::atan2(from.b, from.a)), 0.3);
+
+  const auto keepsAllApart = [&](Rgb8 colour) {
+    std::vector<Rgb8> changed = colours;
+    changed[1] = colour;
+    const PaletteCheck becomes = checkPalette(changed, viewers, limits);
+    if (!becomes.findings.empty()) return false;
+    for (std::size_t i = 0; i < was.pairs.size(); ++i) {
+      const bool wasApart = was.pairs[i].before.ciede2000 >= limits.apart;
+      if (wasApart && becomes.pairs[i].before.ciede2000 < limits.apart) return false;
+    }
+    return true;
+  };
+  EXPECT_TRUE(keepsAllApart(suggestion.to));
+  for (std::uint8_t Rgb8::*const channel : {&Rgb8::red, &Rgb8::green, &Rgb8::blue}) {
+    for (const int step : {-8, -4, -2, -1, 1, 2, 4, 8}) {
+      Rgb8 nearer = suggestion.to;
+      nearer.*channel = static_cast<std::uint8_t>(nearer.*channel + step);
+      if (ciede2000(from, toLab(toColour(nearer))) >= suggestion.change) continue;
+      EXPECT_FALSE(keepsAllApart(nearer)) << step;
+    }
+  }
+}
+
 // Larger palettes have hardly a free place; there lightness alone is tried.
 TEST(Suggestions, OfLargePalettesChangeLightnessAlone) {
   std::vector<Rgb8> colours = palette({"#ff4f80", "#808080"});

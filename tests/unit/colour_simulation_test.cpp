@@ -61,6 +61,18 @@ TEST(Srgb, TheTransferFunctionIsThatOfIec61966) {
   EXPECT_NEAR(encodeSrgb(0.003), 0.03876, 1e-15);
 }
 
+// The line and the curve miss each other by some 1e-8 where they meet.
+TEST(Srgb, TheLineEndsAtThePublishedLimits) {
+  constexpr double encoded = 0.04045;
+  constexpr double linear = 0.0031308;
+  EXPECT_EQ(decodeSrgb(encoded), encoded / 12.92);
+  EXPECT_EQ(encodeSrgb(linear), linear * 12.92);
+  const double above = encoded + 1e-9;
+  EXPECT_NEAR(decodeSrgb(above), std::exp(2.4 * std::log((above + 0.055) / 1.055)), 1e-15);
+  const double brighter = linear + 1e-9;
+  EXPECT_NEAR(encodeSrgb(brighter), 1.055 * std::exp(std::log(brighter) / 2.4) - 0.055, 1e-15);
+}
+
 TEST(Srgb, EncodingUndoesDecodingForEveryStepOf16Bits) {
   for (int step = 0; step <= 65535; ++step) {
     const double value = step / 65535.0;

@@ -120,7 +120,12 @@ std::string nameOf(const std::filesystem::path& target) {
 
 // A file without a name, which is gone when it is closed.
 void openSpool(OutputFile& output) {
-  const std::filesystem::path folder = std::filesystem::temp_directory_path();
+  std::error_code missing;
+  const std::filesystem::path folder = std::filesystem::temp_directory_path(missing);
+  if (missing) {
+    throw std::runtime_error("cannot write " + nameOf(output.target) +
+                             ": no folder for temporary files: " + missing.message());
+  }
   std::string path = folder / "tintora-XXXXXX";
   output.file.number = ::mkostemp(path.data(), O_CLOEXEC);
   if (output.file.number < 0) {

@@ -102,6 +102,27 @@ TEST(Check, TakesTheMainColoursOfPictures) {
   expectRefused(check({first}), 1, "--image");
 }
 
+TEST(Check, TakesAsManyColoursOfAPictureAsAskedFor) {
+  const TemporaryFolder folder;
+  const std::string picture = folder.write(
+      "1.png", pngOf({{0, 0, 255, 255}, {0, 128, 0, 255}, {255, 0, 0, 255}, {255, 255, 255, 255}}));
+  EXPECT_EQ(hexes(checkJson({"--image", picture})).size(), 4U);
+  EXPECT_EQ(hexes(checkJson({"--image", picture, "--image-colours", "3"})).size(), 3U);
+  EXPECT_EQ(hexes(checkJson({"--image", picture, "--image-colors", "2"})).size(), 2U);
+}
+
+TEST(Check, RefusesMoreColoursThanAPaletteMayHave) {
+  Words colours;
+  for (int i = 0; i <= 1024; ++i) {
+    const std::string digits = std::to_string(100000 + i);
+    colours.push_back("#" + digits);
+  }
+  expectRefused(check(colours), 2, "more than 1024 colours");
+  const TemporaryFolder folder;
+  const std::string file = folder.write("many.json", Json(colours).dump());
+  expectRefused(check({file}), 1, "more than 1024 colours");
+}
+
 TEST(Check, NamesEachViewer) {
   const Json all = checkJson({"red", "green"});
   EXPECT_EQ(all["algorithm"], "judd");

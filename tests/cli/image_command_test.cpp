@@ -2,10 +2,13 @@
 #include <sys/stat.h>
 
 #include <cmath>
+#include <cstdlib>
+#include <random>
 #include <string>
 #include <vector>
 
 #include "cli/image_file.h"
+#include "engine/colour_simulation.h"
 #include "tests/cli/tool_run.h"
 
 namespace tintora {
@@ -77,6 +80,66 @@ TEST(FilterCommand, PutsEveryPixelThroughTheMatrixAndKeepsAlpha) {
     EXPECT_EQ(run.error + run.output, "");
     expectSwapped(decoded(readFile(out)), image);
   }
+}
+
+TEST(FilterCommand, SimulatesOnTwoHalfPlanes) {
+  const TemporaryFolder folder;
+  const Image image = colourfulImage(false);
+  const std::string in = folder.write("in.png", encoded(image, ImageFormat::Png));
+  const struct {
+    Words options;
+    SimulationUse use;
+  } uses[] = {{{}, SimulationUse::Simulate}, {{"--daltonize"}, SimulationUse::Daltonize}};
+  for (const auto& [options, use] : uses) {
+    const ToolRun run = runTool(
+        Words{"filter", "--mode", "tritan", "--severity", "80", "--algorithm", "brettel1997"} +
+        options + Words{in, folder / "out.png", "--force"});
+    ASSERT_EQ(run.status, 0) << run.error;
+    const Image shown = decoded(readFile(folder / "out.png"));
+    const ColourTransform transform =
+        makeSimulation({CvdType::Tritan, 0.8, SimulationAlgorithm::Brettel1997}, use);
+    for (std::size_t i = 0; i < image.pixels.size(); i += 4) {
+      Colour colour{};
+      for (std::size_t c = 0; c < 3; ++c) colour[c] = image.pixels[i + 2 - c] / 255.0;
+      colour = transformColour(transform, colour);
+      for (std::size_t c = 0; c < 3; ++c) {
+        ASSERT_EQ(shown.pixels[i + 2 - c], static_cast<std::uint8_t>(std::lround(colour[c] * 255)));
+      }
+    }
+  }
+}
+
+TEST(FilterCommand, TellsThatThereIsNoRoomWhileRowsAreWritten) {
+  Image image = colourfulImage(false);
+  image.width = image.height = 600;
+  image.pixels.resize(std::size_t{600} * 600 * 4);
+  std::mt19937 random(1);
+  for (std::size_t i = 0; i < image.pixels.size(); ++i) {
+    image.pixels[i] = i % 4 == 3 ? 255 : static_cast<std::uint8_t>(random());
+  }
+  const TemporaryFolder folder;
+  const std::string in = folder.write("in.png", encoded(image, ImageFormat::Png));
+  for (const std::string name : {"out.png", "out.jpg"}) {
+    // 64 blocks of 512 bytes at most.
+    const std::string command = "ulimit -f 64; '" TINTORA_CLI "' filter --mode invert '" + in +
+                                "' '" + (folder / name).string() + "' 2>'" +
+                                (folder / "error").string() + "'";
+    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
+    EXPECT_NE(readFile(folder / "error").find("File too large"), std::string::npos);
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"error", "in.png"}));
+  }
+}
+
+TEST(FilterCommand, TellsThatThereIsNoFolderForTemporaryFiles) {
+  const TemporaryFolder folder;
+  const std::string in = folder.write("in.png", encoded(colourfulImage(false), ImageFormat::Png));
+  const std::string command =
+      "TMPDIR='" + (folder / "none").string() + "' '" TINTORA_CLI "' filter --mode invert '" + in +
+      "' - 2>'" + (folder / "error").string() + "' | wc -c >'" + (folder / "count").string() + "'";
+  EXPECT_EQ(std::system(command.c_str()), 0);
+  EXPECT_NE(readFile(folder / "error").find("cannot write standard output: no folder"),
+            std::string::npos);
+  EXPECT_EQ(std::stoi(readFile(folder / "count")), 0);
 }
 
 TEST(FilterCommand, ReadsAndWritesJpeg) {

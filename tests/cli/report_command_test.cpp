@@ -60,6 +60,17 @@ std::vector<Image> picturesOf(const std::string& page, const std::string& alt) {
   return pictures;
 }
 
+TEST(Report, TellsWhatItLeavesOutAndWhereNoChangeHelps) {
+  const TemporaryFolder folder;
+  const std::string css = folder.write("a.css", "a { color: #f00; background: #abc8; top: #080 }");
+  const ToolRun run = report({css, "--lost", "150", "-o", "-"});
+  EXPECT_EQ(run.error, "");
+  EXPECT_NE(run.output.find("Left out, because it is translucent: <code>#abc8</code>"),
+            std::string::npos);
+  EXPECT_NE(run.output.find("No change of one of the two alone was found that separates them."),
+            std::string::npos);
+}
+
 TEST(Report, HoldsEachPictureAndWhatFilterMakesOfIt) {
   const TemporaryFolder folder;
   // Pictures with an alpha channel stand in the page as PNG, which is exact.

@@ -86,7 +86,8 @@ void compose(xcb_pixmap_t target, xcb_gcontext_t copying, const QPoint& origin, 
   // From the highest down, as long as anything is seen of what is further below.
   std::vector<Layer> layers;
   QRegion seen(part);
-  for (TopLevel* const topLevel : windowsLookedAt() | std::views::reverse) {
+  const std::vector<TopLevel*> windows = windowsLookedAt();
+  for (TopLevel* const topLevel : std::ranges::subrange(windows.rbegin(), windows.rend())) {
     if (seen.isEmpty()) break;
     if (!topLevel->bounds.intersects(part)) continue;
     const QRegion seenOfIt = seen & topLevel->region();
@@ -95,7 +96,7 @@ void compose(xcb_pixmap_t target, xcb_gcontext_t copying, const QPoint& origin, 
     if (isOpaque(*topLevel)) seen -= seenOfIt;
   }
   for (const QRect& rect : seen) paintBackdrop(target, origin, rect);
-  for (const auto& [topLevel, seenOfIt] : layers | std::views::reverse) {
+  for (const auto& [topLevel, seenOfIt] : std::ranges::subrange(layers.rbegin(), layers.rend())) {
     for (const QRect& rect : seenOfIt) draw(*topLevel, target, copying, origin, rect);
   }
 }

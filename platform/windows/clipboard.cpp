@@ -12,14 +12,14 @@ namespace tintora::platform {
 
 namespace {
 
-// A device-independent bitmap's header with room for the largest colour table.
+// The header of a device-independent bitmap, with room for the largest colour table.
 struct BitmapHeader {
   BITMAPINFOHEADER header;
   std::array<RGBQUAD, 256> colours;
 };
 
 struct Depth {
-  WORD atMost;  // bits per pixel of the bitmap
+  WORD atMost;  // bits per pixel of the original bitmap
   WORD bitCount;
   DWORD colourTableBytes;
 };
@@ -37,8 +37,8 @@ BITMAPINFO* asInfo(void* header) {
   return static_cast<BITMAPINFO*>(header);
 }
 
-// The bitmap as the clipboard holds it: header, colour table and rows in one block. Null where that
-// cannot be had.
+// Returns the bitmap as the clipboard holds it: header, colour table and rows in one block. Returns
+// null on failure.
 HGLOBAL makeDib(HDC screen, HBITMAP bitmap) {
   BITMAP facts{};
   GetObjectW(bitmap, sizeof facts, &facts);
@@ -77,7 +77,7 @@ HGLOBAL makeDib(HDC screen, HBITMAP bitmap) {
 }  // namespace
 
 Picture* captureClientArea(Window* window) {
-  // What was drawn last may not be on the screen yet.
+  // The latest drawing may not be on the screen yet.
   awaitComposition();
   const HDC screen = GetDC(nullptr);
   const Rect area = clientArea(window);
@@ -99,7 +99,7 @@ bool putOnClipboard(Window* owner, Picture* picture) {
   const HPALETTE previous =
       SelectPalette(screen, static_cast<HPALETTE>(GetStockObject(DEFAULT_PALETTE)), FALSE);
   RealizePalette(screen);
-  // From here on the block is the clipboard's.
+  // The clipboard owns the block once it has accepted it.
   const HGLOBAL block = makeDib(screen, native(picture));
   const bool handedOver = block != nullptr;
   if (handedOver) SetClipboardData(CF_DIB, block);

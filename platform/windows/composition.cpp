@@ -11,8 +11,8 @@ struct CompositionApi {
   HRESULT(WINAPI* setWindowAttribute)(HWND, DWORD, const void*, DWORD) = nullptr;
 };
 
-// Not among the libraries that Windows always takes from its own folder, so loaded from there by
-// name. Functions that the desktop lacks stay null.
+// Windows does not always take this library from its own folder, so load it from there explicitly.
+// Functions that the desktop lacks stay null.
 const CompositionApi& api() {
   static const CompositionApi found = [] {
     CompositionApi functions;

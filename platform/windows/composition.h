@@ -1,14 +1,14 @@
-// What the program asks of the desktop's composition of windows.
+// Requests to the desktop's window composition.
 #pragma once
 
 #include <windows.h>
 
 namespace tintora::platform {
 
-// Waits until what was drawn so far is on the screen.
+// Waits until everything drawn so far is on the screen.
 void awaitComposition();
 
-// Keeps the corners of a window square, where the desktop would round them and so cut them off.
+// Keeps the corners of a window square; rounding by the desktop would cut off the view's.
 void keepCornersSquare(HWND window);
 
 }  // namespace tintora::platform

@@ -15,7 +15,7 @@ namespace {
 constexpr UINT_PTR timerId = 0;
 
 EventHandler eventHandler = nullptr;
-bool told = false;  // the handler was, since the loop last looked
+bool told = false;  // whether the handler got an event since the loop last reset this
 int result = 0;
 
 bool handle(const Event& event) {
@@ -23,7 +23,7 @@ bool handle(const Event& event) {
   return eventHandler(event);
 }
 
-// A window's kind is kept with it, above 0, which stands for a window not known yet.
+// The window's user data holds its kind plus one. 0 means that the window is not known yet.
 bool isKnown(HWND window) {
   return GetWindowLongPtrW(window, GWLP_USERDATA) != 0;
 }
@@ -43,7 +43,8 @@ bool onMouseMoved(Window* window, WPARAM held, LPARAM place) {
   return handle(event);
 }
 
-// A drag goes on outside the window, but not that of the colour space window.
+// Captures the mouse, so that a drag continues outside the window. Drags in the colour space window
+// stop at its edge.
 bool onLeftDown(Window* window, LPARAM place) {
   if (kindOf(native(window)) != WindowKind::ColourSpace) SetCapture(native(window));
   return handle(at(EventKind::LeftDown, window, place));
@@ -55,13 +56,13 @@ bool onLeftUp(Window* window, LPARAM place) {
   return handled;
 }
 
-// The desktop asks for nothing but the length of the first name; the drop stays with it.
+// Reads only the length of the first file name, and does not release the drop.
 bool onFilesDropped(Window* window, HDROP drop) {
   DragQueryFileW(drop, 0, nullptr, 0);
   return handle({.kind = EventKind::FilesDropped, .window = window});
 }
 
-// Takes the place that suits the new resolution.
+// Moves the window to the bounds that the desktop suggests for the new resolution.
 bool onResolutionChanged(HWND window, const RECT& suggested) {
   SetWindowPos(window, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
                suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
@@ -111,7 +112,7 @@ bool handleMessage(Window* window, UINT message, WPARAM first, LPARAM second) {
     case WM_DPICHANGED:
       return onResolutionChanged(native(window), *reinterpret_cast<const RECT*>(second));
     case WM_ENDSESSION:
-      // The process may be ended as soon as this returns.
+      // The desktop may end the process as soon as this returns.
       return first != FALSE && handle({.kind = EventKind::SessionEnding, .window = window});
     case WM_ENTERMENULOOP:
     case WM_ENTERSIZEMOVE:
@@ -148,8 +149,8 @@ bool onlyPaintsWait() {
   return PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE) != 0 && message.message == WM_PAINT;
 }
 
-// Takes a timer that is due; they would come after paints, and something is always left to paint.
-// What ends the loop is taken as well, whatever is asked for.
+// Takes a timer message that is due. Windows would deliver it only after all paints, and there is
+// always something to paint. WM_QUIT is returned too, whatever the filter.
 bool takeTimer(MSG& message) {
   return PeekMessageW(&message, nullptr, WM_TIMER, WM_TIMER, PM_REMOVE) != 0;
 }
@@ -206,7 +207,7 @@ bool handleNextEvent() {
     told = false;
     paintWaitingWindows();
     if (told) return true;
-    // A new picture of the screen is no event of the program.
+    // Refreshing the view is not an event, so the shell does not take its turn.
     refreshView();
   }
   if (message.message == WM_QUIT) {
@@ -221,7 +222,7 @@ void handleWaitingEvents() {
   MSG message{};
   while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
     if (message.message == WM_QUIT) {
-      // For the loop, which must see it.
+      // Post it again, so that the event loop sees it.
       PostQuitMessage(static_cast<int>(message.wParam));
       return;
     }

@@ -1,4 +1,4 @@
-// What Windows sends to the program's windows, in the seam's terms.
+// Translates window messages into the platform layer's events.
 #pragma once
 
 #include <windows.h>
@@ -10,7 +10,7 @@ namespace tintora::platform {
 // From now on, passes the events of known windows to the handler.
 void setEventHandler(EventHandler handler);
 
-// From now on, passes a window's events on: the program knows the window.
+// From now on, passes this window's events to the handler.
 void translateEvents(HWND window, WindowKind kind);
 
 LRESULT CALLBACK windowProcedure(HWND window, UINT message, WPARAM first, LPARAM second);

@@ -29,14 +29,14 @@ constexpr DWORD vertexFormat = D3DFVF_XYZ | D3DFVF_DIFFUSE;
 static_assert(sizeof(ColourVertex) == 16);
 static_assert(sizeof(Matrix4x4) == sizeof(D3DMATRIX));
 
-// By TransformKind.
+// Indexed by TransformKind.
 constexpr std::array transformStates{D3DTS_WORLD, D3DTS_VIEW, D3DTS_PROJECTION};
 
-// By PrimitiveKind.
+// Indexed by PrimitiveKind.
 constexpr std::array primitiveTypes{D3DPT_TRIANGLELIST, D3DPT_LINELIST, D3DPT_LINESTRIP,
                                     D3DPT_LINELIST, D3DPT_TRIANGLELIST};
 
-// By BufferUse.
+// Indexed by BufferUse.
 constexpr std::array pools{D3DPOOL_DEFAULT, D3DPOOL_MANAGED};
 
 constexpr std::array renderStates{
@@ -53,7 +53,7 @@ const Value& at(const std::array<Value, size>& table, Index index) {
 
 using CreateDirect3d = decltype(Direct3DCreate9);
 
-// Null where the desktop has no Direct3D.
+// Returns null if the desktop has no Direct3D.
 CreateDirect3d* findCreateDirect3d() {
   const HMODULE library = loadSystemLibrary("d3d9.dll");
   return library == nullptr ? nullptr : libraryFunction<CreateDirect3d>(library, "Direct3DCreate9");
@@ -64,7 +64,7 @@ IDirect3D9* createDirect3d() {
   return create == nullptr ? nullptr : create(D3D_SDK_VERSION);
 }
 
-// For as long as it lives, whatever is called may set up the processor's arithmetic as it likes.
+// Restores the floating-point environment when it goes out of scope.
 class KeptArithmetic {
  public:
   KeptArithmetic() { std::fegetenv(&environment_); }
@@ -77,8 +77,8 @@ class KeptArithmetic {
 };
 
 IDirect3DDevice9* createDevice(IDirect3D9* direct3d, HWND window, const Size& size) {
-  // Making a device lowers the precision to that of a float, of which powers and exponentials would
-  // not survive.
+  // Creating a device lowers the precision of the arithmetic to single, which would spoil the
+  // powers and exponentials of the colour science.
   const KeptArithmetic kept;
   D3DDISPLAYMODE mode{};
   direct3d->GetAdapterDisplayMode(D3DADAPTER_DEFAULT, &mode);
@@ -98,7 +98,7 @@ IDirect3DDevice9* createDevice(IDirect3D9* direct3d, HWND window, const Size& si
       .FullScreen_RefreshRateInHz = 0,
       .PresentationInterval = D3DPRESENT_INTERVAL_IMMEDIATE,
   };
-  // The device writes what it chose into the form, so that each attempt gets one of its own.
+  // The device writes its choices into the parameters, so each attempt needs its own copy.
   const auto create = [&](DWORD processing) {
     D3DPRESENT_PARAMETERS asked = form;
     IDirect3DDevice9* device = nullptr;
@@ -117,7 +117,7 @@ void declareVertices(IDirect3DDevice9* device) {
        D3DDECL_END()}};
   IDirect3DVertexDeclaration9* declaration = nullptr;
   if (FAILED(device->CreateVertexDeclaration(elements.data(), &declaration))) return;
-  // The device keeps it.
+  // The device holds its own reference to the declaration.
   device->SetVertexDeclaration(declaration);
   release(declaration);
 }
@@ -126,7 +126,7 @@ void clear(GraphicsDevice* device, DWORD targets, PackedColour colour) {
   if (device->device != nullptr) device->device->Clear(0, nullptr, targets, colour, 1.0F, 0);
 }
 
-// Replaces a whole buffer, of vertices or of indices.
+// Replaces the contents of a vertex or index buffer.
 template <typename Buffer>
 void fill(Buffer* buffer, const void* source, std::size_t bytes) {
   void* target = nullptr;

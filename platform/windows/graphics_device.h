@@ -1,4 +1,4 @@
-// What a graphics device and its fonts are on this desktop.
+// The graphics device and its fonts on Windows.
 #pragma once
 
 #include <windows.h>
@@ -14,15 +14,15 @@ namespace tintora::platform {
 struct PaintedFont;
 
 struct GraphicsDevice {
-  IDirect3D9* direct3d = nullptr;      // null where the desktop has no Direct3D
-  IDirect3DDevice9* device = nullptr;  // null where it cannot draw
+  IDirect3D9* direct3d = nullptr;      // null if the desktop has no Direct3D
+  IDirect3DDevice9* device = nullptr;  // null if it could not be created
   Size size;
-  double scale = 1.0;  // of the window's monitor: text and the viewport are the program's pixels
+  double scale = 1.0;  // of the window's monitor; text and viewport use unscaled pixels
 };
 
 struct TextFont {
   ID3DXFont* font = nullptr;
-  PaintedFont* painted = nullptr;  // in place of the other
+  PaintedFont* painted = nullptr;  // used if there is no D3DX font
   int height = 0;
 };
 
@@ -31,7 +31,7 @@ struct RenderState {
   DWORD value;
 };
 
-// Releases an object until nothing holds it any more, and forgets it.
+// Releases an object until no reference is left, and sets the pointer to null.
 template <typename Object>
 void releaseCompletely(Object*& object) {
   while (object != nullptr && object->Release() != 0) {
@@ -39,7 +39,7 @@ void releaseCompletely(Object*& object) {
   object = nullptr;
 }
 
-// Releases the one reference that this program holds, and forgets the object.
+// Releases the program's own reference, and sets the pointer to null.
 template <typename Object>
 void release(Object*& object) {
   if (object != nullptr) object->Release();

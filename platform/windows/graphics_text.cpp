@@ -1,5 +1,5 @@
-// Text on a graphics device: by D3DX where it is installed, which is a package of its own and no
-// part of Windows, and painted by the desktop elsewhere.
+// Draws text on a graphics device. Uses D3DX if it is installed (it is a separate package, not part
+// of Windows); otherwise the desktop paints the text.
 #include <windows.h>
 #include <d3dx9core.h>
 
@@ -19,7 +19,7 @@ namespace {
 
 using CreateFontFunction = decltype(D3DXCreateFontW);
 
-// Of the newest D3DX that is installed; null where none is.
+// Returns the function of the newest D3DX that is installed, or null if there is none.
 CreateFontFunction* findCreateFont() {
   constexpr int newest = 43;
   constexpr int oldest = 24;

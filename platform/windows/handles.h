@@ -1,4 +1,4 @@
-// The seam's opaque handles are the desktop's own.
+// Converts between the platform layer's opaque handles and those of Windows.
 #pragma once
 
 #include <windows.h>

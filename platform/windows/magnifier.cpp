@@ -27,10 +27,10 @@ struct MagnificationApi {
 MagnificationApi api;
 
 HWND view = nullptr;
-RECT source{};  // of the view, as last asked for
+RECT source{};  // the latest source rectangle of the view
 WNDPROC controlProcedure = nullptr;
 
-// The mouse over the view belongs to the window around it, whatever the control would have of it.
+// Passes hit tests on to the main window, whatever the magnifier control would answer.
 LRESULT CALLBACK leaveMouse(HWND window, UINT message, WPARAM first, LPARAM second) {
   if (message == WM_NCHITTEST) return HTTRANSPARENT;
   return CallWindowProcW(controlProcedure, window, message, first, second);

@@ -1,14 +1,14 @@
-// The window of the filtered view.
+// The magnifier control, which shows the filtered view.
 #pragma once
 
 #include <windows.h>
 
 namespace tintora::platform {
 
-// Returns the magnifier control; null before it is created.
+// Returns the magnifier control, or null if it has not been created yet.
 HWND viewWindow();
 
-// Has the view read the screen again, at the place it was last aimed at.
+// Has the view read the screen again at its latest source rectangle.
 void refreshView();
 
 }  // namespace tintora::platform

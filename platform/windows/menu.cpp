@@ -9,7 +9,7 @@ namespace tintora::platform {
 
 namespace {
 
-// A label is disabled without being greyed.
+// Appends an item. Labels use MF_DISABLED, which does not grey them.
 void append(Menu* menu, UINT flags, UINT_PTR id, const std::string& text) {
   AppendMenuW(native(menu), flags, id, wide(text).c_str());
 }

@@ -15,11 +15,11 @@ namespace tintora::platform {
 
 namespace {
 
-// A line of white text; how much of a pixel it covers is the pixel's alpha.
+// A line of white text. The alpha of each pixel is its coverage by the text.
 struct PaintedLine {
   std::string text;
   IDirect3DTexture9* texture = nullptr;
-  Size size;  // of the texture
+  Size size;  // of the texture, in pixels
 };
 
 struct CornerVertex {
@@ -45,7 +45,7 @@ struct SamplerState {
   DWORD value;
 };
 
-// Over whatever is there, as much of it as the line's alpha says.
+// Blends the line over the picture by the line's alpha.
 constexpr std::array renderStates{
     RenderState{D3DRS_ALPHABLENDENABLE, TRUE},
     RenderState{D3DRS_SRCBLEND, D3DBLEND_SRCALPHA},
@@ -56,7 +56,7 @@ constexpr std::array renderStates{
     RenderState{D3DRS_FILLMODE, D3DFILL_SOLID},
 };
 
-// The vertex's colour with the line's alpha.
+// Takes the colour from the vertex and multiplies its alpha by the line's.
 constexpr std::array stageStates{
     StageState{0, D3DTSS_COLOROP, D3DTOP_MODULATE}, StageState{0, D3DTSS_COLORARG1, D3DTA_TEXTURE},
     StageState{0, D3DTSS_COLORARG2, D3DTA_DIFFUSE}, StageState{0, D3DTSS_ALPHAOP, D3DTOP_MODULATE},
@@ -64,7 +64,7 @@ constexpr std::array stageStates{
     StageState{1, D3DTSS_COLOROP, D3DTOP_DISABLE},  StageState{1, D3DTSS_ALPHAOP, D3DTOP_DISABLE},
 };
 
-// Pixel for pixel.
+// Copies pixel for pixel, without smoothing.
 constexpr std::array samplerStates{
     SamplerState{D3DSAMP_MINFILTER, D3DTEXF_POINT},
     SamplerState{D3DSAMP_MAGFILTER, D3DTEXF_POINT},
@@ -73,7 +73,7 @@ constexpr std::array samplerStates{
     SamplerState{D3DSAMP_ADDRESSV, D3DTADDRESS_CLAMP},
 };
 
-// All that drawing a line sets or, as the drawing from memory does, upsets.
+// Sets all states for drawing a line, and the vertex stream, which drawing from memory resets.
 void setStates(IDirect3DDevice9* device) {
   for (const auto& [state, value] : renderStates) device->SetRenderState(state, value);
   for (const auto& [stage, state, value] : stageStates) {
@@ -85,7 +85,7 @@ void setStates(IDirect3DDevice9* device) {
   device->SetStreamSource(0, nullptr, 0, 0);
 }
 
-// The states above; null where the device refuses.
+// Returns a block of the states above, or null if the device refuses.
 IDirect3DStateBlock9* recordStates(IDirect3DDevice9* device) {
   IDirect3DStateBlock9* states = nullptr;
   if (FAILED(device->BeginStateBlock())) return nullptr;
@@ -98,20 +98,20 @@ BITMAPINFO description(const Size& size) {
   BITMAPINFOHEADER& header = info.bmiHeader;
   header.biSize = sizeof header;
   header.biWidth = size.width;
-  header.biHeight = -size.height;  // rows from the top
+  header.biHeight = -size.height;  // negative: the top row comes first
   header.biPlanes = 1;
   header.biBitCount = 32;
   return info;
 }
 
-// Where the desktop smooths for the colour stripes of a screen, a pixel's colours are covered
-// unequally; the texture knows only their mean.
+// Returns white with the mean of the three channels as alpha. With subpixel smoothing the channels
+// of a pixel differ, but the texture has only one alpha.
 std::uint32_t whiteWithCoverage(std::uint32_t painted) {
   const std::uint32_t sum = (painted >> 16 & 0xFF) + (painted >> 8 & 0xFF) + (painted & 0xFF);
   return (sum + 1) / 3 << 24 | 0x00FFFFFF;
 }
 
-// False where the texture cannot be written to.
+// Returns false if the texture cannot be locked.
 bool copyCoverage(IDirect3DTexture9* texture, const std::uint32_t* pixels, const Size& size) {
   D3DLOCKED_RECT target{};
   if (FAILED(texture->LockRect(0, &target, nullptr, 0))) return false;
@@ -126,7 +126,7 @@ bool copyCoverage(IDirect3DTexture9* texture, const std::uint32_t* pixels, const
   return true;
 }
 
-// What is painted as coverage; null where the device has no memory for it.
+// Returns a texture with the painted pixels as coverage, or null if memory runs out.
 IDirect3DTexture9* makeTexture(IDirect3DDevice9* device, const std::uint32_t* pixels,
                                const Size& size) {
   IDirect3DTexture9* texture = nullptr;
@@ -138,7 +138,7 @@ IDirect3DTexture9* makeTexture(IDirect3DDevice9* device, const std::uint32_t* pi
   return texture;
 }
 
-// Not every device takes other sizes than powers of two.
+// Rounds up to a power of two, 2048 at most. Not every device accepts other sizes.
 int textureLength(LONG pixels) {
   constexpr LONG longest = 2048;
   return static_cast<int>(std::bit_ceil(static_cast<unsigned>(std::min(pixels, longest))));
@@ -148,13 +148,13 @@ int textureLength(LONG pixels) {
 
 struct PaintedFont {
   IDirect3DDevice9* device = nullptr;
-  IDirect3DStateBlock9* states = nullptr;  // of the device while a line is drawn
-  IDirect3DStateBlock9* kept = nullptr;    // of the device before and after
+  IDirect3DStateBlock9* states = nullptr;  // the device's states while a line is drawn
+  IDirect3DStateBlock9* kept = nullptr;    // the device's states before and after
   HDC context = nullptr;
   HFONT font = nullptr;
   HGDIOBJ previousFont = nullptr;
   LONG height = 0;
-  std::deque<PaintedLine> lines{};  // the oldest first
+  std::deque<PaintedLine> lines{};  // oldest first
 };
 
 namespace {
@@ -163,11 +163,11 @@ Size textureSize(const PaintedFont& font, const std::string& text) {
   SIZE extent{};
   const std::wstring line = wide(text);
   GetTextExtentPoint32W(font.context, line.data(), static_cast<int>(line.size()), &extent);
-  // The last letter may reach over its end.
+  // The last letter may extend beyond the measured width.
   return {textureLength(extent.cx + font.height), textureLength(font.height)};
 }
 
-// The texture is null where there is no memory for it.
+// Paints a line. Its texture is null if there is no memory for it.
 PaintedLine paintLine(const PaintedFont& font, const std::string& text) {
   PaintedLine line{.text = text, .size = textureSize(font, text)};
   const BITMAPINFO info = description(line.size);
@@ -184,8 +184,7 @@ PaintedLine paintLine(const PaintedFont& font, const std::string& text) {
   return line;
 }
 
-// A line that was drawn before is not painted again, unless many others came between. Null where it
-// cannot be painted.
+// Returns the painted line, from the cache if it is there, or null if it cannot be painted.
 const PaintedLine* lineOf(PaintedFont& font, const std::string& text) {
   constexpr std::size_t most = 64;
   const auto found = std::ranges::find(font.lines, text, &PaintedLine::text);
@@ -199,8 +198,8 @@ const PaintedLine* lineOf(PaintedFont& font, const std::string& text) {
   return &font.lines.emplace_back(std::move(painted));
 }
 
-// The part of a line that fits into an area. A texture's pixels fall on the screen's when the
-// corners lie between pixels, which have their middles at whole numbers.
+// Returns the corners of the part of a line that fits into an area. Pixel centres are at whole
+// numbers, so corners half a pixel before them map texture pixels exactly to screen pixels.
 std::array<CornerVertex, 4> corners(const PaintedLine& line, const Rect& area,
                                     PackedColour colour) {
   const auto width = static_cast<float>(std::min(line.size.width, area.width()));

@@ -1,4 +1,4 @@
-// Lines of text that the desktop paints into textures.
+// Text that the desktop paints into textures, one line each.
 #pragma once
 
 #include <windows.h>
@@ -11,16 +11,16 @@
 
 namespace tintora::platform {
 
-// A font of one device, with the lines that were last drawn in it.
+// A font on one device, with a cache of the lines drawn last.
 struct PaintedFont;
 
 PaintedFont* createPaintedFont(IDirect3DDevice9* device, const TextFontForm& form);
 
-// To be released before its device.
+// Releases the font; call it before the device is released.
 void releasePaintedFont(PaintedFont* font);
 
-// One line of text from the left top corner of a rectangle, cut off at its edges; returns the
-// line's height in pixels. All states of the device are left as they were.
+// Draws one line of text from the left top corner of an area, clipped at its edges. Returns the
+// line's height in pixels. Leaves all states of the device unchanged.
 int drawPaintedText(PaintedFont* font, const Rect& area, PackedColour colour,
                     const std::string& text);
 

@@ -6,11 +6,11 @@
 
 namespace tintora::platform {
 
-// The most characters that a path may have, with the zero at its end.
+// The most characters that a path may have, including the terminating zero.
 constexpr std::size_t longestPath = 32768;
 
-// Returns the whole path in the form in which the desktop opens it however long it is: from 260
-// characters on, it begins with the mark of a path that is meant literally.
+// Returns a full path in a form that Windows opens whatever its length: paths of 260 characters or
+// more get the prefix that switches off path parsing.
 std::wstring openablePath(const std::wstring& path);
 
 }  // namespace tintora::platform

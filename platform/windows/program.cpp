@@ -14,7 +14,8 @@
 namespace tintora::platform {
 
 std::filesystem::path customTransformFile() {
-  // In UTF-8 no part of a letter looks like a backslash, as it may in other code pages.
+  // Use UTF-8: no byte of its multi-byte characters looks like a backslash, as one may in other
+  // code pages.
   const std::u8string line = utf8(GetCommandLineW());
   const std::string path =
       customTransformPath({reinterpret_cast<const char*>(line.data()), line.size()});
@@ -22,7 +23,7 @@ std::filesystem::path customTransformFile() {
 }
 
 std::string programArguments() {
-  // The program's path ends at a blank, or at the closing quote if it is quoted.
+  // The program's path ends at a blank or, if it is quoted, at the closing quote.
   const std::string line = narrow(GetCommandLineW());
   const bool quoted = line.starts_with('"');
   const std::size_t pathEnd = line.find_first_of(quoted ? "\"" : " \t", quoted ? 1 : 0);
@@ -43,7 +44,7 @@ void openPageBesideProgram(const std::string& fileName) {
   std::wstring program(longestPath, L'\0');
   program.resize(GetModuleFileNameW(nullptr, program.data(), longestPath));
   const std::wstring page = program.substr(0, program.find_last_of(L'\\') + 1) + wide(fileName);
-  // Browsers may be started through COM, which the calling thread has to make ready.
+  // ShellExecute may start browsers through COM, which each calling thread has to initialise.
   const HRESULT ready = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
   ShellExecuteW(nullptr, L"open", page.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
   if (SUCCEEDED(ready)) CoUninitialize();

@@ -10,7 +10,7 @@ constexpr double standardDpi = USER_DEFAULT_SCREEN_DPI;
 
 using DpiForWindow = UINT WINAPI(HWND);
 
-// Windows 10 has it from its second year on.
+// Returns null on Windows before version 1607 of Windows 10.
 DpiForWindow* findDpiForWindow() {
   const HMODULE library = GetModuleHandleA("user32.dll");
   return libraryFunction<DpiForWindow>(library, "GetDpiForWindow");

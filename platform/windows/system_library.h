@@ -1,14 +1,14 @@
-// Libraries that are part of Windows without always being taken from its own folder.
+// Loads libraries of Windows that are not always taken from the system folder.
 #pragma once
 
 #include <windows.h>
 
 namespace tintora::platform {
 
-// Loads a library from the system folder and from nowhere else; null where it is not there.
+// Loads a library from the system folder only. Returns null if it is not there.
 HMODULE loadSystemLibrary(const char* name);
 
-// The function of a loaded library, null where there is none.
+// Returns the function of a loaded library, or null if the library or the function is missing.
 template <typename Function>
 Function* libraryFunction(HMODULE library, const char* name) {
   return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(library, name)));

@@ -11,7 +11,7 @@ constexpr UINT codePage = 1252;
 }  // namespace
 
 std::wstring wide(std::string_view text) {
-  // Each byte is one unit.
+  // Each byte becomes one UTF-16 unit.
   std::wstring result(text.size(), L'\0');
   const auto size = static_cast<int>(text.size());
   MultiByteToWideChar(codePage, 0, text.data(), size, result.data(), size);
@@ -29,7 +29,7 @@ std::string narrow(std::wstring_view text) {
 
 std::u8string utf8(std::wstring_view text) {
   const auto size = static_cast<int>(text.size());
-  std::u8string result(3 * text.size(), u8'\0');  // at most so many bytes to a unit
+  std::u8string result(3 * text.size(), u8'\0');  // a UTF-16 unit needs 3 bytes at most
   const int length =
       WideCharToMultiByte(CP_UTF8, 0, text.data(), size, reinterpret_cast<char*>(result.data()),
                           static_cast<int>(result.size()), nullptr, nullptr);

@@ -1,4 +1,4 @@
-// The program's text, Windows-1252, as the desktop takes it whatever its own code page is.
+// Converts the program's text, which is Windows-1252 whatever the desktop's code page is.
 #pragma once
 
 #include <string>
@@ -9,10 +9,10 @@ namespace tintora::platform {
 // Returns the text in UTF-16.
 std::wstring wide(std::string_view text);
 
-// Returns the text in Windows-1252; what that cannot hold becomes a question mark.
+// Returns the text in Windows-1252. Characters that it lacks become question marks.
 std::string narrow(std::wstring_view text);
 
-// Returns the text in UTF-8, which holds every path.
+// Returns the text in UTF-8, which can hold every path.
 std::u8string utf8(std::wstring_view text);
 
 }  // namespace tintora::platform

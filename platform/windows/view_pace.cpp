@@ -13,7 +13,7 @@ using std::chrono::nanoseconds;
 
 constexpr UINT_PTR modalTimer = 1;
 
-nanoseconds period{};  // 0 while it is not known
+nanoseconds period{};  // 0 if not measured yet
 Clock::time_point due;
 
 nanoseconds measuredPeriod() {
@@ -21,19 +21,19 @@ nanoseconds measuredPeriod() {
   const HDC screen = GetDC(nullptr);
   const int rate = GetDeviceCaps(screen, VREFRESH);
   ReleaseDC(nullptr, screen);
-  // 0 and 1 stand for whatever the hardware does.
+  // Windows reports 0 or 1 for the hardware's default rate.
   return nanoseconds(std::chrono::seconds(1)) / (rate > 1 ? rate : usualRate);
 }
 
-// Null where the desktop has no timers, which then waits in whole milliseconds.
+// Returns null if no timer can be created; the wait is then in whole milliseconds.
 HANDLE createTimer() {
-  constexpr DWORD highResolution = 2;  // from Windows 10 of 2018 on
+  constexpr DWORD highResolution = 2;  // since Windows 10 version 1803
   const HANDLE precise = CreateWaitableTimerExW(nullptr, nullptr, highResolution, TIMER_ALL_ACCESS);
   return precise != nullptr ? precise
                             : CreateWaitableTimerExW(nullptr, nullptr, 0, TIMER_ALL_ACCESS);
 }
 
-// Returns true once the time has passed, false if a message came first.
+// Returns true when the time has passed, false if a message came first.
 bool waitForTime(nanoseconds time) {
   static const HANDLE timer = createTimer();
   constexpr DWORD messages = QS_ALLINPUT & ~DWORD{QS_PAINT};
@@ -44,8 +44,7 @@ bool waitForTime(nanoseconds time) {
     return MsgWaitForMultipleObjectsEx(0, nullptr, static_cast<DWORD>(milliseconds), messages, 0) ==
            WAIT_TIMEOUT;
   }
-  // Only for messages that come after the caller looked: one that is left over, and that the caller
-  // does not see, would otherwise keep the loop spinning.
+  // Wait for new messages only: an old one that the caller does not see would keep it spinning.
   return MsgWaitForMultipleObjectsEx(1, &timer, INFINITE, messages, 0) == WAIT_OBJECT_0;
 }
 
@@ -64,7 +63,7 @@ bool awaitNextPicture() {
   if (period == nanoseconds()) period = measuredPeriod();
   const Clock::time_point now = Clock::now();
   if (due > now && !waitForTime(due - now)) return false;
-  // At an even pace; after a rest, from now on.
+  // Keep an even pace, but start afresh after a pause.
   const Clock::time_point drawn = Clock::now();
   due += period;
   if (due < drawn) due = drawn + period;
@@ -79,8 +78,8 @@ void forgetPace() {
   period = nanoseconds();
 }
 
-// By a timer, not by invalidating the view whenever it was painted: paints go before timers, and
-// the menus' own timers, which open submenus, would never come.
+// Draws by a timer instead of invalidating the view after each paint. Paints come before timers, so
+// the menus' own timers, which open submenus, would never fire.
 void beginModalLoop() {
   constexpr UINT milliseconds = 15;  // one tick of the system's clock
   SetTimer(viewWindow(), modalTimer, milliseconds, &pictureIsDue);

@@ -1,20 +1,20 @@
-// How often the view is drawn: as often as the screen shows a new picture, and no more.
+// Draws the view once for each new picture of the screen, and no more often.
 #pragma once
 
 namespace tintora::platform {
 
-// Waits until the screen's next picture is due; returns false as soon as a message other than a
-// paint arrives before that.
+// Waits until the screen's next picture is due. Returns false at once if a message other than a
+// paint arrives first.
 bool awaitNextPicture();
 
-// Paints once each window of this thread that waits for it.
+// Paints each window of this thread that needs it, once.
 void paintWaitingWindows();
 
-// From now on, measures the screen's pace anew: its settings have changed.
+// Measures the refresh rate again at the next picture, because the screen's settings have changed.
 void forgetPace();
 
-// While a menu is open or a window is dragged, Windows runs a loop of its own, in which the program
-// gets no turn. Between these two calls, draws the view at the screen's pace all the same.
+// Windows runs its own message loop while a menu is open or a window is dragged. Between these two
+// calls, a timer draws the view in that loop.
 void beginModalLoop();
 void endModalLoop();
 

@@ -4,7 +4,7 @@
 
 int WINAPI WinMain(HINSTANCE /*instance*/, HINSTANCE /*previous*/, LPSTR /*arguments*/,
                    int /*show*/) {
-  // Whatever the desktop loads on the program's behalf comes from its own folder too.
+  // Libraries that Windows loads on the program's behalf come from the system folder too.
   SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);
   return tintora::runProgram();
 }

@@ -25,14 +25,14 @@ struct WindowKindFacts {
 constexpr const wchar_t* mainClass = L"WindowClassZub";
 constexpr const wchar_t* otherClass = L"WindowClassZub2";
 
-// By WindowKind.
+// Indexed by WindowKind.
 constexpr std::array<WindowKindFacts, 3> windowKinds{{
     {mainClass, WS_EX_LAYERED | WS_EX_TOPMOST, WS_OVERLAPPEDWINDOW},
     {otherClass, WS_EX_TOPMOST, WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX},
     {otherClass, WS_EX_TOPMOST, WS_OVERLAPPEDWINDOW},
 }};
 
-// By WindowForm.
+// Indexed by WindowForm.
 constexpr std::array<DWORD, 5> formStyles{
     WS_OVERLAPPEDWINDOW,
     WS_POPUP | WS_BORDER,
@@ -41,7 +41,7 @@ constexpr std::array<DWORD, 5> formStyles{
     WS_POPUP | WS_MAXIMIZE,
 };
 
-// What whoever started the program asked for.
+// Returns the show command that the program was started with.
 int startUpShowCommand() {
   STARTUPINFOW facts{};
   facts.cb = sizeof facts;
@@ -49,14 +49,14 @@ int startUpShowCommand() {
   return (facts.dwFlags & STARTF_USESHOWWINDOW) != 0 ? facts.wShowWindow : SW_SHOWDEFAULT;
 }
 
-// By ShowState.
+// Returns the show commands, indexed by ShowState.
 std::array<int, 5> showCommands() {
   return {SW_HIDE, SW_SHOW, startUpShowCommand(), SW_SHOWNORMAL, SW_SHOWMAXIMIZED};
 }
 
 constexpr int iconResource = 101;
 
-// The bits of a style that one of the forms names; the others are not the forms' to change.
+// The style bits that the window forms differ in. The others are left alone.
 constexpr DWORD formBits = WS_OVERLAPPEDWINDOW | WS_POPUP | WS_BORDER | WS_MAXIMIZE;
 
 template <typename Value, std::size_t size, typename Index>
@@ -64,14 +64,13 @@ const Value& at(const std::array<Value, size>& table, Index index) {
   return table[static_cast<std::size_t>(index)];
 }
 
-// A layered window shows nothing until it is told how opaque it is, and again after every new
+// Makes a layered window opaque. It shows nothing before that, and again after each change of its
 // style.
 void setOpaque(HWND window) {
   SetLayeredWindowAttributes(window, 0, 255, LWA_ALPHA);
 }
 
-// Replaces the bits of a style that are meant and keeps the others, which the desktop and other
-// calls have set.
+// Replaces some bits of a style and keeps the others, which the desktop and other calls have set.
 void setStyle(HWND window, int which, DWORD bits, DWORD values) {
   const auto now = static_cast<DWORD>(GetWindowLongPtrW(window, which));
   SetWindowLongPtrW(window, which, static_cast<LONG_PTR>((now & ~bits) | values));
@@ -127,7 +126,7 @@ void setWindowForm(Window* window, WindowForm form) {
   const HWND handle = native(window);
   setStyle(handle, GWL_STYLE, formBits, at(formStyles, form));
   setOpaque(handle);
-  // The frame that the new style has or lacks.
+  // Apply the frame of the new style.
   SetWindowPos(handle, nullptr, 0, 0, 0, 0,
                SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
@@ -174,7 +173,7 @@ bool isMaximised(const Window* window) {
   return IsZoomed(native(window)) != 0;
 }
 
-// The same title again would have the caption painted, and screen readers told.
+// Skips an unchanged title, which would repaint the caption and notify screen readers.
 void setTitle(Window* window, const std::string& title) {
   const std::wstring text = wide(title);
   if (textOf(native(window)) != text) SetWindowTextW(native(window), text.c_str());

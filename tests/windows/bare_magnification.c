@@ -1,5 +1,5 @@
-/* The least that the program needs of the Magnification API, which Wine lacks: a view that shows
- * nothing. For installer.py, which asks whether the program starts. */
+/* The minimum of the Magnification API, which Wine lacks, that the program needs to start: a view
+ * that shows nothing. Used by installer.py. */
 #include <windows.h>
 
 __declspec(dllexport) BOOL WINAPI MagInitialize(void) {

@@ -1,5 +1,4 @@
-// The block that is put on the clipboard, from pictures of every depth and from a desktop that
-// fails.
+// The block that is put on the clipboard, for bitmaps of every depth and on a failing desktop.
 #include <windows.h>
 #include <gtest/gtest.h>
 
@@ -12,7 +11,7 @@
 #include "platform/clipboard.h"
 #include "platform/windows/handles.h"
 
-// Where the program's calls of these functions go; a linked library's calls go through them.
+// The import pointers of these functions. Calls from a linked library go through them.
 extern "C" {
 extern int(WINAPI* __imp_GetDIBits)(HDC, HBITMAP, UINT, UINT, LPVOID, LPBITMAPINFO, UINT);
 extern HGLOBAL(WINAPI* __imp_GlobalAlloc)(UINT, SIZE_T);
@@ -21,7 +20,7 @@ extern HGLOBAL(WINAPI* __imp_GlobalAlloc)(UINT, SIZE_T);
 namespace tintora::windows_test {
 namespace {
 
-// For as long as it lives, a function of the desktop is another one.
+// Replaces a function of the desktop until it goes out of scope.
 template <typename Function>
 class Replaced {
  public:
@@ -62,7 +61,7 @@ class ClipboardBlock : public testing::Test {
   }
   void TearDown() override { DestroyWindow(window_); }
 
-  // Puts a bitmap of so many bits per pixel on the clipboard, all 0.
+  // Puts a bitmap of zeros on the clipboard.
   bool put(int bitsPerPixel) {
     const std::vector<std::uint8_t> bits(64 * height);
     const HBITMAP bitmap =
@@ -128,7 +127,7 @@ INSTANTIATE_TEST_SUITE_P(Of, Depths,
 
 decltype(GetDIBits)* originalGetDibits = nullptr;
 
-// A driver that does not tell how many bytes a picture has.
+// A driver that does not report the size of a picture in bytes.
 int WINAPI silentOnSize(HDC context, HBITMAP bitmap, UINT first, UINT rows, LPVOID bits,
                         LPBITMAPINFO info, UINT usage) {
   if (bits != nullptr) return originalGetDibits(context, bitmap, first, rows, bits, info, usage);
@@ -146,7 +145,7 @@ TEST_F(ClipboardBlock, HasItsSizeIfTheDesktopDoesNotSay) {
   originalGetDibits = __imp_GetDIBits;
   const Replaced silent(&__imp_GetDIBits, &silentOnSize);
   ASSERT_TRUE(put(32));
-  // 13 pixels of 24 bits are 39 bytes, and rows are filled to multiples of 4.
+  // 13 pixels of 24 bits take 39 bytes, and rows are padded to a multiple of 4.
   EXPECT_EQ(held().bytes, 40U + 40U * height);
 }
 

@@ -14,7 +14,7 @@ void ColourSpaceTest::startWith(ColourSpaceView view, const ClientSize& size, DW
                {"ScrollPc", severity}});
   start("-t");
   SetWindowPos(windows().main, nullptr, 0, 0, 300, 200, SWP_NOZORDER | SWP_NOACTIVATE);
-  // The message that the desktop sends while a window is being dragged undocks it.
+  // This message, which the desktop sends while a window is dragged, undocks it.
   RECT bounds{};
   SendMessageA(windows().colourSpace, WM_MOVING, 0, reinterpret_cast<LPARAM>(&bounds));
   resize(size);
@@ -30,7 +30,7 @@ void ColourSpaceTest::resize(const ClientSize& size) {
 }
 
 Picture ColourSpaceTest::shown() {
-  // What the device draws arrives on the screen some time after it was asked for.
+  // The picture appears on the screen some time after the device drew it.
   constexpr DWORD pause = 60;
   constexpr int patience = 1000;
   finishDrawing();
@@ -42,7 +42,7 @@ Picture ColourSpaceTest::shown() {
     if (next.pixels == last.pixels) return last;
     last = std::move(next);
   }
-  ADD_FAILURE() << "The window does not come to rest.";
+  ADD_FAILURE() << "The window's picture keeps changing.";
   return last;
 }
 

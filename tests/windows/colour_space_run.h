@@ -1,4 +1,5 @@
-// The colour space window of a run: brought into view, turned by the mouse and looked at.
+// Runs the program and brings its colour space window into view, turns it with the mouse and reads
+// its picture.
 #pragma once
 
 #include <windows.h>
@@ -19,20 +20,20 @@ struct ClientSize {
 
 class ColourSpaceTest : public ProgramTest {
  protected:
-  // Starts the program simulating a type of deficiency, 1 to 3, at a severity in per cent, with a
-  // view apart from the main window.
+  // Starts the program with the colour space window undocked, simulating a deficiency: type 1 to 3,
+  // severity in per cent.
   void startWith(ColourSpaceView view, const ClientSize& size = {}, DWORD type = 2,
                  DWORD severity = 100);
 
-  // Gives the window's client area a size.
+  // Resizes the window's client area.
   void resize(const ClientSize& size);
 
-  // What the window shows once it has come to rest.
+  // Returns the window's picture once it no longer changes.
   Picture shown();
 
-  // Posts a mouse message with the keys that are held.
+  // Posts a mouse message, with the keys that are held as its flags.
   void mouse(UINT message, WPARAM held, int x, int y);
-  // Presses the left button, moves through the places and lets go.
+  // Presses the left button, moves through the places and releases it.
   struct Place {
     int x = 0;
     int y = 0;

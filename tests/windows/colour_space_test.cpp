@@ -1,4 +1,4 @@
-// The colour space window: when it is shown, under which title, and where.
+// When and where the colour space window is shown, and its title.
 #include <ostream>
 #include <string>
 
@@ -13,13 +13,13 @@ class ColourSpace : public ProgramTest {
   bool isShown() const { return IsWindowVisible(windows().colourSpace) != FALSE; }
   std::string caption() const { return titleOf(windows().colourSpace); }
 
-  // Its left top corner is the main window's right top corner with a gap.
+  // Returns true if its left top corner is at the main window's right top corner, apart from a gap.
   bool isBesideMain() const {
     const Bounds main = boundsOf(windows().main);
     const Bounds bounds = boundsOf(windows().colourSpace);
     return bounds.left == main.right + 4 && bounds.top == main.top;
   }
-  // To another place and to another size, either of which takes a docked window along.
+  // Moves and resizes the main window. A docked window follows both.
   void moveMain(int x, int y) {
     SetWindowPos(windows().main, nullptr, x, y, 300 + x, 200 + y, SWP_NOZORDER | SWP_NOACTIVATE);
     settle();
@@ -121,7 +121,7 @@ TEST_F(ColourSpace, FollowsTheMainWindowWhileDocked) {
 TEST_F(ColourSpace, IsUndockedByMovingItByHand) {
   start();
   press('E');
-  // The message that the desktop sends while a window is being dragged.
+  // The desktop sends this message while a window is dragged.
   RECT bounds{};
   SendMessageA(windows().colourSpace, WM_MOVING, 0, reinterpret_cast<LPARAM>(&bounds));
   moveMain(50, 60);

@@ -1,4 +1,4 @@
-// The RGB cube in the real window, turned by the mouse.
+// Tests the RGB cube in the real window, turned with the mouse.
 #include <ostream>
 #include <string>
 #include <vector>
@@ -22,7 +22,7 @@ Turn turnOf(int right, int down) {
 
 class CubeView : public ColourSpaceTest {
  protected:
-  // A severity of nothing changes nothing.
+  // At a severity of 0 the transform changes nothing.
   void startUntransformed(const ClientSize& size = {}) {
     startWith(ColourSpaceView::CubeView, size, 2, 0);
   }
@@ -96,7 +96,7 @@ TEST_F(CubeView, IsRolledByTheHorizontalPartOfADragWithShift) {
   EXPECT_TRUE(showsSolidCube(shown(), {.turns = {{.clockwise = 20.0}}}));
 }
 
-// A right button that goes down arms nothing, and going up it opens the menu.
+// Pressing the right button does not start a locked drag, and releasing it opens the menu.
 TEST_F(CubeView, IsTurnedAboutTheAxisOfALockedDragsFirstMove) {
   startUntransformed();
   mouse(WM_LBUTTONDOWN, MK_LBUTTON, 200, 200);
@@ -104,7 +104,7 @@ TEST_F(CubeView, IsTurnedAboutTheAxisOfALockedDragsFirstMove) {
   mouse(WM_MOUSEMOVE, MK_RBUTTON, 240, 210);
   mouse(WM_MOUSEMOVE, MK_RBUTTON, 250, 300);
   EXPECT_TRUE(showsSolidCube(shown(), {.turns = {turnOf(50, 0)}}));
-  // Later drags keep the axis until the left button goes down again.
+  // Later drags keep the axis until the left button is pressed again.
   mouse(WM_MOUSEMOVE, 0, 200, 200);
   mouse(WM_MOUSEMOVE, MK_RBUTTON, 210, 290);
   EXPECT_TRUE(showsSolidCube(shown(), {.turns = {turnOf(60, 0)}}));
@@ -130,7 +130,7 @@ TEST_F(CubeView, IsNotTurnedByMovesWithoutAButton) {
   mouse(WM_MOUSEMOVE, 0, 100, 300);
   mouse(WM_MOUSEMOVE, 0, 350, 120);
   EXPECT_TRUE(showsSolidCube(shown(), {}));
-  // At once, or the desktop's own pointer may come between.
+  // Post both at once, so that the desktop's own mouse moves cannot come between them.
   mouse(WM_MOUSEMOVE, 0, 350, 120);
   mouse(WM_MOUSEMOVE, MK_LBUTTON, 390, 120);
   EXPECT_TRUE(showsSolidCube(shown(), {.turns = {turnOf(40, 0)}}));

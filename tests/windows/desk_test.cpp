@@ -1,5 +1,5 @@
-// What a real desk does to the program: sessions that end, mice that leave windows, messages that
-// stand for several at once.
+// Events of a real desk: sessions that end, a mouse that leaves the window, messages that stand for
+// several.
 #include <ostream>
 #include <string>
 
@@ -16,7 +16,7 @@ TEST_F(Desk, SettingsAreSavedWhenTheSessionEnds) {
   choose(2);
   EXPECT_NE(SendMessageA(windows().main, WM_QUERYENDSESSION, 0, 0), 0);
   SendMessageA(windows().main, WM_ENDSESSION, TRUE, 0);
-  // The desktop may end the process from here on.
+  // The desktop may end the process at this point.
   EXPECT_EQ(storedValues()["Selected"], 2U);
 }
 
@@ -52,7 +52,7 @@ TEST_F(Desk, OneWheelMessageIsOneStepHoweverFar) {
   EXPECT_EQ(title(), " Simulation - Protanope 100% severity");
 }
 
-// Windows sizes in a loop of its own, in which there is no turn of the program's.
+// Windows resizes in a message loop of its own, in which the program gets no turn.
 TEST_F(Desk, TheViewIsAimedWhileTheFrameIsSized) {
   start();
   ShowWindow(windows().main, SW_HIDE);
@@ -94,11 +94,11 @@ TEST_F(Desk, ScreenChangesFitFullScreenAgain) {
   EXPECT_EQ(boundsOf(lastCall(MagnifierCall::SetWindowSource).source), screenBounds());
 }
 
-// The mouse as the user moves it, through all of the desktop.
+// Moves the mouse as a user does, through the desktop's own input queue.
 class Mouse : public ProgramTest {
  protected:
   static void button(DWORD change) { mouse_event(change, 0, 0, 0, 0); }
-  // Presses the button where the mouse is and waits until the main window has taken hold of it.
+  // Presses the button and waits until the main window has captured the mouse.
   void takeHold() {
     button(MOUSEEVENTF_LEFTDOWN);
     ASSERT_TRUE(eventually([this] { return captured() == windows().main; }));
@@ -107,7 +107,7 @@ class Mouse : public ProgramTest {
     button(MOUSEEVENTF_LEFTUP);
     ASSERT_TRUE(eventually([this] { return captured() == nullptr; }));
   }
-  // A move of the mouse takes its way through the desktop.
+  // Waits, because a mouse move passes through the desktop first.
   bool eventuallyAt(const Bounds& bounds) const {
     return eventually([&] { return boundsOf(windows().main) == bounds; });
   }
@@ -161,7 +161,7 @@ TEST_F(Mouse, TurnsTheCubeOnlyOverItsWindow) {
   EXPECT_EQ(captured(), nullptr);
 }
 
-// The main gestures over every kind of magnifier that there may be.
+// Tests the main gestures with each kind of magnifier behaviour.
 struct HabitRow {
   const char* name;
   std::atomic<bool> MagnifierHabits::*habit = nullptr;

@@ -1,4 +1,4 @@
-// How a graphics device comes to be and how it ends, seen from Direct3D.
+// How a graphics device is created and released, seen from Direct3D.
 #include <windows.h>
 #include <d3d9.h>
 
@@ -14,7 +14,7 @@
 namespace tintora::windows_test {
 namespace {
 
-// The places of the calls in their interfaces.
+// The indices of the calls in their interfaces.
 constexpr std::size_t releaseCall = 2;
 constexpr std::size_t createDeviceCall = 16;
 
@@ -36,13 +36,13 @@ using CreateDevice = HRESULT WINAPI(IDirect3D9*, UINT, D3DDEVTYPE, HWND, DWORD,
 
 struct Attempts {
   CreateDevice* create = nullptr;
-  std::size_t refused = 0;  // of the first ones
+  std::size_t refused = 0;  // how many of the first attempts fail
   std::vector<DWORD> processing{};
   std::vector<D3DPRESENT_PARAMETERS> forms{};
 };
 Attempts attempts;
 
-// A device that refuses may have written into the form.
+// Refuses the first attempts and overwrites their parameters, as a device may do.
 HRESULT WINAPI attempt(IDirect3D9* direct3d, UINT adapter, D3DDEVTYPE type, HWND window,
                        DWORD processing, D3DPRESENT_PARAMETERS* form, IDirect3DDevice9** device) {
   attempts.processing.push_back(processing);
@@ -90,7 +90,7 @@ ULONG holdersOf(IUnknown* object) {
 
 constexpr GUID anyData{0x7A1B2C3D, 0x4E5F, 0x4A6B, {1, 2, 3, 4, 5, 6, 7, 8}};
 
-// What is attached to its picture tells that the device is gone.
+// An object attached to the back buffer is released only when the device is gone.
 TEST_F(DeviceLife, EndsThoughSomethingElseHoldsTheDevice) {
   platform::GraphicsDevice* const device = createDevice();
   ASSERT_NE(device->device, nullptr);

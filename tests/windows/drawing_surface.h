@@ -1,4 +1,4 @@
-// A window of the test program's own with a graphics device that draws into it.
+// A test window with a graphics device that draws into it.
 #pragma once
 
 #include <windows.h>
@@ -23,7 +23,7 @@ class DrawingSurface {
   IDirect3DDevice9* native() const { return device_->device; }
   HWND window() const { return window_; }
 
-  // A scene on the background of the views; what it leaves in the back buffer.
+  // Draws a scene on the background of the views and returns the back buffer.
   Picture drawn(const std::function<void()>& draw) const;
 
  private:

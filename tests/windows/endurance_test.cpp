@@ -1,4 +1,4 @@
-// Many rounds of what creates and releases objects of the desktop.
+// Creates and releases objects of the desktop many times.
 #include <string>
 
 #include "program_run.h"

@@ -27,7 +27,7 @@ std::size_t headersOffset(const Bytes& file) {
   return static_cast<std::size_t>(recordAt<IMAGE_DOS_HEADER>(file, 0).e_lfanew);
 }
 
-// Where an address relative to the loaded image stands in the file.
+// Returns the offset in the file of an address relative to the loaded image.
 std::size_t fileOffset(const Bytes& file, DWORD address) {
   const auto headers = recordAt<IMAGE_NT_HEADERS64>(file, headersOffset(file));
   const std::size_t first = headersOffset(file) + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) +

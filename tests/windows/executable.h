@@ -1,4 +1,4 @@
-// Facts of the program's file.
+// Reads the headers and imports of an executable file.
 #pragma once
 
 #include <windows.h>
@@ -9,7 +9,7 @@
 
 namespace tintora::windows_test {
 
-// The names of the libraries that a 64-bit executable cannot be loaded without.
+// Returns the names of the libraries that a 64-bit executable imports.
 std::vector<std::string> importedLibraries(const std::string& path);
 
 IMAGE_NT_HEADERS64 headersOf(const std::string& path);

@@ -1,4 +1,4 @@
-// The program's file: what it needs of the desktop, how it is protected, and its resources.
+// The program's file: the libraries that it needs, its protection and its resources.
 #include "executable.h"
 
 #include <windows.h>
@@ -16,8 +16,8 @@
 namespace tintora::windows_test {
 namespace {
 
-// Libraries that Windows 10 and 11 take from their own folder alone, whatever stands beside the
-// program.
+// Libraries that Windows 10 and 11 always take from their own folder, even if others stand beside
+// the program.
 constexpr std::array<std::string_view, 24> knownLibraries{
     "advapi32.dll", "clbcatq.dll",  "combase.dll", "comdlg32.dll", "coml2.dll",   "gdi32.dll",
     "gdiplus.dll",  "imagehlp.dll", "imm32.dll",   "kernel32.dll", "msctf.dll",   "msvcrt.dll",
@@ -53,13 +53,13 @@ TEST(Executable, IsAProtected64BitWindowProgram) {
   }
 }
 
-// For a lower one Windows keeps the frames of windows that cannot be sized as they once were.
+// With a lower version Windows gives windows that cannot be resized an old kind of frame.
 TEST(Executable, IsOfATodaysSubsystem) {
   const IMAGE_OPTIONAL_HEADER64& facts = headersOf(programPath()).OptionalHeader;
   EXPECT_GE(MAKELONG(facts.MinorSubsystemVersion, facts.MajorSubsystemVersion), MAKELONG(2, 6));
 }
 
-// Without its relocations a program cannot be moved, whatever it says.
+// A program without relocations cannot be moved, even if its flags allow it.
 TEST(Executable, CanBeMovedInMemory) {
   const IMAGE_NT_HEADERS64 headers = headersOf(programPath());
   EXPECT_EQ(headers.FileHeader.Characteristics & IMAGE_FILE_RELOCS_STRIPPED, 0);
@@ -105,7 +105,7 @@ TEST_F(Resources, HoldTheVersion) {
   const std::string_view version = resource(1, versionType);
   ASSERT_FALSE(version.empty());
   std::string text;
-  // Two bytes per character; the names are plain Latin.
+  // Each character takes two bytes. The names are plain Latin, so take every other byte.
   for (std::size_t i = 0; i < version.size(); i += 2) text += version[i];
   EXPECT_NE(text.find("VS_VERSION_INFO"), std::string::npos);
   EXPECT_NE(text.find(std::string("ProductVersion\0\0", 15)), std::string::npos);

@@ -1,4 +1,4 @@
-// The graphics device as it is made, asked for its facts by Direct3D itself.
+// Asks Direct3D for the facts of a new graphics device.
 #include "platform/graphics.h"
 
 #include <windows.h>
@@ -194,7 +194,7 @@ TEST_F(Graphics, TellTheirViewportAndTransforms) {
   }
 }
 
-// Powers and exponentials are worked out in the long registers, whose precision a device lowers.
+// Computes a power whose last digits show if a device has lowered the precision.
 double delicatePower() {
   volatile double base = 10.0;
   volatile double exponent = -0.2345678;
@@ -206,7 +206,7 @@ TEST_F(Graphics, LeaveTheProcessorsPrecisionAsItWas) {
   std::fegetenv(&before);
   const double expected = delicatePower();
 
-  // Or the rest could not fail: a bare device upsets it.
+  // Check first that a bare device does change the precision; otherwise this test could not fail.
   D3DPRESENT_PARAMETERS form{};
   form.Windowed = TRUE;
   form.SwapEffect = D3DSWAPEFFECT_DISCARD;
@@ -228,7 +228,7 @@ struct PrimitiveRow {
   PrimitiveKind kind;
   bool indexed;
   int primitives;
-  std::vector<platform::Point> covered;  // places of an 8 by 8 grid of pixels
+  std::vector<platform::Point> covered;  // places in pixels that the primitives cover
   std::vector<platform::Point> bare;
 };
 
@@ -238,8 +238,8 @@ void PrintTo(const PrimitiveRow& row, std::ostream* out) {
 
 class Primitives : public Graphics, public testing::WithParamInterface<PrimitiveRow> {};
 
-// The corners of a square, 40 pixels long, from the left top one clockwise; drawn from the second
-// corner where there are indices.
+// The corners of a square of 40 pixels, clockwise from the left top one. Indices start at the
+// second corner.
 TEST_P(Primitives, AreDrawnByTheirKind) {
   const PrimitiveRow& row = GetParam();
   const auto corner = [](float x, float y) {
@@ -265,7 +265,7 @@ TEST_P(Primitives, AreDrawnByTheirKind) {
   platform::releaseVertexBuffer(vertices);
   platform::releaseIndexBuffer(indices);
 
-  // Lines may lie a pixel to either side.
+  // Allow a line to lie one pixel to either side.
   const auto isCovered = [&](const platform::Point& place) {
     for (int y = place.y - 1; y <= place.y + 1; ++y) {
       for (int x = place.x - 1; x <= place.x + 1; ++x) {
@@ -302,7 +302,7 @@ INSTANTIATE_TEST_SUITE_P(
         PrimitiveRow{PrimitiveKind::Lines, false, 2, {top, bottom}, {left, right}},
         PrimitiveRow{PrimitiveKind::Triangles, false, 1, {rightTop}, {leftBottom}}));
 
-// Where the desktop cannot draw, everything does nothing.
+// If the desktop cannot draw, every function does nothing.
 TEST(MissingGraphics, AreNeverMissed) {
   platform::GraphicsDevice none{.direct3d = nullptr, .device = nullptr, .size = {30, 20}};
   platform::VertexBuffer* const vertices =

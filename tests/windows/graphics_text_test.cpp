@@ -1,4 +1,4 @@
-// Text on a graphics device in both ways, by D3DX and painted by the desktop.
+// Text on a graphics device, drawn by D3DX and painted by the desktop.
 #include <windows.h>
 #include <d3d9.h>
 #include <d3dx9core.h>
@@ -26,7 +26,7 @@ using platform::TextFontForm;
 constexpr Size surfaceSize{440, 60};
 constexpr PackedColour white = 0xFFFFFFFF;
 
-// As the views have them.
+// The same fonts as in the views.
 constexpr TextFontForm titleForm{"Microsoft Sans Serif", 16, true};
 constexpr TextFontForm labelForm{"Microsoft Sans Serif", 14, false};
 
@@ -106,8 +106,8 @@ TEST_F(GraphicsText, AsksD3dxForThePlainFontOfItsHeight) {
 
 class BothWays : public GraphicsText, public testing::WithParamInterface<TextRow> {};
 
-// Wine's D3DX lays each letter half a pixel beside the screen's pixels, which smooths it and loses
-// its last row and column: it comes out to the left and above.
+// Wine's D3DX places letters half a pixel up and to the left, which smooths them and loses their
+// last row and column.
 TEST_P(BothWays, LooksTheSame) {
   const auto& [name, form, area, colour, text] = GetParam();
   ASSERT_NE(GetModuleHandleA("d3dx9_43.dll"), nullptr);
@@ -190,7 +190,7 @@ TEST_F(GraphicsText, MayBeLongerThanAnyTexture) {
   EXPECT_EQ(inkOf(drawn.picture).bounds.right, 412);
 }
 
-// All states of a device that can be asked for.
+// Returns all states that a device can be asked for.
 std::vector<std::uint64_t> statesOf(IDirect3DDevice9* device) {
   std::vector<std::uint64_t> states;
   DWORD value = 0;
@@ -252,7 +252,7 @@ TEST_F(GraphicsText, LeavesTheDeviceAsItWas) {
   platform::releaseVertexBuffer(vertices);
 }
 
-// Each texture holds its device once.
+// Returns the device's reference count. Each texture holds one reference.
 ULONG holdersOf(IDirect3DDevice9* device) {
   device->AddRef();
   return device->Release();
@@ -273,13 +273,13 @@ TEST_F(GraphicsText, KeepsAFewOfItsLines) {
   EXPECT_EQ(holdersOf(native()), atFirst + 1);
   for (int number = 1; number < 200; ++number) draw(number);
   const ULONG kept = holdersOf(native()) - atFirst;
-  EXPECT_GE(kept, 31U);  // those of the fullest view
+  EXPECT_GE(kept, 31U);  // the lines of the view with the most text
   EXPECT_LE(kept, 100U);
   platform::releasePaintedFont(font);
   EXPECT_EQ(holdersOf(native()), withoutFont);
 }
 
-// The place of the call in its interface.
+// The index of the call in its interface.
 constexpr std::size_t createTexture = 23;
 
 HRESULT WINAPI refuseTexture(IDirect3DDevice9* /*device*/, UINT /*width*/, UINT /*height*/,

@@ -1,5 +1,4 @@
-// The user guide that is handed out with the program, opened by the desktop's program for web
-// pages.
+// Opens the user guide, which comes with the program, in the desktop's web browser.
 #include <windows.h>
 #include <objbase.h>
 
@@ -21,7 +20,7 @@ std::string contentOf(const fs::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// A desktop on which opening a web page writes its path down.
+// A desktop whose browser writes down the path of the page that it opens.
 class Guide : public ProgramTest {
  protected:
   void SetUp() override {
@@ -42,7 +41,7 @@ class Guide : public ProgramTest {
   static std::string page() { return programFolder() + "guide.html"; }
   static std::string note() { return programFolder() + "opened.txt"; }
 
-  // Chooses the guide in the menu; returns what the program asked of the desktop then.
+  // Chooses the guide in the menu and returns what the program then asked of the desktop.
   const RecordedPage& openGuide() {
     choose(55);
     EXPECT_TRUE(eventually([] { return magnifierRecord().pagesOpened == 1; }));

@@ -10,7 +10,7 @@ namespace tintora::windows_test {
 
 namespace {
 
-// How far a colour is from the ground.
+// Returns how far a colour differs from the background.
 double weightOf(const Colour& colour) {
   int sum = 0;
   for (std::size_t channel = 0; channel < 3; ++channel) {
@@ -25,7 +25,7 @@ std::vector<double> weightsOf(const Picture& picture) {
   return weights;
 }
 
-// The sum over all pixels that lie in both when one is moved.
+// Returns the sum of products over the overlap of two pictures, the second one moved.
 double product(const Picture& size, const std::vector<double>& a, const std::vector<double>& b,
                int right, int down) {
   double sum = 0.0;

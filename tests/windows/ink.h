@@ -1,25 +1,25 @@
-// What stands out from a plain ground in a picture: where it is, and how alike two such are.
+// Finds what stands out from a plain background in a picture, and compares two such finds.
 #pragma once
 
 #include "picture.h"
 
 namespace tintora::windows_test {
 
-// The ground of the views.
+// The background of the views.
 constexpr Colour background{80, 100, 120};
 
 struct Ink {
-  Bounds bounds;        // all 0 where there is none
-  double amount = 0.0;  // pixels, each as much as it differs from the ground
-  double x = 0.0;       // of its middle
+  Bounds bounds;        // all 0 if there is none
+  double amount = 0.0;  // in pixels, weighted by their difference from the background
+  double x = 0.0;       // of the weighted centre
   double y = 0.0;
 };
 
 Ink inkOf(const Picture& picture, const Bounds& part);
 Ink inkOf(const Picture& picture);
 
-// How far the ink of one picture is to be moved to lie best on that of another of the same size,
-// and how well it lies there: 1 for ink of the same shape, 0 for ink that never meets.
+// The offset by which the ink of one picture best matches that of another of the same size, and the
+// correlation there: 1 for ink of the same shape, 0 for ink that never meets.
 struct Likeness {
   int x = 0;
   int y = 0;

@@ -3,9 +3,9 @@
 
     installer.py INSTALLER CONTENTS WORK
 
-CONTENTS is the folder that the installer was made of; a later version is made
-of the same contents. Everything is written into the folder WORK. Takes a minute
-and is no part of the test run.
+CONTENTS is the folder that the installer was made from; the script makes a
+later version from it. Everything is written into the folder WORK. It takes a
+minute and is not part of the test run.
 """
 
 import re
@@ -63,14 +63,14 @@ class Machine:
                 "utf-8", "replace")
 
     def value(self, key, name):
-        """The text of a registry value; empty if there is none."""
+        """Returns the text of a registry value; empty if there is none."""
         found = re.search(rf"^\s+{name}\s+REG_\S+\s+(.*?)\s*$",
                           self.run("reg", "query", key, "/v", name,
                                    check=False), re.MULTILINE)
         return found.group(1) if found else ""
 
     def products(self):
-        """The name, version and publisher of each installed Tintora."""
+        """Returns name, version and publisher of each installed Tintora."""
         found = set()
         for root in ("HKCU", "HKLM"):
             listed = self.run("reg", "query", f"{root}\\{UNINSTALL}",
@@ -83,7 +83,7 @@ class Machine:
         return found
 
     def titles(self):
-        # Windows may go while xwininfo looks through them.
+        # xwininfo fails if a window closes while it lists them.
         tree = subprocess.run(
             ["xwininfo", "-root", "-tree"], env=self.environment, check=False,
             stdout=subprocess.PIPE,
@@ -108,8 +108,8 @@ class Machine:
             program.wait()
 
     def files(self):
-        """What an installation could leave in the user's folder. That of
-        the installing service itself stays, empty."""
+        """Returns the files that an installation could leave in the user's
+        folder, except the installer service's own folder, which stays."""
         service = self.home / "AppData" / "Roaming" / "Microsoft" / "Installer"
         return {path for path in self.home.rglob("*")
                 if "Temp" not in path.parts and path != service}
@@ -145,7 +145,7 @@ def check(machine, installer, later):
         expect((machine.folder / name).is_file(), f"{name} is installed")
     for name in ("Tintora.lnk", "Tintora User Guide.lnk"):
         expect((machine.start_menu / name).is_file(),
-               f"the Start menu holds {name}")
+               f"the Start menu contains {name}")
     expect(machine.products() == {("Tintora", version, publisher)},
            f"version {version} by {publisher} is listed")
 
@@ -155,20 +155,20 @@ def check(machine, installer, later):
 
     machine.run("msiexec", "/i", f"Z:{later}", "/qn")
     expect(machine.products() == {("Tintora", later_version, publisher)},
-           f"version {later_version} takes the place of {version}")
+           f"version {later_version} replaces version {version}")
     expect((machine.folder / "Tintora.exe").is_file(),
-           "the program is there after the upgrade")
+           "the program is still installed after the upgrade")
     machine.start_and_close(CHOSEN_PERCENT)
 
     machine.run("msiexec", "/x", f"Z:{later}", "/qn")
     left = machine.files() - before
     expect(not left, f"no file is left after removal: {sorted(left)}")
-    expect(machine.products() == set(), "nothing is listed after removal")
+    expect(machine.products() == set(), "no product is listed after removal")
     expect("HKEY" not in machine.run(
         "reg", "query", f"{SETTINGS}\\Installation", check=False),
-           "the registry keeps nothing of the installation")
+           "the registry has no trace of the installation")
     expect(int(machine.value(SETTINGS, "ScrollPc") or "0", 16)
-           == CHOSEN_PERCENT, "the settings stay")
+           == CHOSEN_PERCENT, "the settings are kept")
 
 
 def main():

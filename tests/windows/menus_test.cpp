@@ -1,4 +1,4 @@
-// The popup menu: its items, and which of them are marked.
+// The items of the popup menu and their check marks.
 #include <fstream>
 #include <ostream>
 #include <string>
@@ -56,7 +56,7 @@ const ExpectedItems simulationOptions{
     item(1, 302, "Machado, Oliveira && Fernandes, 2009"),
 };
 
-// The whole menu with n custom transforms.
+// Returns the whole menu with n custom transforms.
 ExpectedItems expectedMenu(const ExpectedItems& custom, int n, bool simulation, bool tritan) {
   return joined({
       custom,
@@ -114,14 +114,15 @@ ExpectedItems expectedMenu(const ExpectedItems& custom, int n, bool simulation, 
   });
 }
 
-// A label is disabled without being greyed.
+// Compares an item with the expected one. Labels are disabled without being greyed.
 void expectItem(const MenuItem& actual, const ExpectedItem& expected) {
   SCOPED_TRACE(testing::Message() << actual);
   EXPECT_EQ(actual.depth, expected.depth);
   EXPECT_EQ(actual.text, expected.text);
   EXPECT_EQ(actual.submenu, expected.kind == Kind::Submenu);
   EXPECT_EQ((actual.type & MFT_SEPARATOR) != 0, expected.kind == Kind::Separator);
-  // The identifier of a submenu is its handle; the desktop greys separators by itself.
+  // A submenu's identifier is its handle, which differs from run to run. Separators are greyed by
+  // the desktop.
   if (expected.kind != Kind::Submenu) {
     EXPECT_EQ(actual.command, expected.command);
   }
@@ -181,7 +182,7 @@ TEST_F(Menus, OpenAtTheCursor) {
 TEST_F(Menus, RunWhatIsChosenInThem) {
   start();
   openMenu(windows().main);
-  // The second item that can be chosen.
+  // Choose the second enabled item.
   for (const int key : {VK_DOWN, VK_DOWN, VK_DOWN, VK_RETURN}) {
     PostMessageA(windows().main, WM_KEYDOWN, static_cast<WPARAM>(key), 0);
   }

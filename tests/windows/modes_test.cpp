@@ -1,5 +1,5 @@
-// The keys, commands and wheel turns that change the transform: the title and the colour effect
-// that the magnifier is given.
+// Keys, commands and wheel turns that change the transform: tests the title and the colour effect
+// that the magnifier gets.
 #include <string>
 
 #include "expected_effects.h"
@@ -98,7 +98,7 @@ const std::array modeRows{
             effectOf(inverse(juddDeutan(severity)))),
 };
 
-// From a deutan simulation at 60 %.
+// Each row starts from a deutan simulation at 60 %.
 class Modes : public ProgramTest, public testing::WithParamInterface<ModeRow> {};
 
 TEST_P(Modes, ShowAsTheirRowSays) {
@@ -182,7 +182,7 @@ const std::array wheelRows{
     WheelRow{"CircadianDown", 9, false, 12, "Circadian Light Block, Brightness 0%", circadian(0)},
 };
 
-// From a severity of 60 %.
+// Each row starts from a severity of 60 %.
 class Wheel : public ProgramTest, public testing::WithParamInterface<WheelRow> {};
 
 TEST_P(Wheel, StepsTheValueOfTheMode) {

@@ -1,5 +1,5 @@
-// A desktop with a second monitor to the left of and above the primary one, whose coordinates are
-// negative. Run on a display of its own.
+// A second monitor to the left of and above the primary one, so that its coordinates are negative.
+// Runs on a display of its own.
 #include <ostream>
 #include <string>
 
@@ -92,7 +92,7 @@ TEST_F(SecondMonitor, IsReachedByADrag) {
   expectNoInvertedSource(first);
 }
 
-// The size of the primary monitor is the rule for maximised windows, wherever they are.
+// Maximised windows have the size of the primary monitor, wherever they are.
 TEST_F(SecondMonitor, NeverGivesAnEmptyOrInvertedSource) {
   for (const Bounds& place : {Bounds{-900, -700, -400, -300}, Bounds{-200, -200, 300, 200},
                               Bounds{-1280, -800, -1000, -600}}) {

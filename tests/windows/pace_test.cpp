@@ -1,5 +1,5 @@
-// How often the program works when nothing happens, while a menu is open and while a window is
-// dragged, over a magnifier that does not hold it back.
+// How often the program works when idle, while a menu is open and while a window is dragged. The
+// magnifier does not limit it.
 #include <algorithm>
 #include <cstdio>
 #include <string>
@@ -10,15 +10,15 @@
 namespace tintora::windows_test {
 namespace {
 
-// With nothing done to the program.
+// The program's work while nothing is done to it.
 struct Work {
   double paintsPerSecond = 0;
   std::uint64_t titles = 0;
-  double processorShare = 0;  // of one processor
+  double processorShare = 0;  // fraction of one processor
 };
 
-// The screen of the tests shows 60 pictures a second; a busy machine fewer, and any machine shows
-// pictures as long as it is waited for them.
+// The test screen shows 60 pictures a second, and fewer on a busy machine. Waiting for a number of
+// pictures works on any machine.
 constexpr double mostPaints = 75;
 constexpr std::uint64_t somePaints = 60;
 
@@ -31,8 +31,9 @@ class Pace : public ProgramTest {
     settle();
   }
 
-  // What the program does by itself until it has painted some times; the name is for the output.
-  // The time begins before the counts and ends after them: a test that is held up counts too few.
+  // Measures the idle program until it has painted some times; the name is for the output. The
+  // clock starts before the counts are read and stops after, so a delayed test counts too few,
+  // never too many.
   Work workOf(const char* name) {
     const MagnifierRecord& record = magnifierRecord();
     const double processor = processorTime();
@@ -67,7 +68,7 @@ TEST_F(Pace, IsTheScreensWhenNothingHappens) {
   startWith(false);
   const Work work = workOf("Idle");
   EXPECT_LE(work.paintsPerSecond, mostPaints);
-  // A loop that does not wait takes all that it gets, however little it paints.
+  // A loop that never waits uses a whole processor, even if it paints little.
   EXPECT_LE(work.processorShare, 0.2);
 }
 
@@ -99,7 +100,7 @@ TEST_F(Pace, RestsWhileTheMainWindowIsMinimised) {
   EXPECT_EQ(source.top, client.top);
 }
 
-// Only paints wait for the screen: of many keys in the queue, none waits for a picture.
+// Only paints wait for the screen. Queued keys are handled without waiting for a picture each.
 TEST_F(Pace, LeavesMessagesTheirOwn) {
   startWith(false);
   constexpr int keys = 200;
@@ -119,12 +120,12 @@ TEST_F(Pace, GoesOnWhileAMenuIsOpen) {
   expectPaced("Menu closed");
 }
 
-// The mouse as the user moves it, through all of the desktop.
+// Moves the mouse as a user does, through the desktop's own input queue.
 class Dragged : public Pace {
  protected:
   static void mouseButton(DWORD change) { mouse_event(change, 0, 0, 0, 0); }
 
-  // Takes hold of a window's caption.
+  // Presses the button on a window's caption.
   void hold(HWND window) {
     const Bounds bounds = boundsOf(window);
     grip_ = {bounds.left + bounds.width() / 2,

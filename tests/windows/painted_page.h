@@ -1,4 +1,4 @@
-// A page of text as the desktop paints it, to compare the views' text with.
+// A page of text painted by the desktop, for comparison with the text in the views.
 #pragma once
 
 #include <string>
@@ -12,12 +12,12 @@ namespace tintora::windows_test {
 struct PageLine {
   int x = 0;
   int y = 0;
-  int right = 0;  // the first column in which nothing is painted
+  int right = 0;  // the text is cut off from this column on
   Colour colour{};
   std::string text;
 };
 
-// On the ground of the views, in the font of their titles.
+// Returns the page on the background of the views, in the font of their titles.
 Picture paintedPage(const ClientSize& size, const std::vector<PageLine>& lines);
 
 }  // namespace tintora::windows_test

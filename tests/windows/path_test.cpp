@@ -1,4 +1,4 @@
-// Paths as the program hands them to the desktop.
+// Paths in the form in which the program passes them to the desktop.
 #include "platform/windows/path.h"
 
 #include <windows.h>
@@ -19,7 +19,7 @@ TEST(OpenablePath, IsAShortOneMadeWhole) {
   EXPECT_EQ(openablePath(L"\\\\server\\share\\file.txt"), L"\\\\server\\share\\file.txt");
 }
 
-// One character more, and Windows opens it only if it is meant literally.
+// Windows opens a path of 260 characters or more only with the prefix.
 TEST(OpenablePath, IsMeantLiterallyFrom260CharactersOn) {
   const std::wstring longest = L"C:\\" + std::wstring(256, L'x');
   EXPECT_EQ(openablePath(longest), longest);

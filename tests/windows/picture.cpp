@@ -15,7 +15,7 @@ std::uint8_t low(int value) {
   return static_cast<std::uint8_t>(value & 0xff);
 }
 
-// What a backdrop's window has to paint; it belongs to the window's thread.
+// What a backdrop's window paints. Its thread owns this.
 struct BackdropFacts {
   Bounds bounds;
   Pattern pattern;
@@ -29,7 +29,7 @@ Picture patternPicture(const Bounds& part, Pattern pattern) {
   return picture;
 }
 
-// The rows of a bitmap of 32 bits per pixel from the top.
+// Describes a bitmap of 32 bits per pixel, top row first.
 BITMAPINFO description(int width, int height) {
   BITMAPINFO info{};
   BITMAPINFOHEADER& header = info.bmiHeader;
@@ -62,7 +62,7 @@ LRESULT CALLBACK backdropProcedure(HWND window, UINT message, WPARAM first, LPAR
   return 0;
 }
 
-// The window lives on a thread of its own, so that it goes on answering while a test waits.
+// Runs the window on its own thread, so that it answers while a test waits.
 DWORD WINAPI runBackdrop(void* parameter) {
   const std::unique_ptr<BackdropFacts> backdrop(static_cast<BackdropFacts*>(parameter));
   const Bounds& bounds = backdrop->bounds;

@@ -1,4 +1,4 @@
-// Pictures: of the screen, of the clipboard, and a known one to put beneath the program.
+// Pictures of the screen and of the clipboard, and a known picture to put beneath the program.
 #pragma once
 
 #include <windows.h>
@@ -21,7 +21,7 @@ using Colour = std::array<std::uint8_t, 3>;  // red, green, blue
 struct Picture {
   int width = 0;
   int height = 0;
-  std::vector<Colour> pixels;  // rows from the top
+  std::vector<Colour> pixels;  // top row first
 
   const Colour& at(int x, int y) const {
     return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
@@ -31,19 +31,19 @@ struct Picture {
 
 Picture screenPicture(const Bounds& part);
 
-// What a colour effect makes of a picture, in double precision.
+// Applies a colour effect to a picture in double precision.
 Picture filteredPicture(const Picture& picture, const ColourEffect& effect);
 
-// Whether no channel of any pixel is further off than a tolerance.
+// Succeeds if no channel of any pixel differs by more than the tolerance.
 testing::AssertionResult areAlike(const Picture& actual, const Picture& expected, int tolerance);
 
-// The colour at a place on the screen.
+// Returns the colour at a place on the screen.
 using Pattern = Colour (*)(int x, int y);
 
-// Every pixel unlike its neighbours.
+// Returns a colour for each place that differs from its neighbours'.
 Colour mixedColour(int x, int y);
 
-// A window without a frame that shows a pattern. It stands beneath what is started after it.
+// A frameless window that shows a pattern, beneath programs started after it.
 class Backdrop {
  public:
   explicit Backdrop(const Bounds& bounds, Pattern pattern = &mixedColour);
@@ -51,7 +51,7 @@ class Backdrop {
   Backdrop(const Backdrop&) = delete;
   Backdrop& operator=(const Backdrop&) = delete;
 
-  // What it shows in a part of the screen, which must lie inside it.
+  // Returns what it shows in a part of the screen, which must lie inside it.
   Picture picture(const Bounds& part) const;
 
  private:

@@ -1,4 +1,4 @@
-// What is seen on the screen, and what is put on the clipboard.
+// The picture on the screen and the picture on the clipboard.
 #include "picture.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ using namespace expected;
 constexpr Bounds beneath{100, 50, 1100, 750};
 constexpr const char* firstTitle = " Simulation - Protanope 100% severity";
 
-// The program over a picture of which every pixel is known, without the colour space window.
+// Runs the program over a known picture, without the colour space window.
 class OverAPicture : public ProgramTest {
  protected:
   void startOver(StoredValues stored = {}) {
@@ -45,7 +45,7 @@ struct EffectRow {
   const char* name;
   int command;
   ColourEffect effect;
-  int tolerance = 1;  // where a sum falls on the middle between two values
+  int tolerance = 1;  // sums halfway between two values may round either way
 };
 
 void PrintTo(const EffectRow& row, std::ostream* out) {
@@ -85,7 +85,7 @@ TEST_F(OverAPicture, TheViewFollowsTheWindow) {
   EXPECT_TRUE(eventuallyShows(inverted(), 0));
 }
 
-// The clipboard's bitmap of 24 bits per pixel, rows from the bottom.
+// The clipboard's bitmap: 24 bits per pixel, bottom row first.
 struct ClipboardBitmap {
   BITMAPINFOHEADER header{};
   std::size_t bytes = 0;
@@ -133,8 +133,8 @@ class Clipboard : public OverAPicture {
     OverAPicture::SetUp();
     emptyClipboard();
   }
-  // Waits until the title that confirms a copy makes way for another one; returns how long after a
-  // time by GetTickCount64, in milliseconds.
+  // Waits until another title replaces the confirmation of a copy. Returns the milliseconds from a
+  // time by GetTickCount64 until then.
   static ULONGLONG renamedAfter(ULONGLONG time) {
     const MagnifierRecord& record = magnifierRecord();
     EXPECT_TRUE(eventually([&] { return record.renamedAt > time; }));
@@ -144,7 +144,7 @@ class Clipboard : public OverAPicture {
 
 TEST_F(Clipboard, HoldsTheFilteredClientArea) {
   startOver({{"Selected", 5}});
-  // An odd width, so that the rows have a remainder to be filled.
+  // An odd width, so that the rows need padding.
   SetWindowPos(windows().main, nullptr, 150, 90, 611, 433, SWP_NOZORDER | SWP_NOACTIVATE);
   settle();
   ASSERT_TRUE(eventuallyShows(inverted(), 0));
@@ -169,7 +169,7 @@ TEST_F(Clipboard, HoldsTheFilteredClientArea) {
       areAlike(bitmap.picture, filteredPicture(backdrop().picture(client()), inverted()), 0));
 }
 
-// What is drawn is on the screen only after the desktop has composed it.
+// A drawing reaches the screen only after the desktop has composed it.
 TEST_F(Clipboard, HoldsWhatWasDrawnLast) {
   startOver();
   ASSERT_TRUE(eventuallyShows(effectOf(juddProtan(1)), 1));
@@ -213,7 +213,7 @@ TEST_P(Copying, IsDoneByKeysWithControl) {
 INSTANTIATE_TEST_SUITE_P(By, Copying, testing::ValuesIn(copyRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
-// Keys as the user types them, through all of the desktop.
+// Types keys as a user does, through the desktop's own input queue.
 TEST_F(Clipboard, IsReachedFromTheKeyboard) {
   startOver();
   SetForegroundWindow(windows().main);
@@ -228,7 +228,7 @@ TEST_F(Clipboard, IsReachedFromTheKeyboard) {
   EXPECT_EQ(clipboardBitmap().header.biWidth, client().width());
 }
 
-// The control window, which paints itself ever anew, holds nothing up.
+// The control window repaints itself all the time, which must not delay the copy.
 TEST_F(Clipboard, IsReachedWhileHitTransparent) {
   startOver({{"Selected", 5}});
   press('H');
@@ -283,33 +283,33 @@ bool isGrey(const Colour& colour) {
   return colour[0] == colour[1] && colour[1] == colour[2];
 }
 
-// White text on one colour, over a black copy of itself one pixel further right and down. Where an
-// edge of the white text runs over the black it leaves a grey.
+// Succeeds for white text on one colour with a black shadow one pixel to the right and below. White
+// edges over the black may turn grey.
 testing::AssertionResult isTextWithAShadow(const Picture& picture) {
   constexpr Colour background{80, 100, 120};
   constexpr Colour black{0, 0, 0};
   constexpr Colour white{255, 255, 255};
   if (picture.at(0, 0) != background ||
       picture.at(picture.width - 1, picture.height - 1) != background) {
-    return testing::AssertionFailure() << "another background";
+    return testing::AssertionFailure() << "the background has another colour";
   }
   if (std::ranges::find(picture.pixels, black) == picture.pixels.end()) {
-    return testing::AssertionFailure() << "no shadow";
+    return testing::AssertionFailure() << "there is no black shadow";
   }
-  // Three lines, 20 pixels apart from the tenth row on, the first one further left.
+  // Expect three lines, 20 pixels apart from row 10 on, the first one further left.
   std::array<int, 3> whites{};
   for (int y = 0; y + 1 < picture.height; ++y) {
     for (int x = 0; x + 1 < picture.width; ++x) {
       if (picture.at(x, y) != white) continue;
       const bool isPlaced = y >= 10 && y < 70 && x >= (y < 30 ? 14 : 17);
       if (!isPlaced || !isGrey(picture.at(x + 1, y + 1))) {
-        return testing::AssertionFailure() << "white at " << x << "," << y;
+        return testing::AssertionFailure() << "misplaced or unshadowed white at " << x << "," << y;
       }
       ++whites[static_cast<std::size_t>((y - 10) / 20)];
     }
   }
   if (std::ranges::find(whites, 0) != whites.end()) {
-    return testing::AssertionFailure() << "not three lines";
+    return testing::AssertionFailure() << "there are not three lines of text";
   }
   return testing::AssertionSuccess();
 }
@@ -317,7 +317,7 @@ testing::AssertionResult isTextWithAShadow(const Picture& picture) {
 TEST_F(ControlPicture, IsTextWithAShadow) {
   startOver();
   press('H');
-  // The window may be seen while it is being painted.
+  // Retry, because the window may be caught while it is being painted.
   const auto seen = [this] {
     return isTextWithAShadow(screenPicture(clientBoundsOf(windows().control)));
   };

@@ -1,6 +1,6 @@
-// Saves pictures of the program as it stands on the screen, to be looked at.
+// Saves screenshots of the program for people to look at.
 #include <windows.h>
-// The image library's header needs what stands above.
+// This header needs windows.h before it.
 #include <gdiplus.h>
 
 #include <algorithm>
@@ -20,7 +20,8 @@ namespace {
 constexpr Colour viewBackground{80, 100, 120};
 constexpr Bounds area{240, 100, 1040, 720};
 
-// All hues from left to right, from white at the top through the pure colour to black.
+// Returns a rainbow: hues from left to right, and white at the top through the pure colour to
+// black.
 Colour rainbow(int x, int y) {
   const double hue = 6.0 * (x - area.left) / area.width();
   const double height = 2.0 * (y - area.top) / area.height();
@@ -50,8 +51,8 @@ class Pictures : public ColourSpaceTest {
     start(arguments);
   }
 
-  // Waits until the display has given the colour space window its size: its lower right corner, in
-  // which no view draws anything, has the views' background.
+  // Waits until the colour space window has its new size on the display: its lower right corner, in
+  // which no view draws, must show the views' background.
   void awaitWholeView() {
     EXPECT_TRUE(eventually([this] {
       const Bounds client = clientBoundsOf(windows().colourSpace);
@@ -60,7 +61,7 @@ class Pictures : public ColourSpaceTest {
     }));
   }
 
-  // Once what is on the screen has come to rest.
+  // Saves a part of the screen once it no longer changes.
   void save(const std::string& name, const Bounds& part) {
     Picture picture = screenPicture(part);
     eventually([&] {
@@ -133,7 +134,7 @@ TEST_F(Pictures, OfTheMenus) {
   moveCursor(250, 110);
   struct Submenu {
     const char* name;
-    int ups;  // from the end
+    int ups;  // presses of each key; "up" starts at the end of the menu
     int rights;
     int downs;
   };

@@ -1,4 +1,4 @@
-// The program on desktops of any language, and in folders that their code pages do not hold.
+// The program on desktops of any language, and in folders whose names their code pages cannot hold.
 #include <algorithm>
 #include <array>
 #include <filesystem>
@@ -17,7 +17,7 @@ namespace {
 constexpr const char* transform = "Vi\xe9not \xc5\xf1\n1 0 0 0\n0 1 0 0\n0 0 1 0\n";
 constexpr const wchar_t* transformName = L"Vi\u00e9not \u00c5\u00f1";
 
-// These also run on desktops with other code pages.
+// These tests also run on desktops with other code pages.
 class AnyLanguage : public ProgramTest {
  protected:
   void startWithTransform() {
@@ -45,7 +45,8 @@ struct PaintedLine {
   std::wstring text;
 };
 
-// What the control window shows of this size: each line black, then white one pixel up and left.
+// Returns the control window as it should look at this size: each line white over a black shadow
+// one pixel down and to the right.
 Picture expectedControlWindow(int width, int height) {
   const std::array<PaintedLine, 3> lines{
       {{14, 10, transformName},
@@ -94,7 +95,7 @@ TEST_F(AnyLanguage, HasTheSamePaintedText) {
       expectedControlWindow(static_cast<int>(client.width()), static_cast<int>(client.height()));
   const auto isPainted = [&] { return areAlike(screenPicture(client), expected, 0); };
   EXPECT_TRUE(eventually([&] {
-    // What is painted before the display shows the window can get lost.
+    // Paint again, because a paint before the display shows the window can be lost.
     InvalidateRect(windows().control, nullptr, FALSE);
     settle();
     return static_cast<bool>(isPainted());
@@ -103,14 +104,14 @@ TEST_F(AnyLanguage, HasTheSamePaintedText) {
 
 struct PlaceRow {
   const char* name;
-  std::vector<std::wstring> folders;  // each within the one before
+  std::vector<std::wstring> folders;  // each inside the previous one
 };
 
 void PrintTo(const PlaceRow& row, std::ostream* out) {
   *out << row.name;
 }
 
-// The program stands in another folder, with its own transforms.
+// Runs the program from another folder, with custom transforms there.
 class Places : public ProgramTest, public testing::WithParamInterface<PlaceRow> {
  protected:
   void SetUp() override {
@@ -131,7 +132,7 @@ class Places : public ProgramTest, public testing::WithParamInterface<PlaceRow> 
     for (const std::wstring& folder : folders) RemoveDirectoryW((literally + folder).c_str());
   }
 
-  // So that the test itself gets at paths of any length.
+  // This prefix gives the test itself access to paths of any length.
   static inline const std::wstring literally = L"\\\\?\\";
 
   static std::vector<std::wstring> levels() {

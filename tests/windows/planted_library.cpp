@@ -1,5 +1,5 @@
-// A library with another's name, put where a program must not look for libraries. It notes down
-// that it was loaded.
+// A library under another one's name, put where a program must not look for libraries. Writes a
+// note when it is loaded.
 #include "planted_library.h"
 
 #include <windows.h>

@@ -1,4 +1,5 @@
-// Libraries under the names of the desktop's own, put where the program must not look for them.
+// Plants libraries with names of the desktop's own in folders where the program must not look for
+// them.
 #include <windows.h>
 
 #include <array>
@@ -18,15 +19,14 @@
 namespace tintora::windows_test {
 namespace {
 
-// Those that the program loads by itself and those that a desktop may load on a program's behalf;
-// not those that Wine's own libraries cannot be loaded without.
+// Libraries that the program or the desktop loads at run time, except those that Wine's own
+// libraries need to load.
 constexpr std::array names{"magnification.dll", "d3d9.dll",     "d3dx9_43.dll", "uxtheme.dll",
                            "dwmapi.dll",        "comctl32.dll", "msimg32.dll",  "winmm.dll",
                            "propsys.dll",       "winspool.drv", "wtsapi32.dll", "urlmon.dll",
                            "cryptbase.dll",     "profapi.dll",  "winhttp.dll",  "textshaping.dll"};
 
-// Under Wine its own libraries go first unless it is told otherwise; Windows takes the first that
-// it finds.
+// Has Wine take the first library that it finds, as Windows does. By default its own go first.
 void preferFoundLibraries() {
   for (const std::string_view name : names) {
     const bool isUsual = name.ends_with(".dll");
@@ -60,7 +60,7 @@ class Planted : public ProgramTest {
   static std::string elsewhere() { return programFolder() + "elsewhere\\"; }
   static std::string note() { return elsewhere() + "note.txt"; }
 
-  // What was loaded, one path in each line.
+  // Returns the paths of the planted libraries that were loaded, one in each line.
   static std::string noted() {
     std::ifstream file(note());
     return {std::istreambuf_iterator<char>(file), {}};
@@ -71,7 +71,7 @@ class Planted : public ProgramTest {
     ASSERT_TRUE(CopyFileA(plantedLibrary().c_str(), planted_.back().c_str(), TRUE)) << name;
   }
 
-  // Start, menu, copy and end: everything that brings libraries in.
+  // Starts the program, uses the menu, copies and ends: all actions that load libraries.
   void run(const std::string& folder) {
     start(Launch{.folder = folder});
     menu();
@@ -87,7 +87,7 @@ class Planted : public ProgramTest {
   std::vector<std::string> planted_;
 };
 
-// Or the other tests could not fail.
+// Checks the planted library itself; if it took no notes, the other tests could not fail.
 TEST_F(Planted, LibrariesNoteThatTheyWereLoaded) {
   plant(elsewhere(), "magnification.dll");
   const std::string path = elsewhere() + "magnification.dll";
@@ -110,7 +110,7 @@ TEST_F(Planted, LibrariesInTheCurrentFolderAreNotLoaded) {
   EXPECT_EQ(noted(), "");
 }
 
-// What the desktop lacks could be found nowhere else.
+// The desktop lacks these libraries, so only planted ones could be found.
 TEST_F(Planted, LibrariesDoNotStandInForMissingOnesToDrawWith) {
   std::vector<std::string> missing{"d3d9.dll"};
   for (const std::string& name : d3dxLibraries()) missing.push_back(name + ".dll");
@@ -118,7 +118,7 @@ TEST_F(Planted, LibrariesDoNotStandInForMissingOnesToDrawWith) {
     plant(programFolder(), name);
     plant(elsewhere(), name);
   }
-  // Once Direct3D is there and D3DX is not, and once neither is.
+  // Run once without D3DX only, and once without Direct3D too.
   for (const std::string& name : d3dxLibraries()) setLibraryOrder(name, "native");
   run(elsewhere());
   setLibraryOrder("d3d9", "native");

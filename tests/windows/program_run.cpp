@@ -10,7 +10,7 @@ namespace tintora::windows_test {
 
 namespace {
 
-constexpr DWORD bound = 60000;  // milliseconds that anything may take
+constexpr DWORD bound = 60000;  // the limit for every wait, in milliseconds
 
 constexpr const char* magnificationPath = "C:\\windows\\system32\\magnification.dll";
 constexpr const char* pathAway = "C:\\windows\\system32\\magnification.away";
@@ -31,7 +31,7 @@ BOOL CALLBACK collect(HWND window, LPARAM parameter) {
   return TRUE;
 }
 
-// The control window is the one that cannot be resized.
+// Finds the windows of the program. The control window is the one that cannot be resized.
 ProgramWindows findWindows(DWORD process) {
   ProgramWindows windows;
   for (const HWND window : windowsOf(process, "WindowClassZub")) {
@@ -232,10 +232,10 @@ void ProgramTest::start(const Launch& launch) {
         },
         aStart);
   };
-  // Wine's own processes now and then come to a standstill while a program starts: it gets a second
-  // chance, which a fault of the program's would not survive.
+  // Wine's own processes sometimes hang while a program starts, so try once more. A fault of the
+  // program would fail again.
   if (!appears()) {
-    std::puts("The program did not appear and is started again.");
+    std::puts("The program did not appear; starting it again.");
     process_.reset();
     ASSERT_TRUE(appears());
   }
@@ -247,7 +247,8 @@ void ProgramTest::end() {
   ASSERT_TRUE(process_->hasEnded());
 }
 
-// The turn follows a message: when the second marker is reached, that of the first one is over.
+// The program's turn follows each message, so the first marker's turn is over when the second one
+// is reached.
 void ProgramTest::settle() {
   static UINT marker = 0;
   for (int i = 0; i < 2; ++i) PostMessageA(windows_.magnifier, ReachMarker, ++marker, 0);
@@ -260,7 +261,7 @@ void ProgramTest::finishDrawing() {
   settle();
 }
 
-// The desktop knows the new place at once, the display a little later, and Wine asks the display
+// The desktop knows the new position at once and the display a little later. Wine asks the display
 // again only after a tenth of a second.
 void ProgramTest::moveCursor(LONG x, LONG y) {
   constexpr DWORD untilAsked = 110;
@@ -332,8 +333,8 @@ HWND ProgramTest::openMenuWindow() const {
 }
 
 HMENU ProgramTest::openMenu(HWND window) {
-  // News of the focus that the display sent earlier can close a menu that has just opened; a user
-  // would click again.
+  // A late focus event from the display can close a menu that has just opened. Click again, as a
+  // user would.
   constexpr int clicks = 5;
   const MagnifierRecord& record = magnifierRecord();
   for (int click = 0; click < clicks; ++click) {
@@ -364,7 +365,7 @@ DWORD_PTR ProgramTest::ask(UINT request, WPARAM first, LPARAM second) {
 }
 
 std::vector<MenuItem> ProgramTest::menu() {
-  // The same menu is opened every time; once known it need not be opened to be read.
+  // The program opens the same menu every time, so a known menu can be read without opening it.
   if (menu_ == nullptr) {
     menu_ = openMenu(windows_.main);
     closeMenu();

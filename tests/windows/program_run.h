@@ -1,4 +1,4 @@
-// A run of the program under test: its windows, what is done to it and what it does.
+// Runs the program under test: finds its windows, sends input and reads what it does.
 #pragma once
 
 #include <windows.h>
@@ -22,7 +22,7 @@ struct ProgramWindows {
   HWND colourSpace = nullptr;
 };
 
-// Screen pixels; right and bottom are the first column and row outside.
+// Bounds in screen pixels. Right and bottom are exclusive.
 struct Bounds {
   LONG left = 0;
   LONG top = 0;
@@ -44,14 +44,14 @@ struct MenuItem {
   std::string text;
 };
 
-// Waits, as many milliseconds at most, for something to become true. A busy machine may take long;
-// only what fails takes the whole time.
+// Waits until something becomes true, up to a limit in milliseconds. The limit is generous for busy
+// machines; only failures use it up.
 bool eventually(const std::function<bool()>& isTrue, ULONGLONG atMost = 60000);
 
 std::string titleOf(HWND window);
 std::wstring wideTitleOf(HWND window);
 
-// What a window's thread is busy with: menus, drags, the mouse it has captured.
+// Returns the state of a window's thread: open menu, drag, mouse capture.
 GUITHREADINFO threadOf(HWND window);
 Bounds boundsOf(HWND window);
 Bounds clientBoundsOf(HWND window);
@@ -60,25 +60,25 @@ Bounds screenBounds();
 
 std::string programPath();
 
-// The folder in which the program under test stands, with a backslash at its end.
+// Returns the program's folder, with a backslash at the end.
 std::string programFolder();
 
-// Where the program looks for the user's own transforms.
+// Returns the path of the user's custom transforms.
 std::string customFile();
 
-// What all programs started by the tests can write to.
+// Returns the record that all programs started by the tests write to.
 MagnifierRecord& magnifierRecord();
 
-// How the program is started.
+// Parameters for starting the program.
 struct Launch {
   std::string arguments{};
-  std::string folder = programFolder();  // the current one
+  std::string folder = programFolder();  // the current directory
   WORD show = SW_SHOWNORMAL;
-  bool pathGiven = true;   // on the command line
-  std::wstring program{};  // its path, if it is not the one under test itself
+  bool pathGiven = true;   // whether the command line begins with the path
+  std::wstring program{};  // its path; if empty, that of the program under test
 };
 
-// A process that the tests started; ended with it at the latest.
+// A process started by a test. The destructor ends it if it still runs.
 class Process {
  public:
   explicit Process(const Launch& launch = {});
@@ -87,7 +87,7 @@ class Process {
   Process& operator=(const Process&) = delete;
 
   DWORD id() const { return id_; }
-  // Waits for the end; false where it does not come within bounds.
+  // Waits for the end. Returns false if it does not come within the limit.
   bool hasEnded() const;
   bool isRunning() const;
   DWORD result() const;
@@ -97,7 +97,7 @@ class Process {
   DWORD id_ = 0;
 };
 
-// For as long as it lives the desktop has no Magnification API.
+// Removes the Magnification API until it goes out of scope.
 class MissingMagnification {
  public:
   MissingMagnification();
@@ -106,11 +106,11 @@ class MissingMagnification {
   MissingMagnification& operator=(const MissingMagnification&) = delete;
 };
 
-// The top-level windows of a process with a class name.
+// Returns the top-level windows of a process that have this class name.
 std::vector<HWND> windowsOf(DWORD process, const std::string& className);
 
-// Each test starts the program with an empty store and without custom transforms, unless it
-// provides them before.
+// Starts each test with an empty store and without custom transforms. A test may provide them
+// before it starts the program.
 class ProgramTest : public testing::Test {
  protected:
   void SetUp() override;
@@ -121,7 +121,7 @@ class ProgramTest : public testing::Test {
   void start(const Launch& launch);
   // Closes the main window and waits for the end.
   void end();
-  // Ends it at once, as the desktop's task manager does.
+  // Kills the program, as the desktop's task manager does.
   void kill() { process_.reset(); }
 
   const ProgramWindows& windows() const { return windows_; }
@@ -134,35 +134,35 @@ class ProgramTest : public testing::Test {
   void turnWheel(bool up, int times = 1);
   void choose(int command);
 
-  // Waits until everything posted so far was handled, and the program's own turn after it is over.
+  // Waits until all messages posted so far were handled and the program's turn after them is over.
   void settle();
 
-  // Waits until the display has carried out what the program has asked of it so far, and the
-  // program has handled what came of it.
+  // Waits until the display has carried out the program's requests and the program has handled the
+  // resulting events.
   void finishDrawing();
 
-  // Moves the mouse, through all of the desktop.
+  // Moves the mouse through the desktop's own input queue.
   void moveCursor(LONG x, LONG y);
 
-  // Waits until the main window's title has confirmed a copy.
+  // Waits until the main window's title confirms a copy. Returns false if it never does.
   bool hasCopied() const;
 
   std::string title() const { return titleOf(windows_.main); }
-  // As the program asked for it, the latest and all of them in order.
+  // Returns the latest call of one kind that the program made to the magnifier, or all in order.
   RecordedCall lastCall(MagnifierCall kind) const;
   std::vector<RecordedCall> calls() const;
 
-  // Opens the popup menu by the mouse, at the cursor.
+  // Opens the popup menu at the cursor with the right button.
   HMENU openMenu(HWND window);
-  HWND openMenuWindow() const;  // null while none is open
+  HWND openMenuWindow() const;  // null if no menu is open
   void closeMenu();
-  // The items of the popup menu and its submenus as they are at the time.
+  // Returns the current items of the popup menu and its submenus.
   std::vector<MenuItem> menu();
   std::vector<MenuItem> checkedItems();
 
   const RecordedClass& classOf(HWND window);
 
-  // How many objects of each sort the program holds.
+  // The numbers of objects of each kind that the program holds.
   struct Objects {
     std::uint32_t graphics = 0;
     std::uint32_t user = 0;
@@ -170,13 +170,13 @@ class ProgramTest : public testing::Test {
   };
   Objects objects();
 
-  // The processor time that the program has taken so far, in milliseconds.
+  // Returns the processor time that the program has used so far, in milliseconds.
   double processorTime();
 
-  // The latest paints of the view, the oldest first, from the given one on.
+  // Returns the paints of the view from the given one on, oldest first.
   std::vector<RecordedPaint> paintsSince(std::uint64_t first) const;
 
-  // Has the stand-in do something inside the program; returns its answer.
+  // Sends a request to the stand-in inside the program and returns its answer.
   DWORD_PTR ask(UINT request, WPARAM first, LPARAM second = 0);
 
  private:

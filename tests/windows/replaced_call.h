@@ -1,4 +1,4 @@
-// A call of the desktop's interfaces that does something else for a while.
+// Replaces a call of a COM interface for a while.
 #pragma once
 
 #include <windows.h>
@@ -8,9 +8,9 @@
 
 namespace tintora::windows_test {
 
-// For as long as it lives, a call of this object and of all others of its kind is another function,
-// which gets the object as its first argument. Calls count from 0, in the order in which their
-// interfaces declare them.
+// Replaces a call of this object, and of all others of its class, until it goes out of scope. The
+// new function gets the object as its first argument. Calls count from 0 in the order of their
+// declaration.
 class ReplacedCall {
  public:
   template <typename Function>
@@ -28,7 +28,7 @@ class ReplacedCall {
   }
 
  private:
-  // An object begins with the address of the table of its calls.
+  // An object begins with a pointer to its table of calls.
   static void** placeOf(IUnknown* object, std::size_t call) {
     return *reinterpret_cast<void***>(object) + call;
   }

@@ -1,4 +1,4 @@
-// The colour space window in many sizes.
+// Resizes the colour space window many times.
 #include <windows.h>
 #include <psapi.h>
 
@@ -13,9 +13,8 @@
 namespace tintora::windows_test {
 namespace {
 
-// Wine draws into memory and copies that to the window; before, each device tries out which formats
-// can be drawn into, for longer than everything else takes. For as long as this lives, the devices
-// of programs that are started draw into the window itself.
+// Has Wine draw straight into the window for programs that are started while this exists. Otherwise
+// it first tries out formats for each device, which takes longer than all the rest.
 class DrawingStraight {
  public:
   DrawingStraight() {
@@ -34,7 +33,7 @@ class DrawingStraight {
 
 class Resizing : public ColourSpaceTest {
  protected:
-  // What the program occupies, in bytes.
+  // Returns the memory that the program occupies, in bytes.
   std::size_t memory() const {
     const HANDLE handle =
         OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, process().id());
@@ -44,7 +43,7 @@ class Resizing : public ColourSpaceTest {
     return counters.WorkingSetSize;
   }
 
-  // Down to one pixel; small sizes come as often as large ones.
+  // Resizes at random, down to one pixel; small sizes are as frequent as large ones.
   void resizeAtRandom(int times) {
     const auto length = [&] {
       const int longest = std::bernoulli_distribution()(sizes_) ? 30 : 700;
@@ -79,15 +78,15 @@ TEST_F(Resizing, LeavesNothingBehindAndEverythingAsItWas) {
   resize(size);
   EXPECT_TRUE(areAlike(shown(), before, 0));
   const Objects objectsAfter = objects();
-  // The desktop keeps a few for itself.
+  // The desktop keeps a few objects for itself.
   EXPECT_LE(objectsAfter.graphics, objectsBefore.graphics + 5);
   EXPECT_LE(objectsAfter.user, objectsBefore.user);
-  // A device with its pictures takes more than a megabyte.
+  // A device with its buffers takes more than a megabyte, so a leak would exceed this.
   EXPECT_LT(memory(), memoryBefore + times * 50'000U);
 }
 
-// A window of nine pixels shows the old picture, squeezed: a new one would show a cube as narrow as
-// it is low.
+// A window of nine pixels keeps the old picture, squeezed. A new picture would show a cube as
+// narrow as it is low.
 TEST_F(Resizing, ToNinePixelsLeavesThePicture) {
   startWith(ColourSpaceView::CubeView, {400, 400}, 2, 0);
   const auto coloured = [](const Picture& picture, int row) {

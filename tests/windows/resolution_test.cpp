@@ -1,4 +1,4 @@
-// Screens of high resolution: how large the windows and their text are.
+// The sizes of the windows and of their text on high-resolution screens.
 #include <algorithm>
 #include <cmath>
 #include <string>
@@ -31,7 +31,7 @@ TEST_P(Resolution, SizesTheWindows) {
   start();
   const LONG x = screenBounds().right / 2;
   const LONG y = screenBounds().bottom / 2;
-  // The desktop makes no window much larger than the screen.
+  // The desktop does not create windows much larger than the screen.
   if (scaled(500) <= screenBounds().right && scaled(400) <= screenBounds().bottom) {
     EXPECT_EQ(boundsOf(windows().main),
               (Bounds{x - scaled(250), y - scaled(200), x + scaled(250), y + scaled(200)}));
@@ -50,7 +50,7 @@ TEST_P(Resolution, SizesTheWindows) {
                                                  middleX + scaled(200), middleY + scaled(60)}));
 }
 
-// The rows and columns of a picture that hold white.
+// Returns the bounds of the white pixels in a picture.
 Bounds extentOfWhite(const Picture& picture) {
   const Colour white{255, 255, 255};
   Bounds extent{picture.width, picture.height, 0, 0};
@@ -64,16 +64,16 @@ Bounds extentOfWhite(const Picture& picture) {
   return extent;
 }
 
-// Three lines from row 10 to about row 66 and some 380 pixels wide, at 96 dpi.
+// At 96 dpi the text has three lines from row 10 to about row 66 and is about 380 pixels wide.
 TEST_P(Resolution, SizesTheControlWindowsText) {
   storeValues({{"ColorSpace", 0}});
   start();
-  // Wherever the main window is, the control window stands on the screen.
+  // The control window is on the screen wherever the main window is.
   SetWindowPos(windows().main, nullptr, 0, 0, 1280, 800, SWP_NOZORDER | SWP_NOACTIVATE);
   settle();
   press('H');
   Bounds text{};
-  // The window may be seen while it is being painted.
+  // Retry, because the window may be caught while it is being painted.
   EXPECT_TRUE(eventually([&] {
     const Bounds client = clientBoundsOf(windows().control);
     text = extentOfWhite(screenPicture(client));

@@ -1,11 +1,10 @@
 #!/usr/bin/env python3
 """Run the tests of the Windows program under Wine on displays of their own.
 
-A test spends half of its time waiting, so each processor can be given two
-shares of them or more, each with a display and a prefix to itself.
+Tests spend half of their time waiting, so give each processor two shares of
+them or more. Each share has a display and a prefix of its own.
 
-Everything that is started here is ended here, and everything that is written
-lies in one work folder.
+The script ends everything that it starts. It writes into one work folder only.
 """
 
 import argparse
@@ -26,14 +25,15 @@ UNIT_TESTS = "tintora_unit_tests.exe"
 STRIP = "x86_64-w64-mingw32-strip"
 
 REGISTRY = [
-    # Wine draws the frames itself, there being no window manager to do it.
+    # Wine draws the window frames itself, because there is no window manager.
     ("HKCU\\Software\\Wine\\X11 Driver", "Managed", "REG_SZ", "N"),
-    # Wine draws Direct3D on a thread of its own, which libX11 can bring to a
-    # standstill when another one reads the screen; so it draws at once.
+    # Wine draws Direct3D on a separate thread by default. libX11 can then hang
+    # when another thread reads the screen.
     ("HKCU\\Software\\Wine\\Direct3D", "csmt", "REG_DWORD", "0"),
-    # As Windows has it: a window moves while it is dragged, not after.
+    # As on Windows, a window moves while it is dragged, not afterwards.
     ("HKCU\\Control Panel\\Desktop", "DragFullWindows", "REG_SZ", "1"),
-    # Xvfb's one output cannot have two monitors; its Xinerama can.
+    # Xvfb's RandR has one output, too few for two monitors; its Xinerama can
+    # have both.
     ("HKCU\\Software\\Wine\\X11 Driver", "UseXRandR", "REG_SZ", "N"),
 ]
 
@@ -43,7 +43,7 @@ LIBC = ctypes.CDLL("libc.so.6")
 
 
 def end_with_parent():
-    """For a process that must not outlive this one, however it ends."""
+    """Ends the calling process when its parent ends, however that happens."""
     set_parent_death_signal = 1
     LIBC.prctl(set_parent_death_signal, signal.SIGTERM)
 
@@ -60,24 +60,24 @@ def parse_arguments():
                         help="save pictures of the program in this folder "
                              "instead of testing it")
     parser.add_argument("--shares", type=int, default=1,
-                        help="into how many the tests are divided, which run "
-                             "at the same time")
+                        help="the number of shares to divide the tests into, "
+                             "which run at the same time")
     parser.add_argument("--share", type=int, nargs="+",
-                        help="the only ones to run, from 0")
+                        help="the only shares to run, counted from 0")
     parser.add_argument("--two-monitors", action="store_true",
                         help="run only the tests of a second monitor")
     parser.add_argument("--seconds", type=int, default=1500,
-                        help="how long the tests may take")
+                        help="the time limit for the tests")
     parser.add_argument("rest", nargs="*", metavar="TEST_OPTION",
-                        help="for the test program, after --")
+                        help="options for the test program, after --")
     return parser.parse_args()
 
 
 @contextmanager
 def display(monitors=1):
-    """An X server on a free display, each window drawn into a pixmap of its
-    own, so that what a window hides of another can still be read. A second
-    monitor stands to the left of and above the first one."""
+    """Starts an X server on a free display and ends it afterwards. Each window
+    has a pixmap of its own, so that its hidden parts can be read. A second
+    monitor is to the left of and above the first one."""
     read_end, write_end = os.pipe()
     screen = SCREEN if monitors == 1 else TWO_SCREENS
     server = subprocess.Popen(
@@ -111,7 +111,8 @@ def divide_screen(name):
 
 
 def redirect_windows(name):
-    """Holds for as long as the connection does, which nothing closes."""
+    """Draws each window into a pixmap of its own. The connection stays open,
+    because closing it would undo this."""
     x11 = ctypes.CDLL("libX11.so.6")
     composite = ctypes.CDLL("libXcomposite.so.1")
     x11.XOpenDisplay.restype = ctypes.c_void_p
@@ -142,13 +143,13 @@ def find_wine():
 
 
 def is_finished(prefix):
-    """A prefix that was not finished, or for other settings, is no use."""
+    """Returns true if the prefix is complete and has the current settings."""
     finished = prefix / "finished"
     return finished.exists() and finished.read_text() == repr(REGISTRY)
 
 
 def make_prefix(wine, prefix, display_name):
-    """The one that all others are copies of."""
+    """Makes the prefix that all others are copied from."""
     environment = wine_environment(prefix, display_name)
     shutil.rmtree(prefix, ignore_errors=True)
     prefix.mkdir(parents=True)
@@ -168,8 +169,8 @@ def make_prefix(wine, prefix, display_name):
 
 
 def copy_prefix(original, prefix):
-    """Wine's libraries are many and nobody writes to them, so the copy has
-    them by links; what Wine writes to, it has to itself."""
+    """Copies a prefix. Wine's libraries are many and never written to, so they
+    are linked; files that Wine writes to are copied."""
     shutil.rmtree(prefix, ignore_errors=True)
     shutil.copytree(original / "drive_c", prefix / "drive_c", symlinks=True,
                     copy_function=os.link)
@@ -183,7 +184,7 @@ def copy_prefix(original, prefix):
 def provide_prefix(wine, original, prefix, display_name):
     original.parent.mkdir(parents=True, exist_ok=True)
     with open(original.with_suffix(".lock"), "w") as lock:
-        # Shares that start at the same time wait for the first one here.
+        # Shares that start together wait here until the first has made it.
         fcntl.flock(lock, fcntl.LOCK_EX)
         if not is_finished(original):
             make_prefix(wine, original, display_name)
@@ -192,8 +193,8 @@ def provide_prefix(wine, original, prefix, display_name):
 
 
 def make_locales(folder):
-    """Locales with other code pages than Western Europe's, if the machine
-    knows them; the folder in which Wine finds them."""
+    """Makes locales with code pages other than Western Europe's. Returns the
+    folder in which Wine finds them."""
     for locale in LOCALES:
         target = folder / f"{locale}.UTF-8"
         if not target.exists():
@@ -209,11 +210,12 @@ def windows_path(path):
 
 
 def install(options, prefix):
-    """The program stands in a folder with its guide and nothing else, as it
-    is handed out."""
+    """Installs the program in a folder with nothing but its guide, as users
+    get it. Returns the program's path."""
     system = prefix / "drive_c/windows/system32"
     for library in ("magnification.dll", "dwmapi.dll"):
-        # A file of its own instead of the link that may be there.
+        # Remove the link first: a copy would overwrite the file shared with
+        # the other prefixes.
         (system / library).unlink(missing_ok=True)
         shutil.copy(options.tests / library, system)
     folder = options.work / "program"
@@ -263,7 +265,7 @@ def run_tests(options, wine, environment, program):
     result = run_program(options, wine, environment, name,
                          [f"--gtest_filter=-{second_monitor}"])
     result |= run_program(options, wine, environment, UNIT_TESTS, [])
-    # Wine takes the language from where its first process was started.
+    # Wine takes the language from its first process, so it must start anew.
     environment["LOCPATH"] = str(make_locales(options.work / "locales"))
     for locale in LOCALES:
         end_wine(environment)
@@ -274,7 +276,7 @@ def run_tests(options, wine, environment, program):
 
 
 def run_shares(shares, arguments):
-    """Each in a process of its own, which ends with this one."""
+    """Runs each share in a process of its own, which ends with this one."""
     running = [subprocess.Popen(
         [sys.executable, "-B", __file__, *arguments[:rest_begins(arguments)],
          "--share", str(share), *arguments[rest_begins(arguments):]],
@@ -288,7 +290,7 @@ def rest_begins(arguments):
 
 def main():
     options = parse_arguments()
-    # So that what was started is ended then too.
+    # Exit on SIGTERM, so that everything that was started is ended too.
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
     shares = options.share or range(options.shares)
     if len(shares) > 1:

@@ -12,7 +12,7 @@ namespace tintora::windows_test {
 namespace {
 
 using Point = std::array<double, 3>;
-using Parts = std::array<double, 3>;  // of red, green and blue, 0 to 1
+using Parts = std::array<double, 3>;  // red, green and blue, 0 to 1
 
 constexpr double eyeDistance = 5.5;
 constexpr double shrunk = 4.0 / 5.5;
@@ -21,7 +21,7 @@ double radians(double degrees) {
   return degrees * std::numbers::pi / 180.0;
 }
 
-// Red grows to the left, green upwards and blue away from the eye.
+// Returns the place of a colour: red grows to the left, green upwards and blue away from the eye.
 Point placeOf(const Parts& parts) {
   return {1 - 2 * parts[0], 2 * parts[1] - 1, 2 * parts[2] - 1};
 }
@@ -38,7 +38,7 @@ Parts transformed(const Parts& parts, const expected::Weights& weights) {
   return result;
 }
 
-// Turns from one axis towards another.
+// Rotates a point from one axis towards another.
 void turn(Point& point, std::size_t from, std::size_t to, double degrees) {
   const double sine = std::sin(radians(degrees));
   const double cosine = std::cos(radians(degrees));
@@ -48,7 +48,8 @@ void turn(Point& point, std::size_t from, std::size_t to, double degrees) {
   point[to] = along * sine + across * cosine;
 }
 
-// The front lies in the direction of -z: moving it to the right turns z towards -x.
+// Applies the turns in order. The front of the cube faces -z, so moving it to the right turns z
+// towards -x.
 Point turned(Point point, const std::vector<Turn>& turns) {
   for (const Turn& each : turns) {
     turn(point, 2, 1, each.down);
@@ -76,8 +77,8 @@ Point between(const Point& a, const Point& b, double share) {
   return point;
 }
 
-// The edges of the frame by the numbers of their corners, whose bits are red, green and blue, and
-// the grey axis.
+// The edges of the frame and the grey axis, as pairs of corners. The bits of a corner's number are
+// red, green and blue.
 constexpr std::array<std::array<int, 2>, 13> edges{{{0, 1},
                                                     {0, 2},
                                                     {0, 4},
@@ -128,7 +129,7 @@ Parts onSide(const Side& side, double u, double v) {
   return parts;
 }
 
-// As it is seen, twice its area with a sign for the way it winds.
+// Returns twice the side's area on the screen, with the sign of its winding.
 double windingOf(const Side& side, const Picture& picture, const CubeForm& form) {
   const auto corner = [&](double u, double v) {
     return seen(turned(placeOf(transformed(onSide(side, u, v), form.weights)), form.turns),
@@ -160,13 +161,13 @@ std::string text(const Colour& colour) {
 
 testing::AssertionResult showsSolidCube(const Picture& picture, const CubeForm& form) {
   constexpr int steps = 12;
-  constexpr int tolerance = 8;  // what a pixel's width makes on a side of a hundred pixels
+  constexpr int tolerance = 8;  // allows for a pixel's width on a side of a hundred pixels
   constexpr double leastArea = 4000.0;
   int checked = 0;
   for (std::size_t fixed = 0; fixed < 3; ++fixed) {
     for (const double value : {0.0, 1.0}) {
       const Side side{fixed, value};
-      // An orientation is kept by every transform that does not turn the cube inside out.
+      // Skip sides that face away, by their winding. No transform turns the cube inside out.
       if (windingOf(side, picture, form) < leastArea) continue;
       for (int i = 1; i < steps; ++i) {
         for (int j = 1; j < steps; ++j) {
@@ -192,7 +193,7 @@ testing::AssertionResult showsSolidCube(const Picture& picture, const CubeForm& 
 
 testing::AssertionResult showsFrame(const Picture& picture, const CubeForm& form) {
   constexpr int steps = 20;
-  constexpr int tolerance = 16;  // a line may be a pixel to the side, and shorter by one
+  constexpr int tolerance = 16;  // a line may be off by a pixel, and a pixel shorter
   int checked = 0;
   for (const auto& [first, second] : edges) {
     for (int i = 1; i < steps; ++i) {
@@ -211,9 +212,9 @@ testing::AssertionResult showsFrame(const Picture& picture, const CubeForm& form
     }
   }
   constexpr int places = 13 * (steps - 1);
-  // What stands before or behind the flattened cube may be hidden by it.
+  // The flattened cube may hide parts of the frame.
   if (checked < places * 3 / 4) {
-    return testing::AssertionFailure() << checked << " of " << places << " places";
+    return testing::AssertionFailure() << "only " << checked << " of " << places << " places match";
   }
   return testing::AssertionSuccess() << checked << " of " << places << " places";
 }

@@ -1,5 +1,5 @@
-// The RGB cube as it should be seen, worked out from the eye's place, its field of view and the
-// turns of the mouse.
+// Works out how the RGB cube should look from the eye's place, its field of view and the turns of
+// the mouse.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -13,8 +13,8 @@
 
 namespace tintora::windows_test {
 
-// Degrees by which the front of the cube was moved to the right, its front downwards, and its top
-// to the right, in this order.
+// One turn in degrees: the front of the cube moves to the right, then downwards, then its top moves
+// to the right.
 struct Turn {
   double right = 0.0;
   double down = 0.0;
@@ -22,15 +22,15 @@ struct Turn {
 };
 
 struct CubeForm {
-  std::vector<Turn> turns{};  // one after the other
+  std::vector<Turn> turns{};  // applied in order
   expected::Weights weights{
-      {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}}};  // of the solid cube
+      {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}}};  // the transform of the solid cube
 };
 
-// Whether the sides of the solid cube that face the eye carry their colours in a picture.
+// Succeeds if the sides of the solid cube that face the eye have their colours in a picture.
 testing::AssertionResult showsSolidCube(const Picture& picture, const CubeForm& form);
 
-// Whether the edges of the frame around it do, as far as nothing hides them.
+// Succeeds if the visible edges of the frame around the cube have their colours in a picture.
 testing::AssertionResult showsFrame(const Picture& picture, const CubeForm& form);
 
 }  // namespace tintora::windows_test

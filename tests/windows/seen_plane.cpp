@@ -5,8 +5,8 @@
 
 namespace tintora::windows_test {
 
-// The eye stands 5.5 before the plane, which is shrunk to 8/11, and sees 30 degrees from top to
-// bottom.
+// Projects a point of the plane. The plane is scaled by 8/11; the eye is 5.5 in front of it with a
+// vertical field of view of 30 degrees.
 SeenPoint seen(const Picture& picture, double x, double y) {
   const double halfHeight = 5.5 * std::tan(std::numbers::pi / 12.0);
   const double scale = picture.height / 2.0 / halfHeight * 4.0 / 5.5;

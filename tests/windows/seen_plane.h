@@ -1,4 +1,4 @@
-// Where points of the flat views are seen, and known points of the chromaticity diagram.
+// Where points of the flat views appear in a picture, and known points of the chromaticity diagram.
 #pragma once
 
 #include <array>

@@ -1,4 +1,4 @@
-// What is stored when the program ends, and what a start makes of what is stored.
+// What the program stores when it ends, and how it starts from stored settings.
 #include <cstdint>
 #include <fstream>
 #include <ostream>
@@ -166,7 +166,7 @@ const std::array loadedRows{
 class Loaded : public ProgramTest, public testing::WithParamInterface<LoadedRow> {};
 
 TEST_P(Loaded, ValuesTakeEffect) {
-  storeValues({{"View", 705}});  // so that there is a key
+  storeValues({{"View", 705}});  // creates the registry key
   if (GetParam().stored.empty()) removeStoredValues();
   storeValues(GetParam().stored);
   start();

@@ -1,5 +1,5 @@
-// Minutes of random input while windows of other programs come and go. Not part of the usual run;
-// TINTORA_MINUTES says how long it takes:
+// Random input for minutes while windows of other programs come and go. Not part of the usual run;
+// TINTORA_MINUTES sets the duration:
 //   tests/windows/run.py ... -- --gtest_also_run_disabled_tests --gtest_filter=*Soak*
 #include <windows.h>
 #include <psapi.h>
@@ -20,7 +20,7 @@ namespace tintora::windows_test {
 namespace {
 
 struct Held {
-  std::size_t memory = 0;  // private, in bytes
+  std::size_t memory = 0;  // working set, in bytes
   DWORD handles = 0;
   std::uint32_t graphics = 0;
   std::uint32_t user = 0;
@@ -30,8 +30,8 @@ class DISABLED_Soak : public ColourSpaceTest {
  protected:
   int random(int least, int most) { return std::uniform_int_distribution(least, most)(random_); }
 
-  // In one state, so that what is held can be compared: framed, not transparent, a view of one
-  // size.
+  // Resets the program and returns what it holds. The state is always the same, so that results can
+  // be compared: framed, not transparent, a view of one size.
   Held held(const char* when) {
     reset();
     Held held;
@@ -75,7 +75,7 @@ class DISABLED_Soak : public ColourSpaceTest {
                                 : random('A', 'Z'));
         break;
       case 2:
-        // Not the guide, which would open browsers.
+        // Leave out the guide, which would open browsers.
         choose(random(0, 54));
         break;
       case 3:
@@ -104,7 +104,7 @@ class DISABLED_Soak : public ColourSpaceTest {
     }
   }
 
-  // Another program's window goes, another comes.
+  // Replaces the window of another program.
   void exchangeNeighbour() {
     auto& neighbour = neighbours_[static_cast<std::size_t>(random(0, 2))];
     neighbour.reset();
@@ -116,7 +116,7 @@ class DISABLED_Soak : public ColourSpaceTest {
   }
 
  private:
-  // A window that nobody waits for.
+  // A window that stands for another program's.
   class Neighbour {
    public:
     Neighbour(int left, int top, int width, int height)
@@ -157,7 +157,7 @@ TEST_F(DISABLED_Soak, LeavesNothingBehind) {
     if (passed == 1) first = last;
   }
   std::printf("%d actions\n", actions);
-  // The desktop keeps a few for itself.
+  // The desktop keeps a few objects for itself.
   EXPECT_LE(last.handles, first.handles + 10);
   EXPECT_LE(last.graphics, first.graphics + 10);
   EXPECT_LE(last.user, first.user + 10);

@@ -1,4 +1,4 @@
-// The matrix operations of the views against those of D3DX, over many random inputs.
+// Compares the matrix operations of the views with those of D3DX over many random inputs.
 #include <windows.h>
 #include <d3dx9.h>
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ class SpaceMatrices : public testing::Test {
     return std::uniform_real_distribution<float>(least, most)(engine_);
   }
   Vector3 randomVector() { return {random(-3, 3), random(-3, 3), random(-3, 3)}; }
-  // Not too short to have a direction.
+  // Returns a random vector that is long enough to have a direction.
   Vector3 randomAxis() {
     Vector3 axis = randomVector();
     while (axis.x * axis.x + axis.y * axis.y + axis.z * axis.z < 0.01F) axis = randomVector();
@@ -52,7 +52,7 @@ D3DXMATRIX native(const Matrix4x4& m) {
   return matrix;
 }
 
-// Within a millionth of the largest entry.
+// Expects equal entries within a millionth of the largest one.
 void expectAlike(const Matrix4x4& actual, const D3DXMATRIX& expected, double tolerance = 1e-6) {
   double magnitude = 1.0;
   for (const auto& row : expected.m) {
@@ -78,7 +78,7 @@ TEST_F(SpaceMatrices, Multiply) {
   }
 }
 
-// The error of an inverse grows with how much it magnifies.
+// The error of an inverse grows with how much the inverse magnifies.
 TEST_F(SpaceMatrices, Invert) {
   for (int i = 0; i < rounds; ++i) {
     const Matrix4x4 m = randomMatrix();
@@ -144,7 +144,7 @@ TEST_F(SpaceMatrices, Rotate) {
   }
 }
 
-// D3DX computes in floats; an eye close to what it looks at costs it digits.
+// D3DX computes in single precision and loses digits if the eye is close to its target.
 TEST_F(SpaceMatrices, LookAtAPoint) {
   const D3DXVECTOR3 home{0.0F, 0.0F, -5.5F};
   const D3DXVECTOR3 origin{0.0F, 0.0F, 0.0F};
@@ -185,7 +185,7 @@ TEST_F(SpaceMatrices, TransformVectors) {
     D3DXVECTOR4 expected;
     D3DXVec4Transform(&expected, &vector, &matrix);
     const Vector4 actual = transformed(v, m);
-    constexpr double tolerance = 1e-6 * 30;  // the sums reach 3 * 3 * 3 + 3
+    constexpr double tolerance = 1e-6 * 30;  // the sums can reach 3 * 3 * 3 + 3
     ASSERT_NEAR(actual[0], expected.x, tolerance);
     ASSERT_NEAR(actual[1], expected.y, tolerance);
     ASSERT_NEAR(actual[2], expected.z, tolerance);
@@ -195,7 +195,7 @@ TEST_F(SpaceMatrices, TransformVectors) {
 
 TEST_F(SpaceMatrices, TransformPoints) {
   for (int i = 0; i < rounds; ++i) {
-    // A camera and a projection, as the labels are placed by.
+    // The matrices of a camera and a projection, as used to place the labels.
     const Matrix4x4 m =
         multiply(multiply(rotationAbout(randomAxis(), randomAngle()), translation({0, 0, 9})),
                  perspective(0.5F, random(0.5F, 2.0F), 1.0F, 100.0F));

@@ -14,8 +14,8 @@ namespace {
 
 MagnifierRecord* record = nullptr;
 
-// Where a module keeps the address of a function that it imports by name; null if it imports none
-// of that name.
+// Returns the place where a module keeps the address of an imported function, or null if it does
+// not import one of that name.
 void** importOf(HMODULE module, const char* function) {
   auto* const base = reinterpret_cast<std::byte*>(module);
   const auto at = [base](auto* kind, auto offset) {
@@ -41,7 +41,7 @@ void** importOf(HMODULE module, const char* function) {
   return nullptr;
 }
 
-// Has the program's calls of a function go to another one; returns the function.
+// Redirects the program's calls of a function to another one. Returns the original function.
 template <typename Function>
 Function* replace(const char* name, Function* replacement) {
   void** const place = importOf(GetModuleHandleA(nullptr), name);
@@ -66,7 +66,7 @@ struct Originals {
 };
 Originals originals;
 
-DWORD comFlags = 0;  // while COM is ready
+DWORD comFlags = 0;  // the flags that COM was initialised with; 0 if it is not
 
 bool isMainWindow(HWND window) {
   return FindWindowExA(window, nullptr, "Magnifier", nullptr) != nullptr;

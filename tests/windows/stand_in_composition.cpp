@@ -1,5 +1,4 @@
-// A dwmapi.dll that tells the stand-in magnifier what the program asks of the desktop's
-// composition.
+// A dwmapi.dll that reports the program's calls to the stand-in magnifier.
 #include <windows.h>
 
 #include <cstdint>

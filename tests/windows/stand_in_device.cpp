@@ -9,7 +9,7 @@ namespace tintora::windows_test {
 
 namespace {
 
-// The places of the calls in their interface.
+// The indices of the calls in their interface.
 constexpr std::size_t testCall = 3;
 constexpr std::size_t presentCall = 17;
 
@@ -30,7 +30,7 @@ void replace(void** place, void* function) {
 
 }  // namespace
 
-// All devices share one table of calls, so it is found through a device of our own.
+// All devices share one table of calls, so create a device to find it.
 void loseDevices() {
   const HMODULE library = GetModuleHandleA("d3d9.dll");
   if (library == nullptr) return;

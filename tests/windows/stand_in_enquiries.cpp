@@ -29,8 +29,7 @@ void appendMenu(MagnifierRecord& record, HMENU menu, int depth) {
   }
 }
 
-// Where the desktop counts nothing, its handles can still be asked for one by one by their low
-// words.
+// Counts graphics objects by trying every handle, for desktops that do not count them.
 std::uint32_t countGraphicsHandles() {
   std::uint32_t count = 0;
   for (std::uintptr_t handle = 1; handle <= 0xffff; ++handle) {
@@ -45,7 +44,8 @@ BOOL CALLBACK countWindow(HWND window, LPARAM count) {
   return TRUE;
 }
 
-// Children are counted at every level above them, which is the same at every count.
+// Counts a child once for each level above it. This is the same every time, so counts can be
+// compared.
 std::uint32_t countWindows() {
   std::uint32_t count = 0;
   EnumThreadWindows(GetCurrentThreadId(), &countWindow, reinterpret_cast<LPARAM>(&count));
@@ -140,8 +140,9 @@ void queueKeys(HWND window, WPARAM key, LPARAM count) {
 
 void finishDrawing() {
   GdiFlush();
-  // Wine asks the display for both, once over the connection that pictures take and once over that
-  // of the thread's windows; the answers come after everything that was asked for before.
+  // Wine sends both requests to the display: one on the connection for pictures, one on the
+  // thread's connection for windows. The display answers in order, so all earlier requests are
+  // done.
   const HDC screen = GetDC(nullptr);
   GetPixel(screen, 0, 0);
   ReleaseDC(nullptr, screen);

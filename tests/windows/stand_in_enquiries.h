@@ -1,4 +1,4 @@
-// What only the program's own process can tell, found out from inside it.
+// Reads facts that only the program's own process can tell.
 #pragma once
 
 #include <windows.h>

@@ -1,5 +1,5 @@
 // A magnification.dll for desktops without one. It has the entry points and the window class of the
-// documented API, writes every call down for the tests and shows what lies beneath.
+// documented API, records every call for the tests and shows what lies beneath.
 #include <windows.h>
 
 #include <algorithm>
@@ -34,7 +34,7 @@ RecordedCall callOn(MagnifierCall call, HWND window) {
   return recorded;
 }
 
-// A screen shows no more than so many pictures in a second; a control may hold its paints to that.
+// Waits for the screen's next picture, as a control limited by the refresh rate does.
 void awaitNextPicture() {
   constexpr ULONGLONG millisecondsPerPicture = 16;
   static ULONGLONG last = 0;
@@ -84,7 +84,7 @@ void writeTitle(HWND window, const wchar_t* title) {
   }
 }
 
-// The program's own thread sends these to its own windows.
+// Records the messages that the program's thread sends to its own windows.
 LRESULT CALLBACK watchMessages(int code, WPARAM first, LPARAM second) {
   const auto* const sent = reinterpret_cast<const CWPSTRUCT*>(second);
   if (code == HC_ACTION && sent->message == WM_SETTEXT) {
@@ -145,7 +145,7 @@ LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM secon
   }
 }
 
-// The section is there already where tests run.
+// Opens the shared record, which exists while tests run.
 void openRecord() {
   const HANDLE section = OpenFileMappingA(FILE_MAP_WRITE, FALSE, magnifierRecordName);
   if (section == nullptr) return;
@@ -168,7 +168,8 @@ __declspec(dllexport) BOOL WINAPI MagInitialize() {
   facts.lpfnWndProc = &procedure;
   facts.hInstance = GetModuleHandleA("magnification.dll");
   facts.lpszClassName = className;
-  // A program that goes on after a refusal finds all it needs, and so gives itself away.
+  // Register the class even if refused. A program that ignores the refusal then goes on, and the
+  // test sees it.
   return RegisterClassA(&facts) != 0 && record->refusal != Refusal::Initialize ? TRUE : FALSE;
 }
 
@@ -203,7 +204,7 @@ __declspec(dllexport) BOOL WINAPI MagSetColorEffect(HWND window, float (*matrix)
   return TRUE;
 }
 
-// For the stand-in that composes: from now on the screen shows what was drawn last.
+// Called by the stand-in for composition: brings the latest drawing to the screen.
 __declspec(dllexport) void composePicture() {
   if (record == nullptr) return;
   ++record->composed;

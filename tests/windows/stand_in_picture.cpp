@@ -18,7 +18,7 @@ struct Pixel {
   std::uint8_t unused;
 };
 
-// The visible windows beneath a top-level window, the lowest first.
+// Returns the visible windows beneath a top-level window, the lowest first.
 std::vector<HWND> windowsBeneath(HWND window) {
   std::vector<HWND> windows;
   for (HWND next = GetWindow(window, GW_HWNDNEXT); next != nullptr;
@@ -29,8 +29,8 @@ std::vector<HWND> windowsBeneath(HWND window) {
   return windows;
 }
 
-// Copies a window, frame and all, as far as it lies in a part of the screen. The window's own
-// device context also reaches windows of other programs, which a message to print would not.
+// Copies the part of a window, including its frame, that lies in a part of the screen. Uses the
+// window's device context because a print message does not reach other programs.
 void copyWindow(HWND window, HDC target, const RECT& part) {
   RECT bounds{};
   RECT shared{};
@@ -62,7 +62,7 @@ void apply(const ColourEffect& effect, std::span<Pixel> pixels) {
   }
 }
 
-// A picture that was drawn and is not on the screen yet.
+// A picture that was drawn but is not on the screen yet.
 struct KeptPicture {
   HWND magnifier = nullptr;
   SIZE size{};
@@ -96,7 +96,7 @@ void showDrawn() {
   showKept(context);
   ReleaseDC(kept.magnifier, context);
   GdiFlush();
-  // Wine brings what was drawn to the screen while a thread waits.
+  // Wine brings drawings to the screen only while a thread waits.
   constexpr DWORD milliseconds = 60;
   for (int i = 0; i < 3; ++i) MsgWaitForMultipleObjects(0, nullptr, FALSE, milliseconds, 0);
 }

@@ -1,4 +1,4 @@
-// The picture that the stand-in magnifier shows.
+// Draws the picture of the stand-in magnifier.
 #pragma once
 
 #include <windows.h>
@@ -10,13 +10,13 @@ namespace tintora::windows_test {
 using expected::ColourEffect;
 using expected::identityEffect;
 
-// Draws into a magnifier's client area what lies beneath its top-level window in a part of the
-// screen, at its own size, through a colour effect. A late picture is kept until the next one is
-// drawn or the desktop is asked to compose; the one before is shown meanwhile.
+// Draws a part of the screen beneath the magnifier's top-level window into its client area,
+// unscaled, through a colour effect. A late picture is shown only when the next one is drawn or the
+// desktop composes; until then the previous one stays.
 void showBeneath(HWND magnifier, HDC target, const RECT& source, const ColourEffect& effect,
                  bool late);
 
-// Shows the picture that is kept, if there is one.
+// Shows the late picture, if there is one.
 void showDrawn();
 
 }  // namespace tintora::windows_test

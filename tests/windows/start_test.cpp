@@ -20,7 +20,7 @@ using ShutDown = ProgramTest;
 std::vector<MagnifierCall> kindsOf(const std::vector<RecordedCall>& calls) {
   std::vector<MagnifierCall> kinds;
   for (const RecordedCall& call : calls) {
-    // However often the source is set again while the windows appear.
+    // The source may be set several times while the windows appear; count that as one call.
     if (!kinds.empty() && call.call == kinds.back() &&
         call.call == MagnifierCall::SetWindowSource) {
       continue;
@@ -107,7 +107,7 @@ TEST_P(ShowCommands, HoldForBothWindows) {
 INSTANTIATE_TEST_SUITE_P(By, ShowCommands, testing::ValuesIn(showRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
-// A start that cannot succeed: nothing may be seen of it, and no message may hold it up.
+// Starts that cannot succeed: nothing may be shown, and no message box may wait for the user.
 class FailingStart : public ProgramTest {
  protected:
   void expectToEndUnseen() {
@@ -228,7 +228,7 @@ TEST_F(CustomFile, IsTakenFromTheCurrentFolderWithoutAPath) {
   std::filesystem::remove_all(folder);
 }
 
-// The folder is taken from the whole command line, arguments and all.
+// The program's folder is looked for in the whole command line, including the arguments.
 TEST_F(CustomFile, IsNotFoundBehindAnArgumentWithAFolder) {
   writeCustomFile(customFile());
   start("C:\\windows\\picture.png");

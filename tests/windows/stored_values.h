@@ -1,4 +1,4 @@
-// The settings as the program keeps them.
+// The program's settings in the registry.
 #pragma once
 
 #include <windows.h>
@@ -13,7 +13,7 @@ using StoredValues = std::map<std::string, DWORD>;
 void storeValues(const StoredValues& values);
 void removeStoredValues();
 
-// Every value of the key that is a 32-bit number.
+// Returns every 32-bit number of the program's registry key.
 StoredValues storedValues();
 
 }  // namespace tintora::windows_test

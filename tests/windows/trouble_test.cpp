@@ -1,5 +1,5 @@
-// Desktops on which something is wrong: settings that cannot be had, a process that is killed, a
-// second instance, a graphics device that is lost.
+// Trouble on the desktop: settings that cannot be read, a killed process, a second instance, a lost
+// graphics device.
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -32,11 +32,11 @@ TEST_F(Trouble, WithTheSettingsKeyGivesTheDefaultsAndSavesNothing) {
   EXPECT_EQ(storedValues(), stored);
 }
 
-// Kills come at random moments after the main window was asked to close. More of them on request:
-// TINTORA_KILLS says how many.
+// Kills the program at random moments after its main window was asked to close. TINTORA_KILLS sets
+// how many times.
 TEST_F(Trouble, OfAKilledProcessLeavesEverySettingOldOrNew) {
   constexpr int usually = 8;
-  constexpr int latest = 40;  // milliseconds; most runs have ended by then
+  constexpr int latest = 40;  // milliseconds; most runs end sooner
   const char* const asked = std::getenv("TINTORA_KILLS");
   const int kills = asked == nullptr ? usually : std::atoi(asked);
   const StoredValues before{{"Selected", 1},  {"ScrollPc", 100}, {"Filter", 100},
@@ -91,11 +91,11 @@ TEST_F(Trouble, WithASecondInstanceIsNone) {
   choose(4);
   EXPECT_EQ(title(), "Greyscale");
   end();
-  // The one that ends last has the last word.
+  // The instance that ends last overwrites the settings.
   EXPECT_EQ(storedValues()["Selected"], 4U);
 }
 
-// So that a folder in which nobody may write is as good as any other.
+// Nothing is written to the program's folder, so it may be read-only.
 TEST_F(Trouble, WithAReadOnlyFolderIsNoneAsNothingIsWrittenThere) {
   const auto filesAndTimes = [] {
     std::map<std::string, fs::file_time_type> files;

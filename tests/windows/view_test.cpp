@@ -1,4 +1,4 @@
-// What the magnifier shows as the main window moves, and the colour space window beside it.
+// What the magnifier and the colour space window show as the main window moves.
 #include <ostream>
 #include <string>
 
@@ -12,7 +12,8 @@ class View : public ProgramTest {
  protected:
   Bounds source() const { return boundsOf(lastCall(MagnifierCall::SetWindowSource).source); }
 
-  // From the client area's left top corner to the window's right lower corner.
+  // Returns the expected source: from the client area's left top corner to the window's right lower
+  // corner.
   Bounds sourceUnder(HWND window) const {
     const Bounds client = clientBoundsOf(window);
     const Bounds outer = boundsOf(window);
@@ -24,7 +25,7 @@ class View : public ProgramTest {
     EXPECT_EQ(boundsOf(windows().magnifier), clientBoundsOf(windows().main));
   }
 
-  // As the user would: by the desktop, from outside.
+  // Moves the window from outside the program, as the desktop does for a user.
   void moveMain(const Bounds& bounds) {
     SetWindowPos(windows().main, nullptr, bounds.left, bounds.top, bounds.width(), bounds.height(),
                  SWP_NOZORDER | SWP_NOACTIVATE);

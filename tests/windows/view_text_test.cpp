@@ -14,18 +14,18 @@
 namespace tintora::windows_test {
 namespace {
 
-// Wine's D3DX smooths its letters, so that the two are never quite the same.
+// Succeeds if two pictures are alike but for smoothing, which Wine's D3DX adds.
 testing::AssertionResult isLikeD3dx(const Picture& withoutD3dx, const Picture& withD3dx) {
   const Likeness likeness = likenessOf(withoutD3dx, withD3dx);
   const bool isNear = likeness.x >= -1 && likeness.x <= 0 && likeness.y >= -1 && likeness.y <= 0;
   if (isNear && likeness.correlation > 0.75) return testing::AssertionSuccess();
   return testing::AssertionFailure()
-         << likeness.x << "," << likeness.y << " away, " << likeness.correlation;
+         << likeness.x << "," << likeness.y << " away, correlation " << likeness.correlation;
 }
 
 class Labels : public ColourSpaceTest {
  protected:
-  // Expects the text in some areas to be there, and alike by both ways.
+  // Expects text in each area, and the same text with and without D3DX.
   void expectLabels(ColourSpaceView view, const std::vector<Bounds>& areas) {
     const Picture withD3dx = pictureOf(view);
     const WithoutLibraries without(d3dxLibraries());
@@ -51,7 +51,7 @@ TEST_F(Labels, OfTheCurvesLookTheSameWithoutD3dx) {
   expectLabels(CurvesView, {{0, 290, 400, 320}});
 }
 
-// Where each label has no line of the diagram in it.
+// Compares the labels in areas that no line of the diagram crosses.
 TEST_F(Labels, OfTheDiagramLookTheSameWithoutD3dx) {
   const Picture size{400, 400, {}};
   std::vector<Bounds> areas;
@@ -98,7 +98,7 @@ constexpr std::array helpLines{
     HelpLine{16, yellow, 0, "Right-Click for the application menu with more options"},
 };
 
-// Each line with a black shadow, a pixel to the right and below.
+// Appends a line with a black shadow one pixel to the right and below.
 void appendShadowed(std::vector<PageLine>& page, const PageLine& line) {
   page.push_back({line.x + 1, line.y + 1, line.right, {0, 0, 0}, line.text});
   page.push_back(line);
@@ -179,7 +179,7 @@ INSTANTIATE_TEST_SUITE_P(By, Pages, testing::Values(TextBy::D3dx, TextBy::Deskto
                            return std::string(row.param == TextBy::D3dx ? "D3dx" : "Desktop");
                          });
 
-// Without Direct3D there is nothing to see, and nothing to stumble over.
+// Without Direct3D the view stays empty and everything else works.
 class WithoutDirect3d : public ColourSpaceTest {};
 
 TEST_F(WithoutDirect3d, EverythingElseWorks) {

@@ -1,4 +1,4 @@
-// The chromaticity diagram and the response curves in the real window.
+// Tests the chromaticity diagram and the response curves in the real window.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -25,7 +25,7 @@ bool isNear(const Colour& colour, const Colour& expected, int tolerance) {
   return true;
 }
 
-// Whether a colour is found within so many pixels of a place.
+// Returns true if a colour is found within this many pixels of a place.
 bool isFound(const Picture& picture, const SeenPoint& place, int reach, const Colour& colour,
              int tolerance = 0) {
   for (int y = place.y - reach; y <= place.y + reach; ++y) {
@@ -62,8 +62,8 @@ TEST_P(FlatViews, DrawTheSpectralLocus) {
   }
 }
 
-// Of the bands exp(-(nm - peak)^2 / 200) about 620, 549 and 469 nm, worked out by hand from the 1
-// nm tables of the same observer.
+// The primaries are the bands exp(-(nm - peak)^2 / 200) about 620, 549 and 469 nm. Their places
+// were worked out by hand from the 1 nm tables of the same observer.
 TEST_P(FlatViews, DrawTheGamutBetweenItsPrimaries) {
   startWith(DiagramView, GetParam(), 2, 0);
   const Picture picture = shown();
@@ -72,12 +72,12 @@ TEST_P(FlatViews, DrawTheGamutBetweenItsPrimaries) {
   EXPECT_TRUE(isFound(picture, seenChromaticity(picture, 0.6819, 0.3179), reach, red, tolerance));
   EXPECT_TRUE(isFound(picture, seenChromaticity(picture, 0.3024, 0.6883), reach, green, tolerance));
   EXPECT_TRUE(isFound(picture, seenChromaticity(picture, 0.1277, 0.0602), reach, blue, tolerance));
-  // Equal parts of all three: white.
+  // Equal parts of all three primaries make white.
   EXPECT_TRUE(isFound(picture, seenChromaticity(picture, 0.3461, 0.3454), reach, {255, 255, 255},
                       tolerance));
 }
 
-// A dichromat confuses colours along straight lines: the gamut shrinks to one.
+// A dichromat confuses colours along straight lines, so the gamut shrinks to one line.
 TEST_P(FlatViews, CollapseTheGamutOfADichromat) {
   startWith(DiagramView, GetParam(), 2, 0);
   const auto colourful = [](const Picture& picture) {
@@ -90,10 +90,10 @@ TEST_P(FlatViews, CollapseTheGamutOfADichromat) {
   turnWheel(true, 20);
   const auto collapsed = colourful(shown());
   EXPECT_LT(collapsed, whole / 8);
-  EXPECT_GT(collapsed, 100);  // the triangle of the primaries stays
+  EXPECT_GT(collapsed, 100);  // the triangle of the primaries remains
 }
 
-// The curves of the normal observer, in the order in which they are drawn.
+// The curves of the normal observer, in drawing order.
 struct ConeCurve {
   const char* cone;
   Colour colour;
@@ -103,7 +103,7 @@ constexpr std::array coneCurves{ConeCurve{"S", blue, 420.7L}, ConeCurve{"L", red
                                 ConeCurve{"M", green, 530.3L}};
 constexpr std::size_t shownSamples = 400;
 
-// Where each nanometre of a curve is seen.
+// Returns the place of each nanometre of a curve in a picture.
 std::vector<SeenPoint> seenCurve(const Picture& picture, const ConeCurve& cone) {
   const ReferenceCurve curve = referenceCone(cone.peak, 0.35L);
   std::vector<SeenPoint> places;
@@ -118,8 +118,8 @@ bool areBeside(const SeenPoint& a, const SeenPoint& b, int reach) {
   return std::abs(a.x - b.x) <= reach && std::abs(a.y - b.y) <= reach;
 }
 
-// Whether a pixel lies on a curve or next to it. On a flank the curve passes many rows from one
-// nanometre to the next.
+// Returns true if a pixel lies on a curve or next to it. On a steep flank, a curve crosses many
+// rows within one nanometre.
 bool isOn(const std::vector<SeenPoint>& curve, const SeenPoint& pixel) {
   for (std::size_t i = 1; i < curve.size(); ++i) {
     const auto [left, right] = std::minmax(curve[i - 1].x, curve[i].x);
@@ -175,8 +175,8 @@ INSTANTIATE_TEST_SUITE_P(InWindows, FlatViews,
 struct MergedCurves {
   const char* name;
   DWORD type;
-  Colour hidden;    // the curve that lies beneath the other
-  Colour covering;  // which is drawn later
+  Colour hidden;    // of the curve that is covered
+  Colour covering;  // of the curve that is drawn later
 };
 
 void PrintTo(const MergedCurves& row, std::ostream* out) {

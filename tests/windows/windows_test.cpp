@@ -1,4 +1,4 @@
-// The windows as they are created, and the forms that the main window takes.
+// The windows when they are created, and the forms of the main window.
 #include <ostream>
 #include <string>
 #include <vector>
@@ -17,13 +17,14 @@ constexpr DWORD fullScreenStyle = 0x81000000;
 constexpr DWORD seenStyle = 0x80008;
 constexpr DWORD hitTransparentStyle = 0x80028;
 
-// Without the bits that the desktop sets by itself.
+// Returns the style without the bits that the desktop sets by itself.
 DWORD styleOf(HWND window) {
   return static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE)) &
          ~DWORD{WS_VISIBLE | WS_CLIPSIBLINGS};
 }
 
-// Without the edge that follows from the frame, and without the mark of a window that takes files.
+// Returns the extended style without the edge that follows from the frame and without the flag of a
+// window that accepts files.
 DWORD extendedStyleOf(HWND window) {
   return static_cast<DWORD>(GetWindowLongA(window, GWL_EXSTYLE)) &
          ~DWORD{WS_EX_WINDOWEDGE | WS_EX_ACCEPTFILES};
@@ -144,8 +145,8 @@ TEST_F(ControlWindow, HasItsSizeBeforeItIsShown) {
   EXPECT_EQ(boundsOf(windows().control), (Bounds{0, 0, 400, 120}));
 }
 
-// What leads to a form: 'M' maximises, '^' is command 51, '%' command 54, '!' command 53, 'x'
-// closes the control window and any other letter is a key.
+// The steps to a form: 'M' maximises, '^' is command 51, '%' command 54, '!' command 53, 'x' closes
+// the control window and any other letter is a key.
 struct FormRow {
   const char* name;
   const char* steps;

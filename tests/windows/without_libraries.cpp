@@ -7,7 +7,7 @@ namespace tintora::windows_test {
 
 namespace {
 
-// Wine asks here before it loads a library for the program.
+// Wine reads this key before it loads a library for the program.
 constexpr const char* preferencesKey = "Software\\Wine\\AppDefaults\\Tintora.exe\\DllOverrides";
 
 }  // namespace

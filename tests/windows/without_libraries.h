@@ -1,4 +1,4 @@
-// Libraries of the desktop that the program is not to find.
+// Hides libraries of the desktop from the program.
 #pragma once
 
 #include <string>
@@ -7,12 +7,12 @@
 
 namespace tintora::windows_test {
 
-// Where Wine is to look for a library that programs under test load, without its ending: "native"
-// is files, "builtin" is Wine itself.
+// Sets where Wine looks for a library of the programs under test; the name has no extension.
+// "native" means files, "builtin" means Wine's own.
 void setLibraryOrder(const std::string& name, std::string_view order);
 void resetLibraryOrders();
 
-// For as long as it lives, programs that are started have to do without these libraries.
+// Hides these libraries from programs that are started while this exists.
 class WithoutLibraries {
  public:
   explicit WithoutLibraries(const std::vector<std::string>& names);
@@ -21,7 +21,7 @@ class WithoutLibraries {
   WithoutLibraries& operator=(const WithoutLibraries&) = delete;
 };
 
-// Of D3DX, all that there ever were.
+// Returns the names of every version of D3DX.
 std::vector<std::string> d3dxLibraries();
 
 }  // namespace tintora::windows_test

@@ -185,7 +185,7 @@ def main():
     with run.display() as name:
         environment = run.wine_environment(prefix, name)
         environment["HOME"] = str(work)
-        run.make_prefix(wine, prefix, environment)
+        run.make_prefix(wine, prefix, name)
         add_magnification(prefix)
         try:
             check(Machine(wine, prefix, environment), installer, later)

@@ -1,4 +1,4 @@
-# Little CMS 2, which brings no CMake file of its own: the target LCMS2::LCMS2.
+# Finds Little CMS 2, which brings no CMake file of its own. Defines the target LCMS2::LCMS2.
 find_path(LCMS2_INCLUDE_DIR lcms2.h)
 find_library(LCMS2_LIBRARY lcms2)
 include(FindPackageHandleStandardArgs)

@@ -1,4 +1,4 @@
-# The tests of all builds as one run; and the two desktops' programs side by side.
+# Runs the tests of all builds together, and compares the two desktops' programs.
 subdirs(linux linux-sanitize fuzz windows arm64)
 
 add_test(views.same_on_both_desktops linux/tests/desktop/tintora_views_comparison linux/tintora)

@@ -1,2 +1,2 @@
-# The targets tintora::tintora, a shared library, and tintora::tintora_static.
+# Defines the targets tintora::tintora, a shared library, and tintora::tintora_static.
 include(${CMAKE_CURRENT_LIST_DIR}/tintoraTargets.cmake)

@@ -18,14 +18,14 @@ struct Colour {
   bool operator==(const Colour&) const = default;
 };
 
-// The one font of painted text. A desktop that lacks the face takes its own.
+// The font of all painted text. A desktop without this face uses its own.
 struct PaintFont {
   const char* face;
   int height;  // of a line, in pixels
 };
 inline constexpr PaintFont paintFont{"Microsoft Sans Serif", 16};
 
-// Begins to paint a window's client area.
+// Starts painting a window's client area.
 Canvas* beginPainting(Window* window);
 
 // Shows what was painted and releases the canvas.
@@ -34,7 +34,7 @@ void endPainting(Canvas* canvas);
 // Fills the whole client area.
 void fill(Canvas* canvas, Colour colour);
 
-// Draws text in paintFont with its left top corner at a place.
+// Draws text in paintFont. The place is its top left corner.
 void drawText(Canvas* canvas, const Point& place, Colour colour, const std::string& text);
 
 }  // namespace tintora::platform

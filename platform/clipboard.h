@@ -8,7 +8,7 @@ namespace tintora::platform {
 // A picture held by the desktop.
 struct Picture;
 
-// Takes a picture of what the main window shows in its client area.
+// Takes a picture of the main window's client area as it is shown.
 Picture* captureClientArea(Window* window);
 
 // Puts a picture on the clipboard, with a window as its owner. Returns false on failure.

@@ -17,7 +17,7 @@ struct Size {
   bool operator==(const Size&) const = default;
 };
 
-// Right and bottom are the first column and row outside.
+// Right and bottom are the first column and row outside the rectangle.
 struct Rect {
   int left = 0;
   int top = 0;
@@ -34,7 +34,7 @@ inline int scaled(int pixels, double scale) {
   return static_cast<int>(std::lround(pixels * scale));
 }
 
-// Returns a rectangle with all its places multiplied by a scale.
+// Returns a rectangle with all its coordinates multiplied by a scale.
 inline Rect scaled(const Rect& rect, double scale) {
   return {scaled(rect.left, scale), scaled(rect.top, scale), scaled(rect.right, scale),
           scaled(rect.bottom, scale)};

@@ -1,6 +1,6 @@
 // Drawing in space with the graphics device of one window: coloured vertices in buffers,
 // transforms, lines and triangles with depth, and lines of text over them. No call reports a
-// failure; where the desktop cannot draw, calls on its devices, buffers and fonts do nothing.
+// failure: if the desktop cannot draw, calls on its devices, buffers and fonts do nothing.
 #pragma once
 
 #include <array>
@@ -57,12 +57,12 @@ enum class BufferUse { OnDevice, Managed };
 struct TextFontForm {
   const char* face;
   int height;         // of a line, in pixels
-  bool outlinesOnly;  // no bitmap font will do
+  bool outlinesOnly;  // refuses bitmap fonts
 };
 
-// Creates a device that draws into a window's client area of this size in pixels, at once and
-// without waiting for the screen. Both faces of a triangle are drawn, unlit and in the vertices'
-// colours, and nearer points hide farther ones. All transforms are the identity.
+// Creates a device that draws into a window's client area of this size in pixels. Pictures appear
+// at once, without waiting for the screen. Both faces of a triangle are drawn, unlit and in the
+// vertices' colours. Nearer points hide farther ones. All transforms start as the identity.
 GraphicsDevice* createGraphicsDevice(Window* window, const Size& size);
 
 // Releases a device. Release its buffers and fonts first.
@@ -82,7 +82,7 @@ void releaseIndexBuffer(IndexBuffer* buffer);
 // Replaces the contents of a buffer. Pass as many vertices as it was created for.
 void fillVertexBuffer(VertexBuffer* buffer, std::span<const ColourVertex> vertices);
 
-// Sets the transform for everything drawn from now on; returns the one last set.
+// Set the transform for all later drawing; return the one last set.
 void setTransform(GraphicsDevice* device, TransformKind kind, const Matrix4x4& matrix);
 Matrix4x4 transform(const GraphicsDevice* device, TransformKind kind);
 
@@ -100,7 +100,7 @@ void endScene(GraphicsDevice* device);
 // Shows the picture in the window.
 void present(GraphicsDevice* device);
 
-// Declares that vertices are ColourVertex from now on.
+// Sets the format of vertices to ColourVertex.
 void setVertexFormat(GraphicsDevice* device);
 
 // Set the buffers to draw from. The index buffer may be null if no indices are used.
@@ -113,8 +113,8 @@ void drawIndexed(GraphicsDevice* device, PrimitiveKind kind, int vertices, int p
 // Draws this number of primitives from the start of the vertices.
 void drawUnindexed(GraphicsDevice* device, PrimitiveKind kind, int primitives);
 
-// Draws one line of text from the top left corner of a rectangle and clips it at the edges. Returns
-// the line's height in pixels.
+// Draws one line of text from the top left corner of a rectangle, clipped at its edges. Returns the
+// line's height in pixels.
 int drawText(GraphicsDevice* device, TextFont* font, const Rect& area, PackedColour colour,
              const std::string& text);
 

@@ -22,13 +22,14 @@ void appendItem(Menu* menu, int command, const std::string& text);
 // Appends an item that cannot be chosen but is not greyed.
 void appendLabel(Menu* menu, int command, const std::string& text);
 
-// Appends a line between items.
+// Appends a separator line.
 void appendSeparator(Menu* menu);
 
-// Appends an item that opens another menu. That menu belongs to this one from then on.
+// Appends an item that opens another menu. From then on, that menu belongs to this one.
 void appendSubmenu(Menu* menu, Menu* submenu, const std::string& text);
 
-// Sets or clears the check mark of the item at a position, from 0. Does nothing if there is none.
+// Sets or clears the check mark of the item at a position, from 0. Does nothing if there is no such
+// item.
 void checkMenuItem(Menu* menu, int position, bool checked);
 
 // Opens the menu at a place on the screen. The user's choice arrives as a command of the window.

@@ -18,7 +18,7 @@ std::string programArguments();
 // Returns the size of the primary screen.
 Size screenSize();
 
-// Returns how many pixels of the primary screen stand for one of a screen with 96 to the inch.
+// Returns the scale of the primary screen, 1 at 96 dpi.
 double screenScale();
 
 // Opens a page that is installed with the program in the user's web browser.

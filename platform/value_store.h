@@ -13,11 +13,11 @@ struct StoredValue {
   std::optional<std::uint32_t> value;
 };
 
-// Reads each value by its name, in order. Values that are missing stay empty. Returns false and
-// reads nothing if there is no store.
+// Reads each value by its name, in order. Missing values stay empty. Returns false and reads
+// nothing if there is no store.
 bool readValues(std::span<StoredValue> values);
 
-// Writes the values in order, and creates the store if there is none. Failure is not reported.
+// Writes the values in order. Creates the store if there is none. Does not report failure.
 void writeValues(std::span<const StoredValue> values);
 
 }  // namespace tintora::platform

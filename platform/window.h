@@ -18,14 +18,14 @@ enum class WindowKind {
   ColourSpace,  // a resizable frame, always on top
 };
 
-// Returns true if the program wants to be told of every mouse move over the window, and not only of
-// those with a button held: the cube's rotation follows the mouse at all times.
+// Returns true if the program needs every mouse move over the window, even without a button held:
+// the cube's rotation follows the mouse at all times.
 constexpr bool hearsEveryMouseMove(WindowKind kind) {
   return kind == WindowKind::ColourSpace;
 }
 
-// Returns true if the loop has to go round when part of the window is uncovered, because that is
-// when its picture is drawn. Other windows are painted in their Painting event.
+// Returns true if the loop draws the window's picture, so it has to run when part of the window is
+// uncovered. Other windows are painted in their Painting event.
 constexpr bool isDrawnByLoop(WindowKind kind) {
   return kind == WindowKind::ColourSpace;
 }
@@ -33,7 +33,7 @@ constexpr bool isDrawnByLoop(WindowKind kind) {
 // The forms of the main window.
 enum class WindowForm { Framed, Frameless, FramedMaximised, FramelessMaximised, FullScreen };
 
-// AsStarted is the state that the desktop asked for at start. Shown keeps size and place.
+// AsStarted is the state that the desktop requested at start. Shown keeps size and place.
 enum class ShowState { Hidden, Shown, AsStarted, Normal, Maximised };
 
 enum class EventKind {
@@ -49,19 +49,19 @@ enum class EventKind {
   MouseLost,    // the desktop took the mouse away from a drag
   Sized,        // maximised
   Sizing,
-  Moving,         // by the user; the window may not stand at its new place yet
-  Moved,          // the window stands at its new place
+  Moving,         // by the user; the window may not be at its new place yet
+  Moved,          // the window is at its new place
   ScreenChanged,  // the size of the screen
   Painting,
   FilesDropped,
   TimerElapsed,  // of the one timer of the main window
   Closing,
   Destroyed,
-  SessionEnding,  // the process may be ended as soon as this is handled
+  SessionEnding,  // the process may be ended once this is handled
 };
 
 // An event of a window. Only the members named beside its kind are meaningful. From LeftDown to
-// LeftUp the main window and the control window get all events of the mouse, wherever it is; the
+// LeftUp the main window and the control window get all mouse events, wherever the mouse is. The
 // colour space window gets moves only while the mouse is over it.
 struct Event {
   EventKind kind;
@@ -79,17 +79,17 @@ struct Event {
 // Handles an event. Returns true if the desktop must not handle it as well.
 using EventHandler = bool (*)(const Event&);
 
-// Registers the kinds of windows and the handler of all their events; removes both again.
+// Register the kinds of windows and the handler of all their events; remove both again.
 void registerWindowKinds(EventHandler handler);
 void unregisterWindowKinds();
 
 // Creates a hidden window with outer bounds in screen coordinates. Returns null on failure.
 Window* createWindow(WindowKind kind, const std::string& title, const Rect& bounds);
 
-// Gives the main window a form. Its size and hit transparency stay.
+// Changes the main window's form. Its size and hit transparency stay.
 void setWindowForm(Window* window, WindowForm form);
 
-// Passes mouse input through to what lies beneath the window, or stops doing so.
+// Passes mouse input through to whatever lies beneath the window, or stops doing so.
 void setHitTransparent(Window* window, bool transparent);
 
 // Shows or hides a window.
@@ -107,9 +107,8 @@ Rect clientArea(const Window* window);
 // Returns the screen coordinates of the client area's top left corner.
 Point clientOrigin(const Window* window);
 
-// Returns how many pixels of the window's screen stand for one of a screen with 96 to the inch.
-// Text and places on a canvas and on a graphics device are multiplied by it; bounds are the
-// screen's own.
+// Returns the scale of the window's screen, 1 at 96 dpi. Text and places on a canvas and on a
+// graphics device are multiplied by it; bounds are in the screen's own pixels.
 double windowScale(const Window* window);
 
 // Returns true if the window fills the screen in one of the maximised forms.
@@ -118,7 +117,7 @@ bool isMaximised(const Window* window);
 // Sets the window's title.
 void setTitle(Window* window, const std::string& title);
 
-// Returns the title, cut off after at most this number of characters.
+// Returns the title, cut off after this number of characters.
 std::string windowTitle(const Window* window, std::size_t most);
 
 // Requests that the whole window is painted again.
@@ -133,7 +132,7 @@ void startTimer(Window* window, int milliseconds);
 // Stops the timer of a window.
 void stopTimer(Window* window);
 
-// Return true if the left or the right of these keys was down at the event being handled.
+// Return true if the left or the right one of these keys was down when the current event happened.
 bool isShiftDown();
 bool isControlDown();
 
@@ -143,10 +142,10 @@ Point cursorPosition();
 // Shows the cursor, or hides it while it is over the program's windows.
 void showCursor(bool shown);
 
-// Waits for the next event and passes it to the handler. Returns false if the loop has to end.
+// Waits for the next event and passes it to the handler. Returns false if the loop must end.
 bool handleNextEvent();
 
-// Handles the events that are waiting, and does not wait for more.
+// Handles the events that are waiting, without waiting for more.
 void handleWaitingEvents();
 
 // Ends the loop with the exit status of the program.

@@ -1,6 +1,6 @@
 # Sourced by the other scripts: installs the Debian packages that are missing, and builds.
 
-# What building takes at all, and what each program takes besides.
+# What every build needs, and what each program needs besides.
 compiler_packages=(g++ cmake ninja-build)
 tool_packages=(libcli11-dev nlohmann-json3-dev libpng-dev libjpeg62-turbo-dev
   liblcms2-dev)
@@ -8,18 +8,19 @@ desktop_packages=(pkg-config qt6-base-dev libxcb1-dev libxcb-composite0-dev libx
   libxcb-randr0-dev libxcb-render0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-xfixes0-dev
   libpipewire-0.3-dev x11-utils)
 
-# What building both programs takes.
+# What building both programs needs.
 build_packages=("${compiler_packages[@]}" "${tool_packages[@]}" "${desktop_packages[@]}")
 
-# What the quick tests take besides.
+# What the quick tests need besides.
 quick_test_packages=(libgtest-dev)
 
 # clang-tidy, and what its plugin is built with.
 lint_packages=(clang-tidy libclang-14-dev llvm-14-dev)
 
-# What all tests take besides: clang for formatting, lint and fuzzing; the cross-compiler and Wine for
-# the Windows program, and languages to run it in; another processor's compiler and emulator; compositing and window managers; a
-# browser for the pages that the tool writes; shells and readers of manual pages; checks of packaging.
+# What all tests need besides: clang for formatting, lint and fuzzing; the cross-compiler and Wine
+# for the Windows program, and languages to run it in; another processor's compiler and emulator;
+# compositing and window managers; a browser for the pages that the tool writes; shells and readers
+# of manual pages; checks of packaging.
 test_packages=(python3 clang clang-format libclang-rt-14-dev "${lint_packages[@]}"
   g++-mingw-w64-x86-64-posix wine wine64 fonts-wine libxcomposite1 locales
   g++-aarch64-linux-gnu qemu-user googletest
@@ -31,7 +32,7 @@ test_packages=(python3 clang clang-format libclang-rt-14-dev "${lint_packages[@]
 # A virtual display with a window manager and software graphics.
 display_packages=(xvfb openbox x11-xserver-utils libgl1 libgl1-mesa-dri)
 
-# install_packages NAME...: installs those that are missing; needs no rights if none is.
+# install_packages NAME...: installs those that are missing. Needs no rights if none is missing.
 install_packages() {
   local missing=() name as_root=()
   for name in "$@"; do

@@ -19,8 +19,8 @@ wait_for() {
   return 1
 }
 
-# new_scene FOLDER: empties the folder and makes it the home of all that runs there. What runs in the
-# background ends with the script.
+# new_scene FOLDER: empties the folder and makes it the home of all programs started from here.
+# Programs in the background end with the script.
 new_scene() {
   scene=$PWD/$1
   rm -rf "$scene"

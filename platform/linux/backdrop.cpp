@@ -21,15 +21,15 @@ namespace {
 
 struct Backdrop {
   bool isRead = false;
-  xcb_pixmap_t tile = XCB_NONE;  // repeated over the root; none: nothing is known to be painted
-  bool ownsTile = false;         // it is a copy of what the server paints
-  QRegion copied;                // how much of it was copied so far
-  bool learns = false;           // the screen is read where no window is
-  QRegion uncovered;             // at the last look
-  QRegion unlearned;             // was drawn or uncovered since it was learned
+  xcb_pixmap_t tile = XCB_NONE;       // repeated over the root; none if no background is known
+  bool ownsTile = false;              // the tile is a copy of what the server paints
+  QRegion copied;                     // the part that was copied so far
+  bool learns = false;                // reads the screen where no window is
+  QRegion uncovered;                  // when the screen was last looked at
+  QRegion unlearned;                  // drawn or uncovered since it was learned
   xcb_gcontext_t context = XCB_NONE;  // paints with the tile
-  bool drawn = false;                 // on the screen, since the last look at it
-  std::unique_ptr<QTimer> look;       // at the screen, when its changes have had time to be drawn
+  bool drawn = false;                 // something was drawn on the screen since the last look
+  std::unique_ptr<QTimer> look;       // waits until changes of the screen have been drawn
 };
 Backdrop backdrop;
 
@@ -55,8 +55,8 @@ QRect wholeRoot() {
   return {QPoint(), windowStack.rootSize};
 }
 
-// Copies what is missing. A large screen takes some time, so at the start only the view's part is
-// copied.
+// Copies the part of the background that is still missing. A large screen takes some time, so at
+// the start only the view's part is copied.
 void completeTile(const QRect& part) {
   if (!backdrop.ownsTile || backdrop.tile == XCB_NONE) return;
   for (const QRect& rect : QRegion(part) - backdrop.copied) copyBackground(backdrop.tile, rect);
@@ -71,8 +71,8 @@ void readBackdrop() {
   backdrop.ownsTile = !named;
   backdrop.copied = QRegion();
   if (!named && paintsBackground()) backdrop.tile = createTile();
-  // Compositing managers paint what is named, or something of their own; those that are window
-  // managers as well paint something of their own in any case.
+  // A compositing manager paints the named background or one of its own. If it is the window
+  // manager too, it may paint its own in any case.
   backdrop.learns =
       backdrop.tile == XCB_NONE || (isComposited() && (!named || isComposedByWindowManager()));
 }
@@ -91,8 +91,8 @@ std::span<const std::uint8_t> bytesOf(const xcb_get_image_reply_t* image) {
   return {xcb_get_image_data(image), static_cast<std::size_t>(xcb_get_image_data_length(image))};
 }
 
-// Nothing tells that the root was given another background without a name. But it was drawn then,
-// and differs from what was copied.
+// Returns true if the root has another background than the one that was copied. No event reports a
+// background without a name, but the new one was drawn and looks different.
 bool hasPaintedAnother(const QRegion& drawn) {
   constexpr int sample = 8;
   const QRect rect = *drawn.begin();
@@ -104,8 +104,8 @@ bool hasPaintedAnother(const QRegion& drawn) {
   return !std::ranges::equal(bytesOf(onScreen.get()), bytesOf(copied.get()));
 }
 
-// A window that has just gone may still be on the screen: what is learned was uncovered at the last
-// look too.
+// Learns only what was uncovered at the last look too, because a window that has just gone may
+// still be on the screen.
 void learnWhatRests(const QRegion& drawn) {
   const QRegion uncovered = uncoveredRoot();
   backdrop.unlearned = (backdrop.unlearned + drawn + (uncovered - learnedPart())) & uncovered;
@@ -116,8 +116,8 @@ void learnWhatRests(const QRegion& drawn) {
   if (!backdrop.unlearned.isEmpty()) lookLater();
 }
 
-// Asks for nothing while windows cover the whole root: whatever was drawn is theirs. It stays noted
-// until they are moved.
+// Requests nothing while windows cover the whole root, because all drawing is theirs. The drawing
+// stays noted until they move.
 void lookAtScreen() {
   if (!backdrop.isRead) return;
   if (uncoveredRoot().isEmpty()) {
@@ -138,7 +138,7 @@ void takeInScreen(const QRegion& drawn) {
   if (!backdrop.ownsTile) return;
   const QRect all = wholeRoot();
   if (drawnOnRoot.isEmpty()) return completeTile(all);
-  // What was drawn where nothing is copied yet may be another background than what is.
+  // Until everything is copied, the parts may come from different backgrounds.
   const bool isComplete = (QRegion(all) - backdrop.copied).isEmpty();
   windowStack.backgroundChanged |= !isComplete || hasPaintedAnother(drawnOnRoot);
 }

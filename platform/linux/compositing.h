@@ -1,25 +1,25 @@
-// Whether the screen is composed by a compositing manager, or painted by the X server alone.
+// Finds out whether a compositing manager or the X server alone paints the screen.
 #pragma once
 
 #include <xcb/xcb.h>
 
 namespace tintora::platform {
 
-// Asks whether there is a compositing manager, and has the server tell when one comes or goes.
+// Finds out whether there is a compositing manager, and follows when one comes or goes.
 void followCompositing();
 
-// Takes in an event of the server; returns true if a compositing manager has come or gone.
+// Handles an event of the server. Returns true if a compositing manager has come or gone.
 bool followCompositing(const xcb_generic_event_t& event);
 
-// Returns true while a compositing manager composes the screen. Only then are windows translucent.
+// Returns true while a compositing manager composes the screen. Windows are translucent only then.
 bool isComposited();
 
-// Returns true if the window manager composes the screen itself. Then it alone knows what it paints
-// of its frames.
+// Returns true if the window manager composes the screen itself. Then only it knows how much of its
+// frames it paints.
 bool isComposedByWindowManager();
 
 // Returns the window on which a compositing manager draws the screen, or XCB_NONE. It is above all
-// others and covers nothing of the picture.
+// others, but covers nothing of the picture.
 xcb_window_t overlayWindow();
 
 }  // namespace tintora::platform

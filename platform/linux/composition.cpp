@@ -16,14 +16,14 @@ namespace tintora::platform {
 
 namespace {
 
-// The target, as RENDER draws to it.
+// The target as a RENDER picture.
 struct BlendTarget {
   xcb_pixmap_t pixmap = XCB_NONE;
   xcb_render_picture_t picture = XCB_NONE;
 };
 BlendTarget blendTarget;
 
-// What is seen of a window.
+// The visible part of a window.
 struct Layer {
   const TopLevel* topLevel;
   QRegion part;
@@ -56,7 +56,7 @@ void render(const TopLevel& topLevel, std::uint8_t operation, xcb_render_picture
 }
 
 // Blends as a compositing manager does: the pixels are premultiplied, and the window's opacity
-// scales them all.
+// scales all channels.
 void blend(const TopLevel& topLevel, xcb_pixmap_t target, const QPoint& origin, const QRect& part) {
   if (topLevel.opacity == 0xFFFFFFFF) {
     return render(topLevel, XCB_RENDER_PICT_OP_OVER, XCB_NONE, target, origin, part);
@@ -83,7 +83,7 @@ void draw(const TopLevel& topLevel, xcb_pixmap_t target, xcb_gcontext_t copying,
 }  // namespace
 
 void compose(xcb_pixmap_t target, xcb_gcontext_t copying, const QPoint& origin, const QRect& part) {
-  // From the highest down, as long as anything is seen of what is further below.
+  // Goes from the highest window down until nothing further below is visible.
   std::vector<Layer> layers;
   QRegion seen(part);
   const std::vector<TopLevel*> windows = windowsLookedAt();

@@ -7,16 +7,15 @@
 
 namespace tintora::platform {
 
-// Draws a part of the root, without the main window and what is above it, into a pixmap whose left
-// top corner shows the root's pixel at the origin.
+// Draws a part of the root into a pixmap, without the main window and the windows above it. The
+// pixmap's top left corner shows the root's pixel at the origin.
 void compose(xcb_pixmap_t target, xcb_gcontext_t copying, const QPoint& origin, const QRect& part);
 
-// Draws this program's windows above the main one, but not its menus, into a pixmap of the same
-// kind.
+// Draws this program's windows above the main one, but not its menus, into such a pixmap.
 void composeProgramWindows(xcb_pixmap_t target, xcb_gcontext_t copying, const QPoint& origin,
                            const QRect& part);
 
-// Releases what composing keeps for its last target.
+// Releases what was kept for drawing to the last target.
 void forgetTarget();
 
 }  // namespace tintora::platform

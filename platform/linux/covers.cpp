@@ -28,7 +28,7 @@ struct Cover {
 };
 std::vector<Cover> covers;
 
-// A program that always raises its window, as screen locks do, is left in peace after some tries.
+// A program that always raises its window, such as a screen lock, is left alone after some tries.
 constexpr int mostRaises = 3;
 constexpr std::chrono::seconds rivalryTime{10};
 
@@ -38,7 +38,8 @@ std::uint32_t u32(int value) {
 
 xcb_window_t createCover(const QRect& bounds) {
   const xcb_window_t window = xcb_generate_id(x());
-  // The window manager leaves it alone. What is there stays there until the view is drawn.
+  // The window manager ignores the cover. Without a background, the server leaves the old pixels in
+  // place until the view is drawn.
   const std::array<std::uint32_t, 3> looks{XCB_BACK_PIXMAP_NONE, 1, XCB_EVENT_MASK_EXPOSURE};
   xcb_create_window(x(), XCB_COPY_FROM_PARENT, window, xServer.screen->root, i16(bounds.x()),
                     i16(bounds.y()), u16(bounds.width()), u16(bounds.height()), 0,
@@ -47,7 +48,7 @@ xcb_window_t createCover(const QRect& bounds) {
                     looks.data());
   xcb_change_property(x(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8,
                       coverName.size(), coverName.data());
-  // All input goes to what it covers.
+  // Passes all input to the covered window.
   xcb_shape_rectangles(x(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED,
                        window, 0, 0, 0, nullptr);
   return window;
@@ -81,7 +82,7 @@ void show(const Cover& cover, const ViewFrames& frames, const QPoint& origin, co
   showFiltered(frames, cover.window, part, part.topLeft() - corner);
 }
 
-// Covers windows again that were raised too often, but not of late.
+// Allows covers again above windows that were raised too often, but not recently.
 void endRivalries() {
   const auto now = Clock::now();
   for (TopLevel& topLevel : windowStack.windows) {
@@ -91,14 +92,14 @@ void endRivalries() {
   }
 }
 
-// Returns true if a window that was raised may be covered once more.
+// Returns true if a window that was raised may be covered again.
 bool mayCoverAgain(TopLevel& topLevel) {
   if (topLevel.timesRaised == 0) topLevel.firstRaised = Clock::now();
   return ++topLevel.timesRaised <= mostRaises;
 }
 
-// Puts a cover above its window again if that was raised. What was asked of the server counts at
-// once: the events that tell of it come later.
+// Puts a cover above its window again if the window was raised. Changes the stack at once, because
+// the server's events come later.
 void raise(const Cover& cover) {
   const auto covered = findTopLevel(cover.covered);
   const auto own = findTopLevel(cover.window);

@@ -10,7 +10,7 @@ namespace {
 
 struct Variable {
   const char* name;
-  std::optional<QByteArray> other;  // the value that is not in force
+  std::optional<QByteArray> other;  // the value that is not in force now
 };
 std::vector<Variable> ownVariables;
 

@@ -1,4 +1,4 @@
-// The environment as the user set it, and what the program changes in it for itself.
+// The user's environment, and the program's own changes to it.
 #pragma once
 
 #include <QByteArray>
@@ -9,8 +9,7 @@ namespace tintora::platform {
 // Sets a variable for the program itself, or removes it.
 void setOwnVariable(const char* name, const std::optional<QByteArray>& value);
 
-// While it lives, all variables that were set for the program itself are as the user set them:
-// for starting other programs.
+// Restores the user's values of all variables for its lifetime, to start other programs.
 class UsersEnvironment {
  public:
   UsersEnvironment();

@@ -33,8 +33,8 @@ namespace {
 EventHandler eventHandler = nullptr;
 std::vector<Window*> translated;
 bool painting = false;
-std::optional<QPoint> mousePlace;  // on the screen, while an event of the mouse is handled
-bool handedOver = false;           // since the loop last looked
+std::optional<QPoint> mousePlace;  // on the screen, while a mouse event is handled
+bool handedOver = false;           // since the loop last checked
 bool ended = false;
 int result = 0;
 
@@ -56,8 +56,8 @@ void paint(Window* window) {
   painting = false;
 }
 
-// What was invalidated while it was painted waits for the next event: painted again at once, it
-// would be so forever.
+// Paints windows that were invalidated while they were painted. Runs at the next event, because
+// painting at once could repeat for ever.
 void paintStaleWindows() {
   for (Window* const window : translated) {
     if (window->stale) paint(window);
@@ -73,7 +73,7 @@ Event mouseEvent(EventKind kind, Window* window, const QMouseEvent& mouse) {
           .shiftHeld = mouse.modifiers().testFlag(Qt::ShiftModifier)};
 }
 
-// A window may get the focus while a menu is open, and with it the keys, which are the menu's.
+// Passes keys to the open menu, because a window may get the focus while a menu is open.
 bool passToMenu(QKeyEvent& key) {
   QWidget* const menu = QApplication::activePopupWidget();
   if (menu == nullptr) return false;
@@ -86,7 +86,8 @@ bool opensMenu(const QKeyEvent& key) {
          (key.key() == Qt::Key_F10 && key.modifiers() == Qt::ShiftModifier);
 }
 
-// As the right button does, at the pointer if it is over the window, else in the middle of it.
+// Opens the menu as the right button does: at the pointer if it is over the window, else in the
+// window's middle.
 bool openMenuByKey(Window* window) {
   const QRect area = window->window->geometry();
   const QPoint place = area.contains(QCursor::pos()) ? QCursor::pos() : area.center();
@@ -101,7 +102,7 @@ bool openMenuByKey(Window* window) {
 bool onKey(Window* window, QKeyEvent& key) {
   if (passToMenu(key)) return true;
   if (opensMenu(key)) return key.type() != QEvent::KeyPress || openMenuByKey(window);
-  // With these the key is the desktop's.
+  // Leaves keys with these modifiers to the desktop.
   if ((key.modifiers() & (Qt::AltModifier | Qt::MetaModifier)) != 0) return false;
   const int code = virtualKey(key);
   if (code == 0) return false;
@@ -129,7 +130,7 @@ bool onMouse(Window* window, const QMouseEvent& mouse) {
   return false;
 }
 
-// The release was for another window, such as a menu that had opened meanwhile.
+// Ends a drag whose release went to another window, such as a menu that opened meanwhile.
 void noteMouseLost(Window* window) {
   if (!std::exchange(window->leftHeld, false)) return;
   handOver({.kind = EventKind::MouseLost, .window = window});
@@ -138,7 +139,7 @@ void noteMouseLost(Window* window) {
 bool onMouseMoved(Window* window, const QMouseEvent& mouse) {
   if (!mouse.buttons().testFlag(Qt::LeftButton)) noteMouseLost(window);
   if (mouse.buttons() == Qt::NoButton && !hearsEveryMouseMove(window->kind)) return true;
-  // X sends the moves of a held button from outside the window, too. They do not turn the cube.
+  // X sends moves from outside the window while a button is held. They must not turn the cube.
   const QRect client(QPoint(), window->window->size());
   if (window->kind == WindowKind::ColourSpace && !client.contains(mouse.position().toPoint())) {
     return true;
@@ -159,7 +160,7 @@ bool onSized(Window* window) {
   return handOver({.kind = EventKind::Sized, .window = window, .maximised = isMaximised(window)});
 }
 
-// The program's own moves come back as events too, some of them late.
+// Handles a move. The program's own moves arrive as events too, sometimes late.
 bool onMoved(Window* window) {
   const Mover mover = moverOf(window);
   if (window->kind == WindowKind::Main && mover != Mover::Program) noteMainMoved();
@@ -186,7 +187,7 @@ bool onClosing(Window* window, QCloseEvent& close) {
 }
 
 bool onDragged(const Window* window, QDropEvent& drag) {
-  // As a copy: after a move, the source would delete the file.
+  // Accepts only copies: after a move, the source would delete the file.
   const bool copies = drag.possibleActions().testFlag(Qt::CopyAction);
   if (!window->acceptsFiles || !drag.mimeData()->hasUrls() || !copies) return false;
   drag.setDropAction(Qt::CopyAction);
@@ -237,7 +238,7 @@ bool translate(Window* window, QEvent& event) {
   }
 }
 
-// Qt's way in.
+// Receives Qt's events.
 class EventFilter : public QObject {
  public:
   explicit EventFilter(Window* window) : QObject(window->window.get()), window_(window) {}
@@ -290,7 +291,7 @@ void invalidateWindow(Window* window) {
   }
 }
 
-// As of the event being handled: by now the mouse may be elsewhere.
+// Returns the place that belongs to the current event, because the mouse may have moved since.
 Point cursorPosition() {
   return fromRoot(mousePlace ? *mousePlace : QCursor::pos());
 }
@@ -310,7 +311,7 @@ bool handleNextEvent() {
 }
 
 void handleWaitingEvents() {
-  // Some events wait for an outer loop, and would be found waiting for ever.
+  // Some events wait for an outer loop and stay in the queue, so the time is limited.
   constexpr int mostMilliseconds = 30;
   QCoreApplication::processEvents(QEventLoop::AllEvents, mostMilliseconds);
   viewSource->finish();

@@ -1,4 +1,4 @@
-// From Qt's events to the program's, and the loop they come in.
+// Translates Qt's events to the program's, and runs the event loop.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -7,17 +7,17 @@
 
 namespace tintora::platform {
 
-// Sets who handles the program's events. Nobody does while it is null.
+// Sets the handler of the program's events. With null, nothing is handled.
 void setEventHandler(EventHandler handler);
 
 // From now on, passes the window's events to the handler.
 void translateEvents(Window* window);
 
-// Tells the program that its session ends, if it has windows: at once, because the process may be
-// ended as soon as this returns.
+// Tells the program, if it has windows, that the session ends. Does so at once, because the process
+// may be ended as soon as this returns.
 void tellSessionEnds();
 
-// Returns the program's window with an identifier of the X server, or null.
+// Returns the program's window with this identifier of the X server, or null.
 Window* windowOf(xcb_window_t id);
 
 // Passes an event to the program. Returns true if the desktop must not handle it as well.

@@ -45,11 +45,11 @@ void followEventOfView(const xcb_generic_event_t& event) {
     }
     return;
   }
-  // Errors come this way too. They are about windows that have gone, which another event tells.
+  // Errors arrive here too. They are about windows that are gone, which another event reports.
   if (event.response_type != 0 && !followBackdrop(event)) followEvent(event);
 }
 
-// Takes events until there are none. Returns false if there was none at all.
+// Handles events until there are none. Returns false if there was none at all.
 bool followEvents(xcb_generic_event_t* (*poll)(xcb_connection_t*)) {
   bool any = false;
   while (const Received<xcb_generic_event_t> event{poll(xServer.connection)}) {
@@ -59,7 +59,7 @@ bool followEvents(xcb_generic_event_t* (*poll)(xcb_connection_t*)) {
   return any;
 }
 
-// What changed on the root, as parts of the view.
+// Adds what changed on the root to the parts of the view that must be composed.
 void takeChanges() {
   if (windowStack.backgroundChanged) {
     windowStack.backgroundChanged = false;
@@ -97,7 +97,7 @@ void composeFilterAndShow(const std::vector<QRect>& parts) {
 }
 
 void filterAgain(const std::vector<QRect>& parts) {
-  // The server may still be at work on the pixels that were filtered before.
+  // The server may still be reading the pixels that were filtered before.
   waitForXServer();
   for (const QRect& part : parts) filterAndShow(part);
 }
@@ -143,7 +143,7 @@ void updateView() {
   watchBackdrop();
   if (!isOwnWindowShown() || view.size.isEmpty()) {
     removeCovers();
-    // Windows that are no longer looked at were let go just now.
+    // Sends the requests that stopped watching windows.
     xcb_flush(xServer.connection);
     return;
   }
@@ -154,7 +154,8 @@ void updateView() {
   if (!toCompose.isEmpty()) composeFilterAndShow(inParts(toCompose));
   if (!toFilter.isEmpty()) filterAgain(inParts(toFilter));
   placeCovers(view.frames, {view.origin, view.size});
-  // What came in between the answers waits in no socket: it would not wake the loop.
+  // Events that were read along with replies leave the socket empty, so they would not wake the
+  // loop.
   const bool hasMoreEvents = followEvents(&xcb_poll_for_queued_event);
   if (watchBackdrop() || hasMoreEvents || !windowStack.changed.isEmpty())
     QAbstractEventDispatcher::instance()->wakeUp();
@@ -165,8 +166,8 @@ void finishView() {
   waitForXServer();
 }
 
-// Returns a picture of the view with this program's windows above it, but not its menus: nothing
-// that is read off the screen, which may be late.
+// Returns a picture of the view with this program's windows above it, but not its menus. Reads
+// nothing off the screen, which may be out of date.
 QImage pictureOfView() {
   finishView();
   if (view.size.isEmpty()) return {};
@@ -183,7 +184,7 @@ QImage pictureOfView() {
                           nullptr));
   xcb_free_pixmap(x(), picture);
   if (!pixels) return {};
-  // The rows belong to the answer, which goes.
+  // Copies the rows, because they belong to the reply.
   return QImage(xcb_get_image_data(pixels.get()), view.size.width(), view.size.height(),
                 4 * view.size.width(), QImage::Format_RGB32)
       .copy();

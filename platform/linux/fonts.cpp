@@ -6,7 +6,7 @@ namespace tintora::platform {
 
 namespace {
 
-// The font meant, or one of its widths.
+// Returns the intended font, or a substitute of about its widths.
 QFont sansSerif() {
   QFont font("Microsoft Sans Serif");
   font.setFamilies(QStringList{"Microsoft Sans Serif", "Liberation Sans", "Arimo", "Arial",
@@ -17,8 +17,8 @@ QFont sansSerif() {
 
 }  // namespace
 
-// The em of the font meant, by its height: its lines are 1.13 em high. Substitutes have taller
-// lines at the same size of their letters.
+// Computes the em of the intended font from the height of its lines, which is 1.13 em. A substitute
+// has taller lines at the same size of letters.
 QFont fontOfHeight(int height) {
   constexpr double linesPerEm = 1.13;
   QFont font = sansSerif();

@@ -14,7 +14,8 @@ namespace tintora::platform {
 
 namespace {
 
-// Every program's window has a class. The window manager's state may come after the frame is shown.
+// Returns true if the window is a program's: each of those has a class. The window manager's state
+// may be set only after the frame is shown.
 bool isClient(xcb_window_t window) {
   const auto stateCookie = xcb_get_property(x(), 0, window, xServer.wmState, xServer.wmState, 0, 1);
   const auto classCookie =
@@ -46,7 +47,8 @@ QMargins extentsFrom(const xcb_get_property_reply_t* reply) {
   return {width(0), width(2), width(1), width(3)};  // the property has left, right, top, bottom
 }
 
-// The edges of a frame that lie outside the client and what its manager says it shows around it.
+// Returns the edges of a frame that lie outside the client and the frame widths its manager
+// reports.
 QMargins unseenEdges(const TopLevel& topLevel, const QRect& client, const QMargins& extents) {
   const QRect seen = client.marginsAdded(extents);
   const QRect& all = topLevel.bounds;

@@ -15,15 +15,15 @@ struct GraphicsDevice {
   Window* window = nullptr;
   Size size;
   std::array<Matrix4x4, 3> transforms{};  // by TransformKind
-  VertexBuffer* vertexBuffer = nullptr;   // that is drawn from
+  VertexBuffer* vertexBuffer = nullptr;   // drawn from
   IndexBuffer* indexBuffer = nullptr;
-  OpenGl* gl = nullptr;  // while a picture is drawn, where it can be
+  OpenGl* gl = nullptr;  // while a picture is drawn; null if OpenGL is not available
 };
 
 struct VertexBuffer {
   std::vector<ColourVertex> vertices;
   GLuint name = 0;
-  bool changed = true;  // since OpenGL last had the vertices
+  bool changed = true;  // since OpenGL last got the vertices
 };
 
 struct IndexBuffer {
@@ -33,9 +33,9 @@ struct IndexBuffer {
 
 namespace {
 
-// Points are row vectors, as the program's matrices want them. The program's depth runs from 0, and
-// its whole coordinates are the middles of pixels, counted downwards; OpenGL's depth runs from -1,
-// and whole coordinates are corners.
+// Points are row vectors, as in the program's matrices. In the program, depth starts at 0, and
+// whole coordinates are pixel centres, counted downwards. In OpenGL, depth starts at -1, and whole
+// coordinates are pixel corners.
 constexpr const char* vertexShader = R"(#version 330 core
 uniform mat4 world;
 uniform mat4 view;
@@ -125,7 +125,7 @@ void prepareToDraw(const GraphicsDevice& device) {
 struct Drawing {
   GLenum mode;
   int perPrimitive;  // vertices
-  int more;          // vertices before the first is whole
+  int more;          // vertices before the first primitive is complete
 };
 
 Drawing drawingOf(PrimitiveKind kind) {
@@ -216,7 +216,7 @@ void clearDepth(GraphicsDevice* device) {
   if (device->gl != nullptr) device->gl->glClear(GL_DEPTH_BUFFER_BIT);
 }
 
-// OpenGL needs to be told neither where a scene begins and ends nor what vertices are made of.
+// OpenGL needs neither the limits of a scene nor the format of vertices.
 void beginScene(GraphicsDevice* /*device*/) {}
 void endScene(GraphicsDevice* /*device*/) {}
 void setVertexFormat(GraphicsDevice* /*device*/) {}

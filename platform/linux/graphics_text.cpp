@@ -16,10 +16,10 @@ namespace {
 
 // Letters may reach to the left and right of their advance.
 constexpr int overhang = 4;
-// A font has no more images than this: of the text that changes, old images go.
+// The most images that a font keeps. Text changes, so old images are discarded.
 constexpr std::size_t mostImages = 128;
 
-// Pixels count from the left top corner.
+// Coordinates are pixels from the top left corner.
 constexpr const char* vertexShader = R"(#version 330 core
 uniform ivec2 picture;
 uniform ivec4 area;

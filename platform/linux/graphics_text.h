@@ -1,5 +1,5 @@
-// Lines of text over a picture: each line becomes a texture of its coverage when it is first drawn,
-// and is drawn from that in any colour.
+// Lines of text over a picture. Each line becomes a coverage texture when it is first drawn, and
+// can then be drawn in any colour.
 #pragma once
 
 #include <QFont>
@@ -17,7 +17,7 @@ struct TextImage {
   Size size;
 };
 
-// The font itself is sought when its first line is drawn: looking for one takes long.
+// The font itself is loaded when its first line is drawn, because finding it takes long.
 struct TextFont {
   int height = 0;  // of a line, in pixels at 96 dpi
   bool outlinesOnly = false;
@@ -25,11 +25,11 @@ struct TextFont {
   std::unordered_map<std::string, TextImage> images{};
 };
 
-// Draws a line of text into a picture of some size.
+// Draws a line of text into a picture of this size.
 void drawTextImage(OpenGl& gl, const Size& picture, TextFont& font, const Rect& area,
                    PackedColour colour, const std::string& text);
 
-// Lets the textures of a font go.
+// Discards the textures of a font.
 void discardImages(TextFont& font);
 
 }  // namespace tintora::platform

@@ -1,4 +1,4 @@
-// The seam's opaque windows are records around Qt's.
+// The opaque windows of platform/window.h: records around Qt's windows.
 #pragma once
 
 #include <QBackingStore>
@@ -16,7 +16,7 @@
 
 namespace tintora::platform {
 
-// Outer bounds that were asked for, with which frame and when.
+// Outer bounds that were requested, with which frame and when.
 struct AskedBounds {
   QRect outer;
   QMargins frame;
@@ -30,19 +30,20 @@ struct Window {
   std::string title;
   bool acceptsFiles = false;
   bool stale = false;             // invalidated while it was being painted
-  int wheelTravel = 0;            // what does not make a whole step yet
-  QMargins formerFrame;           // that it had when it last had one, or will have
-  std::deque<AskedBounds> asked;  // of late, the oldest first
-  bool travels = false;           // to where it was last asked to be
-  bool insists = false;           // on its place, against the first answer to its appearance
+  int wheelTravel = 0;            // eighths of a degree that do not make a whole step yet
+  QMargins formerFrame;           // the frame that the window last had, or will have
+  std::deque<AskedBounds> asked;  // recent requests, the oldest first
+  bool travels = false;           // still on its way to where it was last requested to be
+  bool insists = false;           // asks once more if the window manager first shows it elsewhere
   bool hitTransparent = false;
-  bool leftHeld = false;  // the left button was pressed in it, and not released that is known of
-  // By the window manager, while the window has the focus: it does so while the user moves it.
+  bool leftHeld = false;  // the left button was pressed in it, and no release has arrived
+  // The window manager holds the keyboard while the window has the focus, as it does while the user
+  // moves the window by keys.
   bool keyboardHeld = false;
   std::chrono::steady_clock::time_point keyboardReleased;
   std::chrono::steady_clock::time_point shown;  // when it last appeared
   QTimer timer;
-  std::unique_ptr<QBackingStore> surface;  // once it was painted
+  std::unique_ptr<QBackingStore> surface;  // created at the first painting
 };
 
 }  // namespace tintora::platform

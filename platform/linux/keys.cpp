@@ -52,7 +52,7 @@ constexpr std::array<NamedKey, 33> namedKeys{{
     {Qt::Key_Help, keys::help},
 }};
 
-// On the number pad, with number lock; without it they are the keys above.
+// The number pad's keys with number lock; without it they are the keys above.
 constexpr std::array<NamedKey, 6> padKeys{{
     {Qt::Key_Asterisk, keys::padMultiply},
     {Qt::Key_Plus, keys::padPlus},
@@ -62,8 +62,8 @@ constexpr std::array<NamedKey, 6> padKeys{{
     {Qt::Key_Slash, keys::padDivide},
 }};
 
-// Rows of letters by the place of their keys on the keyboard, for scripts without Latin letters:
-// there a key keeps the code of the letter that stands beside it.
+// Rows of letters by the position of their keys, for keyboards without Latin letters. There a key
+// has the code of the Latin letter in its position.
 struct LetterRow {
   std::uint32_t firstScanCode;
   std::string_view letters;

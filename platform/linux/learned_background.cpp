@@ -24,7 +24,7 @@ struct LearnedBackground {
   QSize size;
   xcb_gcontext_t reading = XCB_NONE;
   QRegion known;
-  // Of what was drawn on the screen: the region for the answer, and what was asked.
+  // What was drawn on the screen: the server's region for it, and the request that reads it.
   xcb_xfixes_region_t drawn = XCB_NONE;
   std::optional<xcb_xfixes_fetch_region_cookie_t> request;
 };

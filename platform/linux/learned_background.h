@@ -1,5 +1,5 @@
-// What the screen shows where no window is, read off the screen itself: a compositing manager may
-// paint anything there, and where the server paints nothing, whatever was there stays.
+// What the screen shows where no window is, read off the screen itself. A compositing manager may
+// paint anything there. Where the server paints nothing, old pixels stay.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -9,28 +9,28 @@
 
 namespace tintora::platform {
 
-// Asks the server to report what is drawn on the screen, or stops asking.
+// Makes the server report what is drawn on the screen, or stop reporting.
 void watchScreen(bool watch);
 
-// Takes in an event of the server; returns true if something was drawn on the screen.
+// Handles an event of the server. Returns true if something was drawn on the screen.
 bool followScreen(const xcb_generic_event_t& event);
 
-// Asks what was drawn on the screen since the last time. The answer comes later.
+// Requests what was drawn on the screen since the last request. The reply comes later.
 void requestScreenDamage();
 
-// Returns what was drawn if the answer has come, or nothing. Never waits.
+// Returns what was drawn if the reply has come, or nothing. Never waits.
 std::optional<QRegion> receivedScreenDamage();
 
 // Returns the part of the root that no window covers.
 QRegion uncoveredRoot();
 
-// Copies a part of the screen.
+// Copies a part of the screen into what is known.
 void learn(const QRegion& part);
 
-// Forgets all that was learned.
+// Forgets everything that was learned.
 void forgetLearned();
 
-// What is known so far, and the pixmap of the size of the root that holds it.
+// Return the part that is known so far, and the pixmap that holds it, which has the root's size.
 const QRegion& learnedPart();
 xcb_pixmap_t learnedPixels();
 

@@ -20,8 +20,8 @@ const ViewSource* viewSource = &lens;
 
 namespace {
 
-// A window of the server's that Qt knows nothing of. It takes no input, so that all input goes to
-// the main window behind it.
+// A window that was created without Qt. It takes no input, so all input goes to the main window
+// behind it.
 struct Magnifier {
   xcb_window_t window = XCB_NONE;
   EffectMatrix shown{};
@@ -29,14 +29,14 @@ struct Magnifier {
 };
 Magnifier theMagnifier;
 
-// The seam's handle of it; there is one only.
+// Returns the handle that stands for the only magnifier.
 Window* handle() {
   return reinterpret_cast<Window*>(&theMagnifier);
 }
 
 xcb_window_t createChild(xcb_window_t parent, const Rect& bounds) {
   const xcb_window_t window = xcb_generate_id(xServer.connection);
-  // What is there stays there until the new picture comes.
+  // Without a background, the old pixels stay until the new picture comes.
   const std::array<std::uint32_t, 3> looks{XCB_BACK_PIXMAP_NONE, XCB_GRAVITY_NORTH_WEST,
                                            XCB_EVENT_MASK_EXPOSURE};
   xcb_create_window(xServer.connection, XCB_COPY_FROM_PARENT, window, parent,
@@ -49,14 +49,14 @@ xcb_window_t createChild(xcb_window_t parent, const Rect& bounds) {
   return window;
 }
 
-// The loop waits on the server's events too, and brings the view up to date before each wait.
+// Makes the loop wait for the server's events too, and bring the view up to date before each wait.
 void joinEventLoop() {
   QAbstractEventDispatcher* const loop = QAbstractEventDispatcher::instance();
   theMagnifier.notifier = std::make_unique<QSocketNotifier>(
       xcb_get_file_descriptor(xServer.connection), QSocketNotifier::Read);
   QObject::connect(theMagnifier.notifier.get(), &QSocketNotifier::activated, [] {
     if (xcb_connection_has_error(xServer.connection) == 0) return;
-    // Without the server there is nothing left to do.
+    // Without the server there is nothing left to follow.
     theMagnifier.notifier->setEnabled(false);
     quit(1);
   });
@@ -86,7 +86,7 @@ Window* createMagnifier(Window* parent, const std::string& /*title*/, const Rect
 }
 
 void setUnmagnified(Window* /*magnifier*/) {
-  // It shows nothing in any other size.
+  // Does nothing: this desktop shows everything at its own size.
 }
 
 void setMagnifierSource(Window* /*magnifier*/, const Rect& source) {
@@ -112,7 +112,7 @@ void fitMagnifier(Window* /*magnifier*/, const Rect& bounds) {
 }
 
 void invalidateMagnifier(Window* /*magnifier*/) {
-  // The view is drawn anew where and when something changes.
+  // Does nothing: the view is drawn again when and where something changes.
 }
 
 }  // namespace tintora::platform

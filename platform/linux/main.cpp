@@ -60,7 +60,7 @@ constexpr const char* help =
     "folder\n"
     "(XDG_CONFIG_HOME, else ~/.config); a Tintora_custom.txt beside the program comes first.\n";
 
-// Returns true if an argument asks for a text instead of windows, and prints it.
+// Returns true if an argument asks for text instead of windows, and prints that text.
 bool answers(std::string_view argument) {
   const bool wantsHelp = argument == "--help" || argument == "-h";
   if (wantsHelp) std::cout << help;
@@ -68,7 +68,7 @@ bool answers(std::string_view argument) {
   return wantsHelp || argument == "--version";
 }
 
-// Which picture the arguments ask for; these options are not among the letters.
+// Which picture the arguments select; these options are not among the letters.
 struct PictureOptions {
   bool choose = false;
   bool x11 = false;
@@ -90,8 +90,8 @@ bool showsMirror(const PictureOptions& options) {
   return options.choose || (!options.x11 && !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"));
 }
 
-// Before Qt starts: windows in pixels of the screen, whatever scale the desktop sets for Qt's own
-// programs, over X11, with Qt's own event loop.
+// Prepares Qt before it starts: windows sized in the screen's pixels, whatever scale the desktop
+// sets for Qt's own programs; X11; and Qt's own event loop.
 void prepareQt() {
   using tintora::platform::setOwnVariable;
   for (const char* const scale :
@@ -107,7 +107,7 @@ void prepareQt() {
   QGuiApplication::setDesktopFileName("tintora");
 }
 
-// Being told to end is no reason to lose the settings: a signal becomes an event of the loop.
+// A signal to end must not lose the settings, so it becomes an event of the loop.
 std::array<int, 2> signalPipe{-1, -1};
 
 void onSignal(int /*signal*/) {
@@ -124,8 +124,8 @@ void endOnSignals(QSocketNotifier& notifier) {
     static_cast<void>(std::signal(signal, &onSignal));
 }
 
-// A session manager tells before it ends the session, and is told how to start the program again:
-// by default it would add an option, whose letters would be taken for the program's.
+// Follows the session manager's notice that the session ends, and tells it how to start the program
+// again. By default, Qt would add an option whose letters would be taken for the program's.
 void followSession(const QApplication& application, int count, char** arguments) {
   using tintora::platform::tellSessionEnds;
   QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
@@ -153,19 +153,20 @@ bool waylandAnswers() {
   return answers;
 }
 
-// Returns the platform of Qt that can show a window here, or null if there is none.
+// Returns the Qt platform that can show a window here, or null if there is none.
 const char* platformOfDialog() {
   xcb_connection_t* const display = xcb_connect(nullptr, nullptr);
   const bool hasX = xcb_connection_has_error(display) == 0;
   xcb_disconnect(display);
   if (hasX) return "xcb";
-  // Qt would end the program if its plugin for Wayland were not installed or had no server.
+  // Checks first, because Qt would end the program if its Wayland plugin or the server were
+  // missing.
   const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms");
   const bool hasPlugin = !plugins.entryList({"libqwayland*"}, QDir::Files).isEmpty();
   return hasPlugin && waylandAnswers() ? "wayland" : nullptr;
 }
 
-// Shows a window with what stands in the way of starting, unless a terminal shows it already.
+// Shows a window that says why the program cannot start, unless a terminal shows it already.
 void showObstacle(const std::string& obstacle, int& count, char** arguments) {
   if (isatty(STDERR_FILENO) != 0) return;
   const char* const platform = platformOfDialog();
@@ -195,14 +196,14 @@ int main(int count, char** arguments) {
   const PictureOptions options = takePictureOptions(given);
   tintora::platform::setArguments(static_cast<int>(given.size()), given.data());
   if (showsMirror(options)) tintora::platform::useMirror(options.choose);
-  // The arguments are the program's, not Qt's.
+  // Keeps the arguments from Qt, because they are the program's.
   int ownName = 1;
   const QApplication application(ownName, arguments);
   followSession(application, count, arguments);
   tintora::platform::followWindowManager();
   tintora::platform::followMonitors(&tintora::platform::onMonitorsChanged);
   QApplication::setWindowIcon(QIcon(":/tintora.png"));
-  // The custom file has decimal points wherever its reader lives.
+  // Numbers in the custom file have decimal points in every locale.
   static_cast<void>(std::setlocale(LC_NUMERIC, "C"));
   if (pipe2(signalPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) return 1;
   QSocketNotifier signals(signalPipe[0], QSocketNotifier::Read);

@@ -19,20 +19,20 @@ namespace tintora::platform {
 struct Menu {
   QMenu menu;
   std::vector<Menu*> submenus;
-  Window* window = nullptr;  // whom a choice is told to, once the menu was opened
+  Window* window = nullptr;  // receives the user's choice, once the menu was opened
 };
 
 namespace {
 
-// A menu goes with the one it belongs to, and may be let go once more under its own handle.
+// A menu is destroyed with its parent menu, and may be released again by its own handle.
 std::vector<Menu*> livingMenus;
 
-// Qt has changed the mark itself; marks are the program's.
+// Restores the mark that Qt has changed, because only the program sets marks.
 void keepMark(QAction* item) {
   if (item->isCheckable()) item->setChecked(!item->isChecked());
 }
 
-// Labels are items that cannot be chosen; they are not to look it.
+// Gives labels the look of ordinary items, although they cannot be chosen.
 void showLabelsAsItems(QMenu& menu) {
   QPalette palette = menu.palette();
   for (const QPalette::ColorRole role :
@@ -42,7 +42,7 @@ void showLabelsAsItems(QMenu& menu) {
   menu.setPalette(palette);
 }
 
-// Once the menu has done with it: the command may destroy the menu.
+// Sends the command after the menu has finished, because the command may destroy the menu.
 void sendCommand(const Menu* menu, const QAction* item) {
   QMetaObject::invokeMethod(
       QCoreApplication::instance(),
@@ -66,8 +66,9 @@ Window* windowOfOpenMenu() {
   return open == livingMenus.end() ? nullptr : (*open)->window;
 }
 
-// A right press beside the menu closes it. The release that follows may reach the window or be lost
-// with the menu's grab of the mouse, so it is handed over here; a menu that is open by then stays.
+// Passes on the release that follows a right press beside the menu. The press closes the menu, and
+// the release may reach the window or be lost with the menu's mouse grab. A menu that is open by
+// then stays.
 class PressesBesideMenus : public QObject {
  public:
   bool eventFilter(QObject* /*menu*/, QEvent* event) override {
@@ -98,7 +99,7 @@ Menu* createMenu() {
   auto* const menu = livingMenus.emplace_back(new Menu);
   showLabelsAsItems(menu->menu);
   menu->menu.installEventFilter(&pressesBesideMenus);
-  // Told of the choices in its submenus too.
+  // This signal reports choices in submenus too.
   QObject::connect(&menu->menu, &QMenu::triggered, &menu->menu, [menu](QAction* item) {
     if (menu->window == nullptr) return;
     keepMark(item);

@@ -23,19 +23,19 @@ namespace {
 struct Mirror {
   Window* parent = nullptr;
   bool askAnew = false;
-  bool offersChoice = false;        // by a click or key in the view
+  bool offersChoice = false;        // a click or key in the view lets the user choose again
   std::unique_ptr<QTimer> silence;  // runs until the first frame comes
 };
 Mirror state;
 
 void choose(bool anew);
 
-// A terminal shows it, too.
+// Prints a line for a user who started the program in a terminal.
 void tellTerminal(std::string_view text) {
   std::cerr << "tintora: " << text.substr(0, text.find('\n')) << '\n';
 }
 
-// Shows a line instead of the picture, from which the user can go on.
+// Shows a line instead of the picture, and lets the user choose again from there.
 void offerChoice(const char* text) {
   stopStream();
   endPortalSession();
@@ -45,8 +45,8 @@ void offerChoice(const char* text) {
   tellTerminal(text);
 }
 
-// Nothing can be shown on this desktop: says so in a window instead of the program's own, which
-// might hide it, and ends the program.
+// Ends the program because this desktop cannot show anything. Says so in a separate window, because
+// the program's own might hide it.
 void giveUp(const char* text) {
   stopStream();
   endPortalSession();
@@ -99,7 +99,7 @@ void choose(bool anew) {
   askPortal(state.parent->window->winId(), anew, {&onGranted, &onPortalEnd});
 }
 
-// Takes the clicks and keys that the view has asked for, before the program sees them.
+// Receives the clicks and keys that the view has asked for, before the program does.
 class ChoiceFilter : public QObject {
  public:
   using QObject::QObject;
@@ -132,7 +132,7 @@ void start(Window* parent, xcb_window_t window) {
   startMirrorPicture(parent, window);
   parent->window->installEventFilter(new ChoiceFilter(parent->window.get()));
   showText(texts::choosing);
-  // When the main window is shown, so that the portal's dialog stands in front of it.
+  // Runs when the main window is shown, so that the portal's dialog appears in front of it.
   QTimer::singleShot(0, parent->window.get(), [] { choose(state.askAnew); });
 }
 

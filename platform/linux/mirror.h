@@ -1,11 +1,11 @@
-// A live, filtered mirror of a window or screen that the user picks, for desktops where no program
+// A live, filtered mirror of a window or screen that the user picks. For desktops where no program
 // may see what lies beneath its window.
 #pragma once
 
 namespace tintora::platform {
 
-// Makes the mirror the view's source. Asks the user even if a former choice is remembered, if told
-// so.
+// Makes the mirror the view's source. With `askAnew`, asks the user even if an earlier choice is
+// remembered.
 void useMirror(bool askAnew);
 
 }  // namespace tintora::platform

@@ -31,7 +31,7 @@ struct MirrorPicture {
   QImage source;     // the last frame, blue first
   QRect place;       // of the picture in the view
   QString text;      // shown while there is no frame
-  QSize given;       // the client area that the main window was given for the source's size
+  QSize given;       // the client area that the main window got for the source's size
   QRegion toScale;   // parts of the view: to be scaled and filtered
   QRegion toFilter;  // to be filtered only
 };
@@ -45,7 +45,7 @@ bool isScaled() {
   return picture.place.size() != picture.source.size();
 }
 
-// Only full screen makes a picture larger than it is.
+// Returns the picture's place in the view. Only full screen enlarges a picture.
 QRect placeInView() {
   const QSize source = picture.source.size();
   const bool fits = source.boundedTo(picture.size) == source;
@@ -69,12 +69,12 @@ void fitMainWindow() {
   Window* const window = picture.parent;
   if (isMaximised(window)) return;
   const QSize frame = outerBounds(window).size() - window->window->size();
-  // A user who has sized the window wants that size.
+  // Keeps the size if the user has chosen it.
   const QSize client = boundsAskedFor(window).size() - frame;
   if (!picture.given.isEmpty() && client != picture.given) return;
   const QRect room = window->window->screen()->availableGeometry();
   const QSize most = room.size() - frame;
-  constexpr QSize least(200, 100);  // so that there is a title to hold the window by
+  constexpr QSize least(200, 100);  // leaves a title bar to drag the window by
   const QSize source = picture.source.size();
   const QSize fitting = source.boundedTo(most) == source ? source.expandedTo(least)
                                                          : source.scaled(most, Qt::KeepAspectRatio);
@@ -108,13 +108,13 @@ void copyPart(const StreamFrame& frame, const QRect& part) {
   }
 }
 
-// Many small parts are one part around them.
+// Replaces many small parts by one part around them.
 QRegion simplified(const QRegion& region) {
   constexpr int most = 16;
   return region.rectCount() > most ? QRegion(region.boundingRect()) : region;
 }
 
-// Takes events until there are none. Returns true if any was an exposure.
+// Handles events until there are none. Returns true if any was an exposure.
 bool noteExposures(xcb_generic_event_t* (*poll)(xcb_connection_t*)) {
   bool any = false;
   while (const Received<xcb_generic_event_t> event{poll(x())}) {
@@ -142,7 +142,7 @@ void scalePart(const QRect& part) {
               frames.unfiltered.bytes + frames.offset(part.topLeft()), frames.stride());
 }
 
-// A picture at its own size is filtered from where it is.
+// Filters a part of the view. A picture at its own size is read from the frame without scaling.
 void filterPart(const QRect& part) {
   const QImage& source = std::as_const(picture.source);
   const ViewFrames& frames = picture.frames;
@@ -236,7 +236,7 @@ void updateMirror() {
   const QRegion toScale = std::exchange(picture.toScale, {}) & wholeView();
   const QRegion toFilter = std::exchange(picture.toFilter, {}) & wholeView();
   if (toScale.isEmpty() && toFilter.isEmpty()) return;
-  // The server may still be at work on the pixels that were shown before.
+  // The server may still be reading the pixels that were shown before.
   waitForXServer();
   if (picture.source.isNull()) {
     drawText();
@@ -245,7 +245,8 @@ void updateMirror() {
   }
   show(toScale + toFilter);
   xcb_flush(x());
-  // What came with the answer waits in no socket: it would not wake the loop.
+  // Events that were read along with the reply leave the socket empty, so they would not wake the
+  // loop.
   if (noteExposures(&xcb_poll_for_queued_event)) QAbstractEventDispatcher::instance()->wakeUp();
 }
 

@@ -1,5 +1,4 @@
-// The mirror's picture: the source's last frame, fitted into the view and filtered, or a text in
-// its place.
+// The mirror's picture: the source's last frame, fitted into the view and filtered, or a text.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -14,7 +13,7 @@
 
 namespace tintora::platform {
 
-// Starts to show the picture in a window of the X server, a child of the main window.
+// Starts showing the picture in a window of the X server, a child of the main window.
 void startMirrorPicture(Window* parent, xcb_window_t window);
 
 // Releases everything and destroys the window.
@@ -25,20 +24,20 @@ void setMirrorSize(const QSize& size);
 // Shows the last frame through another filter.
 void setMirrorFilter(const PixelFilter& filter);
 
-// Shows a frame. At the first one, and when the frames' size changes, the main window takes that
-// size as far as the screen allows, unless its user has chosen another.
+// Shows a frame. When the first frame comes or the frames' size changes, the main window takes that
+// size as far as the screen allows, unless the user has chosen another.
 void showFrame(const StreamFrame& frame);
 
-// Shows a text instead, in the desktop's colours. The frames before are forgotten.
+// Shows a text instead of the picture, in the desktop's colours. Forgets all frames.
 void showText(std::string_view text);
 
-// Draws what has changed: once for each turn of the event loop.
+// Draws what has changed. Called once in each turn of the event loop.
 void updateMirror();
 
-// Draws what has changed, and returns when the server shows it.
+// Draws what has changed, and returns once the server shows it.
 void finishMirror();
 
-// Returns the last frame, filtered, at its own size; null if there is none.
+// Returns the last frame, filtered, at its own size; null if there is no frame.
 QImage filteredPicture();
 
 }  // namespace tintora::platform

@@ -1,4 +1,4 @@
-// What the mirror tells its user. Each text says what happened and what to do.
+// The mirror's messages to the user. Each says what happened and what to do.
 #pragma once
 
 namespace tintora::platform::texts {

@@ -9,12 +9,12 @@ namespace tintora::platform {
 
 namespace {
 
-// Everything lives as long as the window that is drawn into.
+// Everything lives as long as the window that shows the pictures.
 struct Pictures {
   QWindow* window = nullptr;  // fills the client area of the program's
   QOpenGLContext* context = nullptr;
   OpenGl* gl = nullptr;
-  bool sought = false;  // and whether it was found or not, it is not sought again
+  bool sought = false;  // looks for OpenGL only once
   bool drawn = false;   // there is a picture to show
   Size size;
   GLuint framebuffer = 0;
@@ -34,7 +34,7 @@ QSurfaceFormat format() {
   return wanted;
 }
 
-// The window appears again from under others without the program's doing.
+// Shows the picture again when the window is uncovered, which happens without the program's doing.
 class ExposureFilter : public QObject {
  public:
   using QObject::QObject;
@@ -48,8 +48,8 @@ bool isRecentEnough(const QOpenGLContext& context) {
   return !context.isOpenGLES() && context.format().version() >= qMakePair(3, 3);
 }
 
-// A window of its own, because an ordinary one cannot become one for OpenGL later. The mouse goes
-// through it to the program's.
+// Creates a window for OpenGL, because an ordinary window cannot become one later. Mouse input goes
+// through it to the program's window.
 void makeWindow(QWindow* parent) {
   auto* const window = new QWindow(parent);
   window->setSurfaceType(QSurface::OpenGLSurface);
@@ -77,7 +77,8 @@ void makeFramebuffer() {
   gl.glGenRenderbuffers(1, &pictures.depths);
 }
 
-// A picture that keeps its size while the program's window is sized fills that too.
+// Keeps the OpenGL window as large as the program's window, which may be resized while the picture
+// keeps its size.
 void fillClientArea() {
   const QRect area(QPoint(), pictures.window->parent()->size());
   if (pictures.window->geometry() != area) pictures.window->setGeometry(area);

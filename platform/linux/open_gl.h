@@ -1,5 +1,5 @@
-// OpenGL in the colour space window. Loading it takes tens of milliseconds, so nothing of it is
-// there before the first picture is drawn.
+// OpenGL in the colour space window. Loading it takes tens of milliseconds, so it is loaded for the
+// first picture.
 #pragma once
 
 #include <QOpenGLExtraFunctions>
@@ -13,21 +13,21 @@ namespace tintora::platform {
 
 using OpenGl = QOpenGLExtraFunctions;
 
-// Makes OpenGL ready to draw a picture of this size into a window's client area; null where
-// OpenGL 3.3 cannot be had. One window of the program has pictures.
+// Prepares OpenGL to draw a picture of this size into a window's client area. Returns null if
+// OpenGL 3.3 is not available. Only one of the program's windows has pictures.
 OpenGl* beginPicture(QWindow* window, const Size& size);
 
-// Shows the picture that was drawn, at once.
+// Shows the finished picture at once.
 void showPicture();
 
-// Has buffers and textures deleted when OpenGL is in use again.
+// Delete buffers and textures the next time OpenGL is in use.
 void discardBuffer(GLuint buffer);
 void discardTexture(GLuint texture);
 
-// Red, green, blue and alpha of a colour, each from 0 to 1.
+// Returns the red, green, blue and alpha of a colour, each from 0 to 1.
 std::array<float, 4> components(PackedColour colour);
 
-// Compiles and links a program; ends in one that draws nothing where that fails.
+// Compiles and links a program. On failure, returns a program that draws nothing.
 GLuint makeProgram(OpenGl& gl, const char* vertexShader, const char* fragmentShader);
 
 }  // namespace tintora::platform

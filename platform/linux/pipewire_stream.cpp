@@ -43,7 +43,7 @@ QRect frameArea() {
   return {QPoint(), stream.format.size};
 }
 
-// Not at once: PipeWire is still at work on what tells of the end.
+// Stops the stream later, because PipeWire still runs the callback that reports the end.
 void endLater(StreamEnd end) {
   if (stream.ending) return;
   stream.ending = true;
@@ -71,8 +71,8 @@ QRect cropOf(const spa_buffer& buffer) {
   return crop.isEmpty() ? frameArea() : crop;
 }
 
-// Returns where the frame differs from the one before. A source that says nothing may have drawn
-// anywhere.
+// Returns where the frame differs from the one before. If the source does not say, that is
+// everywhere.
 QRegion damageOf(const spa_buffer& buffer) {
   const spa_meta* const meta = spa_buffer_find_meta(&buffer, SPA_META_VideoDamage);
   if (meta == nullptr) return frameArea();
@@ -102,7 +102,8 @@ bool isMarkedCorrupted(const spa_buffer& buffer) {
   return header != nullptr && (header->flags & SPA_META_HEADER_FLAG_CORRUPTED) != 0;
 }
 
-// Some sources send buffers without pixels, for instance when only the pointer has moved.
+// Returns true if the buffer has pixels. Some sources send buffers without any, for instance when
+// only the pointer has moved.
 bool hasPixels(const spa_buffer& buffer) {
   if (buffer.n_datas == 0 || stream.format.size.isEmpty()) return false;
   const spa_data& data = buffer.datas[0];
@@ -127,7 +128,7 @@ void passOn(const spa_buffer& buffer) {
   if (!frame.changed.isEmpty()) stream.events.frame(frame);
 }
 
-// Of the frames that wait, only the newest is shown, with the changes of all.
+// Shows only the newest of the waiting frames, with the changes of all.
 void onProcess(void* /*data*/) {
   pw_buffer* newest = nullptr;
   while (pw_buffer* const next = pw_stream_dequeue_buffer(stream.stream)) {
@@ -194,7 +195,7 @@ const pw_registry_events registryEvents = [] {
   return events;
 }();
 
-// All objects of PipeWire's server are proxies here.
+// Casts an object of PipeWire's server to its proxy.
 template <typename Object>
 pw_proxy* proxy(Object* object) {
   return reinterpret_cast<pw_proxy*>(object);
@@ -207,12 +208,13 @@ bool connectTo(int connection) {
     close(connection);
     return false;
   }
-  // Takes the descriptor, whether it succeeds or not.
+  // Takes ownership of the descriptor, even on failure.
   stream.core = pw_context_connect_fd(stream.context, connection, nullptr, 0);
   return stream.core != nullptr;
 }
 
-// Without reconnecting, since the session manager would choose another source, even a camera.
+// Creates the stream without reconnection: the session manager would choose another source, even a
+// camera.
 bool createStream() {
   pw_properties* const properties = pw_properties_new(
       PW_KEY_MEDIA_TYPE, "Video", PW_KEY_MEDIA_CATEGORY, "Capture", PW_KEY_MEDIA_ROLE, "Screen",

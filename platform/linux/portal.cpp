@@ -27,7 +27,7 @@ const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
 const QString desktopPath = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString screenCast = QStringLiteral("org.freedesktop.portal.ScreenCast");
 
-// The portal's own numbers.
+// Numbers defined by the portal.
 constexpr std::uint32_t screensAndWindows = 1 | 2;
 constexpr std::uint32_t cursorEmbedded = 2;
 constexpr std::uint32_t persistUntilRevoked = 2;
@@ -44,8 +44,8 @@ QString readToken() {
   return file.open(QFile::ReadOnly) ? QString::fromUtf8(file.read(longest)) : QString();
 }
 
-// A token is good for one request; without a new one nothing is remembered. It stands for a leave
-// to look at the screen, so nobody else may read it.
+// Stores the token for the next request. Each token works once, so an empty one is removed. Only
+// the user may read it, because it permits looking at the screen.
 void writeToken(const QString& token) {
   if (token.isEmpty()) {
     QFile::remove(tokenPath());
@@ -59,7 +59,7 @@ void writeToken(const QString& token) {
   file.commit();
 }
 
-// The first node of the streams, as an array of (node, properties).
+// Returns the first node in an array of (node, properties).
 std::optional<std::uint32_t> firstNode(const QVariant& streams) {
   if (!streams.canConvert<QDBusArgument>()) return std::nullopt;
   const auto list = streams.value<QDBusArgument>();
@@ -79,7 +79,7 @@ std::optional<std::uint32_t> firstNode(const QVariant& streams) {
   return node;
 }
 
-// Steps in their order; the answer to each leads to the next.
+// Runs the steps in order; the answer to each starts the next.
 class Session : public QObject {
   Q_OBJECT
 
@@ -87,14 +87,14 @@ class Session : public QObject {
   Session(WId window, bool anew, const PortalEvents& events)
       : window_(window), token_(anew ? QString() : readToken()), events_(events) {
     QObject::connect(&portal_, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
-      // A picture that comes already comes without it.
+      // A stream that is already granted needs no portal.
       if (!over_ && !request_.isEmpty()) end(PortalEnd::Refused);
     });
     askForProperties();
   }
 
-  // Nothing is heard of the session after this. It is deleted later, because it ends in the middle
-  // of its own functions.
+  // Ends the session; nothing is reported after this. It is deleted later, because it may be ended
+  // from one of its own functions.
   void close() {
     over_ = true;
     if (!handle_.isEmpty()) bus_.send(callOf(handle_, "org.freedesktop.portal.Session", "Close"));
@@ -146,7 +146,7 @@ class Session : public QObject {
            SLOT(onResponse(const QDBusMessage&)));
   }
 
-  // Returns where the answer to a request comes from, perhaps before the reply to the call.
+  // Returns the object path that answers a request. The answer may come before the call's reply.
   QString pathOfRequest(const QString& token) const {
     const QString sender = bus_.baseService().mid(1).replace('.', '_');
     return desktopPath + "/request/" + sender + '/' + token;
@@ -165,7 +165,7 @@ class Session : public QObject {
     send(call, [this, expected](const QDBusPendingCall& answer) {
       const QDBusPendingReply<QDBusObjectPath> reply = answer;
       if (reply.isError()) return end(PortalEnd::Refused);
-      // Old portals choose paths of their own.
+      // Old portals choose the path themselves.
       const QString path = reply.value().path();
       if (request_ == expected && path != expected) listenToRequest(path);
     });
@@ -224,14 +224,14 @@ class Session : public QObject {
     send(call, [this, node = *node](const QDBusPendingCall& answer) {
       const QDBusPendingReply<QDBusUnixFileDescriptor> reply = answer;
       if (reply.isError() || !reply.value().isValid()) return end(PortalEnd::NoPipeWire);
-      // The reply's descriptor goes with it.
+      // Duplicates the descriptor, because the reply closes its own.
       const int connection = fcntl(reply.value().fileDescriptor(), F_DUPFD_CLOEXEC, 0);
       if (connection < 0) return end(PortalEnd::NoPipeWire);
       events_.granted(connection, node);
     });
   }
 
-  // The receiver may begin another session, which ends this one.
+  // Reports the end. The receiver may start another session, which ends this one.
   void end(PortalEnd end) {
     const auto ended = events_.ended;
     endPortalSession();
@@ -243,7 +243,7 @@ class Session : public QObject {
   QString token_;
   PortalEvents events_;
   QVariantMap properties_;
-  QString request_;  // the one that is not answered yet
+  QString request_;  // the request that waits for an answer
   Step next_ = nullptr;
   QString handle_;  // of the session
   bool over_ = false;

@@ -19,7 +19,7 @@ namespace {
 
 std::string arguments;
 
-// Returns the program's folder if it holds the user's transforms, else the user's own folder.
+// Returns the program's folder if the user's transforms are there, else the user's own folder.
 QString folderOfCustomFile() {
   const QString beside = QCoreApplication::applicationDirPath();
   const QString file = beside + '/' + customTransformFileName;
@@ -37,7 +37,8 @@ QString configFolder() {
   return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + "/tintora";
 }
 
-// A slash in the arguments makes the rule for the whole command line apply, as on every desktop.
+// If the arguments contain a slash, the rule applies to the whole command line, as on every
+// desktop.
 std::filesystem::path customTransformFile() {
   const std::string folder = folderOfCustomFile().toStdString();
   if (arguments.find_first_of("\\/") == std::string::npos) {

@@ -21,7 +21,7 @@ xcb_pixmap_t readPixmap(xcb_get_property_cookie_t request) {
   const Received<xcb_get_property_reply_t> property(xcb_get_property_reply(x(), request, nullptr));
   const xcb_pixmap_t pixmap = numberIn(property.get(), XCB_NONE);
   if (pixmap == XCB_NONE) return XCB_NONE;
-  // The setter may have gone, and its pixmap with it.
+  // The program that set the pixmap may be gone, and the pixmap with it.
   const Received<xcb_get_geometry_reply_t> geometry(
       xcb_get_geometry_reply(x(), xcb_get_geometry(x(), pixmap), nullptr));
   const bool fits = geometry && geometry->depth == xServer.screen->root_depth;
@@ -35,9 +35,10 @@ xcb_gcontext_t contextForCopies() {
   return context;
 }
 
-// The root's background cannot be asked for, but a window can have its parent's background painted
-// in it. This one, beneath all others, exists while the server is grabbed, so that nobody sees it.
-// It is filled with a colour first, which stays if the root has no background.
+// Copies the root's background through a window that paints its parent's background, because the
+// server does not give it out. The window is beneath all others and exists only while the server is
+// grabbed, so nobody sees it. It is filled with a colour first, which stays if the root has no
+// background.
 void copyThroughWindow(xcb_pixmap_t target, const QPoint& place, const QRect& part,
                        std::uint32_t colour) {
   static const xcb_gcontext_t copying = contextForCopies();
@@ -74,7 +75,7 @@ xcb_pixmap_t namedBackground() {
   return pixmap != XCB_NONE ? pixmap : other;
 }
 
-// Two colours that the background was painted over are still there if it paints nothing.
+// Returns true if the background covers two colours that were painted before it.
 bool paintsBackground() {
   constexpr std::array<std::uint32_t, 2> colours{0x123456, 0x654321};
   const xcb_pixmap_t pixels = xcb_generate_id(x());

@@ -7,14 +7,14 @@
 
 namespace tintora::platform {
 
-// Returns the pixmap that a background setter left for others to read, or XCB_NONE. It belongs to
-// the setter, and is repeated over the root.
+// Returns the pixmap that a background setter offers to other programs, or XCB_NONE. It belongs to
+// the setter and is repeated over the root.
 xcb_pixmap_t namedBackground();
 
 // Returns true if the server paints anything on the root.
 bool paintsBackground();
 
-// Copies a part of what the server paints on the root to the same place in a pixmap.
+// Copies a part of the root's background to the same place in a pixmap.
 void copyBackground(xcb_pixmap_t target, const QRect& part);
 
 }  // namespace tintora::platform

@@ -12,7 +12,7 @@ namespace tintora::platform {
 
 namespace {
 
-// Returns the text of the desktop's resources, a line for each, as xrdb leaves them on the root.
+// Returns the desktop's resources, one a line, as xrdb stores them on the root.
 std::string resources() {
   constexpr std::uint32_t mostWords = 65536;
   const Received<xcb_get_property_reply_t> reply(xcb_get_property_reply(

@@ -1,11 +1,11 @@
-// Sizes on screens of high resolution. The program's sizes are in pixels of a screen with 96 to the
-// inch; a desktop that is set to another resolution has them multiplied by a scale.
+// The scale of screens with a high resolution. The program's sizes are pixels at 96 dpi; on a
+// desktop with another resolution they are multiplied by its scale.
 #pragma once
 
 namespace tintora::platform {
 
-// Returns the scale of the desktop, 1 to 4: its resource "Xft.dpi" over 96, or 1 if it has none.
-// It is read once.
+// Returns the desktop's scale, 1 to 4: its resource "Xft.dpi" over 96, or 1 if it has none. The
+// resource is read only once.
 double desktopScale();
 
 }  // namespace tintora::platform

@@ -52,7 +52,7 @@ QRect readPrimary() {
   return first.isNull() ? wholeRoot() : first;
 }
 
-// Qt selects the events of RandR and of the root for its own connection.
+// Follows RandR's events and the root's, which Qt selects on its own connection.
 class MonitorEvents : public QAbstractNativeEventFilter {
  public:
   bool nativeEventFilter(const QByteArray& /*type*/, void* message, qintptr* /*result*/) override {

@@ -15,7 +15,8 @@ namespace tintora::platform {
 
 namespace {
 
-// File descriptors go over local sockets only; the connection breaks if one is sent over another.
+// Returns true if the socket to the server is local. Sending a descriptor over another one breaks
+// the connection.
 bool canSendDescriptors() {
   sockaddr address{};
   socklen_t length = sizeof address;
@@ -23,8 +24,8 @@ bool canSendDescriptors() {
   return getsockname(socket, &address, &length) == 0 && address.sa_family == AF_UNIX;
 }
 
-// Returns true if the server sees what the program writes: some random pixels come back from a
-// pixmap into which the server copied them from its side of the memory.
+// Returns true if the server sees what the program writes: random pixels that the server copies
+// into a pixmap must come back.
 bool isSameMemory(const SharedPixels& pixels) {
   constexpr std::uint16_t count = 16;
   std::array<std::uint32_t, count> written{};
@@ -51,7 +52,7 @@ bool isSameMemory(const SharedPixels& pixels) {
                             [](std::uint32_t pixel) { return pixel & 0xFFFFFF; });
 }
 
-// Returns a file that exists in memory only, or -1.
+// Creates a file that exists in memory only. Returns -1 on failure.
 int fileInMemory(std::size_t size) {
   const int file = memfd_create("tintora", MFD_CLOEXEC);
   if (file >= 0 && ftruncate(file, static_cast<off_t>(size)) == 0) return file;
@@ -73,10 +74,10 @@ bool makeShared(SharedPixels& pixels, std::size_t size) {
   pixels.bytes = static_cast<std::uint8_t*>(address);
   pixels.size = size;
   const xcb_shm_seg_t segment = xcb_generate_id(x());
-  // Sending it closes the descriptor.
+  // This request closes the descriptor.
   xcb_shm_attach_fd(x(), segment, file, 0);
   pixels.segment = segment;
-  // If the server has refused, it copies nothing.
+  // A server that has refused copies nothing.
   if (isSameMemory(pixels)) return true;
   release(pixels);
   return false;

@@ -1,4 +1,4 @@
-// Memory for pixels of four bytes, shared with the X server if it can be.
+// Memory for pixels of four bytes, shared with the X server if possible.
 #pragma once
 
 #include <xcb/shm.h>
@@ -16,11 +16,11 @@ struct SharedPixels {
   std::vector<std::uint8_t> unshared;
 };
 
-// Makes memory of the given size that the server has too; returns false if it cannot be shared, as
-// with a server on another machine.
+// Creates memory of this size that the server shares. Returns false if that is not possible, for
+// instance with a server on another machine.
 bool makeShared(SharedPixels& pixels, std::size_t size);
 
-// Makes memory of the program's own.
+// Creates memory that only the program has.
 void makeUnshared(SharedPixels& pixels, std::size_t size);
 
 // Releases the memory here and at the server.

@@ -9,16 +9,16 @@ namespace tintora::platform {
 namespace {
 
 constexpr std::size_t channels = 4;
-constexpr int wholeWeight = 256;  // a pixel's share in itself, so that sums of rows fit 16 bits
+constexpr int wholeWeight = 256;  // the weight of a whole pixel; sums of rows fit 16 bits
 
-// The pixels of the source that one of the result covers.
+// The source pixels that one result pixel covers.
 struct Cover {
   int first;
   std::span<const std::uint16_t> weights;  // their sum is wholeWeight
 };
 
-// The covers of pixels first..last of a line that is scaled from one length to another. Lengths are
-// counted so that a pixel of the source is as long as the result has pixels.
+// The covers of pixels first..last of a line that is scaled from one length to another. In the unit
+// used here, a source pixel is as long as the result has pixels.
 class Covers {
  public:
   Covers(std::int64_t from, std::int64_t to, int first, int last) {
@@ -36,7 +36,7 @@ class Covers {
   }
 
  private:
-  // Rounds the sums instead of the weights, so that nothing gets lost.
+  // Rounds the sums instead of the weights, so that they always add up to wholeWeight.
   void add(std::int64_t start, std::int64_t end, std::int64_t from, std::int64_t to) {
     starts_.push_back(static_cast<int>(start / to));
     offsets_.push_back(weights_.size());

@@ -1,5 +1,5 @@
-// Scales pictures by area: a pixel becomes the mean of what it covers in the source, so that text
-// stays readable when it is made smaller. Any part comes out exactly as it does in the whole.
+// Scales pictures by area: each pixel becomes the mean of what it covers in the source, so that
+// text stays readable when it shrinks. Any part scales exactly as it does in the whole picture.
 #pragma once
 
 #include <QRect>
@@ -16,12 +16,12 @@ struct PixelRows {
   QSize size;
 };
 
-// Scales a picture to a size, but only this part of the result, which is written to rows that begin
-// at the part's left top corner. Neither size is empty or exceeds 32767 pixels on a side.
+// Scales a picture to a size, and writes only this part of the result, to rows that begin at the
+// part's top left corner. Neither size may be empty or exceed 32767 pixels on a side.
 void scaleByArea(const PixelRows& source, const QSize& size, const QRect& part,
                  std::uint8_t* destination, std::ptrdiff_t destinationStride);
 
-// Returns the pixels of the scaled picture that a part of the source is seen in.
+// Returns the part of the scaled picture in which a part of the source is visible.
 QRect scaledPart(const QRect& part, const QSize& source, const QSize& size);
 
 }  // namespace tintora::platform

@@ -18,7 +18,7 @@ constexpr std::array<PixelFormat, 4> pixelFormats{{{SPA_VIDEO_FORMAT_BGRx, false
                                                    {SPA_VIDEO_FORMAT_RGBx, true},
                                                    {SPA_VIDEO_FORMAT_RGBA, true}}};
 
-// What a source is asked to tell of each frame, and for how many areas.
+// What a source should report with each frame, and for how many areas.
 struct FrameFact {
   spa_meta_type type;
   std::size_t size;
@@ -29,7 +29,7 @@ constexpr std::array<FrameFact, 3> frameFacts{
      {SPA_META_VideoCrop, sizeof(spa_meta_region), 1},
      {SPA_META_VideoDamage, sizeof(spa_meta_region), 32}}};
 
-// Parameters are built in this memory, one after another.
+// Holds the memory in which parameters are built one after another.
 struct Builder {
   static constexpr std::uint32_t room = 2048;
   std::array<std::byte, room> memory{};
@@ -52,7 +52,7 @@ const spa_pod* offeredFormats(spa_pod_builder& builder) {
   for (const PixelFormat& format : pixelFormats) spa_pod_builder_id(&builder, format.format);
   spa_pod_builder_pop(&builder, &choice);
 
-  // The preferred value, the least and the most.
+  // In this order: the preferred value, the least, the most.
   spa_pod_builder_prop(&builder, SPA_FORMAT_VIDEO_size, 0);
   spa_pod_builder_push_choice(&builder, &choice, SPA_CHOICE_Range, 0);
   spa_pod_builder_rectangle(&builder, 1920, 1080);

@@ -9,7 +9,7 @@
 
 namespace tintora::platform {
 
-// In pixels, of either side.
+// The longest side of a frame, in pixels.
 inline constexpr std::uint32_t largestFrame = 16384;
 
 struct FrameFormat {
@@ -17,13 +17,13 @@ struct FrameFormat {
   bool redFirst = false;  // red, green, blue in memory; else blue, green, red
 };
 
-// Reads the format that was agreed on; nothing if it is not one that was offered.
+// Reads the format that was agreed on. Returns nothing if it is not one that was offered.
 std::optional<FrameFormat> readFormat(const spa_pod& parameter);
 
 // Connects a stream to a node and offers all formats. Returns false on failure.
 bool connectStream(pw_stream* stream, std::uint32_t node);
 
-// Asks for buffers in shared memory, with what is known of each frame.
+// Requests buffers in shared memory, with the facts about each frame.
 void acceptBuffers(pw_stream* stream);
 
 }  // namespace tintora::platform

@@ -1,4 +1,4 @@
-// The program's text is Windows-1252; Qt's is Unicode.
+// Converts between the program's Windows-1252 text and Qt's Unicode.
 #pragma once
 
 #include <QString>
@@ -7,11 +7,11 @@
 
 namespace tintora::platform {
 
-// Text that is valid UTF-8 is read as such, because users' files of this desktop are written in it;
-// the program's own text never is, except where both are the same.
+// Returns the text in Unicode. Valid UTF-8 is read as such, because users' files on this desktop
+// have it. The program's own text is valid UTF-8 only if it is ASCII.
 QString toUnicode(std::string_view text);
 
-// Returns the first bytes of a text, at most so many, without cutting a character of UTF-8.
+// Returns the first bytes of a text, at most this many, without cutting a UTF-8 character.
 std::string_view firstBytes(std::string_view text, std::size_t most);
 
 }  // namespace tintora::platform

@@ -1,4 +1,4 @@
-// One top-level window of the screen, as far as the view needs to know it.
+// What the view needs to know about one top-level window of the screen.
 #pragma once
 
 #include <xcb/damage.h>
@@ -14,35 +14,35 @@
 
 namespace tintora::platform {
 
-// By this name, programs like this one know each other's covers, and do not cover them.
+// The name by which other instances of the program recognise covers, so they do not cover them.
 constexpr std::string_view coverName = "Tintora cover";
 
 struct TopLevel {
   xcb_window_t window = XCB_NONE;
-  QRect bounds;    // on the root, its border included
+  QRect bounds;    // on the root, including its border
   int border = 0;  // pixels
   bool mapped = false;
-  bool hasPixels = false;   // known to have some; an input-only window has none
+  bool hasPixels = false;   // false for input-only windows, or while not known
   bool unmanaged = false;   // a menu, a tip, or a window manager's own window
-  bool isCover = false;     // covers a window above the view of a program like this one
-  bool keepsAbove = false;  // it was raised above its cover too often
-  int timesRaised = 0;      // above its cover, since
+  bool isCover = false;     // a cover made by an instance of the program
+  bool keepsAbove = false;  // was raised above its cover too often
+  int timesRaised = 0;      // above its cover, since firstRaised
   std::chrono::steady_clock::time_point firstRaised;
-  bool isGuard = false;  // the window manager keeps what is not to be seen beneath it
+  bool isGuard = false;  // what lies beneath it is not visible, although mapped
   std::uint8_t depth = 0;
   const struct VisualFormat* format = nullptr;
-  std::uint32_t opacity = 0xFFFFFFFF;  // all of it
+  std::uint32_t opacity = 0xFFFFFFFF;  // opaque
   QRegion outline;                     // its shape on the root; empty: all of the bounds
-  QMargins unseen;                     // what is not painted at the edges of a frame
-  xcb_window_t client = XCB_NONE;      // another program's window in it whose changes are followed
-  xcb_window_t programWindow = XCB_NONE;    // this program's window in it
-  xcb_pixmap_t pixmap = XCB_NONE;           // its pixels, until it is unmapped or has another size
-  xcb_render_picture_t picture = XCB_NONE;  // the same for RENDER, unless they are plainly copied
+  QMargins unseen;                     // what is not painted at the frame's edges
+  xcb_window_t client = XCB_NONE;      // another program's window inside it, followed for changes
+  xcb_window_t programWindow = XCB_NONE;    // this program's window inside the frame
+  xcb_pixmap_t pixmap = XCB_NONE;           // its pixels, until it is unmapped or resized
+  xcb_render_picture_t picture = XCB_NONE;  // the same for RENDER, unless plain copying is enough
   bool redirected = false;                  // its pixels are kept apart from the screen's
   xcb_damage_damage_t damage = XCB_NONE;
-  bool damaged = false;  // more was drawn than has been asked for
+  bool damaged = false;  // there is drawing that has not been collected
 
-  // What is seen of it, as far as nothing covers it.
+  // Returns the part of the root that the window shows if nothing covers it.
   QRegion region() const {
     const QRect seen = bounds.marginsRemoved(unseen);
     return outline.isEmpty() ? QRegion(seen) : outline & seen;

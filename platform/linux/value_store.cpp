@@ -20,7 +20,7 @@ QString nameOf(const StoredValue& value) {
   return QString::fromLatin1(value.name.data(), static_cast<qsizetype>(value.name.size()));
 }
 
-// A whole number of 32 bits, with a sign or without.
+// Parses a whole number of 32 bits, with or without a sign.
 std::optional<std::uint32_t> parse(const QVariant& text) {
   bool whole = false;
   const qlonglong number = text.toString().toLongLong(&whole);
@@ -33,7 +33,7 @@ std::optional<std::uint32_t> parse(const QVariant& text) {
 
 }  // namespace
 
-// A store that cannot be written is as good as none, as everywhere.
+// A store that cannot be written counts as missing, as on every desktop.
 bool readValues(std::span<StoredValue> values) {
   const QFileInfo file(settingsPath());
   if (!file.isFile() || !file.isReadable() || !file.isWritable()) return false;
@@ -43,10 +43,10 @@ bool readValues(std::span<StoredValue> values) {
   return true;
 }
 
-// Whole or not at all: Qt writes a new file beside the old one and puts it in its place.
+// Writes all values or none: Qt writes a new file and then replaces the old one.
 void writeValues(std::span<const StoredValue> values) {
   const QFileInfo file(settingsPath());
-  // A pipe in its place would be waited for.
+  // Opening a pipe would block.
   if (file.exists() && !file.isFile()) return;
   QSettings settings(settingsPath(), QSettings::IniFormat);
   if (settings.status() == QSettings::FormatError) settings.clear();

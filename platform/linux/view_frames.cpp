@@ -10,7 +10,7 @@ namespace tintora::platform {
 
 namespace {
 
-// Room in steps, so that a window that is being sized does not need new frames at every step.
+// Rounds room up in steps, so that resizing a window does not need new frames at every step.
 int roundUp(int length) {
   constexpr int step = 256;
   return (length + step - 1) / step * step;
@@ -67,7 +67,8 @@ void sendRows(const ViewFrames& frames, xcb_window_t window, const QRect& part,
                 static_cast<std::uint32_t>(rows.size()), rows.data());
 }
 
-// Whole rows lie in the segment as they do in the frame, but narrow parts would read far too much.
+// Returns true if whole rows should be requested, which land in the segment as they lie in the
+// frame. For narrow parts that would read far too much.
 bool isWide(const ViewFrames& frames, const QRect& part) {
   return 2 * part.width() > frames.size.width();
 }
@@ -140,7 +141,7 @@ void beginReading(ViewFrames& frames) {
 PixelRequest requestPixels(ViewFrames& frames, const QRect& part) {
   switch (frames.sharing) {
     case PixelSharing::Pixmaps:
-      // They are there already when the answer to anything comes.
+      // The pixels are in shared memory as soon as any later reply arrives.
       return {xcb_get_input_focus(x()).sequence};
     case PixelSharing::Images:
       return isWide(frames, part) ? requestRows(frames, part) : requestPacked(frames, part);

@@ -1,5 +1,4 @@
-// The view's picture twice: as it was composed, and filtered. It is shared with the X server if it
-// can be.
+// The view's picture, as composed and as filtered. Shared with the X server if possible.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -18,12 +17,12 @@ namespace tintora::platform {
 struct ViewFrames {
   QSize size;                         // of both, in pixels
   xcb_pixmap_t composed = XCB_NONE;   // for drawing requests
-  xcb_gcontext_t context = XCB_NONE;  // for copies that make no events
+  xcb_gcontext_t context = XCB_NONE;  // for copies without events
   PixelSharing sharing = PixelSharing::None;
   SharedPixels unfiltered;
   SharedPixels filtered;
-  SharedPixels packed;         // narrow parts as the server sends them, if pixmaps are not shared
-  std::size_t packedSize = 0;  // bytes of it that are spoken for
+  SharedPixels packed;         // narrow parts from the server, if pixmaps are not shared
+  std::size_t packedSize = 0;  // bytes of it that are in use
 
   std::ptrdiff_t stride() const { return std::ptrdiff_t{4} * size.width(); }
   std::ptrdiff_t offset(const QPoint& place) const {
@@ -31,31 +30,30 @@ struct ViewFrames {
   }
 };
 
-// Makes room for a size. The frames stay as they are unless they have too little room or far too
-// much.
+// Makes room for a size. Changes the frames only if they have too little room or far too much.
 void makeRoom(ViewFrames& frames, const QSize& size, PixelSharing sharing);
 
 // Releases both frames.
 void releaseFrames(ViewFrames& frames);
 
-// Cuts a region into parts that are small enough for the processor's caches: one is filtered while
-// the server is at work on the next.
+// Cuts a region into parts that fit the processor's caches. One part is filtered while the server
+// works on the next.
 std::vector<QRect> inParts(const QRegion& region);
 
-// A part of the composed pixmap that was asked for.
+// A request for a part of the composed pixmap.
 struct PixelRequest {
   unsigned int sequence;
   std::size_t packedAt = 0;
   bool isPacked = false;
 };
 
-// Starts reading parts that do not overlap. All that was requested before must have been received.
+// Starts reading parts, which must not overlap. All earlier requests must have been received.
 void beginReading(ViewFrames& frames);
 
-// Requests a part of the composed pixmap, as it is when all requests so far have been drawn.
+// Requests a part of the composed pixmap after all drawing requested so far.
 PixelRequest requestPixels(ViewFrames& frames, const QRect& part);
 
-// Waits until the part stands among the unfiltered pixels; returns false if it does not.
+// Waits until the part is among the unfiltered pixels. Returns false on failure.
 bool receivePixels(ViewFrames& frames, const QRect& part, const PixelRequest& request);
 
 // Shows a part of the filtered pixels at a place in a window.

@@ -18,14 +18,14 @@ namespace tintora::platform {
 
 namespace {
 
-// By WindowKind.
+// In the order of WindowKind.
 const std::array<Qt::WindowFlags, 3> windowKinds{
     Qt::Window | Qt::WindowStaysOnTopHint,
     Qt::Dialog | Qt::WindowStaysOnTopHint | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
         Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint,
     Qt::Window | Qt::WindowStaysOnTopHint};
 
-// By WindowForm.
+// In the order of WindowForm.
 struct WindowFormFacts {
   bool framed;
   Qt::WindowState state;
@@ -43,14 +43,14 @@ const Value& at(const std::array<Value, size>& table, Index index) {
   return table[static_cast<std::size_t>(index)];
 }
 
-// The main window, once it is made.
+// The main window, once it exists.
 Window* mainWindow = nullptr;
 
 bool fillsScreen(const Window* window) {
   return window != nullptr && window->form == WindowForm::FullScreen;
 }
 
-// A window manager fills the monitor that the window stands on.
+// Moves the window first, because a window manager fills the monitor that the window is on.
 void moveToPrimaryMonitor(Window* window) {
   const QRect outer = boundsAskedFor(window);
   const QRect& primary = primaryMonitor();
@@ -61,8 +61,8 @@ void moveToPrimaryMonitor(Window* window) {
   askForBounds(window, {place, outer.size()});
 }
 
-// Where the view fills the screen and lets the mouse through, other programs' menus and tips come
-// above it, and are to be seen through it too.
+// Covers other programs' menus and tips while the view fills the screen and lets the mouse through.
+// They appear above it, and the user must see them through it too.
 void coverOthers(const Window* window) {
   if (window == mainWindow) coverWindowsAbove(fillsScreen(window) && window->hitTransparent);
 }
@@ -74,8 +74,8 @@ void setFrame(Window* window, bool framed) {
   floatWindow(window);
 }
 
-// A window manager is asked anew: it fills the monitor that the window is on, and not every one
-// looks again when monitors change.
+// Asks the window manager again to fill the monitor that the window is on, because not every window
+// manager adapts when monitors change.
 void fillPrimaryMonitor(Window* window) {
   if (!managerMakesFullScreen()) return askForBounds(window, primaryMonitor());
   window->window->setWindowStates(Qt::WindowNoState);
@@ -83,12 +83,13 @@ void fillPrimaryMonitor(Window* window) {
   window->window->setWindowStates(Qt::WindowFullScreen);
 }
 
-// Returns the focus to the main window if the window has it: a window manager would give it to
-// another program. Some do so late, after the focus has moved: then it is asked for once more.
+// Hides a window. If it has the focus, returns the focus to the main window, because a window
+// manager would give it to another program. Some do so late, after the focus has moved, so it is
+// requested once more.
 void hideWindow(Window* window) {
   const bool passesFocus = window != mainWindow && mainWindow->window->isVisible() &&
                            QGuiApplication::focusWindow() == window->window.get();
-  // While it is hidden, nobody tells the frame that its bounds count.
+  // While the window is hidden, no event confirms the frame in its bounds.
   rememberFrame(window);
   window->window->setVisible(false);
   if (!passesFocus) return;
@@ -101,8 +102,8 @@ void hideWindow(Window* window) {
 
 }  // namespace
 
-// The end of a session may take the X server away, and then Qt ends the process. What was read by
-// now, such as the settings, can still be written when the functions registered here run.
+// The end of a session may take the X server away, and then Qt ends the process. The functions
+// registered here still run then, and can write what was read by now, such as the settings.
 void registerWindowKinds(EventHandler handler) {
   static_cast<void>(std::atexit(&tellSessionEnds));
   setEventHandler(handler);
@@ -113,14 +114,14 @@ void unregisterWindowKinds() {
 }
 
 Window* createWindow(WindowKind kind, const std::string& title, const Rect& bounds) {
-  // Windows live as long as the program.
+  // Never deleted: windows live as long as the program.
   auto* const window = new Window;
   window->kind = kind;
   window->window->setFlags(at(windowKinds, kind));
   window->window->create();
   if (kind == WindowKind::Control) fixSize(window, onRoot(bounds).size());
   if (kind == WindowKind::Main) mainWindow = window;
-  // Above the main window even if that fills the screen.
+  // Keeps the window above the main one even if that fills the screen.
   if (kind == WindowKind::Control) window->window->setTransientParent(mainWindow->window.get());
   if (kind != WindowKind::Control) floatWindow(window);
   finishQtRequests();
@@ -169,7 +170,7 @@ void showWindow(Window* window, ShowState state) {
 
 void setWindowBounds(Window* window, const Rect& bounds) {
   const QRect outer = onRoot(bounds);
-  // Asked for its bounds, a window manager takes a window out of full screen.
+  // A request for bounds would make the window manager end full screen.
   if (fillsScreen(window) && managerMakesFullScreen()) return expectBounds(window, outer);
   if (outer == boundsAskedFor(window)) return;
   if (window == mainWindow) noteMainMoved();
@@ -221,7 +222,7 @@ void startTimer(Window* window, int milliseconds) {
   window->timer.callOnTimeout(window->window.get(), [window] {
     handOver({.kind = EventKind::TimerElapsed, .window = window});
   });
-  // The others may come some percent too early.
+  // Other timer types may elapse some percent too early.
   window->timer.setTimerType(Qt::PreciseTimer);
   window->timer.start(milliseconds);
 }

@@ -27,7 +27,7 @@ void collectDamage(const QRect& part) {
     const TopLevel* topLevel;
     xcb_xfixes_fetch_region_cookie_t cookie;
   };
-  // One region is enough, because the server answers in the order of the questions.
+  // One region is enough, because the server answers requests in order.
   static const xcb_xfixes_region_t fetched = emptyRegion();
   std::vector<Question> questions;
   for (TopLevel* const topLevel : windowsLookedAt()) {

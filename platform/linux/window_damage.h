@@ -5,8 +5,8 @@
 
 namespace tintora::platform {
 
-// Asks the server what was drawn in the windows that reach into a part of the root, and adds it to
-// the stack's changes.
+// Reads what was drawn in the windows that reach into a part of the root, and adds it to the
+// stack's changes.
 void collectDamage(const QRect& part);
 
 }  // namespace tintora::platform

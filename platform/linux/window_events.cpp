@@ -43,7 +43,7 @@ void watch(TopLevel& topLevel) {
   if (windowStack.redirecting) redirect(topLevel);
 }
 
-// A window that was destroyed took all this with it; this is for one that lives on elsewhere.
+// Stops watching a window that still exists. The server does so itself for destroyed ones.
 void unwatch(TopLevel& topLevel) {
   unredirect(topLevel);
   const std::uint32_t events = XCB_EVENT_MASK_NO_EVENT;
@@ -51,7 +51,8 @@ void unwatch(TopLevel& topLevel) {
   xcb_change_window_attributes(x(), topLevel.window, XCB_CW_EVENT_MASK, &events);
 }
 
-// Programs whose windows nobody looks at draw straight to the screen, as they do without this one.
+// Redirects other windows only while the main window is shown. Otherwise programs draw straight to
+// the screen, as they do without this program.
 void redirectWhileShown() {
   const bool shown = isOwnWindowShown();
   if (shown == windowStack.redirecting) return;
@@ -66,7 +67,7 @@ void redirectWhileShown() {
   if (shown) changeAll();
 }
 
-// Reads everything about a window again.
+// Reads all facts about a window again.
 void readAgain(TopLevel& topLevel) {
   const bool wasGuard = topLevel.isGuard;
   noteChange(topLevel);
@@ -82,7 +83,7 @@ void readAllAgain() {
   changeAll();
 }
 
-// Returns the child of the root that a window stands in, however deep.
+// Returns the child of the root that contains a window at any depth.
 xcb_window_t topLevelOf(xcb_window_t window) {
   while (true) {
     const Received<xcb_query_tree_reply_t> tree(
@@ -92,7 +93,8 @@ xcb_window_t topLevelOf(xcb_window_t window) {
   }
 }
 
-// Does what is needed after the main window was put into a frame, or taken out of one.
+// Finds the main window's top-level window again after the main window was put into a frame or
+// taken out of one.
 void findOwnTopLevel() {
   const xcb_window_t before = windowStack.ownTopLevel;
   windowStack.ownTopLevel = topLevelOf(windowStack.ownWindow);
@@ -126,7 +128,7 @@ void forget(xcb_window_t window, bool livesOn) {
   windowStack.windows.erase(found);
 }
 
-// Notes which frames hold windows of this program.
+// Notes which frames contain windows of this program.
 void noteFrame(const xcb_reparent_notify_event_t& event) {
   for (TopLevel& topLevel : windowStack.windows) {
     if (topLevel.programWindow == event.window) topLevel.programWindow = XCB_NONE;
@@ -164,7 +166,7 @@ void onUnmapped(xcb_window_t window) {
   if (found->isGuard) changeAll();
 }
 
-// Puts a window right above another one, or below all if there is none.
+// Puts a window directly above another one, or below all if that is XCB_NONE.
 void restack(std::vector<TopLevel>::iterator moved, xcb_window_t below) {
   std::vector<TopLevel>& windows = windowStack.windows;
   const auto lower = below == XCB_NONE ? windows.end() : findTopLevel(below);
@@ -212,7 +214,7 @@ void onCirculated(const xcb_circulate_notify_event_t& event) {
   restack(found, toTop ? windowStack.windows.back().window : xcb_window_t{XCB_NONE});
 }
 
-// Follows a change of a window inside a frame.
+// Handles a change of a window inside a frame.
 void followClient(xcb_window_t client) {
   const auto found = std::ranges::find(windowStack.windows, client, &TopLevel::client);
   if (found == windowStack.windows.end()) return;
@@ -256,9 +258,10 @@ const Event& as(const xcb_generic_event_t& event) {
   return reinterpret_cast<const Event&>(event);
 }
 
-// Events of the root's children come from the root. Others are of windows inside frames.
+// Handles structure events: those of the root's children, which the root reports, and those of
+// windows inside frames.
 void followStructure(const xcb_generic_event_t& event) {
-  // In all of these the window that reports stands where it does in this one.
+  // The reporting window is in the same position in all of these events.
   const xcb_window_t reporter = as<xcb_configure_notify_event_t>(event).event;
   const std::uint8_t kind = event.response_type & 0x7F;
   switch (kind) {
@@ -299,8 +302,8 @@ void watchWindows(xcb_window_t ownWindow) {
   const xcb_window_t root = xServer.screen->root;
   const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY |
                                XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
-  // The server is grabbed, so that no window comes or goes between the list of them, the events
-  // that tell of others, and what is asked about each.
+  // Grabs the server, so that no window comes or goes between the list of windows, the events that
+  // report later ones, and the questions about each.
   xcb_grab_server(x());
   xcb_change_window_attributes(x(), root, XCB_CW_EVENT_MASK, &events);
   followCompositing();

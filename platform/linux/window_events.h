@@ -1,5 +1,5 @@
-// Follows the top-level windows by the server's events: which there are, in what order, and what
-// changes in them.
+// Follows the top-level windows by the server's events: which ones exist, their order and their
+// changes.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -7,13 +7,13 @@
 namespace tintora::platform {
 
 // Reads the stack and follows every change from now on. While the main window is shown, the server
-// keeps the windows' pixels apart from the screen's, so that covered windows can be read too.
+// keeps the windows' pixels apart from the screen's, so covered windows can be read too.
 void watchWindows(xcb_window_t ownWindow);
 
 // Stops following the windows.
 void forgetWindows();
 
-// Takes in one event of the server.
+// Handles one event of the server.
 void followEvent(const xcb_generic_event_t& event);
 
 }  // namespace tintora::platform

@@ -30,8 +30,9 @@ std::string_view textIn(const xcb_get_property_reply_t* reply) {
           static_cast<std::size_t>(xcb_get_property_value_length(reply))};
 }
 
-// Some window managers that compose the screen keep minimised windows mapped, for small pictures of
-// them, beneath a window without pixels that covers the screen. It is known by its name alone.
+// Returns true for a guard window. Some window managers that compose the screen keep minimised
+// windows mapped, to draw thumbnails of them, beneath a window without pixels that covers the
+// screen. Only its name identifies it.
 bool isGuard(const xcb_get_window_attributes_reply_t& attributes,
              const xcb_get_property_reply_t* name) {
   return attributes._class == XCB_WINDOW_CLASS_INPUT_ONLY && attributes.override_redirect != 0 &&

@@ -1,4 +1,4 @@
-// What the server knows of a top-level window, asked for in one go.
+// What the server knows about a top-level window, requested all at once.
 #pragma once
 
 #include <xcb/shape.h>
@@ -8,7 +8,7 @@
 
 namespace tintora::platform {
 
-// The questions about a window. All are sent before the first answer is waited for.
+// The questions about a window. All are sent before any answer is awaited.
 struct Enquiry {
   xcb_window_t window;
   xcb_get_window_attributes_cookie_t attributes;
@@ -22,10 +22,10 @@ struct Enquiry {
 // Sends the questions.
 Enquiry enquire(xcb_window_t window);
 
-// Waits for the answers and stores them. A window that has gone is left without pixels.
+// Waits for the answers and stores them. A window that is gone gets no pixels.
 void readAnswers(TopLevel& topLevel, const Enquiry& enquiry);
 
-// Returns the number in a property of one 32-bit value, or a default.
+// Returns the value of a property that is one 32-bit number, or a default.
 std::uint32_t numberIn(const xcb_get_property_reply_t* reply, std::uint32_t otherwise);
 
 }  // namespace tintora::platform

@@ -19,12 +19,12 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A window manager that tells frames in advance answers within this time.
+// The time in which a window manager announces a frame, if it does so at all.
 constexpr std::chrono::milliseconds frameReplyTimeout{20};
 constexpr std::chrono::microseconds frameReplyPause{500};
-// Within this time the events of a request have come, and a window's appearance is over.
+// The time in which the events of a request arrive, and in which a window finishes appearing.
 constexpr std::chrono::milliseconds travelTime{500};
-// Within this time a window manager has done what it was asked to, however busy it is.
+// The time in which a window manager does what it was asked, however busy it is.
 constexpr std::chrono::milliseconds answerTime{3000};
 
 Clock::time_point mainMoved;
@@ -37,8 +37,8 @@ bool isWithin(std::chrono::milliseconds duration, Clock::time_point since) {
   return Clock::now() - since < duration;
 }
 
-// Under a window manager that does not tell its frames, Qt measures them, and while the window
-// changes its size it compares the old one with the new.
+// Returns false for a frame that Qt measured wrongly. If the window manager does not announce
+// frames, Qt computes them, and during a resize it compares old sizes with new ones.
 bool isPlausible(const QMargins& frame) {
   constexpr int widest = 100;
   const auto isWidth = [](int width) { return width >= 0 && width <= widest; };
@@ -78,7 +78,7 @@ bool isAtRest(const Window* window) {
          window->window->windowStates() == Qt::WindowNoState && !isFilled(window);
 }
 
-// Qt hears of it later.
+// Returns the size that the window has on the server. Qt learns it later.
 QSize sizeOnServer(const Window* window) {
   xcb_connection_t* const x = xServer.connection;
   const auto id = static_cast<xcb_window_t>(window->window->winId());
@@ -90,20 +90,21 @@ QSize sizeOnServer(const Window* window) {
 void moveInto(Window* window, const AskedBounds& asked) {
   const QRect inner = asked.outer.marginsRemoved(asked.frame);
   if (window->kind == WindowKind::Control) fixSize(window, inner.size());
-  // Qt sends no request if it believes the window to be there, though an earlier request may be on
-  // its way.
+  // Qt sends no request if it believes that the window is there already, although an earlier
+  // request may still be on its way.
   if (window->window->geometry() == inner) return requestGeometry(window, inner);
   window->window->setGeometry(inner);
 }
 
-// A window manager may put a window elsewhere than where it was asked to, and late when it is busy.
+// Returns true if a move may be the window manager's answer to a request. It may choose another
+// place, and it may be late when it is busy.
 bool answersRequest(const Window* window) {
   const bool asked = !window->asked.empty() && isWithin(answerTime, window->asked.back().time);
   return asked || isWithin(answerTime, window->shown);
 }
 
-// The user moves a window with a button held on its frame, or by keys that the window manager
-// reads. While the main window moves, it is the one that the user holds.
+// Returns true if the user is moving the window: with a button held on its frame, or by keys that
+// the window manager reads. While the main window moves, that is the one that the user holds.
 bool isHeldByUser(const Window* window) {
   if (isWithin(travelTime, mainMoved)) return false;
   if (window->keyboardHeld || isWithin(travelTime, window->keyboardReleased)) return true;
@@ -149,7 +150,7 @@ void allowForFrame(Window* window) {
   AskedBounds& last = window->asked.back();
   const QMargins frame = frameOf(window);
   if (frame == last.frame || !isWithin(answerTime, last.time) || !isAtRest(window)) return;
-  // Another size has come with the frame: the window manager is at work on another form.
+  // If the size has changed with the frame, the window manager is still switching to another form.
   if (sizeOnServer(window) != last.outer.marginsRemoved(last.frame).size()) return;
   rememberFrame(window);
   last.frame = frame;
@@ -184,7 +185,7 @@ Mover moverOf(Window* window) {
     window->asked.clear();
     return Mover::User;
   }
-  // Some place a window where they like when it appears, but obey when they are told again.
+  // Some window managers place a new window where they like, but obey a second request.
   if (window->insists && isAtRest(window) && isWithin(answerTime, window->shown) &&
       !window->asked.empty() && window->asked.back().outer.size() == outer.size()) {
     window->insists = false;

@@ -1,5 +1,5 @@
-// Where windows were asked to be and where they are, with the frame that a window manager puts
-// around them. All areas are on the root.
+// The places where windows were requested to be and where they are, including the frame that a
+// window manager puts around them. All areas are on the root.
 #pragma once
 
 #include <QRect>
@@ -8,43 +8,44 @@
 
 namespace tintora::platform {
 
-// Asks the window manager for the frame that it will put around a window which it has not seen yet.
-// Returns without one if it does not answer at once.
+// Requests the frame that the window manager will put around a window that it does not know yet.
+// Returns without one if there is no quick answer.
 void askForFrame(Window* window);
 
-// Notes outer bounds that the window is on its way to.
+// Notes outer bounds that the window is about to have.
 void expectBounds(Window* window, const QRect& outer);
 
-// Asks for outer bounds.
+// Requests outer bounds.
 void askForBounds(Window* window, const QRect& outer);
 
-// Fits the main window and its view to the primary monitor after that has changed.
+// Fits the main window and its view to the primary monitor after the monitor has changed.
 void onMonitorsChanged();
 
-// Asks once more if the window manager has given the window another frame since.
+// Requests the same outer bounds again if the window manager has changed the frame since.
 void allowForFrame(Window* window);
 
-// Returns the window's bounds with the frame that it has, or will have in its form.
+// Returns the window's bounds with its frame, or with the frame that its form will have.
 QRect outerBounds(const Window* window);
 
-// Returns the bounds that were asked for while the request may still be on its way, else the outer
-// bounds. For a while, events tell of older places, which must not be taken for the window's.
+// Returns the requested bounds while the request may still be on its way, else the outer bounds.
+// For a while, events report older places, which must not be used.
 QRect boundsAskedFor(const Window* window);
 
-// Fixes the size of the control window, which has no sizing frame.
+// Fixes the size of the control window, which cannot be resized.
 void fixSize(Window* window, const QSize& size);
 
-// On whose behalf a window has come to where it is.
+// Who caused a window's move.
 enum class Mover { Program, WindowManager, User };
 Mover moverOf(Window* window);
 
-// Notes that the window is seen: if it stands where it was asked to, it may be moved from there.
+// Notes that the window has appeared. If it is in the requested place, it may be moved from there.
 void noteAppearance(Window* window);
 
-// Notes that the main window moves: what follows it is not moved by the user.
+// Notes that the main window moves, so that windows that follow it do not count as moved by the
+// user.
 void noteMainMoved();
 
-// Remembers the frame for the time after the window has had none.
+// Remembers the frame for when the window has had none for a while.
 void rememberFrame(Window* window);
 
 }  // namespace tintora::platform

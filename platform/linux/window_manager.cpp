@@ -19,7 +19,7 @@ namespace tintora::platform {
 
 namespace {
 
-// What Qt asks and tells goes over its own connection; requests here follow Qt's in order.
+// Returns Qt's connection. Requests sent over it follow Qt's own in order.
 xcb_connection_t* qtConnection() {
   return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
 }
@@ -40,8 +40,8 @@ std::span<const std::uint32_t> numbers(const xcb_get_property_reply_t* reply) {
   return {static_cast<const std::uint32_t*>(xcb_get_property_value(reply)), reply->value_len};
 }
 
-// A list of what it can be asked may be left behind by a window manager that is gone: one that
-// lives has a window that names itself.
+// Returns true if a window manager is running. One that is gone may leave its list of supported
+// requests behind; one that runs has a window that names itself.
 bool isManaged() {
   const xcb_atom_t check = xServer.supportingWmCheck;
   const auto named = property(xServer.screen->root, check, XCB_ATOM_WINDOW);
@@ -85,8 +85,8 @@ const Event& as(const xcb_generic_event_t& event) {
   return reinterpret_cast<const Event&>(event);
 }
 
-// After the other changes that a window manager makes together with that of a frame, which come one
-// by one.
+// Waits for the changes that a window manager makes together with that of a frame, because they
+// come one by one.
 void onFrameChangedLater(xcb_window_t id) {
   constexpr int milliseconds = 30;
   Window* const window = windowOf(id);
@@ -137,7 +137,8 @@ bool managerTellsFrames() {
   return isSupported(xServer.requestFrameExtents);
 }
 
-// As an ordinary window first; those who only look whether the list has an entry float utilities.
+// Makes the window an ordinary one first and a utility second. Window managers that only check
+// whether the list contains a type float utilities.
 void floatWindow(Window* window) {
   xcb_change_property(qtConnection(), XCB_PROP_MODE_APPEND, idOf(window), xServer.windowType,
                       XCB_ATOM_ATOM, 32, 1, &xServer.utilityType);
@@ -174,7 +175,7 @@ void setWindowAbove(Window* window, const Window* parent) {
   xcb_flush(qtConnection());
 }
 
-// A window manager's frame is hit before the window.
+// Shapes the frames too, because the mouse hits a frame before the window.
 void shapeInput(Window* window) {
   const xcb_window_t root = xServer.screen->root;
   for (auto part = idOf(window); part != root && part != XCB_NONE; part = parentOf(part)) {

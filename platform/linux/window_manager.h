@@ -1,4 +1,4 @@
-// What the program asks of the window manager beyond what Qt does, and what only it tells.
+// Requests to the window manager beyond Qt's, and facts that only the window manager knows.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -7,32 +7,32 @@
 
 namespace tintora::platform {
 
-// Returns true if a window manager makes windows fill the screen when it is asked to.
+// Returns true if a window manager supports requests for full screen.
 bool managerMakesFullScreen();
 
-// Returns true if a window manager tells the frame of a window that is not yet shown.
+// Returns true if a window manager announces the frame of a window before it is shown.
 bool managerTellsFrames();
 
-// Asks tiling window managers to leave the window at its own size and place. Call it again after
-// Qt's flags of the window have changed.
+// Requests that tiling window managers leave the window's size and place alone. Call it again after
+// changing Qt's flags of the window.
 void floatWindow(Window* window);
 
-// Asks for a window's place and size without its frame, on the root.
+// Requests a window's place and size without its frame, on the root.
 void requestGeometry(const Window* window, const QRect& inner);
 
-// Returns true if the window manager has maximised the window or fills the screen with it.
+// Returns true if the window manager has maximised the window or made it fill the screen.
 bool isFilled(const Window* window);
 
-// Keeps a window above another one that fills the screen. With null, stops doing so.
+// Keeps a window above another one that fills the screen, or stops doing so if that is null.
 void setWindowAbove(Window* window, const Window* parent);
 
 // Passes mouse input through the window and every frame around it, or stops doing so.
 void shapeInput(Window* window);
 
-// From now on, keeps the input shape and the bounds of windows right when their frames change.
+// From now on, corrects the input shape and the bounds of windows when their frames change.
 void followWindowManager();
 
-// Waits until the server has done what Qt has asked of it.
+// Waits until the server has handled all of Qt's requests.
 void finishQtRequests();
 
 }  // namespace tintora::platform

@@ -1,15 +1,15 @@
-// The pixels of the windows on the screen, which the server keeps apart from the screen's own.
+// The pixels of the windows on the screen, which the server keeps apart from the screen's.
 #pragma once
 
 #include "platform/linux/top_level.h"
 
 namespace tintora::platform {
 
-// How a window's pixels come into a picture of the screen's depth.
+// How a window's pixels are drawn into a picture of the screen's depth.
 enum class Drawing {
   Copy,
-  Convert,  // from another depth, leaving out an alpha channel
-  Blend,    // with what is beneath, as compositing managers do
+  Convert,  // from another depth, without the alpha channel
+  Blend,    // over what is beneath, as compositing managers do
 };
 
 Drawing drawingOf(const TopLevel& topLevel);

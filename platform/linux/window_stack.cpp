@@ -12,7 +12,7 @@ WindowStack windowStack;
 
 namespace {
 
-// The place of the window that shows the view; past the end if it is unknown.
+// Returns the index of the window that shows the view, or the number of windows if it is unknown.
 std::size_t placeOfView() {
   return static_cast<std::size_t>(findTopLevel(windowStack.ownTopLevel) -
                                   windowStack.windows.begin());
@@ -22,7 +22,8 @@ std::size_t placeOf(const TopLevel& topLevel) {
   return static_cast<std::size_t>(&topLevel - windowStack.windows.data());
 }
 
-// What is beneath a guard window is mapped but not to be seen.
+// Returns the index of the lowest visible window. Windows beneath a guard window are mapped but not
+// visible.
 std::size_t firstSeen() {
   const auto guard =
       std::find_if(windowStack.windows.rbegin(), windowStack.windows.rend(),
@@ -88,7 +89,7 @@ bool isOwnWindowShown() {
 std::vector<TopLevel*> windowsLookedAt() {
   std::vector<TopLevel*> lookedAt;
   const std::size_t view = placeOfView();
-  // If the own frame is not found, nothing is known to be beneath it.
+  // Without the own frame, no window is known to be beneath it.
   if (view >= windowStack.windows.size()) return lookedAt;
   const std::size_t end = windowStack.coversAbove ? windowStack.windows.size() : view;
   for (std::size_t place = firstSeen(); place < end; ++place) {

@@ -28,7 +28,7 @@ bool isPresent(xcb_extension_t* extension) {
   return facts != nullptr && facts->present != 0;
 }
 
-// The one that the view cannot do without and the server lacks.
+// Returns the name of a required extension that the server lacks, or null.
 const char* missingExtension() {
   const std::array<Extension, 5> needed{{
       {&xcb_composite_id, "Composite"},
@@ -45,7 +45,7 @@ const char* missingExtension() {
   return nullptr;
 }
 
-// An extension gives a client nothing before it has said which version it speaks.
+// Tells each extension which version the program uses. Extensions accept nothing else before that.
 void agreeOnVersions() {
   xcb_connection_t* const x = xServer.connection;
   const auto composite = xcb_composite_query_version(x, 0, 4);
@@ -63,7 +63,7 @@ PixelSharing askForSharing() {
   if (!isPresent(&xcb_shm_id)) return PixelSharing::None;
   const Received<xcb_shm_query_version_reply_t> version(
       xcb_shm_query_version_reply(x, xcb_shm_query_version(x), nullptr));
-  // Memory is shared by file descriptors, which name the same memory in every container.
+  // Memory is shared by file descriptors, because they name the same memory in every container.
   const bool byDescriptors = version && (version->major_version > 1 || version->minor_version >= 2);
   if (!byDescriptors) return PixelSharing::None;
   const bool pixmaps =
@@ -133,7 +133,7 @@ const xcb_screen_t* screenNumber(int number) {
   return screens.data;
 }
 
-// Pixels of four bytes in the order blue, green, red.
+// Returns true if pixels have four bytes in the order blue, green, red.
 bool hasPixelsAsFiltered() {
   const xcb_setup_t* const setup = xcb_get_setup(xServer.connection);
   if (setup->image_byte_order != XCB_IMAGE_ORDER_LSB_FIRST) return false;

@@ -1,5 +1,5 @@
-// The program's own connection to the X server, beside Qt's: what the filtered view needs of other
-// programs' windows goes over it.
+// The program's own connection to the X server, beside Qt's. The filtered view uses it for all that
+// it needs of other programs' windows.
 #pragma once
 
 #include <xcb/render.h>
@@ -14,21 +14,21 @@
 
 namespace tintora::platform {
 
-// Replies and events come from malloc.
+// Frees replies and events, which come from malloc.
 struct Free {
   void operator()(void* block) const { std::free(block); }
 };
 template <typename Block>
 using Received = std::unique_ptr<Block, Free>;
 
-// What RENDER reads windows of a visual as.
+// The RENDER format of windows with this visual.
 struct VisualFormat {
   xcb_visualid_t visual;
   xcb_render_pictformat_t format;
   bool hasAlpha;
 };
 
-// How far pixels can be shared with the server instead of being sent.
+// How many pixels can be shared with the server instead of being sent.
 enum class PixelSharing { None, Images, Pixmaps };
 
 struct XServer {
@@ -38,13 +38,13 @@ struct XServer {
   std::uint8_t damageNotify = 0;  // event codes
   std::uint8_t shapeNotify = 0;
   std::uint8_t selectionNotify = 0;
-  xcb_atom_t rootPixmap = XCB_NONE;     // the two names under which background setters
-  xcb_atom_t setRootPixmap = XCB_NONE;  // leave their pixmap
+  xcb_atom_t rootPixmap = XCB_NONE;     // the two properties in which background
+  xcb_atom_t setRootPixmap = XCB_NONE;  // setters store their pixmap
   xcb_atom_t windowOpacity = XCB_NONE;
   xcb_atom_t wmState = XCB_NONE;
   xcb_atom_t supportingWmCheck = XCB_NONE;   // the window manager's own window
   xcb_atom_t compositingManager = XCB_NONE;  // the selection that a compositing manager owns
-  xcb_atom_t supported = XCB_NONE;           // what a window manager can be asked
+  xcb_atom_t supported = XCB_NONE;           // the requests that a window manager supports
   xcb_atom_t requestFrameExtents = XCB_NONE;
   xcb_atom_t frameExtents = XCB_NONE;
   xcb_atom_t windowType = XCB_NONE;
@@ -62,7 +62,7 @@ inline xcb_connection_t* x() {
   return xServer.connection;
 }
 
-// Numbers as requests carry them.
+// Convert numbers to the types of requests.
 inline std::int16_t i16(int value) {
   return static_cast<std::int16_t>(value);
 }
@@ -70,16 +70,16 @@ inline std::uint16_t u16(int value) {
   return static_cast<std::uint16_t>(value);
 }
 
-// Connects. Returns nothing on success, else one line that says what stands in the way.
+// Connects to the server. Returns nothing on success, else one line that says why it failed.
 std::optional<std::string> connectToXServer();
 
-// Ends the connection and releases all that the server holds for it.
+// Closes the connection, which releases all that the server holds for it.
 void disconnectFromXServer();
 
-// Returns the format of a visual, or null if RENDER has none.
+// Returns the RENDER format of a visual, or null if it has none.
 const VisualFormat* formatOf(xcb_visualid_t visual);
 
-// Waits until the server has done all that was asked so far.
+// Waits until the server has handled all requests so far.
 void waitForXServer();
 
 }  // namespace tintora::platform

@@ -56,7 +56,7 @@ void record(const char* function, const Arguments&... arguments) {
   if (graphics.keepsCalls) graphics.calls.push_back(inWords(function, arguments...));
 }
 
-// Records a call among those to the desktop.
+// Adds a call to the desktop's list of calls.
 template <typename... Arguments>
 void recordForDesktop(const char* function, const Arguments&... arguments) {
   nullDesktop().calls.push_back(inWords(function, arguments...));

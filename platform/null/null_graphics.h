@@ -1,4 +1,4 @@
-// A graphics device for tests. It draws nothing and records what it was asked.
+// A graphics device for tests. It draws nothing and records the calls made to it.
 #pragma once
 
 #include <array>
@@ -17,7 +17,7 @@ struct GraphicsDevice {
   Window* window = nullptr;
   Size size;
   std::array<Matrix4x4, 3> transforms{};  // by TransformKind
-  VertexBuffer* vertexBuffer = nullptr;   // that is drawn from
+  VertexBuffer* vertexBuffer = nullptr;   // drawn from
   IndexBuffer* indexBuffer = nullptr;
 };
 
@@ -60,15 +60,15 @@ struct DrawnText {
 };
 
 struct NullGraphics {
-  // Prepared before drawing.
+  // Set before drawing.
   bool keepsCalls = false;
-  int spaceBelowLine = 0;  // what a line of text is higher than its font
-  Point viewportCorner{};  // where in the window drawing begins
+  int spaceBelowLine = 0;  // by which a line of text is higher than its font
+  Point viewportCorner{};  // where drawing begins in the window
 
-  // Every call by its name and arguments, while they are kept.
+  // Every call with its name and arguments, if keepsCalls is set.
   std::vector<std::string> calls;
 
-  // Everything created and not yet released.
+  // Everything that was created and is not yet released.
   std::vector<std::unique_ptr<GraphicsDevice>> devices;
   std::vector<std::unique_ptr<VertexBuffer>> vertexBuffers;
   std::vector<std::unique_ptr<IndexBuffer>> indexBuffers;
@@ -78,7 +78,7 @@ struct NullGraphics {
   int indexBuffersMade = 0;
   int fontsMade = 0;
 
-  // The last picture; its primitives can be read as long as their buffers live.
+  // The last picture. Its primitives can be read while their buffers exist.
   PackedColour background = 0;
   std::vector<DrawnPrimitives> drawn;
   std::vector<DrawnText> texts;

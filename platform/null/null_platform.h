@@ -1,4 +1,4 @@
-// A desktop for tests without a display. It records what it was asked and plays back scripted
+// A desktop for tests without a display. It records the calls made to it and plays back scripted
 // events.
 #pragma once
 
@@ -59,32 +59,32 @@ struct Canvas {
   std::vector<PaintedText> texts;
 };
 
-// The state of the desktop. A test prepares it, runs the program or parts of it, and reads it.
+// The state of the desktop. A test prepares it, runs the program or parts of it, and then reads it.
 struct NullDesktop {
-  // Prepared before a run.
+  // Set before a run.
   std::string commandLine = "C:\\Tintora\\Tintora.exe";
   std::string arguments;
   Size screen{1920, 1080};
   double scale = 1.0;  // of the screen and of every window
   bool hasMagnifier = true;
   bool hasClipboard = true;
-  std::string windowThatFails;  // the name of one that cannot be created
+  std::string windowThatFails;  // the name of a window that cannot be created
   std::optional<std::map<std::string, std::uint32_t>> store;
   // Each step returns the event to handle next. The loop ends after the last step.
   std::deque<std::function<Event()>> script;
 
-  // Read after a run. Every call that changes something, by its name and arguments. Of the calls to
-  // the graphics device, these are its creation and release, filled vertex buffers and shown
+  // Read after a run: every call that changes something, with its name and arguments. Of the
+  // graphics calls, only those that create and release the device, fill vertex buffers and show
   // pictures.
   std::vector<std::string> calls;
   std::vector<std::unique_ptr<Window>> windows;
   std::vector<std::unique_ptr<Menu>> menus;  // those not destroyed
   int menusCreated = 0;
   EventHandler handler = nullptr;
-  bool handled = false;  // what the handler said of the last event
+  bool handled = false;  // what the handler returned for the last event
   EffectMatrix colourEffect{};
   Rect magnifierSource;
-  Canvas painted;  // the last painting that was ended
+  Canvas painted;  // the last painting that ended
   Point cursor;
   bool cursorShown = true;
   bool shiftDown = false;
@@ -96,7 +96,7 @@ struct NullDesktop {
   std::optional<int> quitResult;
   NullGraphics graphics;
 
-  Window* window(const std::string& name) const;  // null where there is none
+  Window* window(const std::string& name) const;  // null if there is none
 };
 
 NullDesktop& nullDesktop();

@@ -1,10 +1,10 @@
-// The background of the screen, as it is set and set again.
+// The screen's background, when it is set and set again.
 #include "program_run.h"
 
 namespace tintora::desktop_test {
 namespace {
 
-// Sets a pixmap as background setters do.
+// Sets a pixmap as the background, as background setters do.
 class Background : public ProgramTest {
  protected:
   void name(xcb_pixmap_t pixmap) {
@@ -62,7 +62,7 @@ TEST_F(Background, AnUnnamedPixmapIsSeen) {
   EXPECT_TRUE(viewShows(expected::greyscale()));
 }
 
-// Setters of one colour leave no pixmap for others to read.
+// A setter of one colour leaves no pixmap for other programs to read.
 TEST_F(Background, AnUnnamedColourSetLaterIsFollowed) {
   storeValues({{"Selected", 4}});
   start();

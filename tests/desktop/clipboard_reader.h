@@ -1,4 +1,4 @@
-// Another program that asks for what is on the clipboard.
+// Another program that reads the clipboard.
 #pragma once
 
 #include <string>
@@ -12,9 +12,9 @@ class ClipboardReader {
  public:
   explicit ClipboardReader(const std::string& display);
 
-  // What is on the clipboard, in one of its formats.
+  // Returns the clipboard's contents in one of its formats.
   std::string ask(const std::string& format);
-  // The picture on it; empty if there is none.
+  // Returns the picture on the clipboard, empty if there is none.
   Picture picture();
 
  private:

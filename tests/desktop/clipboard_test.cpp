@@ -1,4 +1,4 @@
-// The picture that is put on the clipboard, and the title that confirms it.
+// The picture that the program puts on the clipboard, and the title that confirms it.
 #include <chrono>
 
 #include "clipboard_reader.h"
@@ -47,7 +47,7 @@ TEST_F(Clipboard, ControlCCopiesTheViewAndNothingElse) {
   press(XK_c, {XK_Control_L});
   EXPECT_TRUE(titleBecomes(copiedTitle));
   expectViewOnClipboard();
-  // The view of the colour space is not what the key means now.
+  // With Control, the key must not show the colour space window.
   EXPECT_FALSE(x().isShown(colourSpace()));
 }
 
@@ -62,13 +62,13 @@ TEST_F(Clipboard, WhatHasJustChangedIsInThePicture) {
     const std::string before = reader().ask("TIMESTAMP");
     scene().draw(scene().at(0), noise(300, 200, seed), 30, 50);
     press(XK_c, {XK_Control_L});
-    // Until then what was copied before is handed out.
+    // Until the timestamp changes, the clipboard still offers the earlier copy.
     ASSERT_TRUE(eventually([&] { return reader().ask("TIMESTAMP") != before; }));
     expectViewOnClipboard();
   }
 }
 
-// Compositing managers that fade windows out show the menu for a while after it was closed.
+// Compositing managers that fade windows out still show the menu for a while after it has closed.
 TEST_F(Clipboard, AMenuThatFadesOutIsNotInThePicture) {
   end();
   useDisplay({}, Manager::Openbox);
@@ -94,7 +94,7 @@ TEST_F(Clipboard, TheTitleComesBackAfterThreeSeconds) {
   ASSERT_TRUE(titleBecomes("Invert "));
   const auto taken = Clock::now() - begin;
   EXPECT_GT(taken, std::chrono::milliseconds(2900));
-  // A busy machine may be late.
+  // The limit is generous for busy machines.
   EXPECT_LT(taken, std::chrono::milliseconds(9000));
 }
 

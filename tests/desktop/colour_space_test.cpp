@@ -1,4 +1,4 @@
-// The colour space window as a window: where it stands, when it is shown and what its title says.
+// The colour space window as a window: its place, when it is shown, and its title.
 #include <array>
 #include <chrono>
 #include <future>
@@ -62,7 +62,7 @@ TEST_F(ColourSpace, IsHiddenWhereItWasHiddenBefore) {
   EXPECT_FALSE(x().isShown(colourSpace()));
 }
 
-// No frame was told in advance, nor within the time in which a window manager answers.
+// The window manager announces no frame, and takes longer than the program waits for answers.
 TEST_F(ColourSpace, HiddenAndShownItKeepsItsSizeUnderASlowManager) {
   useDisplay({}, Manager::Openbox);
   display().holdManager();
@@ -174,13 +174,13 @@ TEST_F(ColourSpace, ADragOfItUndocksItAndKeyKDocksItAgain) {
   start(703, true);
   ASSERT_TRUE(isDocked());
   const Area outer = x().outerAreaOf(colourSpace());
-  // In the moment of its appearance a move counts as the window manager's.
+  // Waits, because a move while the window appears counts as the window manager's.
   std::this_thread::sleep_for(std::chrono::milliseconds(600));
   dragMouse(outer.x + 120, outer.y + 8, 90, 70);
   ASSERT_TRUE(eventually([&] { return x().outerAreaOf(colourSpace()) != outer; }));
   settle();
   const Area moved = x().outerAreaOf(colourSpace());
-  // A docked window follows the right edge.
+  // A docked window follows the main window's right edge.
   for (int i = 0; i < 3; ++i) press(XK_Left, {XK_Shift_L});
   EXPECT_EQ(x().outerAreaOf(colourSpace()), moved);
   press(XK_k);

@@ -1,4 +1,4 @@
-// Hit transparency, full screen and the small window that leads out of both.
+// Hit transparency, full screen, and the small window that ends both.
 #include <set>
 
 #include "program_run.h"
@@ -18,7 +18,7 @@ class Control : public ProgramTest {
     scene().addNoise({0, 0, screen.width, screen.height}, 7);
     ASSERT_TRUE(viewShows(grey));
   }
-  // Whether a click in the view's left top corner reaches the window beneath.
+  // Returns true if a click in the view's top left corner reaches the window beneath.
   bool letsClicksThrough(std::uint8_t button = 1) {
     const int before = scene().clicksIn(scene().at(0));
     const Area area = view();
@@ -28,7 +28,7 @@ class Control : public ProgramTest {
     settle();
     return scene().clicksIn(scene().at(0)) > before;
   }
-  // Whether clicks stay in the view, once the window stands in its form.
+  // Returns true if clicks stay in the view once the window has its form.
   bool keepsClicks() {
     return eventually([this] { return !letsClicksThrough(); });
   }
@@ -74,7 +74,7 @@ TEST_F(Control, KeyHLetsClicksThroughAndShowsTheControlWindow) {
   EXPECT_TRUE(letsClicksThrough());
   EXPECT_TRUE(letsClicksThrough(3));
   EXPECT_TRUE(openMenus().empty());
-  // Through the title of its frame too.
+  // The click also goes through the title of its frame.
   const Area main = outer(ProgramTest::main());
   const int before = scene().clicksIn(scene().at(0));
   x().moveMouse(main.x + 150, main.y + 8);

@@ -1,4 +1,4 @@
-// How much is drawn: what changed, and no more.
+// The program draws what has changed, and no more.
 #include <xcb/damage.h>
 
 #include <chrono>
@@ -30,7 +30,7 @@ class Drawing : public ProgramTest {
         xcb_damage_create_checked(c, damage, viewWindow(), XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES));
     notify_ = xcb_get_extension_data(c, &xcb_damage_id)->first_event;
   }
-  // What was drawn since the last time, as rectangles in the view.
+  // Returns what was drawn since the last call, as rectangles in the view.
   std::vector<Area> drawn() {
     settle();
     watcher_->sync();
@@ -42,8 +42,8 @@ class Drawing : public ProgramTest {
     });
     return areas;
   }
-  // Forgets what was drawn until nothing more is: on a busy machine what belongs to the start, or
-  // to a window that came, is drawn late.
+  // Waits until nothing more is drawn. On a busy machine, drawing after the start or after a new
+  // window comes late.
   void comeToRest() {
     constexpr std::chrono::milliseconds quiet{200};
     ASSERT_TRUE(eventually([&] {
@@ -116,7 +116,7 @@ TEST_F(Drawing, AChangeThatIsHiddenBeneathDrawsNothingNew) {
   scene().addNoise({view().x, view().y, 200, 200}, 2);
   ASSERT_TRUE(shows());
   comeToRest();
-  // What is drawn again there, if anything is, is what was there.
+  // If anything there is drawn again, it must look the same.
   scene().draw(scene().at(0), noise(40, 20, 5), 100, 100);
   settle();
   EXPECT_TRUE(shows());

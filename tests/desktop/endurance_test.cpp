@@ -1,4 +1,4 @@
-// Thousands of windows beneath, and programs that end in the middle of their work.
+// Thousands of windows beneath the view, and programs that end in the middle of their work.
 #include <xcb/shape.h>
 
 #include <csignal>
@@ -15,7 +15,7 @@ class Endurance : public ProgramTest {
  protected:
   std::map<std::string, std::uint32_t> resources() { return resourcesOf(x(), process().id()); }
 
-  // What the program needs for blending it keeps.
+  // Makes the program create what it needs for blending and then keeps.
   void blendOnce() {
     scene().add({.place = {view().x + 20, view().y + 20, 50, 50},
                  .picture = solid(50, 50, 0x80402010),
@@ -30,7 +30,7 @@ class Endurance : public ProgramTest {
   }
 };
 
-// Makes and unmakes windows beneath and above a place.
+// Creates and destroys windows beneath and above a place.
 class Crowd {
  public:
   Crowd(const XClient& client, const Area& around, xcb_window_t own)
@@ -153,7 +153,7 @@ TEST_F(Endurance, TenThousandWindowsComeAndGo) {
   blendOnce();
   const XClient others(display().name());
   Crowd crowd(others, view(), others.topLevelOf(main()));
-  // What is held for a first crowd is held for all.
+  // The first crowd makes the program create what it keeps for all.
   while (crowd.created() < 500) crowd.act();
   crowd.leave();
   settleWell();
@@ -164,7 +164,7 @@ TEST_F(Endurance, TenThousandWindowsComeAndGo) {
   int moves = 0;
   while (crowd.created() < 10'500) {
     crowd.act();
-    // As fast as the server goes, but not faster than it can tell.
+    // Moves windows as fast as possible, but lets the server catch up.
     if (++moves % 200 == 0) others.sync();
     if (moves % 5000 == 0) settle();
     if (HasFatalFailure()) return;

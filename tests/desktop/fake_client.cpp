@@ -7,7 +7,7 @@
 namespace tintora::desktop_test {
 namespace {
 
-// Widths of a frame: what is not seen around it, and what is.
+// Widths of a frame: the invisible part and the visible part.
 constexpr int unseen = 10;
 constexpr int side = 3;
 constexpr int title = 24;

@@ -1,4 +1,5 @@
-// What the tests' window manager keeps of another program's window, and what it tells that window.
+// What the tests' window manager knows about another program's window, and what it tells that
+// window.
 #pragma once
 
 #include <chrono>
@@ -21,10 +22,10 @@ struct Margins {
 // A window of another program.
 struct Client {
   xcb_window_t window = XCB_NONE;
-  xcb_window_t frame = XCB_NONE;                  // none: shown without one
+  xcb_window_t frame = XCB_NONE;                  // none: shown without a frame
   Area place;                                     // its inside, on the root
   Area formerPlace;                               // before it was maximised or filled the screen
-  std::chrono::steady_clock::time_point frameAt;  // when it gets its frame
+  std::chrono::steady_clock::time_point frameAt;  // when the window gets its frame
   bool wantsFrame = true;
   bool minimised = false;
   bool maximised = false;
@@ -45,7 +46,7 @@ void readHints(const XClient& x, Client& client);
 // Puts the window into a new frame.
 void giveFrame(const XClient& x, Client& client);
 
-// Moves the window and its frame to where they belong, and tells the window.
+// Moves the window and its frame to their places, and tells the window.
 void layOut(const XClient& x, const Client& client);
 
 // Tells the window the widths of its frame.
@@ -54,7 +55,7 @@ void tellExtents(const XClient& x, const Client& client);
 // Tells the window its state.
 void tellState(const XClient& x, const Client& client);
 
-// Does what a message of type _NET_WM_STATE asks for, but for telling.
+// Does what a message of type _NET_WM_STATE requests, but does not tell the window.
 void setState(const XClient& x, Client& client, xcb_atom_t state, std::uint32_t action);
 
 }  // namespace tintora::desktop_test

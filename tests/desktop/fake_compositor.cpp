@@ -47,7 +47,7 @@ FakeCompositor::FakeCompositor(const XClient& x, Look look) : x_(x), look_(std::
       xcb_composite_get_overlay_window_reply(c, xcb_composite_get_overlay_window(c, x_.root()),
                                              nullptr));
   overlay_ = overlay->overlay_win;
-  // Input goes to the windows beneath it.
+  // Passes input to the windows beneath.
   xcb_shape_rectangles(c, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED,
                        overlay_, 0, 0, 0, nullptr);
 }
@@ -91,7 +91,7 @@ void FakeCompositor::paintWindow(xcb_window_t window) {
   const int border = geometry->border_width;
   const Area whole{0, 0, geometry->width + 2 * border, geometry->height + 2 * border};
   const Area part = look.part.width == 0 ? whole : look.part;
-  // By its pixmap, which keeps the border too.
+  // Reads the pixmap, because it includes the border.
   const xcb_pixmap_t pixels = xcb_generate_id(c);
   xcb_composite_name_window_pixmap(c, window, pixels);
   const xcb_render_picture_t from = pictureOf(pixels, attributes->visual);

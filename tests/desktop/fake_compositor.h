@@ -1,4 +1,4 @@
-// The compositing half of the window manager for tests: paints the screen from the windows' pixels.
+// The compositing part of the tests' window manager. Paints the screen from the windows' pixels.
 #pragma once
 
 #include <xcb/damage.h>
@@ -11,7 +11,7 @@
 
 namespace tintora::desktop_test {
 
-// What is to be painted of a top-level window.
+// The part of a top-level window to paint.
 struct PaintedPart {
   bool seen = true;
   Area part;  // relative to the window; without a size: all of it
@@ -20,13 +20,13 @@ struct PaintedPart {
 
 class FakeCompositor {
  public:
-  // Asks this about every mapped top-level window, from the lowest to the highest.
+  // Returns what to paint of a mapped top-level window. Called from the lowest to the highest.
   using Look = std::function<PaintedPart(xcb_window_t)>;
 
   FakeCompositor(const XClient& x, Look look);
-  // Takes in an event of the server.
+  // Handles an event of the server.
   void take(const xcb_generic_event_t& event);
-  // Paints the screen anew if anything changed.
+  // Paints the screen again if anything has changed.
   void paint();
 
  private:

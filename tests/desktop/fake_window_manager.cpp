@@ -1,10 +1,9 @@
-// A window manager for tests, which does what some real ones do and small ones do not: it is the
-// compositing manager too, its frames have borders that are not seen, and a minimised window stays
-// mapped beneath a guard window.
+// A window manager for tests with habits of large real ones: it is the compositing manager too, its
+// frames have invisible borders, and minimised windows stay mapped beneath a guard window.
 //
 //   tintora_fake_window_manager [--frames-after MILLISECONDS] [--no-compositing]
 //
-// With --frames-after it shows windows at once and frames them later.
+// With --frames-after, it shows windows at once and frames them later.
 #include <poll.h>
 
 #include <algorithm>
@@ -46,7 +45,7 @@ class Manager {
   void onPress(const xcb_button_press_event_t& press);
   void onMotion(const xcb_motion_notify_event_t& motion);
   PaintedPart look(xcb_window_t window);
-  Client* find(xcb_window_t window);  // by itself or its frame
+  Client* find(xcb_window_t window);  // by the window itself or its frame
   int layerOf(const Client& client);
   xcb_connection_t* c() const { return x_.connection(); }
 
@@ -67,7 +66,7 @@ Manager::Manager(const std::string& display, const Options& options)
                                XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY |
                                XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
   xcb_change_window_attributes(c(), x_.root(), XCB_CW_EVENT_MASK, &events);
-  // As those that compose the screen themselves leave it.
+  // As window managers do that compose the screen themselves.
   const xcb_pixmap_t none = XCB_NONE;
   if (options_.composites) {
     xcb_change_window_attributes(c(), x_.root(), XCB_CW_BACK_PIXMAP, &none);
@@ -156,7 +155,7 @@ void Manager::manage(xcb_window_t window) {
   }
   const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
   xcb_change_window_attributes(c(), window, XCB_CW_EVENT_MASK, &events);
-  // The place asked for is that of the frame as it is seen.
+  // The requested place is that of the frame's visible part.
   const Margins seen = client.seenFrame();
   client.place.x += seen.left;
   client.place.y += seen.top;
@@ -172,7 +171,7 @@ void Manager::giveLateFrames() {
     const bool waits = client->minimised || std::chrono::steady_clock::now() < client->frameAt;
     if (client->frame != XCB_NONE || waits) continue;
     giveFrame(x_, *client);
-    // A window that is put into another is unmapped for it.
+    // Reparenting has unmapped the window.
     xcb_map_window(c(), client->window);
     restackAll();
   }
@@ -182,7 +181,7 @@ int Manager::layerOf(const Client& client) {
   if (client.minimised) return -1;
   const Client* const leader = find(client.transientFor);
   const int own = client.fullScreen && client.window == active_ ? 2 : client.above ? 1 : 0;
-  // In the layer of the window that it belongs to, which is lower in the list or made so.
+  // A window is in its leader's layer or above. Its leader is lower in the list, or is made so.
   return leader != nullptr && leader != &client ? std::max(own, layerOf(*leader)) : own;
 }
 
@@ -198,8 +197,8 @@ void Manager::restackAll() {
     const auto moved = clients_.begin() + static_cast<std::ptrdiff_t>(i);
     std::rotate(moved, moved + 1, leader + 1);
   }
-  // From the guard window upwards, with the minimised ones beneath it; never above windows that
-  // are not managed.
+  // Goes up from the guard window, with the minimised windows beneath it. Never goes above
+  // unmanaged windows.
   xcb_window_t lower = guard_;
   for (const auto& client : clients_) {
     if (client->minimised) {
@@ -224,7 +223,7 @@ void Manager::activate(Client& client) {
 void Manager::minimise(Client& client, bool minimised) {
   client.minimised = minimised;
   tellState(x_, client);
-  // On a screen that nobody composes, what is mapped is seen.
+  // Without compositing, every mapped window is visible.
   if (!options_.composites && minimised) xcb_unmap_window(c(), client.topLevel());
   if (!options_.composites && !minimised) xcb_map_window(c(), client.topLevel());
   restackAll();
@@ -256,7 +255,7 @@ void Manager::onConfigureRequest(const xcb_configure_request_event_t& event) {
     if (asked(XCB_CONFIG_WINDOW_STACK_MODE)) values.push_back(event.stack_mode);
     return x_.configure(event.window, event.value_mask, values);
   }
-  // One that is maximised or fills the screen stays so.
+  // A maximised or full-screen window keeps its place.
   if (client->maximised || client->fullScreen) return layOut(x_, *client);
   constexpr std::uint32_t staticGravity = 10;
   constexpr std::size_t gravityIndex = 17;
@@ -275,7 +274,7 @@ void Manager::onMessage(const xcb_client_message_event_t& message) {
     Client client;
     client.window = message.window;
     readHints(x_, client);
-    client.frame = message.window;  // as if it had one
+    client.frame = message.window;  // answers as if the window had a frame
     return tellExtents(x_, client);
   }
   Client* const client = find(message.window);
@@ -322,7 +321,8 @@ void Manager::take(const xcb_generic_event_t& event) {
     case XCB_UNMAP_NOTIFY: {
       const auto& unmapped = reinterpret_cast<const xcb_unmap_notify_event_t&>(event);
       const Client* const client = find(unmapped.window);
-      // Putting it into its frame unmaps it as well; then it is told of as the root's child.
+      // Reparenting the window into its frame unmaps it as well. That event reports it as the
+      // root's child.
       const bool framed = client != nullptr && client->frame != XCB_NONE;
       if (client != nullptr && (!framed || unmapped.event == unmapped.window) &&
           !x_.isShown(unmapped.window)) {

@@ -1,5 +1,5 @@
-// Loaded before the program: the X server gets other memory than the program's, as a server in
-// another container may. Notes in the home folder at the end whether it was written into.
+// Loaded before the program. Gives the X server other memory than the program's, as a server in
+// another container may have. At the end, notes in the home folder whether anyone wrote to it.
 #include <dlfcn.h>
 #include <sys/mman.h>
 #include <sys/shm.h>
@@ -67,7 +67,7 @@ extern "C" xcb_void_cookie_t xcb_shm_attach_checked(xcb_connection_t* connection
   const int other = shmget(IPC_PRIVATE, facts.shm_segsz, IPC_CREAT | 0600);
   foreign.add(shmat(other, nullptr, 0), facts.shm_segsz);
   const auto cookie = attach(connection, segment, static_cast<std::uint32_t>(other), readOnly);
-  // Both have it then.
+  // After this reply, both have attached the memory.
   std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
   shmctl(other, IPC_RMID, nullptr);
   return cookie;

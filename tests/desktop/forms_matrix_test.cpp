@@ -1,6 +1,6 @@
-// The program's windows on every desktop: where they start, and what becomes of them when they are
-// moved, sized, made full screen, hit-transparent, maximised, minimised and docked. What holds is
-// asked of the X server.
+// The program's windows on every desktop: where they start, and how they change when they are
+// moved, resized, made full screen, hit-transparent, maximised, minimised and docked. All results
+// are read from the X server.
 #include <algorithm>
 #include <iterator>
 #include <sstream>
@@ -35,8 +35,8 @@ class Forms : public OnDesktop {
                     {on ? 1U : 0U, x().atom(state), other.empty() ? 0U : x().atom(other), 2});
   }
 
-  // A window with what is seen of its frame: the window manager tells how much that is, or the
-  // frame is all that stands around it.
+  // Returns the area of a window with the visible part of its frame: what the window manager says,
+  // else the whole frame.
   Area outer(xcb_window_t window) const {
     const auto frame = x().numbers(window, "_NET_FRAME_EXTENTS");
     if (frame.size() != 4) return x().outerAreaOf(window);
@@ -56,15 +56,16 @@ class Forms : public OnDesktop {
     }
     if (supports("_NET_WM_STATE_FULLSCREEN") &&
         !eventually([&] { return hasState("_NET_WM_STATE_FULLSCREEN"); })) {
-      return testing::AssertionFailure() << "It is not in the state of full screen.";
+      return testing::AssertionFailure() << "The window is not in full screen.";
     }
     return testing::AssertionSuccess();
   }
   testing::AssertionResult hasFocus(xcb_window_t window) const {
     if (eventually([&] { return x().focus() == window; })) return testing::AssertionSuccess();
-    return testing::AssertionFailure() << std::hex << x().focus() << ", not " << window;
+    return testing::AssertionFailure()
+           << "Window " << std::hex << x().focus() << " has the focus, not " << window;
   }
-  // Whether a window stands above another one, with its frame.
+  // Succeeds if a window is above another one, including its frame.
   testing::AssertionResult isAbove(xcb_window_t window, xcb_window_t other) const {
     const auto holds = [&] {
       const auto stack = x().children(x().root());
@@ -72,9 +73,9 @@ class Forms : public OnDesktop {
              std::ranges::find(stack, x().topLevelOf(other));
     };
     if (eventually(holds)) return testing::AssertionSuccess();
-    return testing::AssertionFailure() << "It is beneath.";
+    return testing::AssertionFailure() << "The window is beneath the other one.";
   }
-  // A window manager that raises its windows leaves those alone that it does not know.
+  // Lowers the scene, because a window manager that raises its windows ignores unmanaged ones.
   void lowerScene() {
     x().restack(scene().at(0).window, XCB_STACK_MODE_BELOW, x().topLevelOf(main()));
   }
@@ -84,7 +85,7 @@ class Forms : public OnDesktop {
   testing::AssertionResult showsGrey(const Area& part) {
     return showsInTheEnd([&] { return viewShows(grey, part); });
   }
-  // A frame that comes late is put beneath the scene.
+  // Lowers the scene again if the view is wrong, because a late frame may have come beneath it.
   template <typename Look>
   testing::AssertionResult showsInTheEnd(Look look) {
     lowerScene();
@@ -96,7 +97,7 @@ class Forms : public OnDesktop {
     lowerScene();
     dragMouse(view().x + 60, view().y + 60, byX, byY, steps);
   }
-  // In the middle of an area.
+  // Returns the control window's place in the middle of an area.
   static Area controlPlace(const Area& area) {
     return {area.x + area.width / 2 - 200, area.y + area.height / 2 - 60, 400, 120};
   }
@@ -114,7 +115,7 @@ class Forms : public OnDesktop {
     return testing::AssertionFailure() << testing::PrintToString(outer(colourSpace())) << " beside "
                                        << testing::PrintToString(outer(main()));
   }
-  // Until the main window is where a mouse drag within it should have brought it.
+  // Drags the main window, and waits until it is where the drag should bring it.
   void dragMain(int byX, int byY) {
     const Area before = outer(main());
     dragInside(byX, byY, 8);
@@ -172,7 +173,7 @@ TEST_P(Forms, FullScreenComesAndGoesWithoutATrace) {
 TEST_P(Forms, HitTransparencyLetsClicksThroughAndGivesTheFocusBack) {
   begin();
   ASSERT_TRUE(outerBecomes(main(), startPlace()));
-  // Another program's, which has the focus while the clicks go through.
+  // The other program's window has the focus while clicks go through.
   Sheet& other =
       scene().add({.place = {40, 60, 150, 100}, .picture = noise(150, 100, 3), .managed = true});
   ASSERT_TRUE(eventually([&] { return x().isShown(other.window); }));
@@ -217,8 +218,9 @@ TEST_P(Forms, FullScreenFromHitTransparencyEndsBoth) {
 TEST_P(Forms, MaximisedItComesBackToTheSameBounds) {
   begin();
   ASSERT_TRUE(outerBecomes(main(), startPlace()));
-  if (!supports("_NET_WM_STATE_MAXIMIZED_VERT")) GTEST_SKIP() << "It maximises no windows.";
-  // Away from the title's buttons, which may show tips over the view.
+  if (!supports("_NET_WM_STATE_MAXIMIZED_VERT"))
+    GTEST_SKIP() << "The window manager does not maximise windows.";
+  // Moves the mouse away from the title's buttons, which may show tips over the view.
   x().moveMouse(640, 600);
   for (int round = 0; round < 3; ++round) {
     ask(true, "_NET_WM_STATE_MAXIMIZED_HORZ", "_NET_WM_STATE_MAXIMIZED_VERT");
@@ -226,7 +228,7 @@ TEST_P(Forms, MaximisedItComesBackToTheSameBounds) {
         [&] { return view().width > 1200 && hasState("_NET_WM_STATE_MAXIMIZED_HORZ"); }));
     settle();
     EXPECT_TRUE(showsGrey());
-    // The key that leaves full screen ends it, too.
+    // The key that ends full screen also ends the maximised form.
     press(XK_f);
     EXPECT_TRUE(outerBecomes(main(), startPlace())) << round;
     EXPECT_TRUE(showsGrey());
@@ -242,7 +244,7 @@ TEST_P(Forms, MinimisedItComesBack) {
   const bool minimised =
       eventually([&] { return !x().isShown(main()) || hasState("_NET_WM_STATE_HIDDEN"); },
                  std::chrono::milliseconds(1500));
-  if (!minimised) GTEST_SKIP() << "It minimises no windows.";
+  if (!minimised) GTEST_SKIP() << "The window manager does not minimise windows.";
   scene().draw(scene().at(0), noise(300, 200, 9), 500, 350);
   x().tellManager(main(), "_NET_ACTIVE_WINDOW", {2, 0, 0});
   if (!x().isShown(main()) && !supports("_NET_ACTIVE_WINDOW")) {
@@ -260,7 +262,7 @@ TEST_P(Forms, TheColourSpaceWindowStaysDockedPastTheEdge) {
   ASSERT_TRUE(outerBecomes(main(), startPlace()));
   dragMain(-300, 0);
   EXPECT_TRUE(isDocked());
-  // Where the window manager may keep it on the screen.
+  // Docks past the edge, where the window manager may keep the window on the screen.
   for (int round = 0; round < 2; ++round) {
     const Area before = outer(main());
     dragInside(600, 150, 12);

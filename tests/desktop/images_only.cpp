@@ -1,5 +1,5 @@
-// Loaded before the program: the X server seems to share memory for images but not for pixmaps, as
-// those that draw by graphics cards do. Notes in the home folder that it was asked.
+// Loaded before the program. The X server seems to share memory for images but not for pixmaps, as
+// servers that draw with graphics cards do. Notes in the home folder that the program asked.
 #include <dlfcn.h>
 #include <xcb/shm.h>
 

@@ -1,4 +1,4 @@
-// Input beyond plain keys and clicks: fine and sideways wheels, the menu's keys, a second click.
+// Input beyond plain keys and clicks: fine and sideways wheels, menu keys, second clicks.
 #include <sys/stat.h>
 
 #include <array>
@@ -61,7 +61,7 @@ TEST_F(Input, TheMenuKeyAndShiftF10OpenTheMenu) {
     EXPECT_EQ(x().areaOf(openMenus()[0]).x, view().x + 70);
     x().press(XK_Escape);
     ASSERT_TRUE(eventually([this] { return openMenus().empty(); }));
-    // Not over the window: in the middle of it.
+    // With the mouse outside the window, the menu opens in the window's middle.
     x().moveMouse(5, 5);
     settle();
     press(key, held);
@@ -87,7 +87,7 @@ TEST_F(Input, ARightClickElsewhereMovesTheMenuThere) {
   }));
 }
 
-// The menu gets the release, and the window is not told of it.
+// The release goes to the menu, so the window gets no event for it.
 TEST_F(Input, ADragThatAMenuInterruptsHasEnded) {
   begin();
   const Area before = x().outerAreaOf(main());
@@ -133,7 +133,7 @@ TEST_F(Input, TheKeypadWithoutNumLockMovesAndSteps) {
   EXPECT_TRUE(titleBecomes(" Simulation - Protanope 100% severity"));
 }
 
-// On a keyboard whose keys have other letters, the keys of a Latin one count by their place.
+// On keyboards with other letters, keys have the codes of the Latin letters in their position.
 TEST_F(Input, LettersOfAnotherScriptCountByTheirKeys) {
   useDisplay({}, Manager::Openbox);
   Process layout({.command = {"setxkbmap", "-display", display().name(), "ru"}});

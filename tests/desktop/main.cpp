@@ -11,13 +11,13 @@
 
 namespace {
 
-// The display that all share goes when the tests are done.
+// Closes the shared display when the tests have finished.
 class Displays : public testing::Environment {
  public:
   void TearDown() override { tintora::desktop_test::endSharedDisplay(); }
 };
 
-// GoogleTest's filter for the tests of a source file.
+// Returns GoogleTest's filter for the tests in a source file.
 std::string testsOfFile(const std::string& name) {
   std::string filter;
   const testing::UnitTest& all = *testing::UnitTest::GetInstance();

@@ -7,7 +7,7 @@ namespace tintora::desktop_test {
 
 namespace {
 
-// Frames that can be dragged and closed, focus that follows clicks, and no keys of its own.
+// Frames that can be dragged and closed, focus on click, and no shortcut keys.
 constexpr const char* openboxSettings = R"(<?xml version="1.0" encoding="UTF-8"?>
 <openbox_config xmlns="http://openbox.org/3.4/rc">
   <focus><focusNew>yes</focusNew><followMouse>no</followMouse></focus>
@@ -36,8 +36,8 @@ constexpr const char* openboxSettings = R"(<?xml version="1.0" encoding="UTF-8"?
 </openbox_config>
 )";
 
-// Windows that float, as those do that a user calls up over tiled ones; the program's own must do
-// so without being told.
+// Makes the tests' windows float, as when a user opens them over tiled ones. The program's windows
+// must float without this.
 constexpr const char* i3Settings = R"i3(# i3 config file (v4)
 font pango:monospace 8
 floating_modifier Mod1
@@ -45,7 +45,7 @@ focus_follows_mouse no
 for_window [class="^(?!tintora)"] floating enable
 )i3";
 
-// No window waits for a click to be placed, and its fonts are the server's own.
+// Places windows without waiting for a click, and uses the server's own fonts.
 constexpr const char* twmSettings = R"(RandomPlacement
 NoGrabServer
 TitleFont "fixed"
@@ -69,10 +69,10 @@ session.screen0.opaqueMove: true
 session.screen0.workspaces: 1
 )";
 
-// No wallpaper: its setter shows messages where it has no tools.
+// No wallpaper, because its setter shows error messages if tools are missing.
 constexpr const char* fluxboxStyle = "background: none\n";
 
-// A file of settings under its name in a folder.
+// Writes a settings file into a folder.
 std::string settings(const std::string& folder, const char* name, const std::string& text) {
   const std::string path = folder + "/" + name;
   writeFile(path, text);
@@ -87,12 +87,12 @@ ManagerCommand commandOf(Manager manager, const std::string& folder) {
       return {{"openbox", "--sm-disable", "--config-file",
                settings(folder, "openbox.xml", openboxSettings)}};
     case Manager::Xfwm4:
-      // Its settings come from a service on the session's bus.
+      // Its settings come from a service on the session bus.
       return {{"dbus-run-session", "--", "xfwm4", "--compositor=off"}};
     case Manager::Icewm:
       return {{"icewm", "--config", settings(folder, "icewm.preferences", icewmSettings)}};
     case Manager::Fluxbox:
-      // It looks for others of its files in this folder.
+      // It looks for its other files in this folder.
       std::filesystem::create_directories(folder + "/.fluxbox");
       return {{"fluxbox", "-rc",
                settings(

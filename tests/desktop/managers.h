@@ -1,4 +1,4 @@
-// The window managers of the tests, and how each is started without settings of the user's.
+// The tests' window managers, and how to start each without a user's settings.
 #pragma once
 
 #include <string>
@@ -10,10 +10,10 @@ namespace tintora::desktop_test {
 
 struct ManagerCommand {
   std::vector<std::string> command;
-  bool composites = false;  // is the compositing manager too
+  bool composites = false;  // it is the compositing manager too
 };
 
-// Writes a manager's settings into a folder, and says how it is started with them.
+// Writes a manager's settings into a folder, and returns the command that starts it with them.
 ManagerCommand commandOf(Manager manager, const std::string& folder);
 
 }  // namespace tintora::desktop_test

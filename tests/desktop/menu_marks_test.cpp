@@ -1,4 +1,4 @@
-// What is marked in the open menu, and what its labels do.
+// The marks in the open menu, and its labels.
 #include "menu_run.h"
 
 namespace tintora::desktop_test {
@@ -40,7 +40,7 @@ TEST_F(Marks, AMenuIsClosedByEscAndChangesNothing) {
   EXPECT_EQ(title(main()), " Simulation - Deuteranope 100% severity");
 }
 
-// As when a window that was shown just before gets the focus late.
+// A window that was shown just before the menu may get the focus late.
 TEST_F(Marks, KeysAreTheOpenMenusWhicheverWindowGetsTheFocus) {
   storeValues({{"Selected", 2}, {"View", 703}, {"ColorSpace", 1}});
   start();

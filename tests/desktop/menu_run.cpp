@@ -22,7 +22,7 @@ const std::map<std::string, std::vector<std::string>> submenus{
     {"Help", {"Quick Help", "User Guide"}},
 };
 
-// The rows that differ from one picture to another.
+// Returns the rows in which two pictures differ.
 std::set<int> changedRows(const Picture& a, const Picture& b) {
   std::set<int> rows;
   for (int y = 0; y < a.height; ++y) {
@@ -33,7 +33,7 @@ std::set<int> changedRows(const Picture& a, const Picture& b) {
   return rows;
 }
 
-// Whether there is anything in the column of the marks.
+// Returns true if the column for marks is not empty.
 bool hasMark(const Picture& menu, const std::set<int>& rows) {
   constexpr int from = 6;
   constexpr int to = 24;
@@ -114,7 +114,8 @@ std::vector<std::string> MenuTest::markedItems(const Path& path) {
   const std::vector<std::string> items = itemsOf(menu);
   const xcb_window_t window = openMenus().back();
   const auto picture = [&] { return x().read(x().areaOf(window)); };
-  // A picture for each item while it is highlighted: its rows differ from those of all others.
+  // Takes a picture while each item is highlighted. Its rows differ from those of all other
+  // pictures.
   std::vector<Picture> pictures;
   if (path.empty()) pressTimes(XK_Down);
   for (std::size_t i = 0; i < items.size(); ++i) {

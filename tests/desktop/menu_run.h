@@ -1,4 +1,4 @@
-// The popup menu as its user reaches it: the right mouse button, arrow keys and Return.
+// The popup menu as a user operates it: right mouse button, arrow keys and Return.
 #pragma once
 
 #include <string>
@@ -12,7 +12,7 @@ class MenuTest : public ProgramTest {
  protected:
   using Path = std::vector<std::string>;
 
-  // Which items the main menu has.
+  // The items that the main menu has.
   struct Contents {
     std::vector<std::string> customs;
     bool tritan = false;
@@ -22,17 +22,17 @@ class MenuTest : public ProgramTest {
   void openMenu();
   void closeMenus();
   void pressTimes(xcb_keysym_t symbol, int times = 1);
-  // From the main menu down to an item.
+  // Chooses an item by its path from the main menu.
   void choose(const Path& path);
-  // The marked items of the main menu, or of the submenu that a path leads to.
+  // Returns the marked items of the main menu, or of the submenu at a path.
   std::vector<std::string> markedItems(const Path& path = {});
-  // The items of a menu that can be chosen.
+  // Returns the items of a menu that can be chosen.
   std::vector<std::string> itemsOf(const std::string& menu) const;
 
   Contents contents;
 
  private:
-  // Goes down to an item of the deepest open menu.
+  // Moves the highlight down to an item of the deepest open menu.
   void highlight(const std::string& menu, const std::string& item, bool firstIsHighlighted);
   void openSubmenus(const Path& path);
 };

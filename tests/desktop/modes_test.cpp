@@ -1,5 +1,5 @@
-// Every way to change the transform: what the view shows of a picture with all colours, and what
-// the title says.
+// Every way to change the transform: what the view shows over a picture of all colours, and the
+// title.
 #include <functional>
 
 #include "engine/cvd_transforms.h"
@@ -59,7 +59,7 @@ const std::vector<KeyRow> keyRows{
 
 class Modes : public MenuTest {
  protected:
-  // From a deutan simulation at 60 %, over a picture of all colours.
+  // Starts with a deutan simulation at 60 %, over a picture of all colours.
   void begin(const std::vector<std::string>& arguments = {}) {
     storeValues({{"Selected", 2 + static_cast<int>(contents.customs.size())},
                  {"ScrollPc", 60},

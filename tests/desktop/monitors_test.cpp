@@ -1,4 +1,4 @@
-// Two monitors side by side or one above the other, and monitors that change while it runs.
+// Two monitors side by side or one above the other, and monitors that change during the run.
 #include <array>
 #include <cstdlib>
 #include <utility>
@@ -11,7 +11,7 @@ namespace {
 const ColourEffect grey = expected::greyscale();
 
 struct Monitors {
-  const char* name;  // where the primary one stands
+  const char* name;  // where the primary monitor is
   const char* screen;
   Area primary;
   Area other;
@@ -23,7 +23,8 @@ void PrintTo(const Monitors& monitors, std::ostream* out) {
 
 class MonitorTest : public ProgramTest {
  protected:
-  // As xrandr calls them; the first output of the server belongs to the primary one.
+  // The name is the one that xrandr shows. The server's first output belongs to the primary
+  // monitor.
   void setMonitor(const std::string& name, const Area& area, const std::string& output) {
     const auto side = [](int pixels) {
       constexpr int pixelsPerMillimetre = 4;
@@ -137,7 +138,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Monitors{"Shifted", "2080x1300", {800, 300, 1280, 1000}, {0, 0, 800, 1000}}),
     [](const auto& given) { return std::string(given.param.name); });
 
-// Set by desktops for Qt's own programs; the view shows pixels of the screen whatever they say.
+// Desktops set these scales for Qt's programs. The view must show pixels of the screen regardless.
 TEST_F(MonitorTest, ScalesOfTheDesktopLeaveThePixelsAlone) {
   for (const char* const scale : {"1.5", "2"}) {
     for (const char* const name : {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS"}) {
@@ -155,7 +156,7 @@ TEST_F(MonitorTest, ScalesOfTheDesktopLeaveThePixelsAlone) {
   }
 }
 
-// Sizes are those of a screen with 96 to the inch; the view shows pixel for pixel what is beneath.
+// Sizes are pixels at 96 dpi, but the view shows what is beneath pixel for pixel.
 TEST_F(MonitorTest, TheResolutionOfTheDesktopScalesWindowsAndNotTheView) {
   useDisplay({}, Manager::Openbox, "1600x1000");
   const std::array<std::pair<const char*, int>, 4> percents{

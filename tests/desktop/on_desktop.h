@@ -1,4 +1,4 @@
-// Tests that run on every desktop: each window manager, with and without a compositing manager.
+// Tests that run on every desktop: on each window manager, with and without a compositing manager.
 #pragma once
 
 #include <string>
@@ -17,7 +17,7 @@ struct Desktop {
 const std::vector<Desktop>& allDesktops();
 std::string nameOf(const testing::TestParamInfo<Desktop>& info);
 
-// A desktop's display is started once and used by all tests of a run.
+// Starts a desktop's display once, for all tests of a run.
 class OnDesktop : public ProgramTest, public testing::WithParamInterface<Desktop> {
  protected:
   void SetUp() override;

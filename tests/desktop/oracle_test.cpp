@@ -1,5 +1,5 @@
-// Through the identity matrix the view is the screen as it is without the program: a picture of the
-// screen is taken first, and then the view is held against it.
+// Through the identity matrix, the view must show the screen as it is without the program. A
+// picture of the screen is taken first, and then compared with the view.
 #include <algorithm>
 
 #include "clipboard_reader.h"
@@ -8,7 +8,7 @@
 namespace tintora::desktop_test {
 namespace {
 
-// Premultiplied pixels of every alpha.
+// Returns premultiplied pixels with every alpha.
 Picture translucentNoise(int width, int height, std::uint32_t seed) {
   Picture picture = noise(width, height, seed);
   const Picture alphas = noise(width, height, seed + 1000);
@@ -24,7 +24,7 @@ Picture translucentNoise(int width, int height, std::uint32_t seed) {
   return picture;
 }
 
-// Where the scenes are, and the view over them; the rest of the screen is the bystander's.
+// The area of the scenes, with the view over them. The rest of the screen is for the bystander.
 constexpr Area stage{200, 100, 640, 480};
 
 class Oracle : public OnDesktop {
@@ -39,7 +39,7 @@ class Oracle : public OnDesktop {
     OnDesktop::TearDown();
   }
   Scene& sheets() { return *sheets_; }
-  // As background setters do it.
+  // Sets the background as background setters do.
   void setNamedBackground(std::uint32_t seed) {
     const Area screen = x().screenArea();
     const xcb_pixmap_t pixmap = x().pixmapOf(noise(screen.width, screen.height, seed));
@@ -59,7 +59,7 @@ class Oracle : public OnDesktop {
     x().move(window, place.x, place.y);
     return sheet;
   }
-  // Takes the focus, so that no window of the scene changes its frame's looks when it is lost.
+  // Adds a window that takes the focus, so that no frame in the scene changes by losing it.
   void addBystander() {
     const Sheet& bystander = addManaged({950, 650, 200, 80}, 99);
     xcb_set_input_focus(x().connection(), XCB_INPUT_FOCUS_POINTER_ROOT, bystander.window,
@@ -67,7 +67,7 @@ class Oracle : public OnDesktop {
     x().sync();
   }
 
-  // The screen when it has come to rest.
+  // Returns the screen once it has stopped changing.
   Picture restingScreen() {
     Picture last;
     EXPECT_TRUE(eventually(
@@ -92,18 +92,18 @@ class Oracle : public OnDesktop {
       EXPECT_TRUE(eventually([&] { return x().topLevelOf(main()) != main(); }));
     }
     moveOverStage();
-    // Window managers leave windows that are not theirs above all others.
+    // Window managers keep unmanaged windows above all others.
     sheets().putBelow(main());
   }
-  // A window manager that paints a background of its own tells nobody about it: what was covered
-  // from the start is known only when it has been seen.
+  // Covers a background that the window manager paints itself. No event reports it, so the program
+  // does not know the part that has always been covered.
   void hideUnknownBackground() {
     if (GetParam().manager == Manager::Fake) sheets().addNoise(within(-60, -60, 800, 600), 6);
   }
   void letBackgroundBeSeen() {
     if (GetParam().manager != Manager::Fake) return;
     x().move(main(), 640, 20);
-    // The program takes its time, lest it learn what is about to go.
+    // Gives the program time: it waits before it learns, because windows may be about to disappear.
     for (int i = 0; i < 4; ++i) restingScreen();
     moveOverStage();
   }
@@ -119,7 +119,7 @@ class Oracle : public OnDesktop {
     })) << testing::PrintToString(view());
   }
 
-  // Whether the view comes to show the picture, to one step in each channel.
+  // Succeeds once the view shows the picture, to one step in each channel.
   testing::AssertionResult viewIs(const Picture& screen) {
     return viewIs(screen, [this] { return view(); });
   }
@@ -237,7 +237,7 @@ TEST_P(Oracle, WindowsThatChange) {
   EXPECT_TRUE(viewIs(screen));
 }
 
-// One that was over the background when the program started leaves nothing of itself behind.
+// A window that covered the background at the start must not leave a trace when it goes.
 TEST_P(Oracle, AWindowThatGoes) {
   addBystander();
   setNamedBackground(8);
@@ -254,7 +254,7 @@ TEST_P(Oracle, AWindowThatGoes) {
   }));
 }
 
-// Again and again, because what a compositing manager has not drawn yet is on no screen.
+// Tries repeatedly, because the compositing manager may not have drawn everything yet.
 TEST_P(Oracle, TheClipboard) {
   hideUnknownBackground();
   addBystander();
@@ -287,7 +287,7 @@ TEST_P(Oracle, AMinimisedWindow) {
   addBystander();
   setNamedBackground(9);
   if (GetParam().manager == Manager::Twm || GetParam().manager == Manager::I3) {
-    // These show an icon, or nothing of the kind.
+    // These window managers show an icon, or nothing similar.
     x().restack(sheet.window, XCB_STACK_MODE_BELOW);
   } else {
     constexpr std::uint32_t iconic = 3;

@@ -1,5 +1,4 @@
-// What passes between the program and others: files that are dropped on it, and the user guide that
-// it has opened.
+// Exchange with other programs: files dropped on the window, and the user guide that it opens.
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -11,7 +10,7 @@
 namespace tintora::desktop_test {
 namespace {
 
-// A source of files by the XDND protocol, which would rather have them moved.
+// Drags files by the XDND protocol, and suggests moving them.
 class Drop : public ProgramTest {
  protected:
   void SetUp() override {
@@ -42,7 +41,7 @@ class Drop : public ProgramTest {
                    reinterpret_cast<const char*>(&event));
     x().sync();
   }
-  // Drags something of a type over the middle of the view, to be moved.
+  // Drags data of a type over the middle of the view and suggests moving it.
   void dragOver(const std::string& type) {
     constexpr std::uint32_t version = 5U << 24U;
     tell("XdndEnter", {version, x().atom(type), 0, 0});
@@ -50,7 +49,7 @@ class Drop : public ProgramTest {
     const auto place = u32(area.x + area.width / 2) << 16U | u32(area.y + area.height / 2);
     tell("XdndPosition", {0, place, XCB_CURRENT_TIME, x().atom("XdndActionMove")});
   }
-  // Waits for what the program answers, and hands out the files meanwhile.
+  // Waits for the program's answer, and delivers the files meanwhile.
   std::optional<xcb_client_message_event_t> answer(const std::string& message) {
     std::optional<xcb_client_message_event_t> found;
     eventually([&] {
@@ -88,18 +87,18 @@ class Drop : public ProgramTest {
   xcb_window_t source_ = XCB_NONE;
 };
 
-// After a move the source would delete the file.
+// After a move, the source would delete the file.
 TEST_F(Drop, FilesAreTakenAsACopy) {
   offer({"XdndActionMove", "XdndActionCopy"});
   dragOver("text/uri-list");
   const auto status = answer("XdndStatus");
   ASSERT_TRUE(status.has_value());
-  EXPECT_EQ(status->data.data32[1] & 1U, 1U) << "They are refused.";
+  EXPECT_EQ(status->data.data32[1] & 1U, 1U) << "The program refuses the files.";
   EXPECT_EQ(status->data.data32[4], x().atom("XdndActionCopy"));
   tell("XdndDrop", {0, XCB_CURRENT_TIME, 0, 0});
   const auto finished = answer("XdndFinished");
   ASSERT_TRUE(finished.has_value());
-  EXPECT_EQ(finished->data.data32[1] & 1U, 1U) << "They are not taken.";
+  EXPECT_EQ(finished->data.data32[1] & 1U, 1U) << "The program does not take the files.";
   EXPECT_EQ(finished->data.data32[2], x().atom("XdndActionCopy"));
   settle();
   EXPECT_TRUE(process().isRunning());
@@ -121,7 +120,7 @@ TEST_F(Drop, TextIsNotTaken) {
   EXPECT_EQ(status->data.data32[1] & 1U, 0U);
 }
 
-// The desktop's program for pages is one that writes down what it is given.
+// The desktop's program for pages is one that records its arguments.
 class Guide : public MenuTest {
  protected:
   void SetUp() override {

@@ -1,4 +1,4 @@
-// The main window as it is moved, sized and reshaped: the view keeps showing what lies beneath it.
+// The main window while it is moved, resized and reshaped: the view must show what lies beneath it.
 #include <algorithm>
 
 #include "program_run.h"
@@ -9,7 +9,7 @@ namespace {
 
 const ColourEffect grey = expected::greyscale();
 
-// In greyscale over a picture of the whole screen.
+// Starts in greyscale over a picture of the whole screen.
 class OwnWindow : public ProgramTest {
  protected:
   void begin() {
@@ -187,7 +187,7 @@ TEST_F(OwnWindow, MaximisedItCoversTheScreenAndComesBack) {
   ASSERT_TRUE(eventually([&] { return outer().width == screen.width; }));
   settle();
   EXPECT_TRUE(viewShows(grey));
-  // Where it fills the screen, arrow keys leave it.
+  // Arrow keys must not move it while it fills the screen.
   press(XK_Right);
   EXPECT_EQ(outer().x, 0);
   ask(0);
@@ -205,7 +205,7 @@ TEST_F(OwnWindow, IconifiedAndBroughtBackItShowsTheView) {
   EXPECT_TRUE(viewShows(grey));
 }
 
-// While nobody looks at the view, other programs draw straight to the screen.
+// While the view is hidden, other programs draw straight to the screen.
 TEST_F(OwnWindow, IconifiedItLeavesOtherWindowsAlone) {
   const auto redirected = [this] {
     const auto counts = resourcesOf(x(), process().id());

@@ -71,7 +71,7 @@ Picture readPicture(const std::string& path) {
   png_image image{};
   image.version = PNG_IMAGE_VERSION;
   if (png_image_begin_read_from_file(&image, path.c_str()) == 0) return {};
-  // In memory a pixel of this machine's is 0xAARRGGBB then.
+  // With this format, a pixel is 0xAARRGGBB in this machine's memory.
   image.format = PNG_FORMAT_BGRA;
   Picture picture = solid(static_cast<int>(image.width), static_cast<int>(image.height), 0);
   if (png_image_finish_read(&image, nullptr, picture.pixels.data(), 0, nullptr) == 0) return {};

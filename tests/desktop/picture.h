@@ -1,4 +1,4 @@
-// Pictures in the test's own memory, and what a colour effect makes of them.
+// Pictures in the test's memory, and colour effects on them.
 #pragma once
 
 #include <xcb/xproto.h>
@@ -33,7 +33,7 @@ void PrintTo(const Area& area, std::ostream* out);
 
 Area common(const Area& a, const Area& b);
 
-// Pixels 0xAARRGGBB, row by row.
+// Pixels as 0xAARRGGBB, row by row.
 struct Picture {
   int width = 0;
   int height = 0;
@@ -52,15 +52,15 @@ Colour colourOf(std::uint32_t pixel);
 
 Picture solid(int width, int height, std::uint32_t pixel);
 
-// All colours next to each other without any order; another picture for each seed.
+// Returns random colours; each seed gives another picture.
 Picture noise(int width, int height, std::uint32_t seed);
 
-// What the effect makes of a colour, not yet rounded.
+// Returns a colour after the effect, not yet rounded.
 Colour filtered(const Colour& colour, const ColourEffect& effect);
 
 void savePicture(const Picture& picture, const std::string& path);
 
-// Of a PNG file; empty where it cannot be read.
+// Reads a PNG file; empty on failure.
 Picture readPicture(const std::string& path);
 
 }  // namespace tintora::desktop_test

@@ -1,5 +1,5 @@
-// Other programs' menus and tips over the view where it fills the screen and lets the mouse
-// through: they are seen through it, on every desktop.
+// Other programs' menus and tips above the view while it fills the screen and lets the mouse
+// through. The view must filter them too, on every desktop.
 #include <algorithm>
 #include <iterator>
 
@@ -26,7 +26,7 @@ class Popups : public OnDesktop {
     press(XK_f);
     ASSERT_TRUE(eventually([&] { return view() == x().screenArea(); }));
     ASSERT_TRUE(showing(control(), true));
-    // Window managers raise their windows above those that they do not know.
+    // Window managers raise their windows above unmanaged ones.
     lower(scene().at(0));
   }
   void lower(const Sheet& sheet) {
@@ -38,12 +38,12 @@ class Popups : public OnDesktop {
     raise(popup);
     return popup;
   }
-  // Around the popups, beside the control window.
+  // Succeeds if the screen around the popups, beside the control window, is grey.
   testing::AssertionResult showsGrey() {
     lower(scene().at(0));
     return viewShows(grey, {40, 30, 420, 300});
   }
-  // Whether a window is seen as it was drawn.
+  // Returns true if a window looks as it was drawn.
   bool isUnfiltered(const Sheet& sheet) {
     scene().takeEvents();
     return opaque(x().read(sheet.place).pixels) == opaque(sheet.picture.pixels);
@@ -132,7 +132,7 @@ TEST_P(Popups, TheProgramsOwnMenuIsAboveThem) {
   x().press(XK_Escape);
 }
 
-// As screen locks do.
+// Screen locks do this.
 TEST_P(Popups, AProgramThatKeepsRaisingItsWindowHasItsWay) {
   fillScreen();
   Sheet& popup = addPopup();
@@ -150,7 +150,7 @@ TEST_P(Popups, AProgramThatKeepsRaisingItsWindowHasItsWay) {
   EXPECT_TRUE(showsGrey());
 }
 
-// Two programs, each of which covers what is above its view, come to rest.
+// Two programs that each cover the windows above their views must come to rest.
 TEST_P(Popups, ASecondProgramLikeThisOneDoesNotFight) {
   fillScreen();
   addPopup();
@@ -176,7 +176,7 @@ TEST_P(Popups, ASecondProgramLikeThisOneDoesNotFight) {
       restacked |= (event.response_type & 0x7F) == XCB_CONFIGURE_NOTIFY;
     });
     return !restacked;
-  })) << "The windows are raised without end.";
+  })) << "The programs keep raising their windows.";
   other.signal(SIGTERM);
   EXPECT_EQ(other.result(), 0);
   EXPECT_TRUE(showsGrey());
@@ -185,7 +185,7 @@ TEST_P(Popups, ASecondProgramLikeThisOneDoesNotFight) {
 std::vector<Desktop> desktops() {
   std::vector<Desktop> chosen;
   std::ranges::copy_if(allDesktops(), std::back_inserter(chosen), [](const Desktop& desktop) {
-    // Where frames come late, the scene is above the view before it is lowered.
+    // With late frames, the scene is above the view until it is lowered.
     if (desktop.manager == Manager::FakeLate) return false;
     return desktop.compositor == Compositor::None || desktop.manager == Manager::Openbox;
   });

@@ -46,7 +46,7 @@ void redirect(const std::string& path, int descriptor) {
   _exit(notFound);
 }
 
-// What the system keeps of a process, from its state on, which stands behind its name.
+// Returns the system's statistics of a process, starting with its state, which follows its name.
 std::istringstream statisticsOf(pid_t process) {
   const std::string text = readFile("/proc/" + std::to_string(process) + "/stat");
   return std::istringstream(text.substr(text.rfind(')') + 1));
@@ -61,7 +61,7 @@ Process::Process(const Launch& launch) : id_(fork()) {
 
 Process::~Process() {
   if (!isRunning()) return;
-  // With those that it started itself.
+  // Ends the processes that it started, too.
   kill(-id_, SIGKILL);
   waitpid(id_, nullptr, 0);
 }

@@ -1,4 +1,4 @@
-// Programs that a test starts, and that never outlive it.
+// Programs that a test starts. They never outlive the test.
 #pragma once
 
 #include <sys/types.h>
@@ -12,11 +12,11 @@
 
 namespace tintora::desktop_test {
 
-// How long a thing may take that should happen at once. A busy machine takes seconds for it; a test
-// waits this long only if it fails.
+// The limit for anything that should happen at once. A busy machine may take seconds; a test waits
+// this long only if it fails.
 inline constexpr std::chrono::milliseconds patience{20000};
 
-// Whether a condition comes true in time.
+// Returns true if a condition becomes true in time.
 template <typename Condition>
 bool eventually(Condition condition, std::chrono::milliseconds most = patience) {
   constexpr std::chrono::milliseconds pause{4};
@@ -30,11 +30,11 @@ bool eventually(Condition condition, std::chrono::milliseconds most = patience) 
 
 struct Launch {
   std::vector<std::string> command;
-  // What differs from the test's own environment; nothing: not set.
+  // Differences from the test's own environment. A variable without a value is removed.
   std::map<std::string, std::optional<std::string>> environment = {};
   std::string output = "/dev/null";
   std::string errors = "/dev/null";
-  int inherited = -1;  // a file descriptor it keeps
+  int inherited = -1;  // a file descriptor that the program inherits
 };
 
 class Process {
@@ -47,13 +47,14 @@ class Process {
   pid_t id() const { return id_; }
   bool isRunning();
   void signal(int number) const;
-  // Its exit status, or the negative number of the signal that ended it; nothing: it runs on.
+  // Returns its exit status, or the negative number of the signal that ended it; nothing if it
+  // still runs.
   std::optional<int> result(std::chrono::milliseconds most = patience);
-  // Kilobytes of memory in use.
+  // Returns the memory in use, in kilobytes.
   long memory() const;
-  // Whether its first thread waits for something to happen.
+  // Returns true if its first thread is waiting for an event.
   bool isWaiting() const;
-  // Seconds of processor time used.
+  // Returns the processor time used, in seconds.
   double processorSeconds() const;
 
  private:
@@ -61,7 +62,7 @@ class Process {
   std::optional<int> result_;
 };
 
-// A folder that is gone with the object.
+// A folder that is removed with the object.
 class TemporaryFolder {
  public:
   TemporaryFolder();

@@ -38,7 +38,7 @@ std::optional<Difference> firstDifference(const Picture& seen,
   return std::nullopt;
 }
 
-// Menus are no windows to the window manager.
+// Returns true for a menu, which window managers do not manage.
 bool isMenu(const XClient& x, xcb_window_t window) {
   const Received<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
       x.connection(), xcb_get_window_attributes(x.connection(), window), nullptr));
@@ -124,12 +124,12 @@ void ProgramTest::start(const std::vector<std::string>& arguments) {
     windows_ = findWindows(false);
     return windows_.size() == 3 && x().isShown(main()) && !title(main()).starts_with("Help:");
   });
-  // Nothing more can be done in this test.
+  // Throws, because the test cannot continue.
   if (!appeared) throw std::runtime_error("The program did not appear. " + readFile(errorsFile()));
   scene_ = std::make_unique<Scene>(display().name(), main());
   scene_->setBackdrop(solid(1, 1, backgroundColour));
   focus(main());
-  // A server's first synthetic key changes the keyboard that all keys come from.
+  // Presses a key now, because a server's first synthetic key changes the keyboard mapping.
   x().press(XK_Shift_L);
   settle();
 }
@@ -141,7 +141,7 @@ void ProgramTest::end() {
 
 void ProgramTest::expectNormalEnd() {
   const auto result = process().result(2 * patience);
-  ASSERT_TRUE(result.has_value()) << "It runs on.";
+  ASSERT_TRUE(result.has_value()) << "The program did not end.";
   EXPECT_EQ(*result, 0) << readFile(errorsFile());
 }
 
@@ -158,10 +158,10 @@ std::vector<xcb_window_t> ProgramTest::findWindows(bool menus) const {
       if (!own && depth > 1) self(self, child, depth - 1);
     }
   };
-  // Some frames hold a second window around the program's.
+  // Some frames contain a second window around the program's.
   constexpr int deepest = 3;
   search(search, x().root(), menus ? 1 : deepest);
-  // In the order in which they were made.
+  // Sorts by the order of creation.
   std::ranges::sort(found);
   return found;
 }
@@ -179,7 +179,7 @@ testing::AssertionResult ProgramTest::titleBecomes(const std::string& wanted) co
 
 testing::AssertionResult ProgramTest::showing(xcb_window_t window, bool shown) const {
   if (eventually([&] { return x().isShown(window) == shown; })) return testing::AssertionSuccess();
-  return testing::AssertionFailure() << "It is " << (shown ? "hidden." : "shown.");
+  return testing::AssertionFailure() << "The window is " << (shown ? "hidden." : "shown.");
 }
 
 void ProgramTest::focus(xcb_window_t window) {
@@ -218,9 +218,9 @@ std::vector<xcb_window_t> ProgramTest::openMenus() const {
   return findWindows(true);
 }
 
-// The program answers a window manager's question whether it lives when it has come that far. The
-// view is drawn and the mouse is heard at the end of that turn of its loop, so the turn has to end,
-// and the question is asked again.
+// Waits until the program has handled everything sent before. It answers a window manager's ping in
+// its turn. The view is drawn and mouse events are handled at the end of a turn of the loop, so a
+// second ping waits for the next turn.
 void ProgramTest::settle() {
   const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
   xcb_change_window_attributes(x().connection(), x().root(), XCB_CW_EVENT_MASK, &events);
@@ -261,7 +261,8 @@ testing::AssertionResult ProgramTest::viewShows(const ColourEffect& effect,
   return viewShows(effect, [&part] { return part; });
 }
 
-// The window may still be on its way to where the window manager puts it.
+// Reads the area each time, because the window may still be moving to where the window manager puts
+// it.
 testing::AssertionResult ProgramTest::viewShows(const ColourEffect& effect,
                                                 const std::function<Area()>& part) const {
   Area area;
@@ -280,7 +281,7 @@ testing::AssertionResult ProgramTest::viewShows(const ColourEffect& effect,
     return !difference;
   });
   if (right) return testing::AssertionSuccess();
-  if (!difference) return testing::AssertionFailure() << "Nothing to see.";
+  if (!difference) return testing::AssertionFailure() << "There are no pixels to compare.";
   char text[160];
   std::snprintf(text, sizeof text, "At (%d, %d) of the view: #%06X instead of (%.1f, %.1f, %.1f).",
                 difference->x, difference->y, difference->seen & 0xFFFFFFU, difference->expected[0],

@@ -30,18 +30,18 @@ using StoredValues = std::map<std::string, long long>;
 class ProgramTest : public testing::Test {
  protected:
   ~ProgramTest() override;
-  // On the shared display, where nothing else is said before the start.
+  // Uses the shared display, unless a test chooses another before the start.
   void SetUp() override;
   void TearDown() override;
 
-  // Another display for this test.
+  // Uses another display for this test.
   void useDisplay(const std::vector<std::string>& serverOptions, Manager manager,
                   const std::string& size = "1280x800");
   void useDisplay(std::shared_ptr<XDisplay> display);
   void setBackground(std::uint32_t colour);
-  // Has a library loaded before those of the program.
+  // Loads a library before the program's own.
   void preload(const std::string& library) { preloaded_ = library; }
-  // Sets or removes variables for the program, over what a test's are.
+  // Sets or removes variables of the program, after the test's defaults.
   void setVariables(const std::map<std::string, std::optional<std::string>>& variables) {
     variables_ = variables;
   }
@@ -53,9 +53,9 @@ class ProgramTest : public testing::Test {
   std::string folder() const { return folder_->path(); }
 
   Launch launch(const std::vector<std::string>& arguments = {}) const;
-  // Starts the program and waits until its view stands.
+  // Starts the program and waits until its view is shown.
   void start(const std::vector<std::string>& arguments = {});
-  // Ends it as its user does.
+  // Ends the program as its user does.
   void end();
   void expectNormalEnd();
 
@@ -66,7 +66,7 @@ class ProgramTest : public testing::Test {
   xcb_window_t main() const { return windows_[0]; }
   xcb_window_t control() const { return windows_[1]; }
   xcb_window_t colourSpace() const { return windows_[2]; }
-  // The magnifier's, within the main one.
+  // Returns the magnifier's window inside the main one.
   xcb_window_t viewWindow() const;
 
   std::string title(xcb_window_t window) const { return x().text(window, "_NET_WM_NAME"); }
@@ -78,14 +78,14 @@ class ProgramTest : public testing::Test {
                const std::vector<xcb_keysym_t>& holding = {});
   void turnWheel(bool up, int times);
   void dragMouse(int fromX, int fromY, int byX, int byY, int steps = 5);
-  // The open popup menus of the program, the first opened first.
+  // Returns the program's open popup menus in the order in which they opened.
   std::vector<xcb_window_t> openMenus() const;
-  // Returns when the program has handled what was sent before.
+  // Returns when the program has handled everything sent before.
   void settle();
 
-  // The view's part of the screen.
+  // Returns the view's area on the screen.
   Area view() const { return x().areaOf(main()); }
-  // Whether the view comes to show the scene through an effect, to one step in each channel.
+  // Succeeds once the view shows the scene through an effect, to one step in each channel.
   testing::AssertionResult viewShows(const ColourEffect& effect) const;
   testing::AssertionResult viewShows(const ColourEffect& effect, const Area& part) const;
   void saveScreen(const std::string& name, const Area& area) const;
@@ -105,7 +105,7 @@ class ProgramTest : public testing::Test {
   std::vector<xcb_window_t> windows_;
 };
 
-// Through no transform.
+// The title while the transform is off.
 inline constexpr const char* offTitle = "Transform off, press Tab to turn transform back on";
 
 }  // namespace tintora::desktop_test

@@ -22,7 +22,8 @@ int remainder(int value, int divisor) {
   return (value % divisor + divisor) % divisor;
 }
 
-// What a window shows at a place of its own, its border around it; nothing: it is not there.
+// Returns the pixel of a window at a place relative to it, border included; nothing if it has none
+// there.
 std::optional<std::uint32_t> pixelOf(const Sheet& sheet, int x, int y) {
   if (sheet.shape &&
       std::ranges::none_of(*sheet.shape, [&](const Area& part) { return part.contains(x, y); })) {
@@ -114,7 +115,7 @@ void Scene::shape(Sheet& sheet, const std::vector<Area>& shape) {
                        XCB_CLIP_ORDERING_UNSORTED, sheet.window, 0, 0, u32(int(rectangles.size())),
                        rectangles.data());
   client_.sync();
-  // What was outside the shape was never drawn.
+  // The part outside the old shape was never drawn.
   if (sheet.shown && client_.isShown(sheet.window)) {
     drawWhole(sheet);
   }
@@ -135,7 +136,7 @@ void Scene::show(Sheet& sheet, bool shown) {
   xcb_map_window(client_.connection(), sheet.window);
   client_.sync();
   if (sheet.managed) {
-    // The frame decides where the inside is.
+    // The frame determines the place of the inside.
     eventually([&] { return client_.isShown(sheet.window); });
     sheet.place = client_.areaOf(sheet.window);
   }

@@ -1,4 +1,4 @@
-// What lies beneath is what the view shows, whatever it is and whatever becomes of it.
+// The view shows what lies beneath it, whatever that is and however it changes.
 #include "program_run.h"
 
 namespace tintora::desktop_test {
@@ -9,7 +9,7 @@ using expected::juddDeutan;
 
 const ColourEffect deutan = effectOf(juddDeutan(1));
 
-// Through a deutan simulation.
+// Starts with a deutan simulation.
 class Beneath : public ProgramTest {
  protected:
   void SetUp() override {
@@ -17,12 +17,12 @@ class Beneath : public ProgramTest {
     storeValues({{"Selected", 2}, {"ColorSpace", 0}});
     start();
   }
-  // A part of the view, from its left top corner.
+  // Returns a part of the view, relative to its top left corner.
   Area within(int x, int y, int width, int height) const {
     const Area area = view();
     return {area.x + x, area.y + y, width, height};
   }
-  // The window manager has its say in where.
+  // Moves a framed window; the window manager decides on the final place.
   void moveFramed(Sheet& sheet, int left, int top) {
     const Area before = x().areaOf(sheet.window);
     x().move(sheet.window, left, top);
@@ -148,7 +148,7 @@ TEST_F(Beneath, AWindowAboveTheViewIsNotInIt) {
   x().restack(sheet.window, XCB_STACK_MODE_ABOVE);
   sheet.shown = false;
   EXPECT_TRUE(viewShows(deutan, common(within(250, 0, 250, 400), view())));
-  // The view's pixels beneath it are its own again when it goes.
+  // After the window has gone, the view's own pixels must be back.
   scene().remove(sheet);
   EXPECT_TRUE(viewShows(deutan));
 }
@@ -183,7 +183,7 @@ TEST_F(Beneath, AFramedWindowIsSeen) {
       {.place = within(60, 60, 250, 150), .picture = noise(250, 150, 1), .managed = true});
   ASSERT_NE(x().topLevelOf(sheet.window), sheet.window);
   moveFramed(sheet, view().x + 80, view().y + 90);
-  // What its frame looks like is the window manager's affair.
+  // Only the inside is checked, because the window manager decides how its frame looks.
   EXPECT_TRUE(viewShows(deutan, common(sheet.place, view())));
   scene().draw(sheet, noise(100, 80, 2), 20, 30);
   EXPECT_TRUE(viewShows(deutan, common(sheet.place, view())));

@@ -26,7 +26,7 @@ class Screen : public ProgramTest {
                                                          {"XDG_RUNTIME_DIR", folder()}},
                                          .output = folder() + "/compositor",
                                          .errors = folder() + "/compositor_errors"});
-    // It owns this name while it is at work.
+    // A running compositing manager owns this selection.
     const xcb_atom_t name = x().atom("_NET_WM_CM_S0");
     EXPECT_TRUE(eventually([&] {
       const Received<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(

@@ -11,13 +11,13 @@ namespace tintora::desktop_test {
 
 namespace {
 
-// How far, in pixels, what is drawn may be from where it should be: a line is as thick as a pixel,
-// and the graphics card places corners to fractions of one.
+// The distance in pixels by which drawing may be off: a line is one pixel thick, and the graphics
+// card rounds corners to fractions of a pixel.
 constexpr double lineReach = 0.85;
 constexpr double triangleReach = 0.08;
-// Distances from the eye that count as one.
+// Smaller differences in distance from the eye do not count.
 constexpr double depthStep = 0.02;
-// Levels by which a colour may differ.
+// Levels by which a colour may differ because of rounding.
 constexpr double roundingStep = 2.5;
 
 struct SeenPoint {
@@ -30,9 +30,9 @@ struct SeenPoint {
 struct SeenShape {
   std::vector<SeenPoint> points;
   double reach = 0;
-  double perPixel = 0;   // the most by which a colour changes within it over a pixel
-  double range = 0;      // ... or altogether
-  double tolerance = 0;  // levels by which a pixel of it may differ
+  double perPixel = 0;   // the most by which the colour changes over one pixel
+  double range = 0;      // the most by which the colour changes over the whole shape
+  double tolerance = 0;  // levels by which one of its pixels may differ
 };
 
 SeenPoint seen(const SpacePoint& point, const Picture& picture) {
@@ -48,12 +48,12 @@ double largestDifference(const Colour& a, const Colour& b) {
   return largest;
 }
 
-// Twice its area, with a sign for the way it winds.
+// Returns twice the triangle's area, with a sign for its winding.
 double windingOf(std::span<const SeenPoint> t) {
   return (t[1].x - t[0].x) * (t[2].y - t[0].y) - (t[2].x - t[0].x) * (t[1].y - t[0].y);
 }
 
-// A triangle seen from its edge has no more than a place for a colour, not the colour itself.
+// Returns true if the triangle is seen edge-on. Then its pixels may have any of its colours.
 bool isSliver(const SeenShape& shape) {
   if (shape.points.size() == 2) return false;
   double longest = 0;
@@ -83,7 +83,7 @@ SeenShape seen(const Shape& shape, const Picture& picture) {
   return result;
 }
 
-// The point that parts of some points make together, evenly in space.
+// Returns the weighted mean of points, with perspective taken into account.
 SeenPoint mixed(std::span<const SeenPoint> points, std::span<const double> shares) {
   SeenPoint result;
   double nearness = 0;
@@ -110,8 +110,8 @@ SeenPoint nearestOnLine(const SeenPoint& a, const SeenPoint& b, double x, double
   return mixed(ends, shares);
 }
 
-// The parts that the corners of a triangle have in a place; less than nothing of one: it is
-// outside.
+// Returns the barycentric coordinates of a place in a triangle. A negative one means that the place
+// is outside.
 std::array<double, 3> sharesAt(std::span<const SeenPoint> t, double x, double y) {
   const double area = windingOf(t);
   if (std::abs(area) < 1e-6) return {-1, -1, -1};
@@ -126,8 +126,8 @@ double distance(const SeenPoint& point, double x, double y) {
 
 struct Hit {
   SeenPoint point;
-  double distance = 0;   // of the place from the shape
-  bool certain = false;  // it covers the place, wherever it is within its reach
+  double distance = 0;   // from the place to the shape
+  bool certain = false;  // the shape covers the place even if it is off by its reach
 };
 
 Hit hit(const SeenShape& shape, double x, double y) {
@@ -150,7 +150,7 @@ struct Candidate {
   std::size_t shape = 0;
 };
 
-// What may be seen of a pixel.
+// What a pixel may show.
 struct Expected {
   std::vector<Candidate> candidates;
   double nearestCertain = std::numeric_limits<double>::infinity();
@@ -177,13 +177,13 @@ class Expectation {
     });
   }
 
-  // Whether what is there of a line at a place cannot be hidden by anything.
+  // Returns true if nothing can hide the line at a place.
   bool mustShow(std::size_t line, const SeenPoint& place) const {
     bool shown = true;
     visitAround(place, [&](int x, int y) {
       for (const Candidate& other : pixels_[index(x, y)].candidates) {
         if (other.depth < place.depth - depthStep) shown = false;
-        // A line goes on in the next ones, and its own colours hide nothing.
+        // Its neighbours continue a line, and the same colour hides nothing.
         if (other.shape > line && other.depth < place.depth + depthStep &&
             largestDifference(other.colour, place.colour) > roundingStep) {
           shown = false;
@@ -274,7 +274,7 @@ testing::AssertionResult allLinesAreThere(const Picture& picture, const Expectat
     const SeenPoint& a = shapes[i].points[0];
     const SeenPoint& b = shapes[i].points[1];
     const int steps = static_cast<int>(std::ceil(std::hypot(a.x - b.x, a.y - b.y)));
-    // Where a line ends the last pixel is another one's.
+    // Skips the ends of a line, whose last pixel may belong to another one.
     for (int step = 1; step < steps; ++step) {
       const double share = static_cast<double>(step) / steps;
       const SeenPoint place =

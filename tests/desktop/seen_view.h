@@ -1,5 +1,5 @@
 // What a view of the colour space window should show, pixel by pixel: coloured lines and triangles
-// in space, projected in double precision from the eye's place and field of view.
+// in space, projected in double precision.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ namespace tintora::desktop_test {
 using expected::Weights;
 inline constexpr Weights untransformed{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
 
-// The surface that the views are drawn on.
+// The background on which the views are drawn.
 inline constexpr std::uint32_t viewBackground = 0x506478;
 
 struct SpacePoint {
@@ -24,15 +24,15 @@ struct SpacePoint {
   Colour colour{};
 };
 
-// A line of two points or a triangle of three.
+// A line with two points or a triangle with three.
 struct Shape {
   std::vector<SpacePoint> points;
 };
-// What is drawn later hides what is as near.
+// At equal depth, later shapes hide earlier ones.
 using Shapes = std::vector<Shape>;
 
-// Degrees by which the front of the cube is moved to the right and downwards, both at once, and
-// pixels of a drag in degrees.
+// A turn of the cube in degrees: its front moves to the right and downwards, both at once. turnOf()
+// converts a drag in pixels.
 struct Turn {
   double right = 0;
   double down = 0;
@@ -41,11 +41,11 @@ struct Turn {
 inline constexpr double degreesPerPixel = 0.25;
 using Turns = std::vector<Turn>;
 
-// The solid cube under a transform and its frame, turned by one drag after another.
+// Returns the solid cube under a transform, and its frame, turned by one drag after another.
 Shapes cubeShapes(const Weights& weights = untransformed, const Turns& turns = {});
-// The spectral locus, the triangle of the primaries and the gamut under a transform.
+// Returns the spectral locus, the triangle of the primaries and the gamut under a transform.
 Shapes diagramShapes(const Weights& weights = untransformed);
-// The sensitivities of the cones with their peaks at these wavelengths in nm.
+// Returns the cones' sensitivities with their peaks at these wavelengths in nm.
 Shapes curveShapes(double peakS, double peakM, double peakL);
 
 struct Place {
@@ -53,12 +53,12 @@ struct Place {
   double y = 0;
 };
 
-// Where a point of an unturned view is seen in a picture of some size, in pixels whose middles are
-// whole numbers.
+// Returns where a point of an unturned view appears in a picture of this size, in pixels. Pixel
+// centres are whole numbers.
 Place seenAt(double x, double y, int width, int height);
 
-// Whether all pixels outside some areas are what the shapes make of them, and all that should be
-// seen of the lines is there.
+// Succeeds if all pixels outside some areas are as the shapes make them, and all visible parts of
+// lines are there.
 testing::AssertionResult shows(const Picture& picture, const Shapes& shapes,
                                const std::vector<Area>& texts);
 

@@ -1,4 +1,4 @@
-// What is kept from one run to the next, and what becomes of it where that cannot be.
+// Settings from one run to the next, and what happens if they cannot be stored.
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -73,7 +73,7 @@ TEST_F(Settings, SignalsThatEndTheProgramDoNotLoseThem) {
   }
 }
 
-// As at the end of a session.
+// This happens at the end of a session.
 TEST_F(Settings, TheServersEndDoesNotLoseThem) {
   useDisplay({}, Manager::Openbox);
   storeValues({{"Selected", 1}});
@@ -108,7 +108,7 @@ TEST_F(Settings, OneMissingValueDoesNotTouchTheOthers) {
     end();
     StoredValues after = storedValues();
     EXPECT_EQ(after.size(), someValues.size());
-    // A missing selection is protan.
+    // A missing selection means protan.
     after.erase(missing);
     EXPECT_EQ(after, values) << missing;
   }
@@ -133,7 +133,7 @@ TEST_F(Settings, AFileInThePlaceOfTheFolderIsLeftAlone) {
 }
 
 TEST_F(Settings, AFileThatMayNotBeWrittenIsNotTakenAndNotTouched) {
-  if (geteuid() == 0) GTEST_SKIP() << "To root every file may be written.";
+  if (geteuid() == 0) GTEST_SKIP() << "Root may write to any file.";
   storeValues(someValues);
   const std::string before = readFile(settingsFile());
   chmod(settingsFile().c_str(), 0400);
@@ -154,7 +154,7 @@ TEST_F(Settings, NothingIsLeftBesideTheFile) {
   EXPECT_EQ(files, 1);
 }
 
-// Ended in the middle of its end, it leaves the old file or the new one.
+// If the program is killed while it ends, it leaves either the old file or the new one.
 TEST_F(Settings, TheFileIsOldOrNewAtEveryMoment) {
   for (int delay = 0; delay < 12; ++delay) {
     storeValues(someValues);

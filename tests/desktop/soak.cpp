@@ -1,6 +1,5 @@
-// Half an hour, or as many minutes as TINTORA_SOAK_MINUTES says, of random input while other
-// programs' windows come and go. Prints what the program holds after 1, 10 and all minutes, each
-// time brought to rest.
+// Sends random input while other programs' windows come and go, for half an hour or as many minutes
+// as TINTORA_SOAK_MINUTES says. Prints the program's resources at rest after 1, 10 and all minutes.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -25,7 +24,7 @@ class Soak : public ProgramTest {
  protected:
   int pick(int count) { return std::uniform_int_distribution<int>(0, count - 1)(random_); }
 
-  // One thing that a user or another program does.
+  // Does one thing that a user or another program might do.
   void act() {
     switch (pick(12)) {
       case 0:
@@ -47,7 +46,7 @@ class Soak : public ProgramTest {
     }
   }
 
-  // The program without anything that is open for a while.
+  // Closes everything temporary, and returns what the program then holds.
   Holdings rest() {
     while (scene().size() > 0) scene().remove(scene().at(0));
     for (int i = 0; i < 3; ++i) x().press(XK_Escape);
@@ -55,7 +54,7 @@ class Soak : public ProgramTest {
     if (x().isShown(control())) press(view() == x().screenArea() ? XK_f : XK_h);
     EXPECT_TRUE(showing(control(), false));
     while (x().isShown(colourSpace())) press(XK_w);
-    // The title of a copy lasts three seconds.
+    // The title that confirms a copy lasts three seconds.
     std::this_thread::sleep_for(std::chrono::seconds(4));
     settle();
     Holdings holdings{.kilobytes = process().memory(),
@@ -86,7 +85,7 @@ class Soak : public ProgramTest {
     scene().add({.place = place,
                  .picture = noise(place.width, place.height, static_cast<std::uint32_t>(pick(99))),
                  .managed = pick(3) == 0});
-    // As a menu or a tip.
+    // Acts like a menu or tip.
     Sheet& sheet = scene().at(scene().size() - 1);
     if (!sheet.managed && pick(2) == 0) x().restack(sheet.window, XCB_STACK_MODE_ABOVE);
   }

@@ -1,4 +1,4 @@
-// Starting: what is told on a terminal, what the program cannot do without and what it can.
+// Start-up: what the program prints, and what it requires.
 #include <array>
 #include <csignal>
 #include <filesystem>
@@ -16,7 +16,7 @@ class Start : public ProgramTest {
     std::string output;
     std::string errors;
   };
-  // Through what is drawn, other sizes and other effects.
+  // Checks the view while windows are drawn and while its size and the effect change.
   void expectRightView() {
     storeValues({{"Selected", 5}, {"ColorSpace", 0}});
     start();
@@ -33,7 +33,7 @@ class Start : public ProgramTest {
     EXPECT_TRUE(viewShows(expected::greyscale()));
     end();
   }
-  // For starts that open no window.
+  // Runs a start that opens no window.
   Outcome run(const Launch& launch) const {
     Process process(launch);
     const auto result = process.result(2 * patience);
@@ -44,7 +44,7 @@ class Start : public ProgramTest {
     EXPECT_TRUE(text.starts_with("tintora: ")) << text;
     EXPECT_NE(text.find(word), std::string::npos) << text;
   }
-  // A user who started it by a click sees no terminal.
+  // A user who started the program by a click sees no terminal.
   void expectRefusalInAWindow(const std::string& word) {
     const Launch refused = launch();
     Process process(refused);
@@ -156,7 +156,7 @@ TEST_F(Start, WithoutSharedPixmapsTheViewIsRightToo) {
   EXPECT_TRUE(std::filesystem::exists(folder() + "/images-only"));
 }
 
-// Each change is a narrow part of the view, beside the last one.
+// Each change is a narrow part of the view, next to the last one.
 TEST_F(Start, WithoutSharedPixmapsNarrowChangesAreSeen) {
   preload(TINTORA_IMAGES_ONLY);
   storeValues({{"Selected", 5}, {"ColorSpace", 0}});
@@ -210,12 +210,12 @@ TEST_F(Start, AWindowManagerThatComesLaterIsNoHarm) {
   Sheet& sheet = scene().addNoise({200, 100, 900, 600}, 1);
   ASSERT_TRUE(viewShows(expected::greyscale()));
   display().startManager();
-  // It lists the windows that it has done with.
+  // The window manager lists the windows that it has finished framing.
   ASSERT_TRUE(eventually([this] {
     const std::string list = x().property(x().root(), x().atom("_NET_CLIENT_LIST"));
     return x().topLevelOf(main()) != main() && !list.empty();
   }));
-  // Where the frame goes among windows that are not its own is the manager's affair.
+  // The window manager may put the frame anywhere among unmanaged windows.
   x().restack(sheet.window, XCB_STACK_MODE_BELOW, x().topLevelOf(main()));
   EXPECT_TRUE(viewShows(expected::greyscale()));
   press(XK_i);
@@ -261,7 +261,7 @@ TEST_F(Start, TwoAtOnceLive) {
   scene().addNoise({1000, 280, 500, 400}, 1);
   ASSERT_TRUE(viewShows(expected::greyscale()));
   Process other(launch());
-  // It opens at the same place, above the first or below it.
+  // The second program opens at the same place, above or below the first.
   ASSERT_TRUE(eventually([&] {
     int framed = 0;
     for (const xcb_window_t window : x().numbers(x().root(), "_NET_CLIENT_LIST")) {
@@ -286,7 +286,8 @@ TEST_F(Start, TheServersEndIsItsEnd) {
   start();
   display().endServer();
   const auto result = process().result();
-  ASSERT_TRUE(result.has_value()) << "It runs on, after " << process().processorSeconds() << " s.";
+  ASSERT_TRUE(result.has_value()) << "The program did not end. It has used "
+                                  << process().processorSeconds() << " s.";
 }
 
 TEST_F(Start, NothingIsTalkedAboutInANormalRun) {
@@ -303,11 +304,11 @@ TEST_F(Start, WhereNothingHappensNothingRuns) {
   storeValues({{"Selected", 4}, {"ColorSpace", 0}});
   start();
   settle();
-  // What Qt does after the start may take a while on a busy machine.
+  // On a busy machine, Qt's work after the start may take a while.
   EXPECT_TRUE(eventually([&] {
     const double before = process().processorSeconds();
     std::this_thread::sleep_for(std::chrono::seconds(1));
-    // A few ticks of the clock for what Qt has running.
+    // Allows a few clock ticks for Qt's own activity.
     return process().processorSeconds() - before < 0.05;
   }));
 }

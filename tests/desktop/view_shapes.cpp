@@ -1,4 +1,4 @@
-// The geometry of the views, worked out once more.
+// The geometry of the views, computed independently.
 #include <cmath>
 #include <cstddef>
 #include <numbers>
@@ -14,18 +14,19 @@ namespace {
 
 using Parts = std::array<double, 3>;  // of red, green and blue, 0 to 1
 
-constexpr double scale = 4.0 / 5.5;  // of everything, before an eye at a distance of 5.5
+constexpr double scale = 4.0 / 5.5;  // of all points, before an eye at a distance of 5.5
 constexpr double whole = 255.0;
 
 double radians(double degrees) {
   return degrees * std::numbers::pi / 180.0;
 }
 
-// Red grows to the left, green upwards and blue away from the eye. A vertex has whole components.
+// Returns the point of a colour: red grows to the left, green upwards and blue away from the eye.
+// The components of a vertex are whole numbers.
 SpacePoint pointOf(const Parts& parts) {
   SpacePoint point{1 - 2 * parts[0], 2 * parts[1] - 1, 2 * parts[2] - 1};
   for (std::size_t i = 0; i < 3; ++i) {
-    // What is a whole number but for rounding is one.
+    // Keeps whole numbers that rounding has made slightly smaller.
     point.colour[i] = std::floor(whole * std::min(std::max(parts[i], 0.0), 1.0) + 1e-9);
   }
   return point;
@@ -39,8 +40,8 @@ Parts transformed(const Parts& parts, const Weights& weights) {
   return result;
 }
 
-// By a drag of both parts at once: first about the upright axis, then about the level one, as they
-// stood before it.
+// Turns a point by a drag in both directions at once: first about the vertical axis, then about the
+// horizontal one, both in their positions before the drag.
 void turn(SpacePoint& point, const Turn& by) {
   const auto rotate = [](double& from, double& to, double degrees) {
     const double along = from;
@@ -58,7 +59,7 @@ Parts corner(std::size_t number) {
           (number & 4) != 0 ? 1.0 : 0.0};
 }
 
-// The sides of the cube as they are cut into triangles: by the numbers of corners whose bits are
+// The triangles that form the cube's sides, by the numbers of corners. The bits of a number are
 // red, green and blue.
 constexpr std::array<std::array<std::size_t, 3>, 12> cubeTriangles{{
     {1, 3, 2},
@@ -75,7 +76,7 @@ constexpr std::array<std::array<std::size_t, 3>, 12> cubeTriangles{{
     {5, 0, 4},
 }};
 
-// Twelve edges, and the axis from black to white.
+// Returns the twelve edges, and the axis from black to white.
 std::vector<std::pair<std::size_t, std::size_t>> frameLines() {
   std::vector<std::pair<std::size_t, std::size_t>> lines;
   for (std::size_t from = 0; from < 8; ++from) {
@@ -97,7 +98,7 @@ SpacePoint pointOf(const ExpectedVertex& vertex) {
           {component(vertex.red), component(vertex.green), component(vertex.blue)}};
 }
 
-// Everything is drawn smaller than it is told.
+// Applies the scale at which everything is drawn.
 void shrink(SpacePoint& point) {
   point.x *= scale;
   point.y *= scale;
@@ -181,7 +182,7 @@ Shapes curveShapes(double peakS, double peakM, double peakL) {
     Colour colour;
   };
   Shapes shapes;
-  // In the order in which they are drawn.
+  // In drawing order.
   for (const auto& [peak, colour] :
        {Curve{peakS, {0, 0, whole}}, Curve{peakL, {whole, 0, 0}}, Curve{peakM, {0, whole, 0}}}) {
     const ReferenceCurve curve = referenceCone(peak, 0.35L);

@@ -1,5 +1,5 @@
-// The views beside those of the program on another desktop, whose pictures lie in the folder that
-// TINTORA_OTHER_PICTURES names. Only text, drawn with other fonts, may be different.
+// Compares the views with pictures of the program on another desktop, from the folder in
+// TINTORA_OTHER_PICTURES. Only text may differ, because it is drawn with other fonts.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -11,7 +11,7 @@
 namespace tintora::desktop_test {
 namespace {
 
-// In every channel.
+// The tolerance in every channel.
 constexpr double levels = 2;
 
 bool isLike(std::uint32_t a, std::uint32_t b) {
@@ -31,15 +31,15 @@ bool hasNear(const Picture& picture, int x, int y, std::uint32_t pixel) {
   return false;
 }
 
-// Pixels outside text.
+// Counts of pixels outside text.
 struct Comparison {
   int compared = 0;
-  int edges = 0;  // unlike the pixel to the left or above
-  int moved = 0;  // as the next pixel of the other picture
+  int edges = 0;  // differ from the pixel to the left or above
+  int moved = 0;  // equal to a neighbour in the other picture
   int wrong = 0;
 
-  // Edges may be drawn a pixel aside here and there. A picture that is moved as a whole has almost
-  // half of its edges elsewhere, or more.
+  // Edges may be a pixel off here and there. If a whole picture is shifted, almost half of its
+  // edges or more are elsewhere.
   bool isOfOneKind() const { return wrong == 0 && moved <= edges / 10; }
 };
 
@@ -66,7 +66,7 @@ Comparison compare(const Picture& a, const Picture& b, const std::vector<Area>& 
   return result;
 }
 
-// The picture moved by some pixels, its border repeated.
+// Returns the picture moved by some pixels, with its border repeated.
 Picture moved(const Picture& picture, int byX, int byY) {
   Picture result = solid(picture.width, picture.height, 0);
   for (int y = 0; y < picture.height; ++y) {
@@ -91,7 +91,7 @@ void PrintTo(const ComparedView& view, std::ostream* out) {
 class ViewsBesideAnotherDesktops : public ViewsTest,
                                    public testing::WithParamInterface<ComparedView> {
  protected:
-  // Where either desktop may have drawn text.
+  // Returns the areas in which either desktop may have drawn text.
   static std::vector<Area> texts() {
     constexpr int margin = 3;
     const auto& [name, view, size] = GetParam();
@@ -118,7 +118,7 @@ class ViewsBesideAnotherDesktops : public ViewsTest,
     std::printf("%s: %d of %d pixels beside text differ, %d of them along %d edges.\n",
                 name.c_str(), found.moved + found.wrong, found.compared, found.moved, found.edges);
     EXPECT_TRUE(found.isOfOneKind());
-    if (GetParam().view == View::Help) return;  // all of it text
+    if (GetParam().view == View::Help) return;  // all of it is text
     for (const auto& [x, y] : {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}}) {
       EXPECT_FALSE(compare(own, moved(other, x, y), texts()).isOfOneKind()) << x << "," << y;
     }

@@ -1,4 +1,4 @@
-// The RGB cube on the screen, as it is transformed and turned.
+// The RGB cube on the screen while it is transformed and turned.
 #include <cmath>
 
 #include "views_run.h"
@@ -25,7 +25,7 @@ testing::AssertionResult isNear(const Colour& seen, const Colour& expected) {
 
 class CubeView : public ViewsTest {
  protected:
-  // Every pixel of the window but those of the title.
+  // Compares every pixel of the window except the title's.
   testing::AssertionResult cubeIs(const Weights& weights, const Turns& turns) {
     const Picture picture = shown();
     return shows(picture, cubeShapes(weights, turns), {titleArea()});
@@ -42,8 +42,8 @@ TEST_F(CubeView, FillsItsFrameWithoutATransform) {
   }
 }
 
-// The side in front is seen 113.7 pixels from the middle to each edge: 200 / tan 15 degrees * (4 /
-// 5.5) / (5.5 - 4 / 5.5).
+// The edges of the front side are 113.7 pixels from the middle:
+// 200 / tan 15 degrees * (4 / 5.5) / (5.5 - 4 / 5.5).
 TEST_F(CubeView, HasTheCornersOfItsColours) {
   struct Front {
     Colour leftTop;
@@ -60,7 +60,7 @@ TEST_F(CubeView, HasTheCornersOfItsColours) {
   constexpr Colour cyan{0, 255, 255};
   constexpr Colour white{255, 255, 255};
   startWith(View::Cube);
-  // Each time turned by 90 degrees to the right.
+  // Each is turned by another 90 degrees to the right.
   for (const Front& front : {Front{yellow, green, red, black}, Front{white, yellow, magenta, red},
                              Front{cyan, white, blue, magenta}, Front{green, cyan, black, blue}}) {
     const Picture picture = shown();
@@ -101,7 +101,7 @@ INSTANTIATE_TEST_SUITE_P(By, TransformedCube,
                                          TransformRow{"Tritan", 3, &juddTritan}),
                          [](const auto& row) { return std::string(row.param.name); });
 
-// Whether a colour is found within two pixels of a place.
+// Returns true if a colour is within two pixels of a place.
 bool hasColourNear(const Picture& picture, int x, int y, const Colour& colour) {
   for (int row = y - 2; row <= y + 2; ++row) {
     for (int column = x - 2; column <= x + 2; ++column) {
@@ -111,8 +111,8 @@ bool hasColourNear(const Picture& picture, int x, int y, const Colour& colour) {
   return false;
 }
 
-// The spectral model takes blue to (0.2233, -0.1032, 1.0005), below the frame. The corner stands at
-// (0.5534, -1.2064, 1.001) and is seen 48 pixels to the right of the middle and 105 below it.
+// The spectral model takes blue to (0.2233, -0.1032, 1.0005), below the frame. The corner is at
+// (0.5534, -1.2064, 1.001), which is 48 pixels to the right of the middle and 105 below it.
 TEST_F(CubeView, HasACornerOutsideItsFrameByTheSpectralModel) {
   startStored({{"Selected", 2}, {"ScrollPc", 60}, {"Option", 1}, {"View", 703}, {"ColorSpace", 1}},
               {});
@@ -157,7 +157,7 @@ TEST_F(CubeView, IsRolledByTheHorizontalPartOfADragWithShift) {
   EXPECT_TRUE(cubeIs(untransformed, {{.clockwise = 80 * degreesPerPixel}}));
 }
 
-// A right button that is let go opens the menu, over the window.
+// Releasing the right button opens the menu over the window.
 class LockedDrag : public CubeView {
  protected:
   void lockedDrag(const std::vector<Stop>& stops) {

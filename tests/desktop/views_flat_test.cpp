@@ -65,7 +65,7 @@ TEST_F(ViewsTest, DiagramHasTheGamutOfTheSpectralModel) {
   }
 }
 
-// The part of a label's area that the locus, which has the label's colour, does not cross.
+// Returns the part of a label's area that the locus, which has the same colour, does not cross.
 Area besideLocus(const Area& label, bool rising) {
   return {label.x + 2, label.y + 1, rising ? 16 : 24, 12};
 }
@@ -85,8 +85,8 @@ TEST_F(ViewsTest, DiagramNamesWavelengthsBesideTheLocus) {
   }
 }
 
-// The ink of the three figures of a label whose text begins at a place, each without its outermost
-// columns, where its neighbours' ink may be.
+// Returns the ink of the three figures of a label whose text begins at a place. Leaves out the
+// outermost columns of each, which may contain a neighbour's ink.
 std::array<std::vector<double>, 3> figuresAt(const Picture& picture, int x, int y) {
   constexpr std::array<std::array<int, 2>, 3> columns{{{1, 6}, {8, 12}, {14, 18}}};
   constexpr std::array<int, 2> rows{2, 14};
@@ -110,14 +110,14 @@ double difference(const std::vector<double>& a, const std::vector<double>& b) {
   return largest;
 }
 
-// Whether the text of one label reaches into that of another.
+// Returns true if a label's text overlaps another's.
 bool overlaps(const std::vector<Area>& areas, const Area& label) {
   return std::ranges::any_of(areas, [&](const Area& other) {
     return other != label && std::abs(other.x - label.x) < 22 && std::abs(other.y - label.y) < 13;
   });
 }
 
-// All labels of both views that stand free have the same figure in a place if and only if they look
+// In both views, labels without overlap have the same figure in a position if and only if they look
 // the same there.
 TEST_F(ViewsTest, LabelsHaveTheFiguresOfTheirWavelengths) {
   constexpr PictureSize size{800, 600};

@@ -1,4 +1,4 @@
-// The colour space window draws a frame for what its user does, and none besides.
+// The colour space window draws one frame for each of the user's actions, and no others.
 #include <xcb/damage.h>
 
 #include <chrono>
@@ -19,14 +19,14 @@ class Frames : public ViewsTest {
     watcher_->check(xcb_damage_create_checked(c, xcb_generate_id(c), colourSpace(),
                                               XCB_DAMAGE_REPORT_LEVEL_RAW_RECTANGLES));
     notify_ = xcb_get_extension_data(c, &xcb_damage_id)->first_event;
-    // On a busy machine frames that belong to what was before come late.
+    // On a busy machine, frames of earlier actions come late.
     constexpr std::chrono::milliseconds quiet{200};
     ASSERT_TRUE(eventually([&] {
       std::this_thread::sleep_for(quiet);
       return frames() == 0;
     }));
   }
-  // How many were drawn since the last time; each is of the whole window.
+  // Returns the number of frames since the last call. Each covers the whole window.
   int frames() {
     settle();
     watcher_->sync();
@@ -79,7 +79,7 @@ TEST_F(Frames, OneIsDrawnForAKeyAndOneForLettingItGo) {
   }
 }
 
-// One while the cube is turned, and one when the event is done with.
+// One frame while the cube turns, and one after the event.
 TEST_F(Frames, TwoAreDrawnForAStepOfADrag) {
   startWith(View::Cube);
   moveInside({200, 200});

@@ -1,4 +1,4 @@
-// The colour space window in many sizes, covered, hidden and shown again.
+// The colour space window at many sizes, covered, hidden and shown again.
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
@@ -14,7 +14,7 @@ using expected::juddDeutan;
 
 class ResizedViews : public ViewsTest {
  protected:
-  // The cube for a half severe deutan, turned.
+  // Starts with the cube for deutan at half severity, turned.
   void startTurned() {
     startWith(View::Cube, {}, 2, 50);
     drag(1, {{200, 200}, {300, 240}});
@@ -27,7 +27,7 @@ class ResizedViews : public ViewsTest {
     texts.push_back(titleArea());
     return shows(shown(), diagramShapes(juddDeutan(0.5)), texts);
   }
-  // Small sizes come as often as large ones.
+  // Resizes at random; small sizes are as frequent as large ones.
   void resizeAtRandom(int times) {
     const auto length = [&] {
       const int longest = std::bernoulli_distribution()(sizes_) ? 30 : 700;
@@ -81,8 +81,8 @@ TEST_F(ResizedViews, OfFiveHundredSizesLeaveNothingBehind) {
   end();
 }
 
-// The old picture, squeezed or stretched into the window. Where its pixels are split, either half
-// may be seen.
+// Succeeds if the window shows the old picture, squeezed or stretched. Where a pixel is split,
+// either half may appear.
 testing::AssertionResult fills(const Picture& window, const Picture& old) {
   const auto places = [](int place, int length, int oldLength) {
     const double middle = (place + 0.5) * oldLength / length - 0.5;
@@ -99,7 +99,8 @@ testing::AssertionResult fills(const Picture& window, const Picture& old) {
           found |= ((old.at(oldX, oldY) ^ window.at(x, y)) & 0xFFFFFFU) == 0;
         }
       }
-      if (!found) return testing::AssertionFailure() << "Not so at " << x << "," << y;
+      if (!found)
+        return testing::AssertionFailure() << "The old picture is not at " << x << "," << y;
     }
   }
   return testing::AssertionSuccess();
@@ -134,7 +135,7 @@ TEST_F(ResizedViews, AreDrawnAnewFromTenPixelsOn) {
   resizeTo({});
   resizeTo({400, 9});
   EXPECT_GT(cubeInTheMiddle(), 100);
-  // Anew, it is as narrow as it is low.
+  // Drawn again, the cube is as narrow as the window is low.
   resizeTo({400, 10});
   EXPECT_GT(cubeInTheMiddle(), 2);
   EXPECT_LT(cubeInTheMiddle(), 20);

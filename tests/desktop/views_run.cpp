@@ -8,11 +8,12 @@ namespace tintora::desktop_test {
 
 namespace {
 
-// Text of three figures and two letters at most, 14 pixels high.
+// The width of three figures and two letters at most, 14 pixels high.
 constexpr int labelWidth = 44;
 constexpr int labelHeight = 16;
 
-// Labels stand on whole pixels, their fractions cut off: within one of these places.
+// Returns the area of a label. Labels start on whole pixels, with fractions cut off, so the area
+// contains each possible place.
 Area labelArea(double x, double y) {
   return {static_cast<int>(x) - 2, static_cast<int>(y) - 1, labelWidth, labelHeight + 2};
 }
@@ -45,7 +46,7 @@ void ViewsTest::startStored(const StoredValues& values, const PictureSize& size)
   storeValues(values);
   start({"-t"});
   ASSERT_TRUE(showing(colourSpace(), true));
-  // The program has allowed for the window's frame.
+  // The size once the program has allowed for the window's frame.
   constexpr std::array firstSize{400, 400};
   ASSERT_TRUE(eventually([&] {
     const Area outer = x().outerAreaOf(colourSpace());
@@ -59,8 +60,8 @@ void ViewsTest::resizeTo(const PictureSize& size) {
     const Area area = inside();
     return area.width == size.width && area.height == size.height;
   };
-  // What the program asked for before may still be on its way and come after the first request, so
-  // the size counts only if it is there once all have been answered.
+  // Checks the size only after all requests were answered. An earlier request of the program may
+  // still arrive after the first one here.
   ASSERT_TRUE(eventually([&] {
     settle();
     x().resize(colourSpace(), size.width, size.height);
@@ -145,7 +146,7 @@ std::vector<Area> ViewsTest::wavelengthLabelAreas(const PictureSize& size) {
 testing::AssertionResult hasText(const Picture& picture, const Area& area, std::uint32_t colour) {
   const Colour background = colourOf(viewBackground);
   const Colour text = colourOf(colour);
-  // At least half of the pixel, in every channel.
+  // Ink covers at least half of the pixel, in every channel.
   const auto isInk = [&](const Colour& seen) {
     for (std::size_t i = 0; i < 3; ++i) {
       const double share = (seen[i] - background[i]) / (text[i] - background[i]);
@@ -172,7 +173,7 @@ testing::AssertionResult areSame(const Picture& a, const Picture& b) {
   for (int y = 0; y < a.height; ++y) {
     for (int x = 0; x < a.width; ++x) {
       if (((a.at(x, y) ^ b.at(x, y)) & 0xFFFFFFU) != 0) {
-        return testing::AssertionFailure() << "They differ at " << x << "," << y << ".";
+        return testing::AssertionFailure() << "The pictures differ at " << x << "," << y << ".";
       }
     }
   }

@@ -1,4 +1,4 @@
-// Text in the colour space window: the title of the views, and the page of help.
+// Text in the colour space window: the views' title and the help page.
 #include <cmath>
 
 #include "views_run.h"
@@ -8,7 +8,7 @@ namespace {
 
 constexpr int lineHeight = 16;
 
-// How much of a pixel white text covers, and black text beneath it, where both stand on the
+// How much of a pixel is covered by white text and by black text beneath it. With both on the
 // background: pixel = (1 - white) * (1 - black) * background + white * 255.
 struct Coverage {
   double white = 0;
@@ -18,13 +18,13 @@ struct Coverage {
 Coverage coverageAt(const Picture& picture, int x, int y) {
   const Colour background = colourOf(viewBackground);
   const Colour pixel = colourOf(picture.at(x, y));
-  // The background's blue is above its red by 40, white's is not.
+  // The background's blue is 40 above its red; white's blue equals its red.
   const double left = (pixel[2] - pixel[0]) / (background[2] - background[0]);
   const double white = (pixel[0] - left * background[0]) / 255.0;
   return {white, white > 0.9 ? 0 : 1 - left / (1 - white)};
 }
 
-// White text on a black shadow of the same form a pixel to the right and below, in an area.
+// Succeeds if an area contains white text with a black shadow one pixel to the right and below.
 testing::AssertionResult hasShadowedText(const Picture& picture, const Area& area) {
   int solid = 0;
   int checked = 0;
@@ -33,7 +33,7 @@ testing::AssertionResult hasShadowedText(const Picture& picture, const Area& are
       const Coverage text = coverageAt(picture, x, y);
       const Coverage shadow = coverageAt(picture, x + 1, y + 1);
       if (text.white > 0.7) ++solid;
-      // What little of the shadow white leaves to be seen says nothing.
+      // Skips pixels where white leaves too little of the shadow to judge.
       if (shadow.white > 0.4) continue;
       ++checked;
       if (std::abs(shadow.black - text.white) <= 0.12) continue;
@@ -54,7 +54,7 @@ bool isBackground(const Picture& picture, const Area& area) {
   return true;
 }
 
-// The first column of an area with anything in it.
+// Returns the first column of an area that is not empty.
 int firstInk(const Picture& picture, const Area& area) {
   int x = area.x;
   while (x < area.right() && isBackground(picture, {x, area.y, 1, area.height})) ++x;
@@ -64,7 +64,7 @@ int firstInk(const Picture& picture, const Area& area) {
 constexpr std::uint32_t yellow = 0xFFFF00;
 constexpr std::uint32_t white = 0xFFFFFF;
 
-// Whether pixels have the line's hue and nothing else has colour.
+// Succeeds if all coloured pixels have the line's hue.
 testing::AssertionResult isIn(const Picture& picture, const Area& area, std::uint32_t colour) {
   int ink = 0;
   for (int y = area.y; y < area.bottom(); ++y) {
@@ -100,7 +100,7 @@ TEST_F(TitleOfViews, StandsWithItsShadowAtTheLeftTopOfAllButTheHelp) {
       EXPECT_LE(ink, 12 + 6);  // the title begins with a blank
     }
     turnTo(View::Help);
-    // Where a white title would stand is the page's first line.
+    // The page's first line is in the place of the title.
     EXPECT_TRUE(isIn(shown(), {0, 0, 400, 12 + lineHeight}, yellow));
     end();
   }

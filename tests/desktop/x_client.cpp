@@ -35,7 +35,8 @@ void XClient::sync() const {
 
 void XClient::check(xcb_void_cookie_t cookie) const {
   const Received<xcb_generic_error_t> error(xcb_request_check(x_, cookie));
-  if (error) ADD_FAILURE() << "The server refuses with error " << int{error->error_code};
+  if (error)
+    ADD_FAILURE() << "The server refused the request with error " << int{error->error_code};
 }
 
 xcb_atom_t XClient::atom(const std::string& name) const {
@@ -233,7 +234,7 @@ xcb_keycode_t XClient::codeOf(xcb_keysym_t symbol) const {
       xcb_get_keyboard_mapping_reply(x_, xcb_get_keyboard_mapping(x_, first, count), nullptr));
   const xcb_keysym_t* const symbols = xcb_get_keyboard_mapping_keysyms(mapping.get());
   const int perCode = mapping->keysyms_per_keycode;
-  // Without Shift before with it.
+  // Prefers the level without Shift.
   for (int level = 0; level < 2; ++level) {
     for (int i = 0; i < count; ++i) {
       if (symbols[i * perCode + level] == symbol) return static_cast<xcb_keycode_t>(first + i);

@@ -1,5 +1,5 @@
-// What a test asks of the X server: another program's windows, pixels and properties, and hands on
-// keyboard and mouse.
+// What a test needs from the X server: other programs' windows, pixels and properties, and control
+// of keyboard and mouse.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -24,11 +24,11 @@ class XClient {
   xcb_connection_t* connection() const { return x_; }
   const xcb_screen_t& screen() const { return *screen_; }
   xcb_window_t root() const { return screen_->root; }
-  // The whole screen as it is now.
+  // Returns the whole screen's current area.
   Area screenArea() const;
-  // Returns when the server has done all that was asked.
+  // Returns when the server has handled all requests.
   void sync() const;
-  // Sends a request and fails where the server refuses it.
+  // Sends a request, and fails the test if the server refuses it.
   void check(xcb_void_cookie_t cookie) const;
 
   xcb_atom_t atom(const std::string& name) const;
@@ -37,31 +37,31 @@ class XClient {
   std::vector<std::uint32_t> numbers(xcb_window_t window, const std::string& name) const;
   void setNumbers(xcb_window_t window, const std::string& name, xcb_atom_t type,
                   const std::vector<std::uint32_t>& values) const;
-  // Asks the window manager for something that concerns a window.
+  // Sends the window manager a request about a window.
   void tellManager(xcb_window_t window, const std::string& message,
                    const std::vector<std::uint32_t>& values) const;
 
   std::vector<xcb_window_t> children(xcb_window_t window) const;
-  // The child of the root that a window stands in.
+  // Returns the child of the root that contains a window.
   xcb_window_t topLevelOf(xcb_window_t window) const;
   bool isShown(xcb_window_t window) const;
   bool exists(xcb_window_t window) const;
-  // A window's inside, on the root.
+  // Returns the area of a window's inside, on the root.
   Area areaOf(xcb_window_t window) const;
-  // With its frame.
+  // Returns the area with the window's frame.
   Area outerAreaOf(xcb_window_t window) const;
   void configure(xcb_window_t window, std::uint16_t mask,
                  const std::vector<std::uint32_t>& values) const;
   void move(xcb_window_t window, int x, int y) const;
   void resize(xcb_window_t window, int width, int height) const;
-  // Asks a window to close, as its button does.
+  // Asks a window to close, as its close button does.
   void close(xcb_window_t window) const;
-  // Puts a window right below or above another, or below or above all.
+  // Puts a window directly below or above another, or below or above all.
   void restack(xcb_window_t window, xcb_stack_mode_t mode, xcb_window_t sibling = XCB_NONE) const;
 
-  // What stands on the screen.
+  // Reads pixels off the screen.
   Picture read(const Area& area) const;
-  // ... or in a pixmap or window.
+  // Reads pixels of a pixmap or window.
   Picture read(xcb_drawable_t drawable, const Area& area) const;
   void draw(xcb_drawable_t drawable, const Picture& picture, int x = 0, int y = 0,
             std::uint8_t depth = 24) const;
@@ -75,10 +75,10 @@ class XClient {
   void press(xcb_keysym_t symbol, const std::vector<xcb_keysym_t>& holding = {}) const;
   xcb_window_t focus() const;
 
-  // Takes the events that are there.
+  // Handles the events that have arrived.
   void takeEvents(const std::function<void(const xcb_generic_event_t&)>& take) const;
 
-  // A visual of 32 bits, translucent.
+  // Returns a visual of 32 bits with an alpha channel.
   xcb_visualid_t translucentVisual() const;
 
  private:
@@ -88,7 +88,7 @@ class XClient {
   const xcb_screen_t* screen_;
 };
 
-// Blocks that come from malloc.
+// Frees blocks that come from malloc.
 struct Free {
   void operator()(void* block) const;
 };

@@ -19,7 +19,7 @@ std::string readLine(int descriptor) {
   return line;
 }
 
-// Whether a new window comes to be seen.
+// Returns true if a new window appears on the screen.
 bool showsWindows(const XClient& client) {
   xcb_connection_t* const x = client.connection();
   const xcb_window_t root = client.root();
@@ -37,7 +37,7 @@ bool showsWindows(const XClient& client) {
   return shown;
 }
 
-// Whether a black window that is half translucent makes a white one beneath it grey.
+// Returns true if a black, half translucent window makes a white one beneath it grey.
 bool blendsWindows(const XClient& client) {
   xcb_connection_t* const x = client.connection();
   std::vector<xcb_window_t> windows;
@@ -101,8 +101,8 @@ void XDisplay::startManager(Manager kind) {
   const ManagerCommand manager = commandOf(kind, folder_.path());
   manager_ =
       std::make_unique<Process>(Launch{.command = manager.command, .environment = environment()});
-  // Managers name themselves on the root window, and even say that they redirect its windows,
-  // before they see to windows: only one that is shown proves it.
+  // Waits for a window to appear. Window managers name themselves on the root window, and even
+  // redirect its windows, before they handle windows.
   const XClient client(name_);
   const bool ready = eventually([&] { return showsWindows(client); }, 3 * patience);
   if (!ready) throw std::runtime_error(manager.command[0] + " did not start.");

@@ -1,4 +1,4 @@
-// An X server on a display number that was free, with a window manager or without one.
+// An X server on a free display number, with or without a window manager.
 #pragma once
 
 #include <csignal>
@@ -12,9 +12,9 @@
 
 namespace tintora::desktop_test {
 
-// Fake: this folder's own, which composes the screen, has frames whose borders are not all seen,
-// and keeps minimised windows mapped beneath a guard window. FakeLate frames windows only some time
-// after it shows them, and composes nothing.
+// Fake is this folder's own: it composes the screen, has frames with invisible borders, and keeps
+// minimised windows mapped beneath a guard window. FakeLate frames windows some time after it shows
+// them, and composes nothing.
 enum class Manager { None, Openbox, Xfwm4, Icewm, Fluxbox, I3, Twm, Fake, FakeLate };
 
 // A compositing manager beside the window manager.
@@ -28,12 +28,12 @@ class XDisplay {
 
   const std::string& name() const { return name_; }
   const std::string& folder() const { return folder_.path(); }
-  // Starts a window manager; returns when it shows windows.
+  // Starts a window manager, and returns when it shows windows.
   void startManager(Manager manager = Manager::Openbox);
-  // Starts a compositing manager; returns when it has taken over the screen.
+  // Starts a compositing manager, and returns when it composes the screen.
   void startCompositor();
   void endCompositor();
-  // Lets it do nothing for a while.
+  // Stops the window manager for a while.
   void holdManager() { manager_->signal(SIGSTOP); }
   void letManagerGoOn() { manager_->signal(SIGCONT); }
   void endServer() { server_->signal(SIGTERM); }
@@ -49,7 +49,7 @@ class XDisplay {
   std::unique_ptr<Process> compositor_;
 };
 
-// The one that all tests use that need no other.
+// Returns the display of all tests that need no special one.
 XDisplay& sharedDisplay();
 void endSharedDisplay();
 

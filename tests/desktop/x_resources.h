@@ -11,8 +11,8 @@
 
 namespace tintora::desktop_test {
 
-// How many of each kind, over all its connections, once the numbers stay the same: while the
-// process works, it has some for a moment only.
+// Returns the number of resources of each kind over all of the process's connections. Waits until
+// the numbers stay the same, because a working process has some only for a moment.
 std::map<std::string, std::uint32_t> resourcesOf(const XClient& client, pid_t process);
 
 }  // namespace tintora::desktop_test

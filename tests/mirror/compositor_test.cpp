@@ -1,5 +1,5 @@
-// The real program in a real Wayland session: a compositor with its Xwayland, which records a
-// Wayland program's window or its monitor.
+// The real program in a real Wayland session: a compositor with Xwayland records a Wayland
+// program's window or its monitor.
 #include <cstdlib>
 
 #include "mirror_run.h"
@@ -30,7 +30,7 @@ class MirrorCompositor : public testing::Test {
     unsetenv("XAUTHORITY");
   }
 
-  // A terminal with no more than stripes of colour in it.
+  // Starts a terminal that shows nothing but stripes of colour.
   void startTerminal() {
     std::string text = "printf '\\033[?25l";
     for (const std::uint32_t colour : stripes) {
@@ -63,7 +63,8 @@ class MirrorCompositor : public testing::Test {
     program_ = std::make_unique<desktop_test::Process>(launch);
   }
 
-  // The program's main window, or none; Xwayland's root shows nothing of what its windows show.
+  // Returns the program's main window, or none. Searches by title, because Xwayland's root does not
+  // show the contents of its windows.
   xcb_window_t main() const {
     const auto search = [&](const auto& self, xcb_window_t window, int depth) -> xcb_window_t {
       for (const xcb_window_t child : x_->children(window)) {
@@ -83,7 +84,7 @@ class MirrorCompositor : public testing::Test {
     return x_->read(window, {0, 0, area.width, area.height});
   }
 
-  // Whether a column of the view holds all stripes, inverted, one below another.
+  // Returns true if a column of the view contains all stripes, inverted, from top to bottom.
   static bool holdsStripes(const Picture& picture) {
     for (int x = 0; x < picture.width; x += 10) {
       std::size_t next = 0;
@@ -104,7 +105,7 @@ class MirrorCompositor : public testing::Test {
   std::unique_ptr<desktop_test::Process> program_;
 };
 
-// Its stream has frames as large as the monitor, of which the crop says what is the window.
+// The stream's frames are as large as the monitor; the crop says which part is the window.
 TEST_F(MirrorCompositor, AWaylandWindowIsShown) {
   startTerminal();
   startProgram("window");
@@ -134,7 +135,7 @@ TEST_F(MirrorCompositor, AMonitorIsShown) {
       most))
       << picture.width << "x" << picture.height << ' '
       << readFile(session_.folder() + "/program.errors");
-  // The program's own window is on the monitor too, and covers some of the terminal.
+  // The program's own window is on the monitor too, and covers a part of the terminal.
   EXPECT_NEAR(picture.width * 800.0, picture.height * 1280.0, 1280);
 }
 

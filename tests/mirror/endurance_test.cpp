@@ -1,5 +1,5 @@
-// Many streams, one after another. TINTORA_STREAMS says how many; a few dozen show whether each
-// leaves something behind.
+// Many streams, one after another. TINTORA_STREAMS sets how many. A few dozen show whether each one
+// leaks something.
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -17,7 +17,7 @@ class MirrorEndurance : public MirrorTest {
     return static_cast<std::size_t>(std::distance(all, {}));
   }
 
-  // Whether the view comes to show the picture, or the text in its place.
+  // Returns true once the view shows the picture, or the text in its place.
   bool shows(const Picture& picture, bool shown) {
     const auto wanted =
         desktop_test::filtered(desktop_test::colourOf(picture.at(5, 5)), expected::greyscale());

@@ -1,9 +1,9 @@
-// tintora_frame_source COMMANDS: a PipeWire stream of known frames, driven by lines that come
-// through a named pipe. Prints the number of its node.
+// tintora_frame_source COMMANDS: sends a PipeWire stream of known frames, as told by lines from a
+// named pipe. Prints the number of its node.
 //   format NAME WIDTH HEIGHT OFFSET PADDING CROP_X CROP_Y CROP_WIDTH CROP_HEIGHT
 //                                  the first two lengths need another format or size
 //   frame SEED                     another picture
-//   part X Y WIDTH HEIGHT SEED     another picture, of which only a part is said to have changed
+//   part X Y WIDTH HEIGHT SEED     another picture; reports only this part as changed
 //   solid PIXEL                    a picture of one colour
 //   empty                          a buffer without pixels
 //   broken                         a buffer whose rows lie outside its memory
@@ -36,12 +36,12 @@ const std::map<std::string, spa_video_format> formats{{"BGRx", SPA_VIDEO_FORMAT_
 struct Source {
   pw_main_loop* loop = nullptr;
   pw_stream* stream = nullptr;
-  std::string unread;             // of the commands
-  std::deque<std::string> waits;  // commands
-  bool agreed = false;            // on the format that the last command named
-  bool isFirst = true;            // the next frame, in its format
-  std::string first;              // it, until another command comes
-  std::uint64_t turns = 0;        // since it was last sent
+  std::string unread;             // the incomplete line of commands
+  std::deque<std::string> waits;  // commands that cannot run yet
+  bool agreed = false;            // both sides agree on the format of the last command
+  bool isFirst = true;            // the next frame is the first in its format
+  std::string first;              // the command of the first frame, until another command comes
+  std::uint64_t turns = 0;        // since the first frame was last sent
   std::string format = "BGRx";
   int width = 64;
   int height = 48;
@@ -112,7 +112,7 @@ void write(std::uint8_t* bytes, const Picture& picture) {
       to[redFirst ? 0 : 2] = static_cast<std::uint8_t>(pixel >> 16);
       to[1] = static_cast<std::uint8_t>(pixel >> 8);
       to[redFirst ? 2 : 0] = static_cast<std::uint8_t>(pixel);
-      to[3] = static_cast<std::uint8_t>(x * 7 + y);  // means nothing in any format
+      to[3] = static_cast<std::uint8_t>(x * 7 + y);  // has no meaning in any format
     }
   }
 }
@@ -170,7 +170,8 @@ void sendFrame(pw_buffer* buffer, const std::string& what, std::istringstream& w
   send(buffer, noise(source.width, source.height, number), part, Kind::Whole);
 }
 
-// Returns false if the command has to wait: for a reader, its agreement, or a buffer.
+// Runs a command. Returns false if it must wait: for a reader, for agreement on the format, or for
+// a buffer.
 bool run(const std::string& line) {
   std::istringstream words(line);
   std::string what;
@@ -187,8 +188,8 @@ bool run(const std::string& line) {
   return true;
 }
 
-// A frame may get lost while both sides agree on a new format. Desktops send more of them anyway;
-// so the first one is sent again until another command comes.
+// Sends the first frame again until another command comes. A frame may get lost while both sides
+// agree on a new format. Real desktops send more frames anyway.
 void repeatFirst(std::uint64_t turns) {
   constexpr std::uint64_t turnsBetween = 25;
   source.turns += turns;
@@ -269,7 +270,7 @@ int main(int count, char** arguments) {
       source.stream, PW_DIRECTION_OUTPUT, PW_ID_ANY,
       static_cast<pw_stream_flags>(PW_STREAM_FLAG_DRIVER | PW_STREAM_FLAG_MAP_BUFFERS), parameters,
       1);
-  // For reading and writing, so that it does not end when the test closes its side.
+  // Opened for writing too, so that reading does not end when the test closes its side.
   const int commands = open(arguments[1], O_RDWR | O_CLOEXEC | O_NONBLOCK);
   pw_loop_add_io(loop, commands, SPA_IO_IN, true, &onCommands, nullptr);
   spa_source* const timer = pw_loop_add_timer(loop, &runWaiting, nullptr);

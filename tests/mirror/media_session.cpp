@@ -20,7 +20,7 @@ constexpr std::chrono::seconds most{120};
 constexpr unsigned int nobody = 65534;
 constexpr const char* waylandName = "wayland-tests";
 
-// Without the services of the machine, which would be started for a name that nobody has.
+// Leaves out the machine's services, which would be started for names that nobody owns.
 constexpr const char* busRules =
     "<busconfig><type>session</type><listen>unix:path=%</listen><auth>EXTERNAL</auth>"
     "<policy context=\"default\"><allow user=\"*\"/><allow send_destination=\"*\" "

@@ -1,5 +1,5 @@
 // A private session in a folder: a message bus, PipeWire with its session manager, a stand-in for
-// the desktop portal and a source of known frames. Nothing of the machine's own session is touched.
+// the desktop portal and a source of known frames. The machine's own session is not touched.
 #pragma once
 
 #include <map>
@@ -20,11 +20,11 @@ using Variables = std::map<std::string, std::optional<std::string>>;
 
 class MediaSession {
  public:
-  // A compositor cannot be run by root: then the session is another user's.
+  // Root cannot run a compositor, so another user runs its session.
   enum class User { Own, Ordinary };
   explicit MediaSession(User user = User::Own);
 
-  // The variables that programs of this session are started with.
+  // Returns the variables for programs of this session.
   Variables variables() const;
   std::string folder() const { return folder_.path(); }
 
@@ -32,25 +32,25 @@ class MediaSession {
   void endPipeWire();
   void startPortal();
   void endPortal() { portal_.reset(); }
-  // Sets what the portal answers from now on; see stand_in_portal.cpp.
+  // Sets how the portal answers from now on; see stand_in_portal.cpp.
   void setBehaviour(const std::map<std::string, std::string>& values);
-  // The portal's calls so far, one a line.
+  // Returns the portal's calls so far, one a line.
   std::string portalCalls() const;
   void closePortalSessions() const;
 
-  // Starts a Wayland compositor without a screen, with its own X server. Returns what it says of
-  // why it does not start, or nothing.
+  // Starts a Wayland compositor without a screen, with its own X server. Returns its reason if it
+  // does not start, else nothing.
   std::string startCompositor();
-  // The variables that programs of its desktop are started with besides.
+  // Returns the additional variables for programs of the compositor's desktop.
   Variables desktop() const;
-  // Starts a program on it.
+  // Starts a program on the compositor's desktop.
   void startClient(const std::vector<std::string>& command);
 
-  // Starts a source of frames and has the portal grant it.
+  // Starts a source of frames, which the portal will grant.
   void startSource();
   void endSource() { source_.reset(); }
   std::string node() const { return behaviour_.at("node"); }
-  // Sends a line to the source; see frame_source.cpp.
+  // Sends a command to the source; see frame_source.cpp.
   void send(const std::string& command) const;
 
  private:

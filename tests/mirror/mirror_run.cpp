@@ -17,7 +17,7 @@ struct Share {
   double weight;
 };
 
-// The pixels of a line that one of the scaled line covers.
+// Returns the pixels of a line that one pixel of the scaled line covers.
 std::vector<Share> sharesOf(int pixel, int from, int to) {
   std::vector<Share> shares;
   const double start = static_cast<double>(pixel) * from / to;
@@ -143,7 +143,7 @@ testing::AssertionResult MirrorTest::says(const std::string& text) const {
   if (eventually([&] { return readFile(errorsFile()).find(text) != std::string::npos; }, most)) {
     return testing::AssertionSuccess();
   }
-  return testing::AssertionFailure() << "It says: " << readFile(errorsFile());
+  return testing::AssertionFailure() << "The program printed: " << readFile(errorsFile());
 }
 
 std::size_t MirrorTest::sessionsAsked() {

@@ -1,4 +1,4 @@
-// The mirror's picture, pixel by pixel: formats, rows, crops, sizes, changes, and the copy of it.
+// The mirror's picture, pixel by pixel: formats, rows, crops, sizes, changes and the copy.
 #include "../desktop/clipboard_reader.h"
 #include "mirror_run.h"
 
@@ -88,7 +88,7 @@ TEST_F(MirrorPicture, APictureLargerThanTheScreenIsScaledDown) {
   session().send("format RGBx 3200 2400 0 0 0 0 0 0");
   session().send("frame 1");
   const Picture picture = noise(3200, 2400, 1);
-  // The window's frame takes some of the screen's height.
+  // The window's frame takes a part of the screen's height.
   ASSERT_TRUE(eventually([&] { return view().height > 900; }, most));
   const Area area = view();
   EXPECT_NEAR(area.width, area.height * 4.0 / 3.0, 1.5);
@@ -117,12 +117,12 @@ TEST_F(MirrorPicture, AWindowThatItsUserSizesKeepsThePicturesShape) {
   EXPECT_TRUE(partHas(place, scaledByArea(picture, 300, 225), expected::greyscale(), 2));
   const auto above = [this] { return Area{view().x, view().y, 300, 137}; };
   EXPECT_TRUE(partHas(above, solid(300, 137, 0), expected::identityEffect, 0));
-  // Where there is more room than it needs, it has its own size.
+  // With more room than it needs, the picture keeps its own size.
   x().resize(main(), 501, 420);
   ASSERT_TRUE(eventually([&] { return view().height == 420; }, most));
   const auto middle = [this] { return Area{view().x + 50, view().y + 60, 400, 300}; };
   EXPECT_TRUE(partHas(middle, picture, expected::greyscale(), 1));
-  // And then another size of the source is no reason to take that away.
+  // A new size of the source must not change the size that the user chose.
   session().send("format BGRx 440 330 0 0 0 0 0 0");
   session().send("frame 2");
   const auto larger = [this] { return Area{view().x + 30, view().y + 45, 440, 330}; };
@@ -135,7 +135,7 @@ TEST_F(MirrorPicture, FullScreenFillsTheMonitor) {
   press(XK_f);
   const Area screen = x().screenArea();
   ASSERT_TRUE(eventually([&] { return view() == screen; }, most));
-  // Beside the control window.
+  // An area that the control window does not cover.
   const Area part{0, 0, screen.width, screen.height / 4};
   const Picture filled = scaledByArea(picture, screen.width, screen.height);
   EXPECT_TRUE(partHas([&] { return part; }, partOf(filled, part), expected::greyscale(), 2));

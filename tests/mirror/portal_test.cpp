@@ -1,4 +1,4 @@
-// The conversation with the portal, and what is said when no picture comes.
+// The conversation with the portal, and the messages when no picture comes.
 #include <filesystem>
 
 #include "mirror_run.h"
@@ -13,7 +13,7 @@ class MirrorPortal : public MirrorTest {
  protected:
   std::string token() const { return readFile(configFolder() + "/tintora/mirror.token"); }
 
-  // A user can go on from what the view says.
+  // Checks that the user can choose again from the message in the view.
   void expectNewChoice(std::uint32_t seed) {
     const std::size_t before = sessionsAsked();
     press(XK_Return);
@@ -21,7 +21,7 @@ class MirrorPortal : public MirrorTest {
     showNoise(320, 240, seed);
   }
 
-  // A window tells why nothing can be shown; the program ends with it.
+  // Checks that a window says why nothing can be shown, and that the program ends with it.
   void expectDialog(const std::string& text) {
     prepareMirror();
     desktop_test::Process program(launch());

@@ -1,5 +1,5 @@
-// tintora_stand_in_portal BEHAVIOUR: the part of a desktop portal that offers screen casts. What it
-// answers stands in a file of NAME=VALUE lines, read at each call:
+// tintora_stand_in_portal BEHAVIOUR: the part of a desktop portal that offers screen casts. It
+// reads its answers from a file of NAME=VALUE lines at each call:
 //   answer   grant, cancel, refuse, fail, nothing; mutter: grants what was recorded
 //   record   monitor or window: has mutter record, from the portal's start, its one monitor or the
 //            window that has the focus then
@@ -214,7 +214,7 @@ class Portal : public QDBusVirtualObject {
     return answer.arguments().value(0).value<QDBusObjectPath>().path();
   }
 
-  // Again until there is a window that has the focus.
+  // Tries again until a window has the focus.
   void record(const QString& what) {
     const QString session =
         pathFrom("/org/gnome/Mutter/ScreenCast", mutter, "CreateSession", {QVariantMap{}});

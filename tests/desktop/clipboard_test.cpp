@@ -21,7 +21,8 @@ class Clipboard : public MenuTest {
     storeValues({{"Selected", 5}, {"ColorSpace", 0}});
     start();
     const Area area = view();
-    scene().addNoise({area.x - 20, area.y - 40, 400, 300}, 1);
+    // Fills the view, because compositing managers paint a background of their own.
+    scene().addNoise({area.x - 20, area.y - 40, area.width + 40, area.height + 80}, 1);
     ASSERT_TRUE(viewShows(expected::inverted()));
     reader_ = std::make_unique<ClipboardReader>(display().name());
   }

@@ -142,7 +142,14 @@ void ProgramTest::end() {
 void ProgramTest::expectNormalEnd() {
   const auto result = process().result(2 * patience);
   ASSERT_TRUE(result.has_value()) << "The program did not end.";
-  EXPECT_EQ(*result, 0) << readFile(errorsFile());
+  const std::string errors = readFile(errorsFile());
+  // LeakSanitizer crashes now and then on a thread that is just ending. It has then reported no
+  // leak, and its exit status has taken the place of the program's.
+  if (errors.find("Tracer caught signal") != std::string::npos &&
+      errors.find("detected memory leaks") == std::string::npos) {
+    return;
+  }
+  EXPECT_EQ(*result, 0) << errors;
 }
 
 std::vector<xcb_window_t> ProgramTest::findWindows(bool menus) const {

@@ -1,7 +1,9 @@
 #include "media_session.h"
 
 #include <fcntl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -32,6 +34,19 @@ void await(const std::string& what, Condition condition) {
   if (!eventually(condition, most)) throw std::runtime_error(what + " did not start.");
 }
 
+// Returns true if a server listens there. Its file exists a moment before.
+bool accepts(const std::string& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  if (path.size() >= sizeof address.sun_path) return false;
+  path.copy(address.sun_path, path.size());
+  const int client = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const bool accepted =
+      connect(client, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+  close(client);
+  return accepted;
+}
+
 }  // namespace
 
 MediaSession::MediaSession(User user) : anotherUser_(user == User::Ordinary && geteuid() == 0) {
@@ -44,7 +59,7 @@ MediaSession::MediaSession(User user) : anotherUser_(user == User::Ordinary && g
   writeFile(folder() + "/bus.conf", rules);
   bus_ = start(asUser({"dbus-daemon", "--nofork", "--config-file=" + folder() + "/bus.conf"}),
                "daemon");
-  await("The message bus", [&] { return std::filesystem::exists(path); });
+  await("The message bus", [&] { return accepts(path); });
 }
 
 Variables MediaSession::variables() const {
@@ -60,7 +75,7 @@ Variables MediaSession::variables() const {
 
 void MediaSession::startPipeWire() {
   pipeWire_ = start(asUser({"pipewire"}), "pipewire");
-  await("PipeWire", [&] { return std::filesystem::exists(folder() + "/pipewire-0"); });
+  await("PipeWire", [&] { return accepts(folder() + "/pipewire-0"); });
   sessionManager_ = start(asUser({"wireplumber"}), "wireplumber");
 }
 

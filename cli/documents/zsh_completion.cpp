@@ -4,7 +4,7 @@ namespace tintora::cli {
 
 namespace {
 
-// Text within the single quotes of the script and the brackets of a specification.
+// Escapes text that stands within single quotes and brackets in an argument of _arguments.
 std::string quoted(std::string_view text) {
   std::string escaped;
   for (const char c : text) {
@@ -37,8 +37,8 @@ std::string valueAction(const DeclaredOption& option) {
   return " ";
 }
 
-// One specification of _arguments for each name of each option.
-std::string specifications(const DeclaredCommand& command) {
+// Returns one argument of _arguments for each name of each option.
+std::string optionArguments(const DeclaredCommand& command) {
   std::string text;
   for (const DeclaredOption& option : command.options) {
     for (const std::string& name : option.names) {
@@ -69,7 +69,7 @@ _tintora-cli() {
   for (const DeclaredCommand& command : tool.commands) {
     script += "    '" + command.name + ':' + quoted(command.description) + "'\n";
   }
-  script += "  )\n  _arguments -C" + specifications(tool.tool) + R"( \
+  script += "  )\n  _arguments -C" + optionArguments(tool.tool) + R"( \
         '1: :->command' '*:: :->arguments'
   case $state in
     command) _describe command commands ;;
@@ -77,7 +77,7 @@ _tintora-cli() {
       case $line[1] in
 )";
   for (const DeclaredCommand& command : tool.commands) {
-    script += "        " + command.name + ") _arguments" + specifications(command);
+    script += "        " + command.name + ") _arguments" + optionArguments(command);
     if (!command.arguments.empty()) script += " \\\n        '*:file:_files'";
     script += " ;;\n";
   }

@@ -1,7 +1,6 @@
 // The colour space window as a window: its place, when it is shown, and its title.
 #include <array>
 #include <chrono>
-#include <future>
 #include <thread>
 
 #include "program_run.h"
@@ -65,17 +64,13 @@ TEST_F(ColourSpace, IsHiddenWhereItWasHiddenBefore) {
 // The window manager announces no frame, and takes longer than the program waits for answers.
 TEST_F(ColourSpace, HiddenAndShownItKeepsItsSizeUnderASlowManager) {
   useDisplay({}, Manager::Openbox);
-  display().holdManager();
-  const auto later = std::async(std::launch::async, [this] {
-    std::this_thread::sleep_for(std::chrono::milliseconds(3500));
-    display().letManagerGoOn();
-  });
+  const auto held = display().holdManager(std::chrono::milliseconds(3500));
   start(703, true);
   const auto size = [this] {
     const Area outer = x().outerAreaOf(colourSpace());
     return std::array{outer.width, outer.height};
   };
-  later.wait();
+  held.wait();
   ASSERT_TRUE(eventually([&] { return x().topLevelOf(colourSpace()) != colourSpace(); }));
   settle();
   x().resize(colourSpace(), 350, 370);

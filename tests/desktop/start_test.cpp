@@ -2,7 +2,6 @@
 #include <array>
 #include <csignal>
 #include <filesystem>
-#include <future>
 
 #include "program_run.h"
 
@@ -224,11 +223,7 @@ TEST_F(Start, AWindowManagerThatComesLaterIsNoHarm) {
 
 TEST_F(Start, AWindowManagerTooSlowToTellItsFramesMakesNoWindowLarger) {
   useDisplay({}, Manager::Openbox);
-  display().holdManager();
-  const auto later = std::async(std::launch::async, [this] {
-    std::this_thread::sleep_for(std::chrono::milliseconds(800));
-    display().letManagerGoOn();
-  });
+  const auto held = display().holdManager(std::chrono::milliseconds(800));
   start();
   const Area screen = x().screenArea();
   const Area bounds{screen.width / 2 - 250, screen.height / 2 - 200, 500, 400};

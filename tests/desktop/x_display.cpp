@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <stdexcept>
+#include <thread>
 
 #include "managers.h"
 #include "x_client.h"
@@ -107,6 +108,14 @@ void XDisplay::startManager(Manager kind) {
   const bool ready = eventually([&] { return showsWindows(client); }, 3 * patience);
   if (!ready) throw std::runtime_error(manager.command[0] + " did not start.");
   if (manager.composites) waitForCompositor();
+}
+
+std::future<void> XDisplay::holdManager(std::chrono::milliseconds duration) {
+  manager_->signal(SIGSTOP);
+  return std::async(std::launch::async, [this, duration] {
+    std::this_thread::sleep_for(duration);
+    manager_->signal(SIGCONT);
+  });
 }
 
 void XDisplay::startCompositor() {

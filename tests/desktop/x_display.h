@@ -1,7 +1,9 @@
 // An X server on a free display number, with or without a window manager.
 #pragma once
 
+#include <chrono>
 #include <csignal>
+#include <future>
 #include <map>
 #include <memory>
 #include <optional>
@@ -34,8 +36,8 @@ class XDisplay {
   void startCompositor();
   void endCompositor();
   // Stops the window manager for a while.
-  void holdManager() { manager_->signal(SIGSTOP); }
-  void letManagerGoOn() { manager_->signal(SIGCONT); }
+  // Stops the window manager for a while. The future's destructor waits until it goes on.
+  [[nodiscard]] std::future<void> holdManager(std::chrono::milliseconds duration);
   void endServer() { server_->signal(SIGTERM); }
 
  private:

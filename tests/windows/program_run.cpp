@@ -2,18 +2,12 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 
 #include "stored_values.h"
 
 namespace tintora::windows_test {
 
 namespace {
-
-constexpr DWORD bound = 60000;  // the limit for every wait, in milliseconds
-
-constexpr const char* magnificationPath = "C:\\windows\\system32\\magnification.dll";
-constexpr const char* pathAway = "C:\\windows\\system32\\magnification.away";
 
 struct WindowSearch {
   DWORD process;
@@ -53,24 +47,7 @@ std::string inWindows1252(const std::wstring& text) {
   return result;
 }
 
-std::wstring wide(const std::string& text) {
-  std::wstring result(text.size(), L'\0');
-  const auto size = static_cast<int>(text.size());
-  result.resize(static_cast<std::size_t>(
-      MultiByteToWideChar(CP_ACP, 0, text.data(), size, result.data(), size)));
-  return result;
-}
-
 }  // namespace
-
-bool eventually(const std::function<bool()>& isTrue, ULONGLONG atMost) {
-  const ULONGLONG end = GetTickCount64() + atMost;
-  while (!isTrue()) {
-    if (GetTickCount64() > end) return false;
-    Sleep(5);
-  }
-  return true;
-}
 
 std::string titleOf(HWND window) {
   std::array<char, 256> title{};
@@ -116,19 +93,6 @@ Bounds screenBounds() {
   return {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
 }
 
-std::string programPath() {
-  const char* const path = std::getenv("TINTORA_PROGRAM");
-  return path == nullptr ? "Tintora.exe" : path;
-}
-
-std::string programFolder() {
-  return programPath().substr(0, programPath().find_last_of('\\') + 1);
-}
-
-std::string customFile() {
-  return programFolder() + "Tintora_custom.txt";
-}
-
 MagnifierRecord& magnifierRecord() {
   static MagnifierRecord* const record = [] {
     const HANDLE section = CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
@@ -136,54 +100,6 @@ MagnifierRecord& magnifierRecord() {
     return static_cast<MagnifierRecord*>(MapViewOfFile(section, FILE_MAP_WRITE, 0, 0, 0));
   }();
   return *record;
-}
-
-Process::Process(const Launch& launch) {
-  const std::wstring program = launch.program.empty() ? wide(programPath()) : launch.program;
-  std::wstring line = launch.pathGiven ? L'"' + program + L"\" " : L"Tintora.exe ";
-  line += wide(launch.arguments);
-  STARTUPINFOW startup{};
-  startup.cb = sizeof startup;
-  startup.dwFlags = STARTF_USESHOWWINDOW;
-  startup.wShowWindow = launch.show;
-  PROCESS_INFORMATION started{};
-  const BOOL succeeded = CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE, 0,
-                                        nullptr, wide(launch.folder).c_str(), &startup, &started);
-  if (succeeded == 0) return;
-  CloseHandle(started.hThread);
-  handle_ = started.hProcess;
-  id_ = started.dwProcessId;
-}
-
-Process::~Process() {
-  if (handle_ == nullptr) return;
-  if (isRunning()) {
-    TerminateProcess(handle_, 1);
-    WaitForSingleObject(handle_, bound);
-  }
-  CloseHandle(handle_);
-}
-
-bool Process::hasEnded() const {
-  return handle_ != nullptr && WaitForSingleObject(handle_, bound) == WAIT_OBJECT_0;
-}
-
-bool Process::isRunning() const {
-  return handle_ != nullptr && WaitForSingleObject(handle_, 0) == WAIT_TIMEOUT;
-}
-
-DWORD Process::result() const {
-  DWORD result = STILL_ACTIVE;
-  GetExitCodeProcess(handle_, &result);
-  return result;
-}
-
-MissingMagnification::MissingMagnification() {
-  EXPECT_TRUE(MoveFileA(magnificationPath, pathAway));
-}
-
-MissingMagnification::~MissingMagnification() {
-  EXPECT_TRUE(MoveFileA(pathAway, magnificationPath));
 }
 
 std::vector<HWND> windowsOf(DWORD process, const std::string& className) {
@@ -343,7 +259,7 @@ HMENU ProgramTest::openMenu(HWND window) {
     eventually([&] { return openMenuWindow() != nullptr || record.menusLeft != left; });
     finishDrawing();
     DWORD_PTR menu = 0;
-    SendMessageTimeoutA(openMenuWindow(), MN_GETHMENU, 0, 0, SMTO_NORMAL, bound, &menu);
+    SendMessageTimeoutA(openMenuWindow(), MN_GETHMENU, 0, 0, SMTO_NORMAL, longestWait, &menu);
     if (menu != 0) return reinterpret_cast<HMENU>(menu);
   }
   ADD_FAILURE() << "No menu opened.";
@@ -358,9 +274,9 @@ void ProgramTest::closeMenu() {
 
 DWORD_PTR ProgramTest::ask(UINT request, WPARAM first, LPARAM second) {
   DWORD_PTR answer = 0;
-  EXPECT_NE(
-      SendMessageTimeoutA(windows_.magnifier, request, first, second, SMTO_NORMAL, bound, &answer),
-      0);
+  EXPECT_NE(SendMessageTimeoutA(windows_.magnifier, request, first, second, SMTO_NORMAL,
+                                longestWait, &answer),
+            0);
   return answer;
 }
 

@@ -5,13 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <functional>
 #include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "magnifier_record.h"
+#include "process.h"
 
 namespace tintora::windows_test {
 
@@ -44,10 +44,6 @@ struct MenuItem {
   std::string text;
 };
 
-// Waits until something becomes true, up to a limit in milliseconds. The limit is generous for busy
-// machines; only failures use it up.
-bool eventually(const std::function<bool()>& isTrue, ULONGLONG atMost = 60000);
-
 std::string titleOf(HWND window);
 std::wstring wideTitleOf(HWND window);
 
@@ -58,53 +54,8 @@ Bounds clientBoundsOf(HWND window);
 Bounds boundsOf(const RECT& rectangle);
 Bounds screenBounds();
 
-std::string programPath();
-
-// Returns the program's folder, with a backslash at the end.
-std::string programFolder();
-
-// Returns the path of the user's custom transforms.
-std::string customFile();
-
 // Returns the record that all programs started by the tests write to.
 MagnifierRecord& magnifierRecord();
-
-// Parameters for starting the program.
-struct Launch {
-  std::string arguments{};
-  std::string folder = programFolder();  // the current directory
-  WORD show = SW_SHOWNORMAL;
-  bool pathGiven = true;   // whether the command line begins with the path
-  std::wstring program{};  // its path; if empty, that of the program under test
-};
-
-// A process started by a test. The destructor ends it if it still runs.
-class Process {
- public:
-  explicit Process(const Launch& launch = {});
-  ~Process();
-  Process(const Process&) = delete;
-  Process& operator=(const Process&) = delete;
-
-  DWORD id() const { return id_; }
-  // Waits for the end. Returns false if it does not come within the limit.
-  bool hasEnded() const;
-  bool isRunning() const;
-  DWORD result() const;
-
- private:
-  HANDLE handle_ = nullptr;
-  DWORD id_ = 0;
-};
-
-// Removes the Magnification API until it goes out of scope.
-class MissingMagnification {
- public:
-  MissingMagnification();
-  ~MissingMagnification();
-  MissingMagnification(const MissingMagnification&) = delete;
-  MissingMagnification& operator=(const MissingMagnification&) = delete;
-};
 
 // Returns the top-level windows of a process that have this class name.
 std::vector<HWND> windowsOf(DWORD process, const std::string& className);

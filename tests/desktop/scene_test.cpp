@@ -163,6 +163,9 @@ TEST_F(Beneath, AWindowThatComesBackBeneathIsSeenAgain) {
 
 TEST_F(Beneath, AChildThatDrawsIsSeen) {
   Sheet& sheet = scene().addNoise(within(10, 10, 300, 200), 1);
+  // Until the program gives the window pixels of its own, what is drawn beneath the view is lost,
+  // and nobody draws the child again.
+  ASSERT_TRUE(viewShows(deutan));
   const xcb_window_t child = xcb_generate_id(x().connection());
   xcb_create_window(x().connection(), XCB_COPY_FROM_PARENT, child, sheet.window, 40, 30, 120, 90, 0,
                     XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);

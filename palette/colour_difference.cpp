@@ -143,6 +143,14 @@ double ciede2000(const Lab& first, const Lab& second) {
       0.0, square(lightness) + square(chroma) + square(hue) + rotationTerm * chroma * hue));
 }
 
+bool differsAtLeast(const Lab& first, const Lab& second, double least) {
+  // Chroma, hue and the rotation term together add nothing negative, because the rotation term
+  // stays below 2; and lightness is divided by 1 + 0.015 * 50^2 / sqrt(20 + 50^2) at most.
+  constexpr double mostWeightL = 1.75;
+  if (std::abs(second.lightness - first.lightness) >= mostWeightL * least) return true;
+  return ciede2000(first, second) >= least;
+}
+
 double relativeLuminance(const Colour& colour) {
   const Triple linear = linearOf(colour);
   return 0.2126 * linear[0] + 0.7152 * linear[1] + 0.0722 * linear[2];

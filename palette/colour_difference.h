@@ -25,6 +25,10 @@ Colour fromLab(const Lab& lab);
 // About 1 is just noticeable side by side.
 double ciede2000(const Lab& first, const Lab& second);
 
+// Returns true if the CIEDE2000 difference is at least this much, without the whole computation if
+// the lightnesses alone tell.
+bool differsAtLeast(const Lab& first, const Lab& second, double least);
+
 // Returns the relative luminance of WCAG 2, from 0 (black) to 1 (white).
 double relativeLuminance(const Colour& colour);
 

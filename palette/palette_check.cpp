@@ -44,10 +44,14 @@ PaletteCheck checkPalette(std::span<const Rgb8> palette, std::span<const ColourS
     std::vector<std::size_t> lostTo = viewersThatLose(check.pairs[i], limits);
     if (!lostTo.empty()) check.findings.push_back({i, std::move(lostTo), std::nullopt});
   }
-  for (Finding& finding : check.findings) {
+  std::vector<ColourPair> lostPairs;
+  for (const Finding& finding : check.findings) {
     const CheckedPair& pair = check.pairs[finding.pair];
-    finding.suggestion =
-        suggestChange({palette, looks, transforms, limits}, pair.first, pair.second);
+    lostPairs.push_back({pair.first, pair.second});
+  }
+  auto suggestions = suggestChanges({palette, looks, transforms, limits}, lostPairs);
+  for (std::size_t i = 0; i < suggestions.size(); ++i) {
+    check.findings[i].suggestion = std::move(suggestions[i]);
   }
   return check;
 }

@@ -17,6 +17,16 @@ struct Candidate {
   double change;
 };
 
+struct LightnessChange {
+  Candidate candidate;
+  Appearance look;
+  std::optional<bool> isHarmless;  // found when it is first needed
+};
+
+// The changes of lightness of each colour, made when they are first needed. A colour of a large
+// palette is in many findings.
+using LightnessChanges = std::vector<std::vector<LightnessChange>>;
+
 constexpr double mostLightness = 100.0;
 
 // In larger palettes there is hardly a free place, and looking for it everywhere takes long.
@@ -43,14 +53,17 @@ Candidate candidateOf(const CheckedPalette& palette, std::size_t changed, Rgb8 t
   return {changed, to, ciede2000(palette.looks[changed].before.lab, toLab(toColour(to)))};
 }
 
-void addLightnessChanges(const CheckedPalette& palette, std::size_t changed,
-                         std::vector<Candidate>& candidates) {
+std::vector<LightnessChange> makeLightnessChanges(const CheckedPalette& palette,
+                                                  std::size_t changed) {
   const double step = palette.colours.size() <= mostColoursForEveryHue ? 0.125 : 0.5;
   const Lab original = palette.looks[changed].before.lab;
+  std::vector<LightnessChange> changes;
   for (double lightness = 0.0; lightness <= mostLightness; lightness += step) {
     const Rgb8 to = roundColour(withinDisplay({lightness, original.a, original.b}));
-    candidates.push_back(candidateOf(palette, changed, to));
+    if (!changes.empty() && changes.back().candidate.to == to) continue;
+    changes.push_back({candidateOf(palette, changed, to), appearanceOf(to, palette.viewers), {}});
   }
+  return changes;
 }
 
 // A grid over all that the display has.
@@ -77,58 +90,88 @@ const std::vector<Rgb8>& coloursOfDisplay() {
   return colours;
 }
 
-// Whether the palette with the change keeps the promises of Suggestion, for all pairs but the one.
-bool keepsTheOthers(const CheckedPalette& palette, std::size_t changed, std::size_t other,
-                    const Appearance& look) {
+// Returns true if the pair of the changed colour with this neighbour keeps the promises of
+// Suggestion.
+bool keepsApart(const CheckedPalette& palette, std::size_t changed, const Appearance& look,
+                std::size_t neighbour) {
   const Appearance& was = palette.looks[changed];
-  for (std::size_t i = 0; i < palette.looks.size(); ++i) {
-    if (i == changed || i == other) continue;
-    const Appearance& neighbour = palette.looks[i];
-    const double before = ciede2000(look.before.lab, neighbour.before.lab);
-    const double wasBefore = ciede2000(was.before.lab, neighbour.before.lab);
-    if (wasBefore >= palette.limits.apart && before < palette.limits.apart) return false;
-    for (std::size_t v = 0; v < look.after.size(); ++v) {
-      const double after = ciede2000(look.after[v].lab, neighbour.after[v].lab);
-      if (!isLost(before, after, palette.limits)) continue;
-      const double wasAfter = ciede2000(was.after[v].lab, neighbour.after[v].lab);
-      if (!isLost(wasBefore, wasAfter, palette.limits)) return false;
-    }
+  const Appearance& other = palette.looks[neighbour];
+  const CheckLimits& limits = palette.limits;
+  const auto isTold = [&](const Appearance& colour) {
+    return differsAtLeast(colour.before.lab, other.before.lab, limits.apart);
+  };
+  // What is not told apart cannot be lost.
+  if (!isTold(look)) return !isTold(was);
+  for (std::size_t v = 0; v < look.after.size(); ++v) {
+    const Lab& seen = other.after[v].lab;
+    if (differsAtLeast(look.after[v].lab, seen, limits.lost)) continue;
+    if (!isTold(was) || differsAtLeast(was.after[v].lab, seen, limits.lost)) return false;
   }
   return true;
 }
 
-bool separates(const CheckedPair& pair, const CheckLimits& limits) {
-  return pair.before.ciede2000 >= limits.apart && leastDifference(pair) >= limits.lost;
+// Returns true if every pair of the changed colour keeps the promises of Suggestion. A pair that
+// the change separates does.
+bool isHarmless(const CheckedPalette& palette, std::size_t changed, const Appearance& look) {
+  for (std::size_t i = 0; i < palette.looks.size(); ++i) {
+    if (i != changed && !keepsApart(palette, changed, look, i)) return false;
+  }
+  return true;
 }
 
-// The change as a suggestion, if it is one.
-std::optional<Suggestion> verify(const CheckedPalette& palette, std::size_t first,
-                                 std::size_t second, const Candidate& candidate) {
-  const std::size_t other = candidate.changed == first ? second : first;
+bool separates(const Appearance& first, const Appearance& second, const CheckLimits& limits) {
+  if (!differsAtLeast(first.before.lab, second.before.lab, limits.apart)) return false;
+  for (std::size_t v = 0; v < first.after.size(); ++v) {
+    if (!differsAtLeast(first.after[v].lab, second.after[v].lab, limits.lost)) return false;
+  }
+  return true;
+}
+
+std::size_t otherOf(const ColourPair& pair, std::size_t changed) {
+  return changed == pair.first ? pair.second : pair.first;
+}
+
+Suggestion suggestionOf(const CheckedPalette& palette, const ColourPair& pair,
+                        const Candidate& candidate, const Appearance& look) {
+  const Appearance& other = palette.looks[otherOf(pair, candidate.changed)];
+  const bool isFirst = candidate.changed == pair.first;
+  return {candidate.changed, candidate.to, candidate.change,
+          comparePair(pair.first, pair.second, isFirst ? look : other, isFirst ? other : look)};
+}
+
+// Returns the change as a suggestion, if it is one.
+std::optional<Suggestion> verify(const CheckedPalette& palette, const ColourPair& pair,
+                                 const Candidate& candidate) {
+  const std::size_t other = otherOf(pair, candidate.changed);
   const Appearance look = appearanceOf(candidate.to, palette.viewers);
-  const Appearance& otherLook = palette.looks[other];
-  CheckedPair pair = candidate.changed == first ? comparePair(first, second, look, otherLook)
-                                                : comparePair(first, second, otherLook, look);
-  if (!separates(pair, palette.limits)) return std::nullopt;
-  if (!keepsTheOthers(palette, candidate.changed, other, look)) return std::nullopt;
-  return Suggestion{candidate.changed, candidate.to, candidate.change, std::move(pair)};
+  if (!separates(look, palette.looks[other], palette.limits)) return std::nullopt;
+  if (!isHarmless(palette, candidate.changed, look)) return std::nullopt;
+  return suggestionOf(palette, pair, candidate, look);
 }
 
-std::optional<Suggestion> nearest(const CheckedPalette& palette, std::size_t first,
-                                  std::size_t second, std::vector<Candidate> candidates) {
-  std::ranges::stable_sort(candidates, {}, &Candidate::change);
-  Rgb8 last{};
-  for (const Candidate& candidate : candidates) {
-    if (candidate.to == last && &candidate != &candidates.front()) continue;
-    last = candidate.to;
-    if (auto suggestion = verify(palette, first, second, candidate)) return suggestion;
+std::optional<Suggestion> changeLightness(const CheckedPalette& palette, const ColourPair& pair,
+                                          LightnessChanges& known) {
+  std::vector<LightnessChange*> changes;
+  for (const std::size_t changed : {pair.first, pair.second}) {
+    if (known[changed].empty()) known[changed] = makeLightnessChanges(palette, changed);
+    for (LightnessChange& change : known[changed]) changes.push_back(&change);
+  }
+  std::ranges::stable_sort(changes, {},
+                           [](const auto* change) { return change->candidate.change; });
+  for (LightnessChange* const change : changes) {
+    const Candidate& candidate = change->candidate;
+    const std::size_t other = otherOf(pair, candidate.changed);
+    if (!separates(change->look, palette.looks[other], palette.limits)) continue;
+    if (!change->isHarmless) {
+      change->isHarmless = isHarmless(palette, candidate.changed, change->look);
+    }
+    if (*change->isHarmless) return suggestionOf(palette, pair, candidate, change->look);
   }
   return std::nullopt;
 }
 
 // Walks from a suggestion to nearer ones, a step of one channel at a time, until none is nearer.
-Suggestion refine(const CheckedPalette& palette, std::size_t first, std::size_t second,
-                  Suggestion suggestion) {
+Suggestion refine(const CheckedPalette& palette, const ColourPair& pair, Suggestion suggestion) {
   constexpr std::array steps{-8, -4, -2, -1, 1, 2, 4, 8};
   for (bool moved = true; moved;) {
     moved = false;
@@ -140,7 +183,7 @@ Suggestion refine(const CheckedPalette& palette, std::size_t first, std::size_t 
         to.*channel = static_cast<std::uint8_t>(value);
         const Candidate candidate = candidateOf(palette, suggestion.changed, to);
         if (candidate.change >= suggestion.change) continue;
-        if (auto nearer = verify(palette, first, second, candidate)) {
+        if (auto nearer = verify(palette, pair, candidate)) {
           suggestion = *std::move(nearer);
           moved = true;
         }
@@ -150,26 +193,35 @@ Suggestion refine(const CheckedPalette& palette, std::size_t first, std::size_t 
   return suggestion;
 }
 
-}  // namespace
-
-std::optional<Suggestion> suggestChange(const CheckedPalette& palette, std::size_t first,
-                                        std::size_t second) {
+std::optional<Suggestion> changeHue(const CheckedPalette& palette, const ColourPair& pair) {
   std::vector<Candidate> candidates;
-  for (const std::size_t changed : {first, second}) {
-    addLightnessChanges(palette, changed, candidates);
-  }
-  if (auto suggestion = nearest(palette, first, second, std::move(candidates))) return suggestion;
-  if (palette.colours.size() > mostColoursForEveryHue) return std::nullopt;
-
-  candidates.clear();
-  for (const std::size_t changed : {first, second}) {
+  for (const std::size_t changed : {pair.first, pair.second}) {
     for (const Rgb8 to : coloursOfDisplay()) {
       candidates.push_back(candidateOf(palette, changed, to));
     }
   }
-  auto suggestion = nearest(palette, first, second, std::move(candidates));
-  if (!suggestion) return std::nullopt;
-  return refine(palette, first, second, *std::move(suggestion));
+  std::ranges::stable_sort(candidates, {}, &Candidate::change);
+  for (const Candidate& candidate : candidates) {
+    if (auto suggestion = verify(palette, pair, candidate)) {
+      return refine(palette, pair, *std::move(suggestion));
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::vector<std::optional<Suggestion>> suggestChanges(const CheckedPalette& palette,
+                                                      std::span<const ColourPair> pairs) {
+  LightnessChanges lightnessChanges(palette.colours.size());
+  std::vector<std::optional<Suggestion>> suggestions;
+  for (const ColourPair& pair : pairs) {
+    suggestions.push_back(changeLightness(palette, pair, lightnessChanges));
+    if (!suggestions.back() && palette.colours.size() <= mostColoursForEveryHue) {
+      suggestions.back() = changeHue(palette, pair);
+    }
+  }
+  return suggestions;
 }
 
 }  // namespace tintora

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <utility>
+#include <vector>
 
 #include "palette/palette.h"
 
@@ -65,6 +67,23 @@ TEST(ColourDifference, IsThatOfAllPublishedPairsInBothDirections) {
 TEST(ColourDifference, IsZeroForTheSameColour) {
   for (const PublishedPair& pair : publishedPairs)
     EXPECT_EQ(ciede2000(pair.first, pair.first), 0.0);
+}
+
+// Every pair of greys tries the short cut through lightness, colours also what the other terms add.
+TEST(ColourDifference, IsComparedWithALimitAsItIsComputed) {
+  std::vector<Lab> colours;
+  for (double lightness = 0.0; lightness <= 100.0; lightness += 2.5) {
+    for (const auto& [a, b] : {std::pair{0.0, 0.0}, {60.0, -60.0}, {-5.0, -100.0}}) {
+      colours.push_back({lightness, a, b});
+    }
+  }
+  for (const Lab& first : colours) {
+    for (const Lab& second : colours) {
+      const double difference = ciede2000(first, second);
+      EXPECT_TRUE(differsAtLeast(first, second, difference));
+      EXPECT_FALSE(differsAtLeast(first, second, difference + 1e-9));
+    }
+  }
 }
 
 TEST(Lab, OfGreysHasNoChromaAndTheLightnessOfTheirLuminance) {

@@ -61,6 +61,12 @@ std::size_t readPiece(ByteSource& source, std::size_t from) {
 
 }  // namespace
 
+bool holdsAt(std::span<const std::uint8_t> data, std::size_t offset, std::string_view bytes) {
+  return data.size() >= offset + bytes.size() &&
+         std::equal(bytes.begin(), bytes.end(), data.begin() + static_cast<std::ptrdiff_t>(offset),
+                    [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; });
+}
+
 Descriptor::~Descriptor() {
   if (number >= 0) ::close(number);
 }

@@ -6,9 +6,13 @@
 #include <cstdint>
 #include <filesystem>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace tintora::cli {
+
+// Tells whether these bytes stand in the data at an offset.
+bool holdsAt(std::span<const std::uint8_t> data, std::size_t offset, std::string_view bytes);
 
 // An open file, closed at the end; -1 for none.
 struct Descriptor {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/option_values.h"
 #include "cli/option_words.h"
 
 namespace tintora::cli {
@@ -17,23 +18,16 @@ void addChoice(CLI::App& command, const std::string& name, Value& value,
                const std::map<std::string, Value>& choices, const std::string& description) {
   std::vector<std::string> words;
   for (const auto& [word, ignored] : choices) words.push_back(word);
-  CLI::Option& option =
-      *command
-           .add_option_function<std::string>(
-               name,
-               [name, &value, choices](const std::string& text) {
-                 const auto choice = choices.find(text);
-                 if (choice != choices.end()) {
-                   value = choice->second;
-                   return;
-                 }
-                 std::string known;
-                 for (const auto& [word, ignored] : choices)
-                   known += (known.empty() ? "" : ", ") + word;
-                 throw CLI::ValidationError(name, "\"" + text + "\" is none of " + known);
-               },
-               description)
-           ->type_name("NAME");
+  CLI::Option& option = *command
+                             .add_option_function<std::string>(
+                                 name,
+                                 [name, &value, choices](const std::string& text) {
+                                   value = findNamed(name, text, choices, [](const auto& choice) {
+                                             return choice.first;
+                                           }).second;
+                                 },
+                                 description)
+                             ->type_name("NAME");
   noteWords(option, words);
 }
 

@@ -16,14 +16,12 @@ namespace {
 using FilterRow = std::function<void(const std::uint8_t*, std::uint8_t*)>;
 using Conversion = std::shared_ptr<const SrgbConversion>;
 
-constexpr std::size_t channels = 4;
-
 std::uint8_t narrowed(std::uint16_t sample) {
   return static_cast<std::uint8_t>((sample * 255U + 32767U) / 65535U);
 }
 
 void narrowRow(const std::uint16_t* rgba, std::uint8_t* bgra, std::size_t pixels) {
-  for (std::size_t i = 0; i < pixels * channels; i += channels) {
+  for (std::size_t i = 0; i < pixels * rgbaChannels; i += rgbaChannels) {
     bgra[i] = narrowed(rgba[i + 2]);
     bgra[i + 1] = narrowed(rgba[i + 1]);
     bgra[i + 2] = narrowed(rgba[i]);
@@ -44,7 +42,7 @@ void applyTo(const ColourStep& step, std::uint16_t* rgba, std::size_t pixels) {
 
 void applyTo(const ColourStep& step, std::uint8_t* bgra, std::size_t pixels) {
   if (step.conversion) {
-    std::vector<std::uint16_t> rgba(pixels * channels);
+    std::vector<std::uint16_t> rgba(pixels * rgbaChannels);
     convertToSrgb(*step.conversion, bgra, rgba.data(), pixels);
     filterPicture(step.filters->wide(), rgba.data(), pixels);
     narrowRow(rgba.data(), bgra, pixels);
@@ -61,7 +59,7 @@ std::vector<PaletteEntry> applied(const ColourStep& step,
   }
   applyTo(step, pixels.data(), palette.size());
   std::vector<PaletteEntry> result;
-  for (std::size_t i = 0; i < pixels.size(); i += channels) {
+  for (std::size_t i = 0; i < pixels.size(); i += rgbaChannels) {
     result.push_back({pixels[i + 2], pixels[i + 1], pixels[i], pixels[i + 3]});
   }
   return result;
@@ -110,7 +108,7 @@ FilterRow lookUpColours(std::vector<PaletteEntry> palette, int bits, std::size_t
     for (std::size_t x = 0; x < width; ++x) {
       const PaletteEntry& entry = palette[indexAt(row, x, bits)];
       const std::array<std::uint8_t, 4> pixel{entry.blue, entry.green, entry.red, entry.alpha};
-      std::memcpy(bgra + x * channels, pixel.data(), channels);
+      std::memcpy(bgra + x * rgbaChannels, pixel.data(), rgbaChannels);
     }
   };
 }
@@ -174,7 +172,7 @@ std::vector<Sample> filteredGreys(const ColourStep& step) {
 
 template <typename Sample>
 bool areGreys(const std::vector<Sample>& pixels) {
-  for (std::size_t i = 0; i < pixels.size(); i += channels) {
+  for (std::size_t i = 0; i < pixels.size(); i += rgbaChannels) {
     if (pixels[i] != pixels[i + 1] || pixels[i] != pixels[i + 2]) return false;
   }
   return true;
@@ -199,14 +197,14 @@ FilterRow lookUp(std::vector<Sample> pixels, bool hasAlpha, bool toGrey, std::si
   return [=, pixels = std::move(pixels)](const std::uint8_t* row, std::uint8_t* filtered) {
     const std::size_t in = hasAlpha ? 2 : 1;
     for (std::size_t x = 0; x < width; ++x) {
-      const Sample* const pixel = &pixels[channels * sampleAt<Sample>(row, x * in)];
+      const Sample* const pixel = &pixels[rgbaChannels * sampleAt<Sample>(row, x * in)];
       const Sample alpha = hasAlpha ? sampleAt<Sample>(row, x * in + 1) : opaque;
       if (toGrey) {
         putSample(filtered, x * in, pixel[0]);
         if (hasAlpha) putSample(filtered, x * in + 1, alpha);
       } else {
-        for (std::size_t k = 0; k < 3; ++k) putSample(filtered, x * channels + k, pixel[k]);
-        putSample(filtered, x * channels + 3, alpha);
+        for (std::size_t k = 0; k < 3; ++k) putSample(filtered, x * rgbaChannels + k, pixel[k]);
+        putSample(filtered, x * rgbaChannels + 3, alpha);
       }
     }
   };
@@ -215,7 +213,7 @@ FilterRow lookUp(std::vector<Sample> pixels, bool hasAlpha, bool toGrey, std::si
 // Puts a row of colours of 16 bits through 8.
 FilterRow narrowing(FilterRow wide, std::size_t width) {
   return [=, wide = std::move(wide)](const std::uint8_t* row, std::uint8_t* filtered) {
-    std::vector<std::uint16_t> rgba(width * channels);
+    std::vector<std::uint16_t> rgba(width * rgbaChannels);
     wide(row, reinterpret_cast<std::uint8_t*>(rgba.data()));
     narrowRow(rgba.data(), filtered, width);
   };
@@ -248,13 +246,13 @@ RowFilter planColours(const RowsHeader& header, const ColourStep& step, bool kee
   const std::size_t width = header.width;
   if (header.layout == PixelLayout::Bgra8) {
     plan.filterRow = [=](const std::uint8_t* row, std::uint8_t* filtered) {
-      std::copy_n(row, width * channels, filtered);
+      std::copy_n(row, width * rgbaChannels, filtered);
       applyTo(step, filtered, width);
     };
     return plan;
   }
   plan.filterRow = [=](const std::uint8_t* row, std::uint8_t* filtered) {
-    std::copy_n(row, width * channels * 2, filtered);
+    std::copy_n(row, width * rgbaChannels * 2, filtered);
     applyTo(step, reinterpret_cast<std::uint16_t*>(filtered), width);
   };
   if (!keepsLayout) {

@@ -14,14 +14,6 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr std::size_t channels = 4;
-
-bool holdsAt(std::span<const std::uint8_t> data, std::size_t offset, std::string_view bytes) {
-  return data.size() >= offset + bytes.size() &&
-         std::equal(bytes.begin(), bytes.end(), data.begin() + static_cast<std::ptrdiff_t>(offset),
-                    [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; });
-}
-
 struct CloseProfile {
   void operator()(void* profile) const { cmsCloseProfile(profile); }
 };
@@ -78,7 +70,7 @@ bool changesColours(const SrgbConversion& conversion) {
   constexpr int halfStep = 128;
   const std::vector<std::uint16_t> before = sampleColours(conversion.fromGrey);
   std::vector<std::uint16_t> after(before.size());
-  convertToSrgb(conversion, before.data(), after.data(), before.size() / channels);
+  convertToSrgb(conversion, before.data(), after.data(), before.size() / rgbaChannels);
   return !std::equal(before.begin(), before.end(), after.begin(),
                      [](int a, int b) { return std::abs(a - b) <= halfStep; });
 }
@@ -137,7 +129,7 @@ void convertToSrgb(const SrgbConversion& conversion, const std::uint8_t* bgra, s
     return;
   }
   constexpr std::uint16_t wider = 257;
-  for (std::size_t i = 0; i < pixels * channels; ++i) {
+  for (std::size_t i = 0; i < pixels * rgbaChannels; ++i) {
     rgba[i] = static_cast<std::uint16_t>(bgra[i] * wider);
   }
   convertToSrgb(conversion, rgba, rgba, pixels);
@@ -149,7 +141,7 @@ void convertToSrgb(const SrgbConversion& conversion, const std::uint16_t* source
     cmsDoTransform(conversion.from16.get(), source, rgba, static_cast<cmsUInt32Number>(pixels));
     return;
   }
-  for (std::size_t i = 0; i < pixels * channels; i += channels) {
+  for (std::size_t i = 0; i < pixels * rgbaChannels; i += rgbaChannels) {
     std::uint16_t grey = 0;
     cmsDoTransform(conversion.from16.get(), source + i, &grey, 1);
     const std::uint16_t alpha = source[i + 3];

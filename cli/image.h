@@ -17,6 +17,9 @@ struct ImageError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// Red, green, blue and opacity, or blue, green, red and opacity.
+constexpr std::size_t rgbaChannels = 4;
+
 enum class ImageFormat { Png, Jpeg };
 
 // Pixels for each unit of length, in the unit of the file. Without a unit only the ratio of the two

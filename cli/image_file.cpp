@@ -9,6 +9,7 @@
 #include <string_view>
 #include <utility>
 
+#include "cli/byte_stream.h"
 #include "cli/exif.h"
 #include "cli/filtered_rows.h"
 #include "cli/icc_conversion.h"
@@ -41,12 +42,6 @@ constexpr std::array otherSignatures{
     Signature{0, "%PDF-"sv, "PDF"sv},    Signature{0, "\xff\x0a"sv, "JPEG XL"sv},
     Signature{4, "JXL "sv, "JPEG XL"sv}, Signature{4, "jP  "sv, "JPEG 2000"sv},
 };
-
-bool holdsAt(std::span<const std::uint8_t> data, std::size_t offset, std::string_view bytes) {
-  return data.size() >= offset + bytes.size() &&
-         std::equal(bytes.begin(), bytes.end(), data.begin() + static_cast<std::ptrdiff_t>(offset),
-                    [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; });
-}
 
 bool holds(std::span<const std::uint8_t> file, const Signature& signature) {
   return holdsAt(file, signature.offset, signature.bytes);

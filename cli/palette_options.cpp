@@ -4,9 +4,9 @@
 #include <CLI/Formatter.hpp>
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 
+#include "cli/option_values.h"
 #include "cli/option_words.h"
 #include "cli/text.h"
 #include "cli/transform_options.h"
@@ -15,7 +15,7 @@ namespace tintora::cli {
 
 namespace {
 
-constexpr std::array<AlgorithmLabel, 6> algorithms{{
+constexpr std::array<AlgorithmLabel, 6> labels{{
     {SimulationAlgorithm::Judd1948, "Judd 1948"},
     {SimulationAlgorithm::Vienot1997Approximated, "Viénot et al. 1997, approximated"},
     {SimulationAlgorithm::Brettel1997, "Brettel et al. 1997"},
@@ -30,35 +30,12 @@ constexpr std::array<NamedValue<CvdType>, 3> types{{
     {"tritan", CvdType::Tritan, "short-wave deficient"},
 }};
 
-constexpr double whole = 100.0;
-
-[[noreturn]] void refuse(const std::string& option, const std::string& reason) {
-  throw CLI::ValidationError(option, reason);
-}
-
-// A whole text as a decimal number between two bounds.
-double parseNumber(const std::string& option, std::string_view text, double least, double most) {
-  const std::string_view digits = text.starts_with('+') ? text.substr(1) : text;
-  double value = 0.0;
-  const char* const end = digits.data() + digits.size();
-  const auto [rest, error] = std::from_chars(digits.data(), end, value);
-  const std::string quoted = "\"" + std::string(text) + "\"";
-  if (error == std::errc::invalid_argument || rest != end) refuse(option, quoted + " is no number");
-  if (error != std::errc() || !(value >= least && value <= most)) {
-    refuse(option, quoted + " is not between " + shortest(least) + " and " + shortest(most));
-  }
-  return value;
-}
+constexpr double wholePercent = 100.0;
 
 template <typename Value>
-Value parseName(const std::string& option, std::string_view text,
-                std::span<const NamedValue<Value>> table) {
-  std::string known;
-  for (const NamedValue<Value>& entry : table) {
-    if (entry.name == text) return entry.value;
-    known += (known.empty() ? "" : ", ") + std::string(entry.name);
-  }
-  refuse(option, "\"" + std::string(text) + "\" is none of " + known);
+Value valueNamed(std::string_view option, std::string_view name,
+                 std::span<const NamedValue<Value>> table) {
+  return findNamed(option, name, table, [](const auto& entry) { return entry.name; }).value;
 }
 
 template <typename Value>
@@ -91,11 +68,11 @@ CLI::Option& addOption(CLI::App& command, const std::string& name, const std::st
 }  // namespace
 
 std::span<const AlgorithmLabel> algorithmLabels() {
-  return algorithms;
+  return labels;
 }
 
 std::string_view labelOf(SimulationAlgorithm algorithm) {
-  return std::ranges::find(algorithms, algorithm, &AlgorithmLabel::algorithm)->label;
+  return std::ranges::find(labels, algorithm, &AlgorithmLabel::algorithm)->label;
 }
 
 void addPaletteOptions(CLI::App& command, PaletteOptions& options) {
@@ -110,27 +87,27 @@ void addPaletteOptions(CLI::App& command, PaletteOptions& options) {
       "protan, deutan and tritan, or some of them with commas between (default all)",
       [&options](const std::string& name, const std::string& text) {
         options.types = parseList(
-            text, [&](std::string_view word) { return parseName<CvdType>(name, word, types); });
+            text, [&](std::string_view word) { return valueNamed<CvdType>(name, word, types); });
       });
   noteWords(deficiency, namesIn(types));
   addOption(command, "--severity", "PERCENTS",
             "Severities of the deficiency, with commas between (default 60,100)",
             [&options](const std::string& name, const std::string& text) {
               options.severities = parseList(text, [&](std::string_view number) {
-                return parseNumber(name, number, 0.0, whole) / whole;
+                return parseNumber(name, number, 0.0, wholePercent) / wholePercent;
               });
             });
   CLI::Option& algorithm =
       addOption(command, "--algorithm", "NAME", "Simulation algorithm (default judd); see list",
                 [&options](const std::string& name, const std::string& text) {
-                  options.algorithm = parseName(name, text, algorithmNames());
+                  options.algorithm = valueNamed(name, text, algorithmNames());
                 });
   noteWords(algorithm, namesIn(algorithmNames()));
   CLI::Option& light = addOption(
       command, "--light", "NAME",
       "encoded (default but for brettel1997): on sRGB values, as on the screen; linear: on light",
       [&options](const std::string& name, const std::string& text) {
-        options.light = parseName(name, text, lightNames());
+        options.light = valueNamed(name, text, lightNames());
       });
   noteWords(light, namesIn(lightNames()));
   addOption(command, "--apart", "DIFFERENCE",
@@ -184,7 +161,7 @@ std::string_view lightName(Light light) {
 double percentOf(double severity) {
   // Fractions of hundredths come back without the last digits' noise.
   constexpr double precision = 1e9;
-  return std::round(severity * whole * precision) / precision;
+  return std::round(severity * wholePercent * precision) / precision;
 }
 
 std::string percentName(double severity) {

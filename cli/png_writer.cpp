@@ -24,12 +24,12 @@ void putBytes(png_structp png, png_bytep bytes, std::size_t count) {
 void flushNothing(png_structp /*png*/) {}
 
 // How the pixels of a layout stand in a file.
-struct PngKind {
+struct WrittenKind {
   int colourType;
   int bits;
 };
 
-PngKind kindOf(const RowsHeader& header) {
+WrittenKind kindOf(const RowsHeader& header) {
   const int colour = header.hasAlpha ? PNG_COLOR_TYPE_RGB_ALPHA : PNG_COLOR_TYPE_RGB;
   switch (header.layout) {
     case PixelLayout::Indexed:
@@ -90,13 +90,13 @@ void writeDensity(const PngWriter& writer, const PixelDensity& density) {
 }
 
 // What is written of a palette: its colours, and its alphas up to the last that is not opaque.
-struct PngPalette {
+struct WrittenPalette {
   std::vector<png_color> colours;
   std::vector<png_byte> alphas;
 };
 
-PngPalette paletteOf(const RowsHeader& header) {
-  PngPalette palette;
+WrittenPalette paletteOf(const RowsHeader& header) {
+  WrittenPalette palette;
   if (header.layout != PixelLayout::Indexed || header.isGrey) return palette;
   for (const PaletteEntry& entry : header.palette) {
     palette.colours.push_back({entry.red, entry.green, entry.blue});
@@ -113,7 +113,7 @@ void writeExif(const PngWriter& writer, std::span<const std::uint8_t> exif) {
   png_write_chunk(writer.png, reinterpret_cast<png_const_bytep>("eXIf"), exif.data(), exif.size());
 }
 
-void writeHeader(const PngWriter& writer, const RowsHeader& header, const PngPalette& palette,
+void writeHeader(const PngWriter& writer, const RowsHeader& header, const WrittenPalette& palette,
                  ByteSink& sink) {
   // Packs photographs as tightly as the default level, in half the time or less.
   constexpr int photographLevel = 4;
@@ -156,7 +156,7 @@ ImageWriter startPng(ByteSink& sink, const RowsHeader& header) {
     throw ImageError("the colour profile or the EXIF data is too large for PNG");
   }
   const auto writer = std::make_shared<PngWriter>();
-  const PngPalette palette = paletteOf(header);
+  const WrittenPalette palette = paletteOf(header);
   if (!completes(writer->png, [&] { writeHeader(*writer, header, palette, sink); })) {
     throwUnwritable(*writer);
   }

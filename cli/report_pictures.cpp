@@ -15,8 +15,7 @@ namespace {
 
 constexpr std::uint32_t smallWidth = 240;
 constexpr std::array<double, 5> severitySteps{0.2, 0.4, 0.6, 0.8, 1.0};
-constexpr std::size_t channels = 4;
-constexpr double whole = 255.0;
+constexpr double brightest = 255.0;
 
 // A row or column of the reduced picture as a span of the original: the first pixel's share, whole
 // pixels, the last one's share.
@@ -45,17 +44,17 @@ std::vector<Span> spansOf(std::uint32_t from, std::uint32_t to) {
 }
 
 // Light times alpha, then alpha, summed over the pixels of a span of a row.
-using Sum = std::array<double, channels>;
+using Sum = std::array<double, rgbaChannels>;
 
 void addTo(Sum& sum, const Sum& part, double share) {
-  for (std::size_t c = 0; c < channels; ++c) sum[c] += share * part[c];
+  for (std::size_t c = 0; c < rgbaChannels; ++c) sum[c] += share * part[c];
 }
 
 const std::array<double, 256>& lightOfSteps() {
   static const std::array<double, 256> light = [] {
     std::array<double, 256> table{};
     for (std::size_t i = 0; i < table.size(); ++i) {
-      table[i] = decodeSrgb(static_cast<double>(i) / whole);
+      table[i] = decodeSrgb(static_cast<double>(i) / brightest);
     }
     return table;
   }();
@@ -69,8 +68,8 @@ std::vector<Sum> reduceRow(const std::uint8_t* row, const std::vector<Span>& col
   for (const Span& column : columns) {
     Sum sum{};
     for (std::uint32_t x = column.first; x <= column.last; ++x) {
-      const std::uint8_t* const pixel = row + channels * x;
-      const double alpha = pixel[3] / whole;
+      const std::uint8_t* const pixel = row + rgbaChannels * x;
+      const double alpha = pixel[3] / brightest;
       addTo(sum, {light[pixel[0]] * alpha, light[pixel[1]] * alpha, light[pixel[2]] * alpha, alpha},
             column.share(x));
     }
@@ -83,9 +82,9 @@ void appendPixel(std::vector<std::uint8_t>& pixels, const Sum& sum, double area)
   const double alpha = sum[3];
   for (std::size_t c = 0; c < 3; ++c) {
     const double light = alpha > 0.0 ? std::min(sum[c] / alpha, 1.0) : 0.0;
-    pixels.push_back(static_cast<std::uint8_t>(std::lround(encodeSrgb(light) * whole)));
+    pixels.push_back(static_cast<std::uint8_t>(std::lround(encodeSrgb(light) * brightest)));
   }
-  pixels.push_back(static_cast<std::uint8_t>(std::lround(std::min(alpha / area, 1.0) * whole)));
+  pixels.push_back(static_cast<std::uint8_t>(std::lround(std::min(alpha / area, 1.0) * brightest)));
 }
 
 // The colours alone; what a file says about them beside is done with.
@@ -112,7 +111,7 @@ std::string addressOf(const Image& picture) {
 std::string addressSeenBy(const ColourSimulation& viewer, const Image& picture) {
   Image seen = picture;
   filterPicture(makePictureFilter(makeSimulation(viewer), SampleDepth::Bits8), seen.pixels.data(),
-                seen.pixels.size() / channels);
+                seen.pixels.size() / rgbaChannels);
   return addressOf(seen);
 }
 
@@ -125,7 +124,7 @@ Image reducePicture(const Image& picture, std::uint32_t mostWidth) {
   const double scale = static_cast<double>(mostWidth) / picture.width;
   reduced.height = std::max(1U, static_cast<std::uint32_t>(std::lround(picture.height * scale)));
   reduced.hasAlpha = picture.hasAlpha;
-  reduced.pixels.reserve(channels * reduced.width * reduced.height);
+  reduced.pixels.reserve(rgbaChannels * reduced.width * reduced.height);
   const std::vector<Span> columns = spansOf(picture.width, reduced.width);
   const std::vector<Span> rows = spansOf(picture.height, reduced.height);
   const double area =
@@ -134,7 +133,7 @@ Image reducePicture(const Image& picture, std::uint32_t mostWidth) {
     std::vector<Sum> sums(columns.size());
     for (std::uint32_t y = row.first; y <= row.last; ++y) {
       const std::vector<Sum> parts =
-          reduceRow(picture.pixels.data() + channels * picture.width * y, columns);
+          reduceRow(picture.pixels.data() + rgbaChannels * picture.width * y, columns);
       for (std::size_t x = 0; x < sums.size(); ++x) addTo(sums[x], parts[x], row.share(y));
     }
     for (const Sum& sum : sums) appendPixel(reduced.pixels, sum, area);

@@ -4,11 +4,11 @@
 #include <CLI/Formatter.hpp>
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <limits>
 #include <string>
 #include <vector>
 
+#include "cli/option_values.h"
 #include "cli/option_words.h"
 #include "cli/output_file.h"
 #include "cli/text.h"
@@ -106,38 +106,13 @@ std::string_view nameOf(TransformMode mode) {
   return std::ranges::find(modes, mode, &NamedValue<TransformMode>::value)->name;
 }
 
-[[noreturn]] void refuse(std::string_view option, const std::string& reason) {
-  throw CLI::ValidationError(std::string(option), reason);
-}
-
 // The entry of a table that bears the name, by what nameOf makes of it.
 template <typename Table, typename NameOf>
 const auto& choose(std::string_view option, std::string text, const Table& table, NameOf nameOf) {
   for (const auto& [other, ours] : otherSpellings) {
     if (text == other) text = ours;
   }
-  std::string known;
-  for (const auto& entry : table) {
-    if (nameOf(entry) == text) return entry;
-    known += (known.empty() ? "" : ", ") + std::string(nameOf(entry));
-  }
-  refuse(option, "\"" + text + "\" is none of " + known);
-}
-
-// A whole argument as a decimal number between two bounds.
-double parseNumber(std::string_view option, const std::string& text, double least, double most) {
-  double value = 0.0;
-  const bool plus = text.size() > 1 && text[0] == '+' && text[1] != '-';
-  const char* const end = text.data() + text.size();
-  const auto [rest, error] = std::from_chars(text.data() + (plus ? 1 : 0), end, value);
-  if (error == std::errc::invalid_argument || rest != end) {
-    refuse(option, "\"" + text + "\" is not a number");
-  }
-  const bool inRange = error == std::errc() && value >= least && value <= most;
-  if (!inRange) {
-    refuse(option, text + " is not between " + shortest(least) + " and " + shortest(most));
-  }
-  return value;
+  return findNamed(option, text, table, nameOf);
 }
 
 // Adds an option whose text is handed to `read`, and remembers that it was given.

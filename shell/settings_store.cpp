@@ -22,7 +22,7 @@ constexpr std::array<TransformMode, 13> storedModes{
     TransformMode::RedFilter,
 };
 
-std::uint32_t customCount() {
+std::uint32_t storedCustomCount() {
   return static_cast<std::uint32_t>(customTransforms.size());
 }
 
@@ -40,8 +40,8 @@ constexpr std::size_t selectedSetting = 0;
 
 // In the order in which they are read and written.
 constexpr std::array<Setting, 9> storedSettings{{
-    {"Selected", [] { return encodeSelection(transformSettings, customCount()); },
-     [](std::uint32_t stored) { decodeSelection(transformSettings, stored, customCount()); }},
+    {"Selected", [] { return encodeSelection(transformSettings, storedCustomCount()); },
+     [](std::uint32_t stored) { decodeSelection(transformSettings, stored, storedCustomCount()); }},
     {"ScrollPc",
      [] { return static_cast<std::uint32_t>(wholePercent(transformSettings.severity)); },
      [](std::uint32_t stored) {

@@ -24,7 +24,7 @@ std::vector<std::string> dashedNames(const DeclaredCommand& command, bool onlyWi
 }
 
 // What the script does to complete the value of an option.
-std::string valueAction(const DeclaredOption& option) {
+std::string bashAction(const DeclaredOption& option) {
   switch (valueKind(option)) {
     case ValueKind::Word:
       return "_tintora_cli_words '" + join(option.words, " ") + "'";
@@ -52,7 +52,7 @@ void appendCases(std::string& script, const DeclaredCommand& command, const std:
       std::string& pattern = patterns.emplace_back("'");
       pattern.append(name).append(" ").append(dashed).append(" '*");
     }
-    script += "    " + join(patterns, " | ") + ") " + valueAction(option) + " ;;\n";
+    script += "    " + join(patterns, " | ") + ") " + bashAction(option) + " ;;\n";
   }
   script += "    '" + name + " '*' -'*) _tintora_cli_words '" +
             join(dashedNames(command, false), " ") + "' ;;\n";

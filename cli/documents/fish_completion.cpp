@@ -4,7 +4,7 @@ namespace tintora::cli {
 
 namespace {
 
-std::string quoted(std::string_view text) {
+std::string fishQuoted(std::string_view text) {
   std::string escaped = "'";
   for (const char c : text) {
     if (c == '\'' || c == '\\') escaped += '\\';
@@ -13,12 +13,12 @@ std::string quoted(std::string_view text) {
   return escaped + '\'';
 }
 
-std::string valueAction(const DeclaredOption& option) {
+std::string fishAction(const DeclaredOption& option) {
   std::string words;
   for (const std::string& word : option.words) words += (words.empty() ? "" : " ") + word;
   switch (valueKind(option)) {
     case ValueKind::Word:
-      return " -x -a " + quoted(words);
+      return " -x -a " + fishQuoted(words);
     case ValueKind::WordList:
       return " -x -a '(__fish_complete_list , \"printf %s\\\\\\\\n " + words + "\")'";
     case ValueKind::File:
@@ -42,7 +42,7 @@ void appendOptions(std::string& script, const DeclaredCommand& command, const st
       const bool isLong = dashed.starts_with("--");
       script += (isLong ? " -l " : " -s ") + dashed.substr(isLong ? 2 : 1);
     }
-    script += valueAction(option) + " -d " + quoted(option.description) + '\n';
+    script += fishAction(option) + " -d " + fishQuoted(option.description) + '\n';
   }
   if (!command.arguments.empty()) script += start + " -F\n";
 }
@@ -82,7 +82,7 @@ complete -c tintora-cli -f
 )";
   for (const DeclaredCommand& command : tool.commands) {
     script += "complete -c tintora-cli -n '__tintora_cli_is \"\"' -a " + command.name + " -d " +
-              quoted(command.description) + '\n';
+              fishQuoted(command.description) + '\n';
   }
   appendOptions(script, tool.tool, "");
   for (const DeclaredCommand& command : tool.commands) {

@@ -5,7 +5,7 @@ namespace tintora::cli {
 namespace {
 
 // Escapes text that stands within single quotes and brackets in an argument of _arguments.
-std::string quoted(std::string_view text) {
+std::string zshQuoted(std::string_view text) {
   std::string escaped;
   for (const char c : text) {
     if (c == '\'') {
@@ -18,14 +18,14 @@ std::string quoted(std::string_view text) {
   return escaped;
 }
 
-std::string valueAction(const DeclaredOption& option) {
+std::string zshAction(const DeclaredOption& option) {
   std::string words;
   for (const std::string& word : option.words) words += (words.empty() ? "" : " ") + word;
   switch (valueKind(option)) {
     case ValueKind::Word:
       return '(' + words + ')';
     case ValueKind::WordList:
-      return "_values -s , " + quoted(option.value) + ' ' + words;
+      return "_values -s , " + zshQuoted(option.value) + ' ' + words;
     case ValueKind::File:
       return "_files";
     case ValueKind::Folder:
@@ -47,8 +47,8 @@ std::string optionArguments(const DeclaredCommand& command) {
       // --name=value and --name value; letters take the value as the next word.
       const bool isLong = name.starts_with("--");
       text += name + (option.value.empty() ? "" : isLong ? "=" : "");
-      text += '[' + quoted(option.description) + ']';
-      if (!option.value.empty()) text += ':' + quoted(option.value) + ':' + valueAction(option);
+      text += '[' + zshQuoted(option.description) + ']';
+      if (!option.value.empty()) text += ':' + zshQuoted(option.value) + ':' + zshAction(option);
       text += '\'';
     }
   }
@@ -67,7 +67,7 @@ _tintora-cli() {
   local -a commands=(
 )";
   for (const DeclaredCommand& command : tool.commands) {
-    script += "    '" + command.name + ':' + quoted(command.description) + "'\n";
+    script += "    '" + command.name + ':' + zshQuoted(command.description) + "'\n";
   }
   script += "  )\n  _arguments -C" + optionArguments(tool.tool) + R"( \
         '1: :->command' '*:: :->arguments'

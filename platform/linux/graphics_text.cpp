@@ -20,7 +20,7 @@ constexpr int overhang = 4;
 constexpr std::size_t mostImages = 128;
 
 // Coordinates are pixels from the top left corner.
-constexpr const char* vertexShader = R"(#version 330 core
+constexpr const char* textVertexShader = R"(#version 330 core
 uniform ivec2 picture;
 uniform ivec4 area;
 void main() {
@@ -29,7 +29,7 @@ void main() {
   gl_Position = vec4(2.0 * place.x - 1.0, 1.0 - 2.0 * place.y, 0.0, 1.0);
 }
 )";
-constexpr const char* fragmentShader = R"(#version 330 core
+constexpr const char* textFragmentShader = R"(#version 330 core
 uniform ivec2 picture;
 uniform ivec2 origin;
 uniform vec4 colour;
@@ -53,7 +53,7 @@ struct TextProgram {
 const TextProgram& textProgram(OpenGl& gl) {
   static const TextProgram made = [&gl] {
     TextProgram text;
-    text.program = makeProgram(gl, vertexShader, fragmentShader);
+    text.program = makeProgram(gl, textVertexShader, textFragmentShader);
     gl.glGenVertexArrays(1, &text.noVertices);
     text.picture = gl.glGetUniformLocation(text.program, "picture");
     text.area = gl.glGetUniformLocation(text.program, "area");

@@ -253,11 +253,6 @@ void onDamaged(xcb_window_t window) {
   if (found != windowStack.windows.end()) found->damaged = true;
 }
 
-template <typename Event>
-const Event& as(const xcb_generic_event_t& event) {
-  return reinterpret_cast<const Event&>(event);
-}
-
 // Handles structure events: those of the root's children, which the root reports, and those of
 // windows inside frames.
 void followStructure(const xcb_generic_event_t& event) {

@@ -80,11 +80,6 @@ void onFrameChanged(Window* window) {
   allowForFrame(window);
 }
 
-template <typename Event>
-const Event& as(const xcb_generic_event_t& event) {
-  return reinterpret_cast<const Event&>(event);
-}
-
 // Waits for the changes that a window manager makes together with that of a frame, because they
 // come one by one.
 void onFrameChangedLater(xcb_window_t id) {

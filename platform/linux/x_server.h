@@ -21,6 +21,12 @@ struct Free {
 template <typename Block>
 using Received = std::unique_ptr<Block, Free>;
 
+// An event as one of its kind, which its response type tells.
+template <typename Event>
+const Event& as(const xcb_generic_event_t& event) {
+  return reinterpret_cast<const Event&>(event);
+}
+
 // The RENDER format of windows with this visual.
 struct VisualFormat {
   xcb_visualid_t visual;

@@ -13,7 +13,7 @@ struct CompositionApi {
 
 // Windows does not always take this library from its own folder, so load it from there explicitly.
 // Functions that the desktop lacks stay null.
-const CompositionApi& api() {
+const CompositionApi& compositionApi() {
   static const CompositionApi found = [] {
     CompositionApi functions;
     const HMODULE library = loadSystemLibrary("dwmapi.dll");
@@ -29,14 +29,14 @@ const CompositionApi& api() {
 }  // namespace
 
 void awaitComposition() {
-  if (api().flush != nullptr) api().flush();
+  if (compositionApi().flush != nullptr) compositionApi().flush();
 }
 
 void keepCornersSquare(HWND window) {
   constexpr DWORD cornerPreference = 33;
   constexpr DWORD doNotRound = 1;
-  if (api().setWindowAttribute == nullptr) return;
-  api().setWindowAttribute(window, cornerPreference, &doNotRound, sizeof doNotRound);
+  if (compositionApi().setWindowAttribute == nullptr) return;
+  compositionApi().setWindowAttribute(window, cornerPreference, &doNotRound, sizeof doNotRound);
 }
 
 }  // namespace tintora::platform

@@ -16,7 +16,7 @@ constexpr UINT_PTR timerId = 0;
 
 EventHandler eventHandler = nullptr;
 bool told = false;  // whether the handler got an event since the loop last reset this
-int result = 0;
+int exitCode = 0;
 
 bool handle(const Event& event) {
   told = true;
@@ -211,7 +211,7 @@ bool handleNextEvent() {
     refreshView();
   }
   if (message.message == WM_QUIT) {
-    result = static_cast<int>(message.wParam);
+    exitCode = static_cast<int>(message.wParam);
     return false;
   }
   dispatch(message);
@@ -235,7 +235,7 @@ void quit(int exitResult) {
 }
 
 int quitResult() {
-  return result;
+  return exitCode;
 }
 
 }  // namespace tintora::platform

@@ -12,21 +12,12 @@
 namespace tintora {
 namespace {
 
-using Words = std::vector<std::string>;
 using Json = nlohmann::json;
 
 constexpr int statusWithFindings = 3;
 
 std::size_t linesIn(const std::string& text) {
   return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
-}
-
-void expectRefused(const ToolRun& run, int status, const std::string& mention) {
-  EXPECT_EQ(run.status, status);
-  EXPECT_EQ(run.output, "");
-  EXPECT_EQ(linesIn(run.error), 1U) << run.error;
-  EXPECT_EQ(run.error.rfind("tintora-cli: ", 0), 0U) << run.error;
-  EXPECT_NE(run.error.find(mention), std::string::npos) << run.error;
 }
 
 ToolRun check(const Words& arguments, const std::string& input = "") {

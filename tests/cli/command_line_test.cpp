@@ -14,28 +14,6 @@
 namespace tintora {
 namespace {
 
-using Words = std::vector<std::string>;
-
-std::vector<std::string> linesOf(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) lines.push_back(line);
-  return lines;
-}
-
-void expectRefused(const ToolRun& run, int status, const std::string& mention) {
-  EXPECT_EQ(run.status, status);
-  EXPECT_EQ(run.output, "");
-  EXPECT_EQ(linesOf(run.error).size(), 1U) << run.error;
-  EXPECT_EQ(run.error.rfind("tintora-cli: ", 0), 0U) << run.error;
-  EXPECT_NE(run.error.find(mention), std::string::npos) << run.error;
-}
-
-Words operator+(Words words, const Words& more) {
-  words.insert(words.end(), more.begin(), more.end());
-  return words;
-}
-
 TEST(CommandLine, WrongArgumentsAreOneLineThatNamesTheValueAndStatusTwo) {
   const struct {
     Words arguments;

@@ -12,8 +12,6 @@
 namespace tintora {
 namespace {
 
-using Words = std::vector<std::string>;
-
 std::string textOf(const cli::Bytes& bytes) {
   return {bytes.begin(), bytes.end()};
 }

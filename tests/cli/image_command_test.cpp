@@ -16,8 +16,6 @@ namespace {
 
 using cli::Image;
 using cli::ImageFormat;
-using Words = std::vector<std::string>;
-
 Image colourfulImage(bool hasAlpha) {
   Image image;
   image.width = 33;
@@ -63,11 +61,6 @@ void expectRunError(const ToolRun& run, const std::string& mention) {
 }
 
 const Words swapCommand{"filter", "--mode", "swap"};
-
-Words operator+(Words words, const Words& more) {
-  words.insert(words.end(), more.begin(), more.end());
-  return words;
-}
 
 TEST(FilterCommand, PutsEveryPixelThroughTheMatrixAndKeepsAlpha) {
   for (const bool hasAlpha : {false, true}) {

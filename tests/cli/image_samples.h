@@ -15,15 +15,11 @@
 #include <vector>
 
 #include "cli/image_file.h"
+#include "tests/cli/bytes.h"
 
 namespace tintora::cli {
 
 using namespace std::string_literals;
-using Bytes = std::vector<std::uint8_t>;
-
-inline Bytes bytesOf(std::string_view text) {
-  return {text.begin(), text.end()};
-}
 
 inline Bytes joined(const Bytes& first, const Bytes& second) {
   Bytes both = first;

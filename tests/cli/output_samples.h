@@ -22,17 +22,13 @@
 #include <vector>
 
 #include "cli/output_file.h"
+#include "tests/cli/bytes.h"
 
 namespace tintora::cli {
 
 namespace fs = std::filesystem;
-using Bytes = std::vector<std::uint8_t>;
 
 inline constexpr std::uint64_t noLimit = std::numeric_limits<std::uint32_t>::max();
-
-inline Bytes bytesOf(std::string_view text) {
-  return {text.begin(), text.end()};
-}
 
 // More than fits into a pipe at once.
 inline Bytes manyBytes() {

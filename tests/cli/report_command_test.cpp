@@ -13,19 +13,10 @@
 namespace tintora::cli {
 namespace {
 
-using Words = std::vector<std::string>;
-
 ToolRun report(const Words& arguments, const std::string& input = "") {
   Words words{"report"};
   words.insert(words.end(), arguments.begin(), arguments.end());
   return runTool(words, input);
-}
-
-void expectRefused(const ToolRun& run, int status, const std::string& mention) {
-  EXPECT_EQ(run.status, status);
-  EXPECT_EQ(run.output, "");
-  EXPECT_EQ(std::count(run.error.begin(), run.error.end(), '\n'), 1) << run.error;
-  EXPECT_NE(run.error.find(mention), std::string::npos) << run.error;
 }
 
 std::string textOf(const Bytes& bytes) {

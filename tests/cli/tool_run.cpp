@@ -1,6 +1,7 @@
 #include "tests/cli/tool_run.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,6 +11,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <stdexcept>
 
 namespace tintora {
@@ -43,6 +45,26 @@ int runWith(const std::vector<std::string>& arguments, const std::string& in,
 }
 
 }  // namespace
+
+Words operator+(Words words, const Words& more) {
+  words.insert(words.end(), more.begin(), more.end());
+  return words;
+}
+
+void expectRefused(const ToolRun& run, int status, const std::string& mention) {
+  EXPECT_EQ(run.status, status);
+  EXPECT_EQ(run.output, "");
+  EXPECT_EQ(linesOf(run.error).size(), 1U) << run.error;
+  EXPECT_EQ(run.error.rfind("tintora-cli: ", 0), 0U) << run.error;
+  EXPECT_NE(run.error.find(mention), std::string::npos) << run.error;
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
 
 ToolRun runTool(const std::vector<std::string>& arguments, const std::string& input) {
   const TemporaryFolder folder;

@@ -7,16 +7,27 @@
 
 namespace tintora {
 
+using Words = std::vector<std::string>;
+
+// Joins arguments.
+Words operator+(Words words, const Words& more);
+
 struct ToolRun {
   int status = -1;  // exit status; 128 and the signal where a signal ended it
   std::string output;
   std::string error;
 };
 
-ToolRun runTool(const std::vector<std::string>& arguments, const std::string& input = "");
+ToolRun runTool(const Words& arguments, const std::string& input = "");
+
+// Expects a status, nothing on standard output, and one line on standard error that mentions a
+// text.
+void expectRefused(const ToolRun& run, int status, const std::string& mention);
+
+std::vector<std::string> linesOf(const std::string& text);
 
 // Runs the tool with a terminal as standard error and, if asked for, as standard output.
-ToolRun runToolOnTerminal(const std::vector<std::string>& arguments, bool outputToo = false);
+ToolRun runToolOnTerminal(const Words& arguments, bool outputToo = false);
 
 // A folder of its own for each test, removed at its end.
 class TemporaryFolder {

@@ -14,8 +14,8 @@ using platform::nullGraphics;
 using Camera = ColourSpaceTest;
 using Drag = ColourSpaceTest;
 
-constexpr DragKeys left{.left = true};
-constexpr DragKeys right{.right = true};
+constexpr DragKeys leftDrag{.left = true};
+constexpr DragKeys rightDrag{.right = true};
 constexpr DragKeys leftShift{.left = true, .shift = true};
 constexpr DragKeys rightShift{.right = true, .shift = true};
 
@@ -80,7 +80,7 @@ void press(int x, int y) {
 // cube is unturned afterwards.
 void lockToHorizontal() {
   press(0, 0);
-  rotateByMouse(right, 40, 0);
+  rotateByMouse(rightDrag, 40, 0);
   ASSERT_TRUE(colourSpaceView.lockHorizontal);
   setCamera(true);
 }
@@ -93,14 +93,14 @@ TEST_F(Camera, StartsInFrontOfTheScene) {
 
 TEST_F(Camera, ResetPutsItBack) {
   press(0, 0);
-  rotateByMouse(left, 100, 50);
+  rotateByMouse(leftDrag, 100, 50);
   setCamera(true);
   expectCamera({});
 }
 
 TEST_F(Camera, WithoutResetOnlyTheProjectionIsSet) {
   press(0, 0);
-  rotateByMouse(left, 100, 50);
+  rotateByMouse(leftDrag, 100, 50);
   const Matrix4x4 before = colourSpaceView.viewMatrix;
   EXPECT_EQ(callsOf([] { setCamera(false); }), (Calls{"setTransform projection"}));
   EXPECT_EQ(colourSpaceView.viewMatrix, before);
@@ -108,25 +108,25 @@ TEST_F(Camera, WithoutResetOnlyTheProjectionIsSet) {
 
 TEST_F(Drag, TurnsAQuarterOfADegreeForEachPixelAgainstTheAngle) {
   press(100, 100);
-  rotateByMouse(left, 140, 100);
+  rotateByMouse(leftDrag, 140, 100);
   expectCamera(seenTurn(-10.0, 0.0, 0.0));
-  rotateByMouse(left, 140, 76);
+  rotateByMouse(leftDrag, 140, 76);
   expectCamera(seenTurn(0.0, 6.0, 0.0) * seenTurn(-10.0, 0.0, 0.0));
 }
 
 TEST_F(Drag, FrontOfTheCubeFollowsTheMouse) {
   press(0, 0);
-  rotateByMouse(left, 20, 0);
+  rotateByMouse(leftDrag, 20, 0);
   EXPECT_GT(transformedPoint({0.0F, 0.0F, -1.0F}, colourSpaceView.viewMatrix).x, 0.05F);
   setCamera(true);
   press(0, 0);
-  rotateByMouse(left, 0, 20);
+  rotateByMouse(leftDrag, 0, 20);
   EXPECT_LT(transformedPoint({0.0F, 0.0F, -1.0F}, colourSpaceView.viewMatrix).y, -0.05F);
 }
 
 TEST_F(Drag, BothWaysAtOnceTurnsAboutBothAxes) {
   press(50, 60);
-  rotateByMouse(left, 250, 180);
+  rotateByMouse(leftDrag, 250, 180);
   expectCamera(seenTurn(-50.0, -30.0, 0.0));
 }
 
@@ -137,7 +137,7 @@ TEST_F(Drag, EveryMoveTurnsFromWhereTheLastOneLeft) {
       {{60, 90}, {200, 30}, {-40, -70}, {-41, 300}, {500, 301}, {10, 20}}};
   std::array<int, 2> last{10, 20};
   for (const auto& move : moves) {
-    rotateByMouse(left, move[0], move[1]);
+    rotateByMouse(leftDrag, move[0], move[1]);
     expected = seenTurn(-0.25 * (move[0] - last[0]), -0.25 * (move[1] - last[1]), 0.0) * expected;
     last = move;
     expectCamera(expected);
@@ -154,25 +154,25 @@ TEST_F(Drag, WithShiftRollsByTheHorizontalPartAlone) {
 
 TEST_F(Drag, WithShiftRollsAboutTheLineOfSightWhateverTheOrientation) {
   press(0, 0);
-  rotateByMouse(left, 120, 80);
+  rotateByMouse(leftDrag, 120, 80);
   rotateByMouse(leftShift, 220, 80);
   expectCamera(seenTurn(0.0, 0.0, -25.0) * seenTurn(-30.0, -20.0, 0.0));
 }
 
 TEST_F(Drag, WithTheRightButtonKeepsToTheLargerPartOfItsFirstMove) {
   press(0, 0);
-  rotateByMouse(right, 40, -36);  // horizontal
+  rotateByMouse(rightDrag, 40, -36);  // horizontal
   expectCamera(seenTurn(-10.0, 0.0, 0.0));
   EXPECT_TRUE(colourSpaceView.lockHorizontal);
-  rotateByMouse(right, 44, 64);
+  rotateByMouse(rightDrag, 44, 64);
   expectCamera(seenTurn(-11.0, 0.0, 0.0));
 
   setCamera(true);
   press(0, 0);
-  rotateByMouse(right, 36, -40);  // vertical
+  rotateByMouse(rightDrag, 36, -40);  // vertical
   expectCamera(seenTurn(0.0, 10.0, 0.0));
   EXPECT_FALSE(colourSpaceView.lockHorizontal);
-  rotateByMouse(right, 400, -36);
+  rotateByMouse(rightDrag, 400, -36);
   expectCamera(seenTurn(0.0, 9.0, 0.0));
 }
 
@@ -181,7 +181,7 @@ TEST_F(Drag, WithTheRightButtonExactlyDiagonalTurnsAboutTheHorizontalAxis) {
     for (const int y : {40, -40}) {
       lockToHorizontal();
       press(0, 0);
-      rotateByMouse(right, x, y);
+      rotateByMouse(rightDrag, x, y);
       expectCamera(seenTurn(0.0, -0.25 * y, 0.0));
       EXPECT_FALSE(colourSpaceView.lockHorizontal);
     }
@@ -190,27 +190,27 @@ TEST_F(Drag, WithTheRightButtonExactlyDiagonalTurnsAboutTheHorizontalAxis) {
 
 TEST_F(Drag, LaterRightButtonDragsKeepTheAxisUntilTheNextLeftPress) {
   press(0, 0);
-  rotateByMouse(right, 40, 0);
+  rotateByMouse(rightDrag, 40, 0);
   rotateByMouse({}, 500, 500);
-  rotateByMouse(right, 501, 900);  // vertical, yet only its horizontal pixel counts
+  rotateByMouse(rightDrag, 501, 900);  // vertical, yet only its horizontal pixel counts
   expectCamera(seenTurn(-10.25, 0.0, 0.0));
   press(501, 900);
-  rotateByMouse(right, 502, 940);
+  rotateByMouse(rightDrag, 502, 940);
   expectCamera(seenTurn(0.0, -10.0, 0.0) * seenTurn(-10.25, 0.0, 0.0));
 }
 
 TEST_F(Drag, WithTheRightButtonBeforeAnyLeftPressKeepsToTheVertical) {
   colourSpaceView.viewCode = ViewCode::RgbCube;
   rotateByMouse({}, 100, 100);
-  rotateByMouse(right, 300, 120);
+  rotateByMouse(rightDrag, 300, 120);
   expectCamera(seenTurn(0.0, -5.0, 0.0));
 }
 
 TEST_F(Drag, FreeDragDoesNotChooseTheAxis) {
   press(0, 0);
-  rotateByMouse(left, 0, 40);
+  rotateByMouse(leftDrag, 0, 40);
   EXPECT_TRUE(colourSpaceView.firstDragMove);
-  rotateByMouse(right, 40, 44);
+  rotateByMouse(rightDrag, 40, 44);
   EXPECT_TRUE(colourSpaceView.lockHorizontal);
   EXPECT_FALSE(colourSpaceView.firstDragMove);
   expectCamera(seenTurn(-10.0, 0.0, 0.0) * seenTurn(0.0, -10.0, 0.0));
@@ -246,15 +246,15 @@ TEST_F(Drag, MovesWithoutAButtonOnlyRecordThePlace) {
 
 TEST_F(Drag, AfterMovesWithoutAButtonStartsWithoutAJump) {
   press(0, 0);
-  rotateByMouse(left, 40, 0);
+  rotateByMouse(leftDrag, 40, 0);
   rotateByMouse({}, 350, 390);
-  rotateByMouse(left, 354, 390);
+  rotateByMouse(leftDrag, 354, 390);
   expectCamera(seenTurn(-11.0, 0.0, 0.0));
 }
 
 TEST_F(Drag, EveryStepDrawsAFrameAndRecordsThePlace) {
   press(5, 6);
-  rotateByMouse(left, 25, 16);
+  rotateByMouse(leftDrag, 25, 16);
   EXPECT_EQ(nullGraphics().picturesShown, 1);
   EXPECT_EQ(nullGraphics().drawn.at(0).view, colourSpaceView.viewMatrix);
   EXPECT_EQ(colourSpaceView.lastMouseX, 25);
@@ -263,15 +263,15 @@ TEST_F(Drag, EveryStepDrawsAFrameAndRecordsThePlace) {
 
 TEST_F(Drag, LeavesTheObjectsWhereTheyAre) {
   press(0, 0);
-  rotateByMouse(left, 100, 100);
+  rotateByMouse(leftDrag, 100, 100);
   for (const SceneObject& each : colourSpaceView.objects) EXPECT_EQ(each.world, identity4x4);
 }
 
 TEST_F(Drag, OfTheObjectsTurnsThemAllInPlaceOfTheCamera) {
   press(0, 0);
   colourSpaceView.cameraMode = false;
-  rotateByMouse(left, 40, 80);
-  rotateByMouse(left, 44, 80);
+  rotateByMouse(leftDrag, 40, 80);
+  rotateByMouse(leftDrag, 44, 80);
   expectCamera({});
   constexpr double degree = std::numbers::pi / 180.0;
   for (const SceneObject& each : colourSpaceView.objects) {
@@ -312,7 +312,7 @@ TEST_F(Drag, CubeKeepsItsShapeThroughAThousandMoves) {
     const int dy = (i * 53) % 19 - 9;
     x += dx;
     y += dy;
-    rotateByMouse(left, x, y);
+    rotateByMouse(leftDrag, x, y);
     expected = seenTurn(-0.25 * dx, -0.25 * dy, 0.0) * expected;
   }
   expectCamera(expected, 2e-4);
@@ -321,8 +321,8 @@ TEST_F(Drag, CubeKeepsItsShapeThroughAThousandMoves) {
 TEST_F(Drag, WithExtremePlacesLeavesTheCameraFinite) {
   press(0, 0);
   for (const int place : {2147483647, -2147483647 - 1, 0, 32767, -32768}) {
-    rotateByMouse(left, place, place);
-    rotateByMouse(left, place, -1);
+    rotateByMouse(leftDrag, place, place);
+    rotateByMouse(leftDrag, place, -1);
     for (const auto& row : colourSpaceView.viewMatrix) {
       for (const float entry : row) EXPECT_TRUE(std::isfinite(entry));
     }

@@ -12,7 +12,7 @@
 namespace tintora {
 namespace {
 
-constexpr float right = static_cast<float>(std::numbers::pi / 2.0);
+constexpr float quarterTurn = static_cast<float>(std::numbers::pi / 2.0);
 
 void expectPoint(const Vector3& actual, const Vector3& expected, float tolerance = 1e-6F) {
   EXPECT_NEAR(actual.x, expected.x, tolerance);
@@ -56,12 +56,12 @@ TEST(Matrix4x4, ProductHasEveryEntry) {
 }
 
 TEST(Matrix4x4, RotationsTakeAxesToAxes) {
-  expectPoint(transformedPoint({0.0F, 1.0F, 0.0F}, rotationX(right)), {0.0F, 0.0F, 1.0F});
-  expectPoint(transformedPoint({0.0F, 0.0F, 1.0F}, rotationX(right)), {0.0F, -1.0F, 0.0F});
-  expectPoint(transformedPoint({0.0F, 0.0F, 1.0F}, rotationY(right)), {1.0F, 0.0F, 0.0F});
-  expectPoint(transformedPoint({1.0F, 0.0F, 0.0F}, rotationY(right)), {0.0F, 0.0F, -1.0F});
-  expectPoint(transformedPoint({1.0F, 0.0F, 0.0F}, rotationZ(right)), {0.0F, 1.0F, 0.0F});
-  expectPoint(transformedPoint({0.0F, 1.0F, 0.0F}, rotationZ(right)), {-1.0F, 0.0F, 0.0F});
+  expectPoint(transformedPoint({0.0F, 1.0F, 0.0F}, rotationX(quarterTurn)), {0.0F, 0.0F, 1.0F});
+  expectPoint(transformedPoint({0.0F, 0.0F, 1.0F}, rotationX(quarterTurn)), {0.0F, -1.0F, 0.0F});
+  expectPoint(transformedPoint({0.0F, 0.0F, 1.0F}, rotationY(quarterTurn)), {1.0F, 0.0F, 0.0F});
+  expectPoint(transformedPoint({1.0F, 0.0F, 0.0F}, rotationY(quarterTurn)), {0.0F, 0.0F, -1.0F});
+  expectPoint(transformedPoint({1.0F, 0.0F, 0.0F}, rotationZ(quarterTurn)), {0.0F, 1.0F, 0.0F});
+  expectPoint(transformedPoint({0.0F, 1.0F, 0.0F}, rotationZ(quarterTurn)), {-1.0F, 0.0F, 0.0F});
 }
 
 // A third of a turn about the diagonal takes each axis to the next.
@@ -115,7 +115,7 @@ TEST(Matrix4x4, LookAtPutsTheEyeInTheOriginAndItsAimAhead) {
   expectPoint(transformedPoint(eye, view), {0.0F, 0.0F, 0.0F});
   expectPoint(transformedPoint(at, view), {0.0F, 0.0F, 5.0F});
   expectPoint(transformedPoint({1.0F, 3.0F, -3.0F}, view), {0.0F, 1.0F, 0.0F});
-  // To the right if you look along (3, 0, 4) with y upwards.
+  // To the quarterTurn if you look along (3, 0, 4) with y upwards.
   expectPoint(transformedPoint({1.8F, 2.0F, -3.6F}, view), {1.0F, 0.0F, 0.0F});
 }
 

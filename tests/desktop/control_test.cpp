@@ -6,8 +6,6 @@
 namespace tintora::desktop_test {
 namespace {
 
-const ColourEffect grey = expected::greyscale();
-
 class Control : public ProgramTest {
  protected:
   void SetUp() override {

@@ -10,7 +10,6 @@
 namespace tintora::desktop_test {
 namespace {
 
-const ColourEffect grey = expected::greyscale();
 constexpr int dockingGap = 4;
 
 class Forms : public OnDesktop {
@@ -285,7 +284,7 @@ TEST_P(Forms, ItEndsAndStartsAgain) {
   }
 }
 
-std::vector<Desktop> desktops() {
+std::vector<Desktop> formDesktops() {
   std::vector<Desktop> chosen;
   std::ranges::copy_if(allDesktops(), std::back_inserter(chosen), [](const Desktop& desktop) {
     return desktop.compositor == Compositor::None;
@@ -293,7 +292,7 @@ std::vector<Desktop> desktops() {
   return chosen;
 }
 
-INSTANTIATE_TEST_SUITE_P(On, Forms, testing::ValuesIn(desktops()), nameOf);
+INSTANTIATE_TEST_SUITE_P(On, Forms, testing::ValuesIn(formDesktops()), nameOf);
 
 }  // namespace
 }  // namespace tintora::desktop_test

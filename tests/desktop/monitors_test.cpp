@@ -8,8 +8,6 @@
 namespace tintora::desktop_test {
 namespace {
 
-const ColourEffect grey = expected::greyscale();
-
 struct Monitors {
   const char* name;  // where the primary monitor is
   const char* screen;

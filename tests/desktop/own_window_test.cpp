@@ -7,8 +7,6 @@
 namespace tintora::desktop_test {
 namespace {
 
-const ColourEffect grey = expected::greyscale();
-
 // Starts in greyscale over a picture of the whole screen.
 class OwnWindow : public ProgramTest {
  protected:

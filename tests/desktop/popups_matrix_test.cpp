@@ -9,7 +9,6 @@
 namespace tintora::desktop_test {
 namespace {
 
-const ColourEffect grey = expected::greyscale();
 constexpr Area popupPlace{90, 70, 260, 180};
 
 class Popups : public OnDesktop {
@@ -182,7 +181,7 @@ TEST_P(Popups, ASecondProgramLikeThisOneDoesNotFight) {
   EXPECT_TRUE(showsGrey());
 }
 
-std::vector<Desktop> desktops() {
+std::vector<Desktop> popupDesktops() {
   std::vector<Desktop> chosen;
   std::ranges::copy_if(allDesktops(), std::back_inserter(chosen), [](const Desktop& desktop) {
     // With late frames, the scene is above the view until it is lowered.
@@ -192,7 +191,7 @@ std::vector<Desktop> desktops() {
   return chosen;
 }
 
-INSTANTIATE_TEST_SUITE_P(On, Popups, testing::ValuesIn(desktops()), nameOf);
+INSTANTIATE_TEST_SUITE_P(On, Popups, testing::ValuesIn(popupDesktops()), nameOf);
 
 }  // namespace
 }  // namespace tintora::desktop_test

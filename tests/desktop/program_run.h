@@ -22,6 +22,8 @@
 
 namespace tintora::desktop_test {
 
+inline const ColourEffect grey = expected::greyscale();
+
 // The program under test.
 extern std::string programPath;
 

@@ -6,8 +6,6 @@
 namespace tintora::desktop_test {
 namespace {
 
-const ColourEffect grey = expected::greyscale();
-
 class Screen : public ProgramTest {
  protected:
   void begin() {

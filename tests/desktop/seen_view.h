@@ -14,6 +14,16 @@ namespace tintora::desktop_test {
 using expected::Weights;
 inline constexpr Weights untransformed{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
 
+// A view tested for one transform, which a test of another view may use too.
+struct TransformRow {
+  const char* name;
+  int type;
+  Weights (*weights)(double severity);
+};
+inline void PrintTo(const TransformRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
 // The background on which the views are drawn.
 inline constexpr std::uint32_t viewBackground = 0x506478;
 

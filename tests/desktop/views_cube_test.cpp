@@ -74,15 +74,6 @@ TEST_F(CubeView, HasTheCornersOfItsColours) {
   }
 }
 
-struct TransformRow {
-  const char* name;
-  int type;
-  Weights (*weights)(double severity);
-};
-void PrintTo(const TransformRow& row, std::ostream* out) {
-  *out << row.name;
-}
-
 class TransformedCube : public CubeView, public testing::WithParamInterface<TransformRow> {};
 
 TEST_P(TransformedCube, IsDeformedWithinItsFrame) {

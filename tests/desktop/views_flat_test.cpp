@@ -20,15 +20,6 @@ std::vector<Area> withTitle(std::vector<Area> areas) {
   return areas;
 }
 
-struct TransformRow {
-  const char* name;
-  int type;
-  Weights (*weights)(double severity);
-};
-void PrintTo(const TransformRow& row, std::ostream* out) {
-  *out << row.name;
-}
-
 class DiagramView : public ViewsTest, public testing::WithParamInterface<TransformRow> {
  protected:
   testing::AssertionResult diagramIs(const Weights& weights, const PictureSize& size) {

@@ -19,7 +19,7 @@ std::string mark(const char* menu, int position, bool checked) {
 // The menus are created in a fixed order: nine empty ones first, the alternative transforms as the
 // third of those that are filled and the main menu as the last.
 constexpr const char* mainMenu = "menu 18";
-constexpr const char* alternativeTransforms = "menu 12";
+constexpr const char* alternativeTransformsMenu = "menu 12";
 
 Calls caption(int view) {
   switch (view) {
@@ -56,7 +56,7 @@ Calls mainMark(int position, bool checked) {
 }
 
 Calls algorithmMark(int position, bool checked) {
-  return {mark(alternativeTransforms, position, checked)};
+  return {mark(alternativeTransformsMenu, position, checked)};
 }
 
 Calls marksCleared(const ViewerItems& items) {
@@ -66,7 +66,7 @@ Calls marksCleared(const ViewerItems& items) {
     calls.push_back(mark(mainMenu, position, false));
   }
   for (const int position : {0, 1, 2, 3, 4, 5, 6}) {
-    calls.push_back(mark(alternativeTransforms, position, false));
+    calls.push_back(mark(alternativeTransformsMenu, position, false));
   }
   return calls;
 }

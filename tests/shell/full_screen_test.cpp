@@ -29,13 +29,13 @@ const Calls coversScreen =
     joined({{"setWindowBounds main 0,0,1600,900", "fitMagnifier magnifier 0,0,1600,900",
              "showWindow main maximised"},
             sourceSet("0,0,1600,900")});
-const Calls controlShown{"setWindowBounds control 600,390,1000,510", "showWindow control shown",
+const Calls showsControl{"setWindowBounds control 600,390,1000,510", "showWindow control shown",
                          "setHitTransparent main true"};
-const Calls left = joined({{"setWindowForm main framed", "setHitTransparent main false",
-                            "setWindowBounds main 100,200,700,650", "showWindow main normal",
-                            "fitMagnifier magnifier 0,0,584,411"},
-                           sourceSet("108,231,700,650"),
-                           {"showWindow control hidden"}});
+const Calls leaves = joined({{"setWindowForm main framed", "setHitTransparent main false",
+                              "setWindowBounds main 100,200,700,650", "showWindow main normal",
+                              "fitMagnifier magnifier 0,0,584,411"},
+                             sourceSet("108,231,700,650"),
+                             {"showWindow control hidden"}});
 
 class FullScreenOnASmallScreen : public ShellTest {
  protected:
@@ -48,7 +48,7 @@ TEST_F(FullScreenOnASmallScreen, IsHitTransparentAtOnceWhenEnteredByKey) {
     co_yield keyDown('F');
     expectCalls(joined({{"setWindowForm main full screen", "setHitTransparent main true"},
                         coversScreen,
-                        controlShown}));
+                        showsControl}));
     EXPECT_EQ(shellState.controlText, fullScreenText);
     EXPECT_TRUE(shellState.fullScreen);
     EXPECT_TRUE(shellState.hitTransparent);
@@ -61,7 +61,7 @@ TEST_F(FullScreenOnASmallScreen, IsHitTransparentWithTheControlWindowWhenEntered
   play([]() -> Script {
     place();
     co_yield command(54);
-    expectCalls(joined({{"setWindowForm main full screen"}, coversScreen, controlShown}));
+    expectCalls(joined({{"setWindowForm main full screen"}, coversScreen, showsControl}));
     EXPECT_TRUE(shellState.fullScreen);
     EXPECT_TRUE(shellState.hitTransparent);
     EXPECT_FALSE(shellState.framed);
@@ -99,7 +99,7 @@ TEST_F(FullScreenOnASmallScreen, EndsWithAFrameAtTheFormerPlace) {
         place();
         co_yield enter();
         co_yield leave();
-        expectCalls(left);
+        expectCalls(leaves);
         EXPECT_EQ(mainWindow().bounds, placed);
         EXPECT_FALSE(mainWindow().maximised);
         EXPECT_FALSE(shellState.fullScreen);
@@ -119,7 +119,7 @@ TEST_F(FullScreenOnASmallScreen, EndsWhenTheControlWindowIsClosed) {
     co_yield happens(EventKind::Closing, controlWindow());
     expectCalls(joined({{"showWindow control hidden", "setHitTransparent main false"},
                         painted(fullScreenText),
-                        left}));
+                        leaves}));
     EXPECT_TRUE(nullDesktop().handled);
     EXPECT_FALSE(shellState.fullScreen);
     EXPECT_FALSE(shellState.hitTransparent);

@@ -21,7 +21,7 @@ using Mode = TransformMode;
 
 // The situation in which each key is pressed: a deutan simulation at 60%, the main window framed
 // and hit-transparent, so that repainting the control window can be seen, and the RGB cube docked.
-const Store situation{
+const Store storedSituation{
     {"Selected", 2}, {"ScrollPc", 60}, {"Filter", 103}, {"Swap", 202}, {"View", 703}};
 
 const Calls copied{
@@ -158,7 +158,7 @@ TEST_F(Keys, WorkInEveryWindow) {
     for (const KeyRow& row : keyRows) {
       SCOPED_TRACE(std::string(row.name) + " in " + window);
       forgetEverything();
-      nullDesktop().store = situation;
+      nullDesktop().store = storedSituation;
       play([&row, window]() -> Script {
         co_yield keyDown('H');
         Settings expected = transformSettings;
@@ -254,7 +254,7 @@ TEST_F(Keys, IgnoredInFullScreen) {
   };
   for (const int key : {int{'F'}, 0}) {
     forgetEverything();
-    nullDesktop().store = situation;
+    nullDesktop().store = storedSituation;
     play([&rows, key]() -> Script {
       co_yield key != 0 ? keyDown(key) : command(54);
       for (const Row& row : rows) {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "algorithms.h"
 #include "csv_table.h"
 #include "display_recorder.h"
 #include "matrix_expectations.h"
@@ -21,9 +22,6 @@ using Algorithm = SimulationAlgorithm;
 using CvdTransforms = EngineTest;
 
 constexpr std::array<CvdType, 3> cvdTypes{CvdType::Protan, CvdType::Deutan, CvdType::Tritan};
-constexpr std::array<Algorithm, 5> algorithms{
-    Algorithm::Judd1948, Algorithm::Yang2008, Algorithm::Machado2009,
-    Algorithm::Vienot1997Approximated, Algorithm::Vienot1999};
 
 Matrix3x3 simulation(CvdType type, double severity, Algorithm algorithm) {
   return computeSimulationMatrix(type, severity, algorithm, false, false);

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "algorithms.h"
 #include "display_recorder.h"
 #include "engine/cvd_transforms.h"
 #include "engine/effect_matrix.h"
@@ -22,10 +23,6 @@ using Algorithm = SimulationAlgorithm;
 using Modes = EngineTest;
 using NormalMode = EngineTest;
 using UnknownModes = EngineTest;
-
-constexpr std::array<Algorithm, 5> algorithms{
-    Algorithm::Judd1948, Algorithm::Yang2008, Algorithm::Machado2009,
-    Algorithm::Vienot1997Approximated, Algorithm::Vienot1999};
 
 // No two fields are equal, so that a mode that reads the wrong one is noticed.
 void chooseDistinctSettings() {

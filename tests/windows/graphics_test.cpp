@@ -282,10 +282,10 @@ TEST_P(Primitives, AreDrawnByTheirKind) {
   }
 }
 
-constexpr platform::Point top{25, 5};
-constexpr platform::Point right{45, 25};
-constexpr platform::Point bottom{25, 45};
-constexpr platform::Point left{5, 25};
+constexpr platform::Point topPoint{25, 5};
+constexpr platform::Point rightPoint{45, 25};
+constexpr platform::Point bottomPoint{25, 45};
+constexpr platform::Point leftPoint{5, 25};
 constexpr platform::Point rightTop{38, 12};
 constexpr platform::Point rightBottom{38, 38};
 constexpr platform::Point leftTop{12, 12};
@@ -296,10 +296,13 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         PrimitiveRow{PrimitiveKind::IndexedTriangles, true, 1, {rightBottom}, {leftTop}},
         PrimitiveRow{PrimitiveKind::IndexedTriangles, true, 2, {rightBottom, leftTop}, {}},
-        PrimitiveRow{PrimitiveKind::IndexedLines, true, 1, {right}, {top, bottom, left}},
-        PrimitiveRow{PrimitiveKind::IndexedLines, true, 3, {right, top}, {rightTop}},
-        PrimitiveRow{PrimitiveKind::LineStrip, false, 3, {top, right, bottom}, {left}},
-        PrimitiveRow{PrimitiveKind::Lines, false, 2, {top, bottom}, {left, right}},
+        PrimitiveRow{
+            PrimitiveKind::IndexedLines, true, 1, {rightPoint}, {topPoint, bottomPoint, leftPoint}},
+        PrimitiveRow{PrimitiveKind::IndexedLines, true, 3, {rightPoint, topPoint}, {rightTop}},
+        PrimitiveRow{
+            PrimitiveKind::LineStrip, false, 3, {topPoint, rightPoint, bottomPoint}, {leftPoint}},
+        PrimitiveRow{
+            PrimitiveKind::Lines, false, 2, {topPoint, bottomPoint}, {leftPoint, rightPoint}},
         PrimitiveRow{PrimitiveKind::Triangles, false, 1, {rightTop}, {leftBottom}}));
 
 // If the desktop cannot draw, every function does nothing.

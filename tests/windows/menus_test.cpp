@@ -201,14 +201,14 @@ void PrintTo(const MarksRow& row, std::ostream* out) {
 }
 
 const std::string protan = "Protan: Long-wave deficient, 2.6% males, 0.04% females\tP";
-const std::string deutan = "Deutan: Medium-wave deficient, 6.2% males, 0.36% females\tD";
+const std::string deutanItem = "Deutan: Medium-wave deficient, 6.2% males, 0.36% females\tD";
 const std::string tritan = "Tritan: Short-wave deficient, 0.001% males, 0.03% females\tT";
 const std::string simulation = "Simulation\tS";
 const std::string judd = "Judd, 1948";
 
 const std::array marksRows{
     MarksRow{"AtFirst", "", {}, {protan, simulation}},
-    MarksRow{"Deutan", "", {2}, {deutan, simulation}},
+    MarksRow{"Deutan", "", {2}, {deutanItem, simulation}},
     MarksRow{"Tritan", "-t", {3}, {tritan, simulation}},
     MarksRow{"Daltonize", "", {776}, {protan, "Daltonize\tA"}},
     MarksRow{"Inverse", "", {777}, {protan, "Inverse Transform"}},
@@ -218,7 +218,7 @@ const std::array marksRows{
     MarksRow{"SwapRedAndGreen", "", {201}, {"Other Colour Effects"}},
     MarksRow{"Greyscale", "-st", {4}, {judd, "Other Colour Effects"}},
     MarksRow{"Filter", "-t", {101}, {"Other Colour Effects"}},
-    MarksRow{"BackFromAnEffect", "", {5, 2}, {deutan, simulation}},
+    MarksRow{"BackFromAnEffect", "", {5, 2}, {deutanItem, simulation}},
     MarksRow{"Yang", "-s", {301}, {protan, simulation, "Yang, Ro, Wong && Lee, 2008"}},
     MarksRow{"Machado", "-s", {302}, {protan, simulation, "Machado, Oliveira && Fernandes, 2009"}},
     MarksRow{"Vienot1997",

@@ -30,7 +30,7 @@ Parts partsOf(const Point& place) {
   return {(1 - place[0]) / 2, (place[1] + 1) / 2, (place[2] + 1) / 2};
 }
 
-Parts transformed(const Parts& parts, const expected::Weights& weights) {
+Parts transformedParts(const Parts& parts, const expected::Weights& weights) {
   Parts result{};
   for (std::size_t i = 0; i < 3; ++i) {
     for (std::size_t j = 0; j < 3; ++j) result[i] += weights[i][j] * parts[j];
@@ -59,12 +59,12 @@ Point turned(Point point, const std::vector<Turn>& turns) {
   return point;
 }
 
-struct SeenPoint {
+struct CubePoint {
   double x = 0.0;
   double y = 0.0;
 };
 
-SeenPoint seen(const Point& point, const Picture& picture) {
+CubePoint seen(const Point& point, const Picture& picture) {
   const double scale = picture.height / 2.0 / std::tan(radians(15.0));
   const double distance = shrunk * point[2] + eyeDistance;
   return {picture.width / 2.0 + scale * shrunk * point[0] / distance,
@@ -98,7 +98,7 @@ Parts cornerParts(int corner) {
           (corner & 4) != 0 ? 1.0 : 0.0};
 }
 
-double distanceToSegment(const SeenPoint& point, const SeenPoint& a, const SeenPoint& b) {
+double distanceToSegment(const CubePoint& point, const CubePoint& a, const CubePoint& b) {
   const double dx = b.x - a.x;
   const double dy = b.y - a.y;
   const double share =
@@ -106,7 +106,7 @@ double distanceToSegment(const SeenPoint& point, const SeenPoint& a, const SeenP
   return std::hypot(point.x - a.x - share * dx, point.y - a.y - share * dy);
 }
 
-bool isNearFrame(const SeenPoint& point, const Picture& picture, const CubeForm& form) {
+bool isNearFrame(const CubePoint& point, const Picture& picture, const CubeForm& form) {
   return std::ranges::any_of(edges, [&](const std::array<int, 2>& edge) {
     const auto end = [&](int corner) {
       return seen(turned(placeOf(cornerParts(corner)), form.turns), picture);
@@ -132,12 +132,12 @@ Parts onSide(const Side& side, double u, double v) {
 // Returns twice the side's area on the screen, with the sign of its winding.
 double windingOf(const Side& side, const Picture& picture, const CubeForm& form) {
   const auto corner = [&](double u, double v) {
-    return seen(turned(placeOf(transformed(onSide(side, u, v), form.weights)), form.turns),
+    return seen(turned(placeOf(transformedParts(onSide(side, u, v), form.weights)), form.turns),
                 picture);
   };
-  const SeenPoint a = corner(0, 0);
-  const SeenPoint b = corner(1, 0);
-  const SeenPoint c = corner(0, 1);
+  const CubePoint a = corner(0, 0);
+  const CubePoint b = corner(1, 0);
+  const CubePoint c = corner(0, 1);
   const double area = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
   return side.value < 0.5 ? area : -area;
 }
@@ -171,10 +171,10 @@ testing::AssertionResult showsSolidCube(const Picture& picture, const CubeForm& 
       if (windingOf(side, picture, form) < leastArea) continue;
       for (int i = 1; i < steps; ++i) {
         for (int j = 1; j < steps; ++j) {
-          const Parts parts = transformed(
+          const Parts parts = transformedParts(
               onSide(side, static_cast<double>(i) / steps, static_cast<double>(j) / steps),
               form.weights);
-          const SeenPoint place = seen(turned(placeOf(parts), form.turns), picture);
+          const CubePoint place = seen(turned(placeOf(parts), form.turns), picture);
           if (isNearFrame(place, picture, form)) continue;
           const auto x = static_cast<int>(std::lround(place.x));
           const auto y = static_cast<int>(std::lround(place.y));
@@ -199,7 +199,7 @@ testing::AssertionResult showsFrame(const Picture& picture, const CubeForm& form
     for (int i = 1; i < steps; ++i) {
       const Point point = between(placeOf(cornerParts(first)), placeOf(cornerParts(second)),
                                   static_cast<double>(i) / steps);
-      const SeenPoint place = seen(turned(point, form.turns), picture);
+      const CubePoint place = seen(turned(point, form.turns), picture);
       const auto x = static_cast<int>(std::lround(place.x));
       const auto y = static_cast<int>(std::lround(place.y));
       int nearest = 255;

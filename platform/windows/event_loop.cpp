@@ -15,7 +15,7 @@ namespace {
 constexpr UINT_PTR timerId = 0;
 
 EventHandler eventHandler = nullptr;
-bool told = false;  // whether the handler got an event since the loop last reset this
+bool told = false;  // whether the handler got an event since the shell's last turn
 int exitCode = 0;
 
 bool handle(const Event& event) {
@@ -197,6 +197,8 @@ void showCursor(bool shown) {
 }
 
 bool handleNextEvent() {
+  // Looking for messages handles those that were sent instead of posted.
+  told = false;
   MSG message{};
   while (!takeTimer(message)) {
     if (!onlyPaintsWait()) {
@@ -204,7 +206,6 @@ bool handleNextEvent() {
       break;
     }
     if (!awaitNextPicture()) continue;
-    told = false;
     paintWaitingWindows();
     if (told) return true;
     // Refreshing the view is not an event, so the shell does not take its turn.

@@ -8,6 +8,7 @@
 #include "ink.h"
 #include "picture.h"
 #include "seen_cube.h"
+#include "stored_values.h"
 
 namespace tintora::windows_test {
 namespace {
@@ -43,6 +44,8 @@ struct TransformRow {
   const char* name;
   DWORD type;
   Weights weights;
+  DWORD severity = 50;
+  DWORD algorithm = 0;
 };
 
 void PrintTo(const TransformRow& row, std::ostream* out) {
@@ -51,11 +54,12 @@ void PrintTo(const TransformRow& row, std::ostream* out) {
 
 class TransformedCube : public CubeView, public testing::WithParamInterface<TransformRow> {};
 
-TEST_P(TransformedCube, IsDeformedInsideItsFrame) {
-  const auto& [name, type, weights] = GetParam();
-  startWith(ColourSpaceView::CubeView, {800, 600}, type, 50);
-  drag(MK_LBUTTON, {{300, 300}, {400, 340}});
-  const CubeForm form{.turns = {turnOf(100, 40)}, .weights = weights};
+TEST_P(TransformedCube, IsDeformedWhileItsFrameStays) {
+  const auto& [name, type, weights, severity, algorithm] = GetParam();
+  storeValues({{"Option", algorithm}});
+  startWith(ColourSpaceView::CubeView, {800, 600}, type, severity);
+  drag(MK_LBUTTON, {{500, 500}, {300, 400}});
+  const CubeForm form{.turns = {turnOf(-200, -100)}, .weights = weights};
   const Picture half = shown();
   EXPECT_TRUE(showsSolidCube(half, form));
   turnWheel(true, 10);
@@ -67,7 +71,9 @@ TEST_P(TransformedCube, IsDeformedInsideItsFrame) {
 INSTANTIATE_TEST_SUITE_P(By, TransformedCube,
                          testing::Values(TransformRow{"Protan", 1, juddProtan(0.5)},
                                          TransformRow{"Deutan", 2, juddDeutan(0.5)},
-                                         TransformRow{"Tritan", 3, juddTritan(0.5)}),
+                                         TransformRow{"Tritan", 3, juddTritan(0.5)},
+                                         // Its blue corner is below the frame.
+                                         TransformRow{"Yang", 2, yangDeutanAt60(), 60, 1}),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(CubeView, ShowsTheSimulationAlsoWhileTheViewIsCorrected) {
@@ -81,6 +87,17 @@ TEST_F(CubeView, ShowsTheSimulationAlsoWhileTheViewIsCorrected) {
     const Bounds below{0, 40, 400, 400};
     EXPECT_TRUE(areAlike(part(corrected, below), part(simulated, below), 0)) << command;
   }
+}
+
+// Programs that drive others may send messages, which the desktop handles before it returns the
+// next posted one.
+TEST_F(CubeView, FollowsAKeyThatIsSent) {
+  startUntransformed();
+  const Picture before = shown();
+  SendMessageA(windows().main, WM_KEYDOWN, VK_PRIOR, 0);
+  EXPECT_TRUE(eventually([&] {
+    return screenPicture(clientBoundsOf(windows().colourSpace)).pixels != before.pixels;
+  }));
 }
 
 TEST_F(CubeView, FollowsTheMouse) {

@@ -129,6 +129,29 @@ Parts onSide(const Side& side, double u, double v) {
   return parts;
 }
 
+// Returns the colour that the device shows at a place of a side. The device mixes the colours of
+// the corners, each within its range, on either half of the side. On the sides without red or green
+// the halves meet between the corners (0, 0) and (1, 1), on the others between (1, 0) and (0, 1).
+Parts colourOnSide(const Side& side, double u, double v, const expected::Weights& weights) {
+  const auto corner = [&](double cornerU, double cornerV) {
+    Parts parts = transformedParts(onSide(side, cornerU, cornerV), weights);
+    for (double& part : parts) part = std::clamp(part, 0.0, 1.0);
+    return parts;
+  };
+  const bool straight = side.fixed < 2 && side.value < 0.5;
+  const std::array<double, 4> straightShares{1 - std::max(u, v), std::max(u - v, 0.0),
+                                             std::max(v - u, 0.0), std::min(u, v)};
+  const double beyond = std::max(u + v - 1, 0.0);
+  const std::array<double, 4> crossShares{std::max(1 - u - v, 0.0), u - beyond, v - beyond, beyond};
+  const auto& shares = straight ? straightShares : crossShares;
+  const std::array<Parts, 4> corners{corner(0, 0), corner(1, 0), corner(0, 1), corner(1, 1)};
+  Parts mixed{};
+  for (std::size_t i = 0; i < corners.size(); ++i) {
+    for (std::size_t part = 0; part < 3; ++part) mixed[part] += shares[i] * corners[i][part];
+  }
+  return mixed;
+}
+
 // Returns twice the side's area on the screen, with the sign of its winding.
 double windingOf(const Side& side, const Picture& picture, const CubeForm& form) {
   const auto corner = [&](double u, double v) {
@@ -160,7 +183,7 @@ std::string text(const Colour& colour) {
 }  // namespace
 
 testing::AssertionResult showsSolidCube(const Picture& picture, const CubeForm& form) {
-  constexpr int steps = 12;
+  constexpr int steps = 24;
   constexpr int tolerance = 8;  // allows for a pixel's width on a side of a hundred pixels
   constexpr double leastArea = 4000.0;
   int checked = 0;
@@ -171,13 +194,15 @@ testing::AssertionResult showsSolidCube(const Picture& picture, const CubeForm& 
       if (windingOf(side, picture, form) < leastArea) continue;
       for (int i = 1; i < steps; ++i) {
         for (int j = 1; j < steps; ++j) {
-          const Parts parts = transformedParts(
-              onSide(side, static_cast<double>(i) / steps, static_cast<double>(j) / steps),
-              form.weights);
-          const CubePoint place = seen(turned(placeOf(parts), form.turns), picture);
+          const double u = static_cast<double>(i) / steps;
+          const double v = static_cast<double>(j) / steps;
+          const Point point = placeOf(transformedParts(onSide(side, u, v), form.weights));
+          const Parts parts = colourOnSide(side, u, v, form.weights);
+          const CubePoint place = seen(turned(point, form.turns), picture);
           if (isNearFrame(place, picture, form)) continue;
           const auto x = static_cast<int>(std::lround(place.x));
           const auto y = static_cast<int>(std::lround(place.y));
+          if (x < 0 || x >= picture.width || y < 0 || y >= picture.height) continue;
           ++checked;
           if (differenceFrom(picture.at(x, y), parts) <= tolerance) continue;
           return testing::AssertionFailure()

@@ -353,6 +353,13 @@ TEST_F(CustomFileLoading, FindsTheFileBesideAQuotedProgramPath) {
   EXPECT_EQ(customTransforms[1].rows, countedRows);
 }
 
+// Desktops that end lines by two characters would turn three into two on reading.
+TEST_F(CustomFileLoading, ReadsLineEndsAsTheyStand) {
+  write("one\r\r\n" + countedText);
+  load();
+  EXPECT_TRUE(customTransforms.empty());
+}
+
 TEST_F(CustomFileLoading, FindsTheFileInTheCurrentDirectoryWithoutADirectoryOnTheCommandLine) {
   write("here\n" + countedText);
   const std::filesystem::path before = std::filesystem::current_path();

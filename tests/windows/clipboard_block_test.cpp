@@ -10,6 +10,7 @@
 
 #include "platform/clipboard.h"
 #include "platform/windows/handles.h"
+#include "replaced_pointer.h"
 
 // The import pointers of these functions. Calls from a linked library go through them.
 extern "C" {
@@ -19,28 +20,6 @@ extern HGLOBAL(WINAPI* __imp_GlobalAlloc)(UINT, SIZE_T);
 
 namespace tintora::windows_test {
 namespace {
-
-// Replaces a function of the desktop until it goes out of scope.
-template <typename Function>
-class Replaced {
- public:
-  Replaced(Function** place, Function* replacement) : place_(place), original_(*place) {
-    write(replacement);
-  }
-  ~Replaced() { write(original_); }
-  Replaced(const Replaced&) = delete;
-  Replaced& operator=(const Replaced&) = delete;
-
- private:
-  void write(Function* function) {
-    DWORD protection = 0;
-    VirtualProtect(place_, sizeof function, PAGE_READWRITE, &protection);
-    *place_ = function;
-    VirtualProtect(place_, sizeof function, protection, &protection);
-  }
-  Function** place_;
-  Function* original_;
-};
 
 constexpr int width = 13;
 constexpr int height = 3;
@@ -142,15 +121,15 @@ HGLOBAL WINAPI outOfMemory(UINT, SIZE_T) {
 }
 
 TEST_F(ClipboardBlock, HasItsSizeIfTheDesktopDoesNotSay) {
-  originalGetDibits = __imp_GetDIBits;
-  const Replaced silent(&__imp_GetDIBits, &silentOnSize);
+  const ReplacedPointer silent = replaceImport(&__imp_GetDIBits, &silentOnSize);
+  originalGetDibits = silent.original<decltype(GetDIBits)>();
   ASSERT_TRUE(put(32));
   // 13 pixels of 24 bits take 39 bytes, and rows are padded to a multiple of 4.
   EXPECT_EQ(held().bytes, 40U + 40U * height);
 }
 
 TEST_F(ClipboardBlock, IsNotHandedOverWithoutPixels) {
-  const Replaced failing(&__imp_GetDIBits, &copiesNothing);
+  const ReplacedPointer failing = replaceImport(&__imp_GetDIBits, &copiesNothing);
   EXPECT_FALSE(put(32));
   EXPECT_EQ(held().bytes, 0U);
   EXPECT_TRUE(isClosed());
@@ -158,7 +137,7 @@ TEST_F(ClipboardBlock, IsNotHandedOverWithoutPixels) {
 
 TEST_F(ClipboardBlock, IsNotHandedOverWithoutMemory) {
   {
-    const Replaced failing(&__imp_GlobalAlloc, &outOfMemory);
+    const ReplacedPointer failing = replaceImport(&__imp_GlobalAlloc, &outOfMemory);
     EXPECT_FALSE(put(32));
   }
   EXPECT_EQ(held().bytes, 0U);

@@ -9,7 +9,7 @@
 #include "drawing_surface.h"
 #include "platform/graphics.h"
 #include "platform/windows/handles.h"
-#include "replaced_call.h"
+#include "replaced_pointer.h"
 
 namespace tintora::windows_test {
 namespace {
@@ -69,7 +69,7 @@ TEST_F(DeviceLife, BeginsWithOneMoreAttemptInSoftwareWhereHardwareFails) {
           9, {D3DCREATE_HARDWARE_VERTEXPROCESSING, D3DCREATE_SOFTWARE_VERTEXPROCESSING}, false},
   };
   for (const auto& [refused, processing, made] : rows) {
-    const ReplacedCall replaced(direct3d(), createDeviceCall, attempt);
+    const ReplacedPointer replaced = replaceCall(direct3d(), createDeviceCall, attempt);
     attempts = {.create = replaced.original<CreateDevice>(), .refused = refused};
     platform::GraphicsDevice* const device = createDevice();
     EXPECT_EQ(attempts.processing, processing);
@@ -127,7 +127,7 @@ TEST_F(DeviceLife, EndsThoughSomethingElseHoldsDirect3d) {
   ASSERT_NE(device->direct3d, nullptr);
   device->direct3d->AddRef();
   device->direct3d->AddRef();
-  const ReplacedCall replaced(device->direct3d, releaseCall, releaseNoting);
+  const ReplacedPointer replaced = replaceCall(device->direct3d, releaseCall, releaseNoting);
   releases = {.release = replaced.original<Release>(), .of = device->direct3d};
   platform::releaseGraphicsDevice(device);
   EXPECT_EQ(releases.left, 0U);

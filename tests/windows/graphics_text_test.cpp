@@ -13,7 +13,7 @@
 #include "ink.h"
 #include "platform/graphics.h"
 #include "platform/windows/painted_text.h"
-#include "replaced_call.h"
+#include "replaced_pointer.h"
 
 namespace tintora::windows_test {
 namespace {
@@ -294,7 +294,7 @@ TEST_F(GraphicsText, IsNothingWhileThereIsNoTextureForIt) {
   int height = 0;
   const auto draw = [&] { height = drawPaintedText(font, {12, 10, 412, 60}, white, "Simulation"); };
   {
-    const ReplacedCall refused(native(), createTexture, refuseTexture);
+    const ReplacedPointer refused = replaceCall(native(), createTexture, refuseTexture);
     EXPECT_EQ(inkOf(surface().drawn(draw)).bounds.right, 0);
     EXPECT_EQ(height, 16);
   }

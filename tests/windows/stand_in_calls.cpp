@@ -8,6 +8,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "replaced_pointer.h"
+
 namespace tintora::windows_test {
 
 namespace {
@@ -46,12 +48,7 @@ template <typename Function>
 Function* replace(const char* name, Function* replacement) {
   void** const place = importOf(GetModuleHandleA(nullptr), name);
   if (place == nullptr) return nullptr;
-  auto* const original = reinterpret_cast<Function*>(*place);
-  DWORD protection = 0;
-  VirtualProtect(place, sizeof *place, PAGE_READWRITE, &protection);
-  *place = reinterpret_cast<void*>(replacement);
-  VirtualProtect(place, sizeof *place, protection, &protection);
-  return original;
+  return reinterpret_cast<Function*>(replacePointer(place, reinterpret_cast<void*>(replacement)));
 }
 
 struct Originals {

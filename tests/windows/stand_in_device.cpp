@@ -5,6 +5,8 @@
 
 #include <cstddef>
 
+#include "replaced_pointer.h"
+
 namespace tintora::windows_test {
 
 namespace {
@@ -19,13 +21,6 @@ HRESULT WINAPI lost(IDirect3DDevice9* /*device*/) {
 HRESULT WINAPI presentLost(IDirect3DDevice9* /*device*/, const RECT* /*source*/,
                            const RECT* /*target*/, HWND /*window*/, const RGNDATA* /*region*/) {
   return D3DERR_DEVICELOST;
-}
-
-void replace(void** place, void* function) {
-  DWORD protection = 0;
-  VirtualProtect(place, sizeof function, PAGE_READWRITE, &protection);
-  *place = function;
-  VirtualProtect(place, sizeof function, protection, &protection);
 }
 
 }  // namespace
@@ -49,8 +44,8 @@ void loseDevices() {
   if (device != nullptr) {
     auto** const calls = *reinterpret_cast<void***>(device);
     device->Release();
-    replace(calls + testCall, reinterpret_cast<void*>(&lost));
-    replace(calls + presentCall, reinterpret_cast<void*>(&presentLost));
+    replacePointer(calls + testCall, reinterpret_cast<void*>(&lost));
+    replacePointer(calls + presentCall, reinterpret_cast<void*>(&presentLost));
   }
   direct3d->Release();
   DestroyWindow(window);

@@ -26,11 +26,18 @@ struct DisplayRecord {
 
 inline DisplayRecord displayRecord;
 
-// The records as they were before the first test that could change them.
+// The records as they were before the first test.
 inline const EngineRecords& recordsAtStart() {
   static const EngineRecords records;
   return records;
 }
+
+// Takes the records before the first test, because some tests change them without this fixture.
+class RecordsTaker : public testing::Environment {
+  void SetUp() override { recordsAtStart(); }
+};
+inline testing::Environment* const recordsTaker =
+    testing::AddGlobalTestEnvironment(new RecordsTaker);
 
 // All different, and none of the type items 1 to 3.
 inline constexpr ViewerItemPositions testPositions{5, 6, 7, 9, 12};

@@ -41,7 +41,10 @@ void applyTo(const ColourStep& step, std::uint16_t* rgba, std::size_t pixels) {
 }
 
 void applyTo(const ColourStep& step, std::uint8_t* bgra, std::size_t pixels) {
-  if (step.conversion) {
+  const ChannelLights* const lights = step.conversion ? channelLights(*step.conversion) : nullptr;
+  if (lights != nullptr) {
+    filterPicture(step.filters->bits8, *lights, bgra, pixels);
+  } else if (step.conversion) {
     std::vector<std::uint16_t> rgba(pixels * rgbaChannels);
     convertToSrgb(*step.conversion, bgra, rgba.data(), pixels);
     filterPicture(step.filters->wide(), rgba.data(), pixels);

@@ -4,7 +4,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
+#include <cmath>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -46,6 +47,7 @@ struct SrgbConversion {
   bool fromGrey = false;
   Transform from8;   // B G R A of 8 bits; none from greys
   Transform from16;  // R G B A of 16 bits, or single greys
+  std::optional<ChannelLights> lights;
 };
 
 namespace {
@@ -64,6 +66,71 @@ std::vector<std::uint16_t> sampleColours(bool grey) {
     add(i / 36 * step, i / 6 % 6 * step, i % 6 * step);
   }
   return samples;
+}
+
+// A display with the primaries of sRGB that is given linear light.
+Profile linearSrgb() {
+  const cmsCIExyY white{0.3127, 0.3290, 1.0};
+  const cmsCIExyYTRIPLE primaries{{0.64, 0.33, 1.0}, {0.30, 0.60, 1.0}, {0.15, 0.06, 1.0}};
+  const std::unique_ptr<cmsToneCurve, FreeCurve> line(cmsBuildGamma(nullptr, 1.0));
+  if (!line) return nullptr;
+  const std::array<cmsToneCurve*, 3> lines{line.get(), line.get(), line.get()};
+  return Profile(cmsCreateRGBProfile(&white, &primaries, lines.data()));
+}
+
+// Returns the light of each channel, from the colours that have nothing in the other two. What
+// black gives is in all three, so two thirds of it are taken off each.
+ChannelLights lightsOf(cmsHTRANSFORM toLight) {
+  const auto lightOf = [&](const std::array<std::uint8_t, 3>& rgb) {
+    std::array<double, 3> light{};
+    cmsDoTransform(toLight, rgb.data(), light.data(), 1);
+    return light;
+  };
+  const std::array<double, 3> black = lightOf({});
+  ChannelLights lights{};
+  for (std::size_t channel = 0; channel < lights.size(); ++channel) {
+    for (std::size_t step = 0; step < lights[channel].size(); ++step) {
+      std::array<std::uint8_t, 3> rgb{};
+      rgb[channel] = static_cast<std::uint8_t>(step);
+      lights[channel][step] = lightOf(rgb);
+      for (std::size_t part = 0; part < 3; ++part) {
+        lights[channel][step][part] -= black[part] * 2.0 / 3.0;
+      }
+    }
+  }
+  return lights;
+}
+
+// Returns true if the lights of the channels add up to that of each of some colours.
+bool addUp(const ChannelLights& lights, cmsHTRANSFORM toLight) {
+  // A hundredth of the least step of 8 bits in linear light.
+  constexpr double tolerance = 3e-6;
+  constexpr unsigned step = 51;
+  for (unsigned i = 0; i < 216; ++i) {
+    const std::array<std::uint8_t, 3> rgb{static_cast<std::uint8_t>(i / 36 * step),
+                                          static_cast<std::uint8_t>(i / 6 % 6 * step),
+                                          static_cast<std::uint8_t>(i % 6 * step)};
+    std::array<double, 3> light{};
+    cmsDoTransform(toLight, rgb.data(), light.data(), 1);
+    for (std::size_t part = 0; part < light.size(); ++part) {
+      const double sum =
+          lights[0][rgb[0]][part] + lights[1][rgb[1]][part] + lights[2][rgb[2]][part];
+      if (!(std::abs(sum - light[part]) <= tolerance)) return false;
+    }
+  }
+  return true;
+}
+
+std::optional<ChannelLights> lightsOfProfile(cmsHPROFILE source) {
+  const Profile target = linearSrgb();
+  if (!target) return std::nullopt;
+  const Transform toLight(cmsCreateTransform(source, TYPE_RGB_8, target.get(), TYPE_RGB_DBL,
+                                             relativeColorimetric,
+                                             cmsFLAGS_NOCACHE | cmsFLAGS_NOOPTIMIZE));
+  if (!toLight) return std::nullopt;
+  std::optional<ChannelLights> lights = lightsOf(toLight.get());
+  if (!addUp(*lights, toLight.get())) lights.reset();
+  return lights;
 }
 
 bool changesColours(const SrgbConversion& conversion) {
@@ -119,7 +186,12 @@ std::shared_ptr<const SrgbConversion> conversionToSrgb(std::span<const std::uint
     if (!conversion->from8) return nullptr;
   }
   if (!conversion->from16 || !changesColours(*conversion)) return nullptr;
+  if (!fromGrey) conversion->lights = lightsOfProfile(source.get());
   return conversion;
+}
+
+const ChannelLights* channelLights(const SrgbConversion& conversion) {
+  return conversion.lights ? &*conversion.lights : nullptr;
 }
 
 void convertToSrgb(const SrgbConversion& conversion, const std::uint8_t* bgra, std::uint16_t* rgba,

@@ -74,18 +74,28 @@ constexpr ChannelOrder bgraOrder{2, 1, 0};
 constexpr ChannelOrder rgbaOrder{0, 1, 2};
 constexpr std::size_t channels = 4;
 
-template <typename Sample>
-void filterLight(const PictureFilter& filter, ChannelOrder order, Sample* samples,
+// `lightOf` returns the linear light that a pixel stands for.
+template <typename Sample, typename LightOf>
+void filterLight(const PictureFilter& filter, ChannelOrder order, LightOf lightOf, Sample* samples,
                  std::size_t pixels) {
   const LightSteps& steps = filter.steps;
   for (Sample* pixel = samples; pixel != samples + pixels * channels; pixel += channels) {
-    const Values values{steps.light[pixel[order.red]], steps.light[pixel[order.green]],
-                        steps.light[pixel[order.blue]]};
+    const Values values = lightOf(pixel);
     const auto& [toBlue, toGreen, toRed] = effectAt(filter, values).channels;
     pixel[order.red] = static_cast<Sample>(stepOfLight(steps, apply(toRed, values)));
     pixel[order.green] = static_cast<Sample>(stepOfLight(steps, apply(toGreen, values)));
     pixel[order.blue] = static_cast<Sample>(stepOfLight(steps, apply(toBlue, values)));
   }
+}
+
+template <typename Sample>
+void filterLight(const PictureFilter& filter, ChannelOrder order, Sample* samples,
+                 std::size_t pixels) {
+  const std::vector<double>& light = filter.steps.light;
+  const auto lightOf = [&](const Sample* pixel) {
+    return Values{light[pixel[order.red]], light[pixel[order.green]], light[pixel[order.blue]]};
+  };
+  filterLight(filter, order, lightOf, samples, pixels);
 }
 
 void filterEncoded16(const PictureFilter& filter, std::uint16_t* samples, std::size_t pixels) {
@@ -135,6 +145,20 @@ void filterPicture(const PictureFilter& filter, std::uint16_t* rgba, std::size_t
   } else {
     filterEncoded16(filter, rgba, pixels);
   }
+}
+
+void filterPicture(const PictureFilter& filter, const ChannelLights& lights, std::uint8_t* bgra,
+                   std::size_t pixels) {
+  const auto lightOf = [&](const std::uint8_t* pixel) {
+    const std::array<double, 3>& fromRed = lights[0][pixel[bgraOrder.red]];
+    const std::array<double, 3>& fromGreen = lights[1][pixel[bgraOrder.green]];
+    const std::array<double, 3>& fromBlue = lights[2][pixel[bgraOrder.blue]];
+    const auto sum = [&](std::size_t part) {
+      return clampTo(1.0, fromRed[part] + fromGreen[part] + fromBlue[part]);
+    };
+    return Values{sum(0), sum(1), sum(2)};
+  };
+  filterLight(filter, bgraOrder, lightOf, bgra, pixels);
 }
 
 }  // namespace tintora

@@ -33,9 +33,19 @@ struct PictureFilter {
 
 PictureFilter makePictureFilter(const ColourTransform& transform, SampleDepth depth);
 
+// The linear light of an sRGB display that pixels of another colour space with 8 bits stand for, as
+// the sum of what their channels give: [channel][step] is R, G, B, the channels in the order R, G,
+// B.
+using ChannelLights = std::array<std::array<std::array<double, 3>, 256>, 3>;
+
 // Filters pixels in place. Each channel becomes the nearest step to the result in double precision,
 // halves rounded up; alpha stays. The filter is of the depth that the samples have.
 void filterPicture(const PictureFilter& filter, std::uint8_t* bgra, std::size_t pixels);
 void filterPicture(const PictureFilter& filter, std::uint16_t* rgba, std::size_t pixels);
+
+// Filters pixels of another colour space in place; they become sRGB. What the display cannot show
+// is clamped to 0..1 first. The filter is of 8 bits and works in linear light.
+void filterPicture(const PictureFilter& filter, const ChannelLights& lights, std::uint8_t* bgra,
+                   std::size_t pixels);
 
 }  // namespace tintora

@@ -16,8 +16,8 @@ struct ExitStatus {
 };
 constexpr ExitStatus exitStatuses[] = {
     {0, "Done."},
-    {1, "Something went wrong on the way."},
-    {2, "The command line asks for what is not there."},
+    {1, "Something failed, such as reading or writing a file."},
+    {2, "The command line is wrong."},
     {3, "There are findings (check only)."},
 };
 

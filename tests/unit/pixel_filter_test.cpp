@@ -17,6 +17,7 @@
 #include "engine/pixel_kernels.h"
 #include "engine/transform_settings.h"
 #include "spectral/simulation_matrix.h"
+#include "tests/expected/engine_records.h"
 
 namespace tintora {
 namespace {
@@ -97,6 +98,7 @@ TEST(PixelFilter, RandomMatricesOfEveryMagnitudeComeWithinOneStepOfDoubleArithme
 }
 
 TEST(PixelFilter, EveryModeComesWithinOneStepOfDoubleArithmetic) {
+  const EngineRecords records;
   initialiseModelContext(modelContext);
   const Bytes source = randomPixels(500, 3);
   for (int mode = 1; mode <= 13; ++mode) {
@@ -121,8 +123,7 @@ TEST(PixelFilter, EveryModeComesWithinOneStepOfDoubleArithmetic) {
       }
     }
   }
-  transformSettings = {};
-  effectMatrix = identityEffectMatrix;
+  restore(records);
 }
 
 TEST(PixelFilter, TheIdentityInversionAndSwapsAreExact) {

@@ -83,19 +83,19 @@ typedef struct tintora_transform tintora_transform;
 
 /* Makes the simulation of a tintora_vision at a severity of 0 to 1 by a tintora_algorithm, or the
  * tintora_use of it, that works in a tintora_light. TINTORA_BRETTEL_1997 takes TINTORA_LINEAR
- * only. On success *transform is to be released with tintora_free; it is NULL otherwise.
- * TINTORA_NO_INVERSE where the inverse is asked for and there is none. */
+ * only. On success release *transform with tintora_free; after a failure it is NULL. Returns
+ * TINTORA_NO_INVERSE if the simulation cannot be inverted. */
 int tintora_simulation(int vision, double severity, int algorithm, int use, int light,
                        tintora_transform** transform);
 
-/* Makes the tintora_effect of this amount, in the same way. */
+/* Makes a tintora_effect of this amount. *transform is as for tintora_simulation. */
 int tintora_colour_effect(int effect, double amount, int light, tintora_transform** transform);
 
-/* Makes the transform of a matrix as tintora_matrix gives it. Its entries are finite. The alpha row
- * and column are not used: pixels keep their alpha. */
+/* Makes the transform of a matrix that is laid out as for tintora_matrix. Its entries must be
+ * finite. The alpha row and column are not used: pixels keep their alpha. */
 int tintora_from_matrix(const float matrix[25], int light, tintora_transform** transform);
 
-/* Releases a transform. NULL is released already. */
+/* Releases a transform. Does nothing for NULL. */
 void tintora_free(tintora_transform* transform);
 
 /* Copies the 5x5 matrix, row by row: the rows are input red, green, blue, alpha (each 0 to 1) and
@@ -105,8 +105,8 @@ int tintora_matrix(const tintora_transform* transform, float matrix[25]);
 
 /* Puts pixels of a tintora_layout through the transform. Each sample becomes the nearest step to
  * the result in double precision; alpha stays. The strides are bytes from one row to the next, of
- * any sign, and at least a row long. Source and destination are the same place with the same
- * stride, or do not overlap. */
+ * any sign, and at least a row long. Source and destination must be the same place with the same
+ * stride, or not overlap. */
 int tintora_filter_rows(const tintora_transform* transform, int layout, const void* source,
                         ptrdiff_t source_stride, void* destination, ptrdiff_t destination_stride,
                         size_t width, size_t height);

@@ -15,6 +15,7 @@ namespace tintora {
 // An sRGB colour as it is written down.
 struct Rgb8 {
   std::uint8_t red = 0, green = 0, blue = 0;
+  // NOLINTNEXTLINE(modernize-use-nullptr): clang-tidy 14 takes the comparison for a pointer.
   auto operator<=>(const Rgb8&) const = default;
 };
 

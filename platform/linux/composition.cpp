@@ -4,7 +4,6 @@
 
 #include <QRegion>
 #include <cstdint>
-#include <ranges>
 #include <vector>
 
 #include "platform/linux/backdrop.h"
@@ -87,7 +86,8 @@ void compose(xcb_pixmap_t target, xcb_gcontext_t copying, const QPoint& origin, 
   std::vector<Layer> layers;
   QRegion seen(part);
   const std::vector<TopLevel*> windows = windowsLookedAt();
-  for (TopLevel* const topLevel : std::ranges::subrange(windows.rbegin(), windows.rend())) {
+  for (auto place = windows.rbegin(); place != windows.rend(); ++place) {
+    TopLevel* const topLevel = *place;
     if (seen.isEmpty()) break;
     if (!topLevel->bounds.intersects(part)) continue;
     const QRegion seenOfIt = seen & topLevel->region();
@@ -96,7 +96,8 @@ void compose(xcb_pixmap_t target, xcb_gcontext_t copying, const QPoint& origin, 
     if (isOpaque(*topLevel)) seen -= seenOfIt;
   }
   for (const QRect& rect : seen) paintBackdrop(target, origin, rect);
-  for (const auto& [topLevel, seenOfIt] : std::ranges::subrange(layers.rbegin(), layers.rend())) {
+  for (auto layer = layers.rbegin(); layer != layers.rend(); ++layer) {
+    const auto& [topLevel, seenOfIt] = *layer;
     for (const QRect& rect : seenOfIt) draw(*topLevel, target, copying, origin, rect);
   }
 }

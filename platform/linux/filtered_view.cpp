@@ -186,7 +186,7 @@ QImage pictureOfView() {
   if (!pixels) return {};
   // Copies the rows, because they belong to the reply.
   return QImage(xcb_get_image_data(pixels.get()), view.size.width(), view.size.height(),
-                4 * view.size.width(), QImage::Format_RGB32)
+                qsizetype{4} * view.size.width(), QImage::Format_RGB32)
       .copy();
 }
 

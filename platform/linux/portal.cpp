@@ -119,7 +119,7 @@ class Session : public QObject {
     end(PortalEnd::Closed);
   }
 
- private:
+ private:  // NOLINT(readability-redundant-access-specifiers): Qt reads which functions are slots.
   using Step = void (Session::*)(const QVariantMap& results);
 
   static QDBusMessage callOf(const QString& path, const QString& interface, const QString& method) {
@@ -232,7 +232,7 @@ class Session : public QObject {
   }
 
   // Reports the end. The receiver may start another session, which ends this one.
-  void end(PortalEnd end) {
+  void end(PortalEnd end) const {
     const auto ended = events_.ended;
     endPortalSession();
     ended(end);

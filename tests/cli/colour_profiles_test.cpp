@@ -28,9 +28,9 @@ Bytes gammaProfile(double gamma, bool grey) {
   const cmsCIExyY white{0.3127, 0.3290, 1.0};
   const cmsCIExyYTRIPLE primaries{{0.64, 0.33, 1.0}, {0.30, 0.60, 1.0}, {0.15, 0.06, 1.0}};
   cmsToneCurve* const curves[3] = {curve, curve, curve};
-  const cmsHPROFILE profile = grey ? cmsCreateGrayProfile(cmsD50_xyY(), curve)
-                                   : cmsCreateRGBProfile(&white, &primaries, curves);
-  const Bytes bytes = bytesOfProfile(profile);
+  cmsHPROFILE profile = grey ? cmsCreateGrayProfile(cmsD50_xyY(), curve)
+                             : cmsCreateRGBProfile(&white, &primaries, curves);
+  Bytes bytes = bytesOfProfile(profile);
   cmsFreeToneCurve(curve);
   return bytes;
 }

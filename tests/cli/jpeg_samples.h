@@ -88,7 +88,7 @@ inline Bytes jpegFile(std::uint32_t width, std::uint32_t height, const Bytes& sa
   }
   jpeg_finish_compress(&codec);
   jpeg_destroy_compress(&codec);
-  const Bytes file(memory, memory + size);
+  Bytes file(memory, memory + size);
   std::free(memory);
   return file;
 }

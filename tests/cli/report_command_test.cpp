@@ -79,8 +79,9 @@ TEST(Report, HoldsEachPictureAndWhatFilterMakesOfIt) {
       const ToolRun filtered =
           runTool({"filter", "--mode", type, "--severity", severity, path, "-"});
       const Bytes file(filtered.output.begin(), filtered.output.end());
-      const std::vector<Image> shown =
-          picturesOf(run.output, "a.png as seen with " + type + " " + severity + "%");
+      const std::vector<Image> shown = picturesOf(
+          run.output,
+          std::string("a.png as seen with ").append(type).append(" ").append(severity).append("%"));
       // In the grid, and among the severity steps.
       ASSERT_EQ(shown.size(), 2U);
       for (const Image& each : shown) EXPECT_EQ(each.pixels, decodeImage(file).pixels);

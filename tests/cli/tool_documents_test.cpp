@@ -67,7 +67,7 @@ std::vector<std::string> offeredBy(const std::string& run, const std::string& sc
   std::string text;
   for (const std::string& line : lines) text += line + '\n';
   const std::string input = folder.write("lines", text);
-  const std::vector<std::string> offered = linesOf(
+  std::vector<std::string> offered = linesOf(
       printedBy("cd " + folder.path.string() + " && touch chart.png && mkdir charts && " + run +
                 ' ' + (shellsFolder / script).string() + ' ' + madeFolder.string() + " <" + input));
   EXPECT_EQ(offered.size(), lines.size());

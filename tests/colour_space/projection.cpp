@@ -11,7 +11,9 @@ SeenPoint seenInPlane(double x, double y, int width, int height) {
   const double halfHeight = 5.5 * std::tan(15.0 * std::numbers::pi / 180.0);
   const double pixelsPerUnit = height / 2.0 / halfHeight;
   constexpr double shrunk = 4.0 / 5.5;
-  return {width / 2 + x * shrunk * pixelsPerUnit, height / 2 - y * shrunk * pixelsPerUnit};
+  const int middleX = width / 2;
+  const int middleY = height / 2;
+  return {middleX + x * shrunk * pixelsPerUnit, middleY - y * shrunk * pixelsPerUnit};
 }
 
 void expectPixel(int actual, double expected) {

@@ -43,7 +43,7 @@ class Crowd {
 
   void act() {
     if (windows_.size() < 5 || (windows_.size() < 60 && pick(3) == 0)) return create();
-    const std::size_t i = static_cast<std::size_t>(pick(static_cast<int>(windows_.size())));
+    const auto i = static_cast<std::size_t>(pick(static_cast<int>(windows_.size())));
     switch (pick(9)) {
       case 0:
         xcb_destroy_window(x(), windows_[i].id);

@@ -66,7 +66,7 @@ TEST_F(Input, TheMenuKeyAndShiftF10OpenTheMenu) {
     settle();
     press(key, held);
     ASSERT_TRUE(eventually([this] { return openMenus().size() == 1; }));
-    EXPECT_NEAR(x().areaOf(openMenus()[0]).x, view().x + view().width / 2, 2);
+    EXPECT_NEAR(x().areaOf(openMenus()[0]).x, view().x + view().width / 2.0, 2);
     x().press(XK_Escape);
     ASSERT_TRUE(eventually([this] { return openMenus().empty(); }));
   }
@@ -164,11 +164,15 @@ TEST_F(Input, NamesOfTheCustomFileAreReadAsUtf8WhereTheyAre) {
       "Gr\xFC"
       "n";
   const std::string rows = "1 0 0 0\n0 1 0 0\n0 0 1 0\n";
-  for (const auto& [name, shown] : {std::pair{utf8, utf8}, {windows, std::string("Gr\xC3\xBCn")}}) {
-    writeFile(configFolder() + "/tintora/Tintora_custom.txt", name + "\n" + rows);
+  struct Name {
+    std::string written, shown;
+  };
+  for (const Name& name : {Name{utf8, utf8}, Name{windows, "Gr\xC3\xBCn"}}) {
+    writeFile(configFolder() + "/tintora/Tintora_custom.txt",
+              std::string(name.written).append("\n").append(rows));
     storeValues({{"Selected", 0}, {"ColorSpace", 1}, {"View", 703}});
     start();
-    EXPECT_TRUE(eventually([&] { return title(main()).find(shown) != std::string::npos; }))
+    EXPECT_TRUE(eventually([&] { return title(main()).find(name.shown) != std::string::npos; }))
         << title(main());
     end();
   }

@@ -74,7 +74,7 @@ constexpr const char* fluxboxStyle = "background: none\n";
 
 // Writes a settings file into a folder.
 std::string settings(const std::string& folder, const char* name, const std::string& text) {
-  const std::string path = folder + "/" + name;
+  std::string path = folder + "/" + name;
   writeFile(path, text);
   return path;
 }

@@ -51,9 +51,9 @@ std::vector<std::string> MenuTest::itemsOf(const std::string& menu) const {
   if (!menu.empty()) return submenus.at(menu);
   std::vector<std::string> items = contents.customs;
   items.insert(items.end(), {"Protan", "Deutan"});
-  if (contents.tritan) items.push_back("Tritan");
-  items.push_back("Simulation");
-  if (contents.simulationOptions) items.push_back("Simulation Option");
+  if (contents.tritan) items.emplace_back("Tritan");
+  items.emplace_back("Simulation");
+  if (contents.simulationOptions) items.emplace_back("Simulation Option");
   items.insert(items.end(),
                {"Daltonize", "Inverse Transform", "Swap Red and Blue", "Other Colour Effects",
                 "Colour Space Window", "View Options", "Help"});

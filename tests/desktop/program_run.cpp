@@ -26,7 +26,9 @@ std::optional<Difference> firstDifference(const Picture& seen,
   if (seen.pixels.empty()) return Difference{};
   for (int y = 0; y < seen.height; ++y) {
     for (int x = 0; x < seen.width; ++x) {
-      const Colour& wanted = expected[static_cast<std::size_t>(y * seen.width + x)];
+      const Colour& wanted =
+          expected[static_cast<std::size_t>(y) * static_cast<std::size_t>(seen.width) +
+                   static_cast<std::size_t>(x)];
       const Colour actual = colourOf(seen.at(x, y));
       for (std::size_t i = 0; i < 3; ++i) {
         if (std::abs(actual[i] - std::round(wanted[i])) > 1) {

@@ -72,7 +72,7 @@ class ProgramTest : public testing::Test {
   xcb_window_t viewWindow() const;
 
   std::string title(xcb_window_t window) const { return x().text(window, "_NET_WM_NAME"); }
-  testing::AssertionResult titleBecomes(const std::string& title) const;
+  testing::AssertionResult titleBecomes(const std::string& wanted) const;
   testing::AssertionResult showing(xcb_window_t window, bool shown) const;
   void focus(xcb_window_t window);
   void press(xcb_keysym_t symbol, const std::vector<xcb_keysym_t>& holding = {});

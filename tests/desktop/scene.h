@@ -35,7 +35,7 @@ class Scene {
 
   void setBackdrop(const Picture& tile);
   // Creates a window and shows it directly beneath the view, above those added before.
-  Sheet& add(const Sheet& sheet);
+  Sheet& add(const Sheet& added);
   Sheet& addNoise(const Area& place, std::uint32_t seed);
 
   // Changes a window and its record.

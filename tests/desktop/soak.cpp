@@ -130,7 +130,7 @@ class Soak : public ProgramTest {
 
 TEST_F(Soak, NothingGrows) {
   const char* const given = std::getenv("TINTORA_SOAK_MINUTES");
-  const int minutes = given != nullptr ? std::atoi(given) : 30;
+  const int minutes = given != nullptr ? std::stoi(given) : 30;
   useDisplay({}, Manager::Openbox);
   storeValues({{"Selected", 4}, {"View", 703}, {"ColorSpace", 1}});
   start();

@@ -68,7 +68,7 @@ class XClient {
   xcb_pixmap_t pixmapOf(const Picture& picture) const;
 
   void moveMouse(int x, int y) const;
-  void moveMouse(const Area& toTheMiddleOf) const;
+  void moveMouse(const Area& area) const;
   void button(std::uint8_t number, bool down) const;
   void click(std::uint8_t number) const;
   void key(xcb_keysym_t symbol, bool down) const;

@@ -31,7 +31,7 @@ class XDisplay {
   const std::string& name() const { return name_; }
   const std::string& folder() const { return folder_.path(); }
   // Starts a window manager, and returns when it shows windows.
-  void startManager(Manager manager = Manager::Openbox);
+  void startManager(Manager kind = Manager::Openbox);
   // Starts a compositing manager, and returns when it composes the screen.
   void startCompositor();
   void endCompositor();

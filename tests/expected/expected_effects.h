@@ -16,10 +16,10 @@ using Offsets = std::array<double, 3>;
 
 ColourEffect effectOf(const Weights& weights, const Offsets& offsets = {});
 
-// Judd 1948, at a severity from 0 to 1.
-Weights juddProtan(double severity);
-Weights juddDeutan(double severity);
-Weights juddTritan(double severity);
+// Judd 1948, at a severity k from 0 to 1.
+Weights juddProtan(double k);
+Weights juddDeutan(double k);
+Weights juddTritan(double k);
 
 // The other algorithms, at full severity.
 Weights machadoProtan();
@@ -31,7 +31,7 @@ Weights yangDeutanAt60();
 
 // Returns the correction that spreads what a simulation loses over green and blue.
 Weights daltonized(const Weights& simulation);
-Weights inverse(const Weights& simulation);
+Weights inverse(const Weights& m);
 
 ColourEffect greyscale();
 ColourEffect inverted();

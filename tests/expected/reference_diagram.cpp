@@ -99,7 +99,8 @@ std::vector<ReferenceColour> referenceMeshColours() {
   std::vector<ReferenceColour> colours;
   for (int patch = 0; patch < 3; ++patch) {
     for (int number = 0; number < 400; ++number) {
-      const long double u = 255.0L * static_cast<long double>(number / 20) / 19.0L;
+      const int row = number / 20;
+      const long double u = 255.0L * static_cast<long double>(row) / 19.0L;
       const long double v = 255.0L * static_cast<long double>(number % 20) / 19.0L;
       if (patch == 0) colours.push_back({255.0L, u, v});
       if (patch == 1) colours.push_back({u, 255.0L, v});

@@ -27,7 +27,7 @@ using ReferenceColour = std::array<long double, 3>;
 // Returns the chromaticity of a wavelength, from the table of the colour-matching functions.
 ReferencePoint referenceChromaticity(std::size_t nanometres);
 // Returns where the diagram draws a chromaticity.
-ReferencePoint referencePlace(const ReferencePoint& chromaticity);
+ReferencePoint referencePlace(const ReferencePoint& point);
 
 ExpectedVertices referenceLocus();
 std::vector<ReferenceLabel> referenceLabels();

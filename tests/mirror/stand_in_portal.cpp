@@ -126,7 +126,7 @@ class Portal : public QDBusVirtualObject {
     sessions_.clear();
   }
 
- public Q_SLOTS:
+ public Q_SLOTS:  // NOLINT(readability-redundant-access-specifiers): Qt reads which are slots.
   void onStreamAdded(uint node) {
     recorded_ = node;
     print("recorded");

@@ -42,7 +42,7 @@ void nothing(Outcome& /*outcome*/, int /*id*/) {}
 void custom(Outcome& outcome, int id) {
   const std::vector<Calls> titles{
       {"setTitle main Warm"}, {"setTitle main Soft"}, {"setTitle main Bare"}};
-  const Calls name = titles.at(static_cast<std::size_t>(id));
+  const Calls& name = titles.at(static_cast<std::size_t>(id));
   const Calls strength =
       id == 1 ? Calls{"setTitle main Soft   60% (mouse-wheel adjusts %)"} : Calls{};
   outcome.calls =

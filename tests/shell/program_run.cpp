@@ -1,7 +1,6 @@
 #include "program_run.h"
 
-#include <stdlib.h>
-
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <sstream>

@@ -1,7 +1,8 @@
 """Checks sources with clang-tidy by the rules in .clang-tidy, and fails on a finding.
 
-A file that was found right is not checked again until it, a header of this project that it includes,
-the rules or its compiler options change.
+Sources that are built together are checked together, because reading the headers takes longest. What
+was found right is not checked again until a source, a header of this project that it includes, the
+rules or the compiler's options change.
 """
 import argparse
 import hashlib
@@ -16,12 +17,14 @@ from functools import lru_cache
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
+LEFT_OUT = re.compile(r"^  (-[a-z0-9.-]+),?$", re.MULTILINE)
 INCLUDE = re.compile(rb'^\s*#\s*include\s*"([^"]+)"', re.MULTILINE)
 
 
 @lru_cache(maxsize=None)
 def own_includes(path):
-    """Returns the project's headers that a file names."""
+    """Returns the project's files that a file includes; by their whole path, if it was made to build
+    them together."""
     found = []
     for name in INCLUDE.findall(path.read_bytes()):
         for folder in (path.parent, ROOT):
@@ -33,7 +36,7 @@ def own_includes(path):
 
 
 def sources_of(path):
-    """Returns the file and the project's headers that it includes, however deep."""
+    """Returns the file and the project's files that it includes, however deep."""
     reached, waiting = {path}, [path]
     while waiting:
         for header in own_includes(waiting.pop()):
@@ -66,17 +69,34 @@ def options_of(entry):
     return kept
 
 
+def checked_sources(entry, build):
+    """Returns the project's sources in an entry: its file, or those that it builds together."""
+    path = Path(entry["file"])
+    if not path.is_relative_to(build):
+        return [path]
+    return own_includes(path) if path.parent.name == "Unity" else []
+
+
+def checks_for(entry, arguments):
+    """Returns the checks of the sources' own rules. clang-tidy would look for rules beside the file
+    that was made to build them together, and take the fact that it includes sources for a fault."""
+    sources = checked_sources(entry, arguments.build)
+    rules = [rule for rule in rules_for(sources[0]) if rule.parent != ROOT]
+    left_out = [name for rule in rules for name in LEFT_OUT.findall(rule.read_text())]
+    return ",".join(["tintora-*", "-bugprone-suspicious-include", *left_out])
+
+
 def command_for(entry, arguments):
     target = [f"--target={arguments.target}"] if arguments.target else []
     plugin = ["-load", arguments.plugin] if arguments.plugin else []
-    return ["clang-tidy", "--quiet", *plugin, "--checks=tintora-*", entry["file"], "--",
-            "-Wno-unknown-warning-option", *target, *options_of(entry)]
+    return ["clang-tidy", "--quiet", *plugin, f"--checks={checks_for(entry, arguments)}",
+            entry["file"], "--", "-Wno-unknown-warning-option", *target, *options_of(entry)]
 
 
 def stamp_of(entry, command, arguments):
     digest = hashlib.sha256("\0".join(command).encode())
     path = Path(entry["file"])
-    for file in [*sources_of(path), *rules_for(path), Path(__file__)]:
+    for file in [*sources_of(path), ROOT / ".clang-tidy", Path(__file__)]:
         digest.update(file.read_bytes())
     return arguments.stamps / digest.hexdigest()
 
@@ -95,21 +115,19 @@ def check(entry, arguments):
 
 
 def entries_of(arguments):
-    """Returns the wanted entries of the compile commands, one for each source of the project."""
-    entries = {}
-    for entry in json.loads((arguments.build / "compile_commands.json").read_text()):
-        path = Path(entry["file"])
-        if path.suffix == ".cpp" and path.is_relative_to(ROOT) and \
-                not path.is_relative_to(arguments.build):
-            entries.setdefault(path, entry)
-    if arguments.only:
-        entries = {path: entry for path, entry in entries.items()
-                   if any(room in path.parents for room in arguments.only)}
-    if arguments.files:
-        wanted = {Path(file).resolve() for file in arguments.files}
-        entries = {path: entry for path, entry in entries.items() if path in wanted}
-    ordered = [entries[path] for path in sorted(entries)]
-    return ordered[arguments.share - 1::arguments.shares]
+    """Returns entries of the compile commands with all sources that are wanted, each once."""
+    files = {Path(file).resolve() for file in arguments.files}
+    seen, entries = set(), []
+    for entry in sorted(json.loads((arguments.build / "compile_commands.json").read_text()),
+                        key=lambda entry: entry["file"]):
+        sources = {path for path in checked_sources(entry, arguments.build)
+                   if path.suffix == ".cpp" and path.is_relative_to(ROOT)
+                   and (not arguments.only or any(room in path.parents for room in arguments.only))
+                   and (not files or path in files)}
+        if sources - seen:
+            entries.append(entry)
+            seen |= sources
+    return entries[arguments.share - 1::arguments.shares]
 
 
 def main():
@@ -136,7 +154,7 @@ def main():
             faulty += finding != ""
             print(finding, end="", flush=True)
     used = sum(os.times()[2:4])
-    print(f"{len(entries)} files in {used:.0f} seconds of the processor, "
+    print(f"{len(entries)} compilations in {used:.0f} seconds of the processor, "
           f"{faulty} of them with findings")
     sys.exit(faulty > 0)
 

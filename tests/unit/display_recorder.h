@@ -87,6 +87,7 @@ class EngineTest : public testing::Test {
   }
   ~EngineTest() override { restore(recordsAtStart()); }
 
+ public:
   EngineTest(const EngineTest&) = delete;
   EngineTest& operator=(const EngineTest&) = delete;
   EngineTest(EngineTest&&) = delete;

@@ -123,6 +123,8 @@ std::vector<std::string> MenuTest::markedItems(const Path& path) {
     const Picture& before = pictures.back();
     pressTimes(XK_Down);
     EXPECT_TRUE(eventually([&] { return !changedRows(before, picture()).empty(); }));
+    // The rest of the change may come after its first rows.
+    settle();
   }
   std::vector<std::string> marked;
   for (std::size_t i = 0; i < items.size(); ++i) {

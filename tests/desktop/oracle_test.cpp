@@ -26,6 +26,8 @@ Picture translucentNoise(int width, int height, std::uint32_t seed) {
 
 // The area of the scenes, with the view over them. The rest of the screen is for the bystander.
 constexpr Area stage{200, 100, 640, 480};
+// A corner of the screen for the window that shows when the screen is painted.
+constexpr Area markerPlace{1240, 760, 20, 20};
 
 class Oracle : public OnDesktop {
  protected:
@@ -34,6 +36,7 @@ class Oracle : public OnDesktop {
     sheets_ = std::make_unique<Scene>(display().name(), XCB_NONE);
   }
   void TearDown() override {
+    if (marker_ != XCB_NONE) xcb_destroy_window(x().connection(), marker_);
     while (sheets_ && sheets_->size() > 0) sheets_->remove(sheets_->at(0));
     sheets_.reset();
     OnDesktop::TearDown();
@@ -67,14 +70,43 @@ class Oracle : public OnDesktop {
     x().sync();
   }
 
-  // Returns the screen once it has stopped changing.
+  // Waits until the screen shows a window's new colour. A compositing manager paints in the order
+  // of events, so it has then painted everything before.
+  void waitUntilPainted() {
+    xcb_connection_t* const c = x().connection();
+    if (marker_ == XCB_NONE) {
+      marker_ = xcb_generate_id(c);
+      constexpr std::uint32_t unmanaged = 1;
+      xcb_create_window(c, XCB_COPY_FROM_PARENT, marker_, x().root(), i16(markerPlace.x),
+                        i16(markerPlace.y), u16(markerPlace.width), u16(markerPlace.height), 0,
+                        XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                        XCB_CW_OVERRIDE_REDIRECT, &unmanaged);
+      xcb_map_window(c, marker_);
+    }
+    // Events that others must answer first have then been sent.
+    sheets().client().sync();
+    x().restack(marker_, XCB_STACK_MODE_ABOVE);
+    markerColour_ = (markerColour_ + 0x204060U) & 0xFFFFFFU;
+    xcb_change_window_attributes(c, marker_, XCB_CW_BACK_PIXEL, &markerColour_);
+    xcb_clear_area(c, 0, marker_, 0, 0, 0, 0);
+    x().sync();
+    EXPECT_TRUE(eventually([&] {
+      const Picture seen = x().read(markerPlace);
+      return std::ranges::all_of(
+          seen.pixels, [&](std::uint32_t pixel) { return (pixel & 0xFFFFFFU) == markerColour_; });
+    })) << "The screen does not show the marker.";
+  }
+
+  // Returns the screen once it shows everything and has stopped changing.
   Picture restingScreen() {
     Picture last;
     EXPECT_TRUE(eventually(
         [&] {
           sheets().takeEvents();
+          waitUntilPainted();
           std::this_thread::sleep_for(std::chrono::milliseconds(150));
           Picture now = x().read(x().screenArea());
+          cover(now, markerPlace);
           const bool rests = now.pixels == last.pixels;
           last = std::move(now);
           return rests;
@@ -156,7 +188,16 @@ class Oracle : public OnDesktop {
   }
 
  private:
+  // Blackens a part of a picture.
+  static void cover(Picture& picture, const Area& part) {
+    for (int y = part.y; y < part.bottom(); ++y) {
+      std::fill_n(picture.pixels.begin() + y * picture.width + part.x, part.width, 0);
+    }
+  }
+
   std::unique_ptr<Scene> sheets_;
+  xcb_window_t marker_ = XCB_NONE;
+  std::uint32_t markerColour_ = 0;
 };
 
 TEST_P(Oracle, TheBackground) {
@@ -254,7 +295,7 @@ TEST_P(Oracle, AWindowThatGoes) {
   }));
 }
 
-// Tries repeatedly, because the compositing manager may not have drawn everything yet.
+// Copies repeatedly, because a copy may be out of date by chance.
 TEST_P(Oracle, TheClipboard) {
   hideUnknownBackground();
   addBystander();

@@ -59,9 +59,7 @@ TEST_F(OwnWindow, TheViewIsRightDuringADrag) {
 }
 
 TEST_F(OwnWindow, ADragOfItsTitleMovesIt) {
-  const Area before = outer();
-  dragMouse(before.x + 200, before.y + 8, 150, -77, 8);
-  ASSERT_TRUE(eventually([&] { return outer().x != before.x; }));
+  ASSERT_TRUE(dragTitle(main(), 150, -77));
   EXPECT_TRUE(viewShows(grey));
 }
 
@@ -142,7 +140,9 @@ TEST_F(OwnWindow, SpaceTakesItsFrameAndBringsItBack) {
   const Area inner = view();
   press(XK_space);
   EXPECT_TRUE(eventually([&] { return view() == framed; })) << testing::PrintToString(view());
-  EXPECT_EQ(x().numbers(main(), "_NET_FRAME_EXTENTS"), (std::vector<std::uint32_t>{0, 0, 0, 0}));
+  EXPECT_TRUE(eventually([&] {
+    return x().numbers(main(), "_NET_FRAME_EXTENTS") == std::vector<std::uint32_t>{0, 0, 0, 0};
+  }));
   EXPECT_TRUE(viewShows(grey));
   press(XK_space);
   EXPECT_TRUE(eventually([&] { return view() == inner; })) << testing::PrintToString(view());

@@ -124,10 +124,12 @@ TEST_P(Popups, TheProgramsOwnMenuIsAboveThem) {
   ASSERT_TRUE(eventually([this] { return openMenus().size() == 1; }));
   addPopup({own.x - 160, own.y + 70, 150, 150}, 22);
   ASSERT_TRUE(eventually([this] { return covers().size() == 2; }));
-  const auto stack = x().children(x().root());
-  const auto menu = std::ranges::find(stack, openMenus().front());
-  ASSERT_NE(menu, stack.end());
-  EXPECT_LT(std::ranges::find(stack, covers().front()), menu);
+  const xcb_window_t menu = openMenus().front();
+  EXPECT_TRUE(eventually([&] {
+    const auto stack = x().children(x().root());
+    return std::ranges::find(stack, covers().front()) < std::ranges::find(stack, menu);
+  }));
+  EXPECT_TRUE(x().isShown(menu));
   x().press(XK_Escape);
 }
 

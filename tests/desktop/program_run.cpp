@@ -223,6 +223,28 @@ void ProgramTest::dragMouse(int fromX, int fromY, int byX, int byY, int steps) {
   settle();
 }
 
+testing::AssertionResult ProgramTest::dragTitle(xcb_window_t window, int byX, int byY) {
+  const Area before = x().outerAreaOf(window);
+  const Area wanted{before.x + byX, before.y + byY, before.width, before.height};
+  const int left = before.x + 120;
+  const int top = before.y + 8;
+  x().moveMouse(left, top);
+  x().button(1, true);
+  // Repeats the last steps, because the window manager takes the first of them as the beginning.
+  const bool moved = eventually([&] {
+    x().moveMouse(left + byX - 1, top + byY);
+    x().moveMouse(left + byX, top + byY);
+    return x().outerAreaOf(window) == wanted;
+  });
+  // Holds the button until the program knows of the move, because it asks who holds the window.
+  settle();
+  x().button(1, false);
+  settle();
+  if (moved) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << testing::PrintToString(x().outerAreaOf(window))
+                                     << " instead of " << testing::PrintToString(wanted);
+}
+
 std::vector<xcb_window_t> ProgramTest::openMenus() const {
   return findWindows(true);
 }

@@ -80,6 +80,8 @@ class ProgramTest : public testing::Test {
                const std::vector<xcb_keysym_t>& holding = {});
   void turnWheel(bool up, int times);
   void dragMouse(int fromX, int fromY, int byX, int byY, int steps = 5);
+  // Drags a window by its title, and succeeds once the window has moved that far.
+  testing::AssertionResult dragTitle(xcb_window_t window, int byX, int byY);
   // Returns the program's open popup menus in the order in which they opened.
   std::vector<xcb_window_t> openMenus() const;
   // Returns when the program has handled everything sent before.

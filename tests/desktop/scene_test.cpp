@@ -22,11 +22,13 @@ class Beneath : public ProgramTest {
     const Area area = view();
     return {area.x + x, area.y + y, width, height};
   }
-  // Moves a framed window; the window manager decides on the final place.
+  // Moves a framed window, frame included. The window manager decides where the inside then is.
   void moveFramed(Sheet& sheet, int left, int top) {
-    const Area before = x().areaOf(sheet.window);
     x().move(sheet.window, left, top);
-    ASSERT_TRUE(eventually([&] { return x().areaOf(sheet.window) != before; }));
+    ASSERT_TRUE(eventually([&] {
+      const Area outer = x().outerAreaOf(sheet.window);
+      return outer.x == left && outer.y == top;
+    })) << testing::PrintToString(x().outerAreaOf(sheet.window));
     sheet.place = x().areaOf(sheet.window);
   }
 };

@@ -140,7 +140,7 @@ TEST_F(Soak, NothingGrows) {
     if (mark > minutes || marks.contains(mark)) continue;
     while (Clock::now() - begin < std::chrono::minutes(mark)) {
       act();
-      ASSERT_TRUE(process().isRunning());
+      ASSERT_TRUE(process().isRunning()) << "The result is " << *process().result();
       if (HasFatalFailure()) return;
     }
     marks[mark] = rest();

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "program_run.h"
+#include "x_resources.h"
 
 namespace tintora::desktop_test {
 namespace {
@@ -179,6 +180,30 @@ TEST_F(Start, AServerWithOtherMemoryGetsNone) {
   EXPECT_TRUE(viewShows(expected::inverted()));
   end();
   EXPECT_EQ(readFile(folder() + "/foreign-memory"), "untouched");
+}
+
+// A window that is listed twice would be followed twice.
+TEST_F(Start, AWindowThatComesAtTheStartIsListedOnce) {
+  useDisplay({}, Manager::None);
+  preload(TINTORA_EARLY_WINDOW);
+  storeValues({{"Selected", 5}, {"ColorSpace", 0}});
+  start();
+  xcb_window_t early = XCB_NONE;
+  for (const xcb_window_t window : x().children(x().root())) {
+    if (x().text(window, "WM_NAME") == "early") early = window;
+  }
+  ASSERT_NE(early, xcb_window_t{XCB_NONE});
+  x().restack(main(), XCB_STACK_MODE_ABOVE);
+  const Picture background = x().read({1, 1, 1, 1});
+  scene().setBackdrop(solid(1, 1, 0xE06010));
+  ASSERT_TRUE(viewShows(expected::inverted(), x().areaOf(early)));
+  const auto followed = [this] { return resourcesOf(x(), process().id())["DamageExt"]; };
+  const std::uint32_t before = followed();
+  xcb_destroy_window(x().connection(), early);
+  x().sync();
+  scene().setBackdrop(background);
+  EXPECT_TRUE(viewShows(expected::inverted()));
+  EXPECT_EQ(before - followed(), 1U);
 }
 
 TEST_F(Start, WithoutAWindowManagerItWorks) {

@@ -72,7 +72,8 @@ TEST_F(ResizedViews, OfFiveHundredSizesLeaveNothingBehind) {
   resizeTo({});
   EXPECT_TRUE(comesToShow(before));
   EXPECT_TRUE(cubeIsAsTurned());
-  EXPECT_EQ(resourcesOf(x(), process().id()), resources);
+  EXPECT_TRUE(eventually([&] { return resourcesOf(x(), process().id()) == resources; }))
+      << testing::PrintToString(resourcesOf(x(), process().id()));
   EXPECT_EQ(openFiles(), files);
   constexpr long kilobytes = 16 * 1024;
   EXPECT_LT(process().memory() - memory, kilobytes);

@@ -35,7 +35,6 @@ class XDisplay {
   // Starts a compositing manager, and returns when it composes the screen.
   void startCompositor();
   void endCompositor();
-  // Stops the window manager for a while.
   // Stops the window manager for a while. The future's destructor waits until it goes on.
   [[nodiscard]] std::future<void> holdManager(std::chrono::milliseconds duration);
   void endServer() { server_->signal(SIGTERM); }

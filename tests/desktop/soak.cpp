@@ -140,7 +140,8 @@ TEST_F(Soak, NothingGrows) {
     if (mark > minutes || marks.contains(mark)) continue;
     while (Clock::now() - begin < std::chrono::minutes(mark)) {
       act();
-      ASSERT_TRUE(process().isRunning()) << "The result is " << *process().result();
+      ASSERT_TRUE(process().isRunning())
+          << "The result is " << *process().result() << ". " << readFile(errorsFile());
       if (HasFatalFailure()) return;
     }
     marks[mark] = rest();

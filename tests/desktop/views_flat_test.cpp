@@ -144,6 +144,43 @@ TEST_F(ViewsTest, LabelsHaveTheFiguresOfTheirWavelengths) {
   }
 }
 
+// Returns the middle of the ink in an area, in pixels from its left edge, weighted by coverage.
+double middleOfInk(const Picture& picture, const Area& area) {
+  const double background = colourOf(viewBackground)[0];
+  double ink = 0;
+  double sum = 0;
+  for (int y = area.y; y < area.bottom(); ++y) {
+    for (int x = area.x; x < area.right(); ++x) {
+      const double share = std::abs(colourOf(picture.at(x, y))[0] - background);
+      ink += share;
+      sum += share * (x - area.x + 0.5);
+    }
+  }
+  return ink > 0 ? sum / ink : 0;
+}
+
+// In this typeface and its substitutes, all figures are 0.556 em wide, which is in their published
+// metrics, and stand in the middle of that width.
+TEST_F(ViewsTest, LabelsBeginAtTheirPixels) {
+  constexpr double em = 12;
+  constexpr double middle = 3 * 0.556 * em / 2;
+  for (const PictureSize& size : pictureSizes) {
+    startWith(View::Curves, size);
+    const Picture picture = shown();
+    std::vector<Area> labels = curveLabelAreas(size);
+    labels.pop_back();  // ends with a unit
+    double sum = 0;
+    for (const Area& label : labels) {
+      const Area text{label.x + 2, label.y + 1, 24, label.height};
+      sum += middleOfInk(picture, text);
+      EXPECT_NEAR(middleOfInk(picture, text), middle, 0.9) << label.x;
+    }
+    // A part of a pixel, because the figures are not quite symmetrical.
+    EXPECT_NEAR(sum / static_cast<double>(labels.size()), middle, 0.5);
+    end();
+  }
+}
+
 struct Peaks {
   double s = 420.7;
   double m = 530.3;

@@ -51,6 +51,17 @@ class Popups : public OnDesktop {
     for (std::uint32_t& pixel : pixels) pixel &= 0xFFFFFFU;
     return pixels;
   }
+  // Returns true if a window is shown and not beneath a guard window, where some window managers
+  // keep minimised ones.
+  bool isOnScreen(xcb_window_t window) const {
+    const xcb_window_t outer = x().topLevelOf(window);
+    bool above = false;
+    for (const xcb_window_t child : x().children(x().root())) {
+      if (child == outer) above = true;
+      if (x().text(child, "WM_NAME").ends_with("guard window")) above = false;
+    }
+    return above && x().isShown(window);
+  }
   std::vector<xcb_window_t> covers() const {
     std::vector<xcb_window_t> found = x().children(x().root());
     std::erase_if(found, [this](xcb_window_t window) {
@@ -111,6 +122,26 @@ TEST_P(Popups, TheyAreAsBeforeWhenFullScreenEnds) {
   end();
   EXPECT_TRUE(eventually([&] { return isUnfiltered(popup); }));
   EXPECT_EQ(readFile(errorsFile()), "");
+}
+
+TEST_P(Popups, TheyAreAsBeforeWhileItIsMinimised) {
+  if (GetParam().manager == Manager::I3) GTEST_SKIP() << "The window manager minimises no windows.";
+  fillScreen();
+  Sheet& popup = addPopup();
+  ASSERT_TRUE(showsGrey());
+  constexpr std::uint32_t iconic = 3;
+  x().tellManager(main(), "WM_CHANGE_STATE", {iconic});
+  EXPECT_TRUE(eventually([&] { return covers().empty(); }));
+  EXPECT_TRUE(eventually([&] { return isUnfiltered(popup); }));
+  x().tellManager(main(), "_NET_ACTIVE_WINDOW", {2, 0, 0});
+  xcb_map_window(x().connection(), main());
+  x().sync();
+  ASSERT_TRUE(eventually([&] { return isOnScreen(main()); }));
+  ASSERT_TRUE(eventually([&] { return view() == x().screenArea(); }));
+  raise(popup);
+  // The window manager may put the window beneath the scene once more.
+  EXPECT_TRUE(showsGrey() || showsGrey());
+  EXPECT_FALSE(covers().empty());
 }
 
 TEST_P(Popups, TheProgramsOwnMenuIsAboveThem) {

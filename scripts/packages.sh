@@ -26,7 +26,7 @@ test_packages=(python3 clang clang-format libclang-rt-14-dev "${lint_packages[@]
   g++-aarch64-linux-gnu qemu-user googletest
   pipewire pipewire-bin libpipewire-0.3-modules wireplumber mutter xwayland foot
   picom xcompmgr dbus-daemon fluxbox i3-wm icewm twm xfwm4
-  libxcb-res0-dev libxcb-xtest0-dev chromium
+  libice-dev libsm-dev libxcb-res0-dev libxcb-xtest0-dev chromium
   fish groff-base mandoc zsh appstream desktop-file-utils)
 
 # A virtual display with a window manager and software graphics.

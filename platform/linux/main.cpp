@@ -124,10 +124,24 @@ void endOnSignals(QSocketNotifier& notifier) {
     static_cast<void>(std::signal(signal, &onSignal));
 }
 
+// Ends the program when the session manager says so. Qt would ask each window to close, and those
+// that hide instead would keep the program running.
+class SessionsEnd : public QObject {
+ public:
+  bool eventFilter(QObject* /*application*/, QEvent* event) override {
+    if (event->type() != QEvent::Quit) return false;
+    tintora::platform::quit(0);
+    return true;
+  }
+};
+
 // Follows the session manager's notice that the session ends, and tells it how to start the program
 // again. By default, Qt would add an option whose letters would be taken for the program's.
-void followSession(const QApplication& application, int count, char** arguments) {
+void followSession(QApplication& application, int count, char** arguments) {
   using tintora::platform::tellSessionEnds;
+  static SessionsEnd sessionsEnd;
+  QGuiApplication::setQuitOnLastWindowClosed(false);
+  application.installEventFilter(&sessionsEnd);
   QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
                    [] { tellSessionEnds(); });
   QStringList command;
@@ -198,7 +212,7 @@ int main(int count, char** arguments) {
   if (showsMirror(options)) tintora::platform::useMirror(options.choose);
   // Keeps the arguments from Qt, because they are the program's.
   int ownName = 1;
-  const QApplication application(ownName, arguments);
+  QApplication application(ownName, arguments);
   followSession(application, count, arguments);
   tintora::platform::followWindowManager();
   tintora::platform::followMonitors(&tintora::platform::onMonitorsChanged);

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "program_run.h"
+#include "session_manager.h"
 
 namespace tintora::desktop_test {
 namespace {
@@ -71,6 +72,26 @@ TEST_F(Settings, SignalsThatEndTheProgramDoNotLoseThem) {
     expectNormalEnd();
     EXPECT_EQ(storedValues()["Selected"], 4) << number;
   }
+}
+
+// A program that is asked to save cannot know when it will be ended.
+TEST_F(Settings, TheSessionsEndSavesThemAtOnce) {
+  SessionManager session;
+  setVariables({{"SESSION_MANAGER", session.address()}});
+  storeValues({{"Selected", 1}});
+  start({"-st"});
+  ASSERT_TRUE(eventually([&] { return session.timesSaved() == 1; }));
+  press(XK_g);
+  ASSERT_TRUE(titleBecomes("Greyscale"));
+  ASSERT_EQ(storedValues()["Selected"], 1);
+  session.announceEnd();
+  ASSERT_TRUE(eventually([&] { return session.timesSaved() == 2; }));
+  EXPECT_EQ(storedValues()["Selected"], 4);
+  EXPECT_TRUE(process().isRunning());
+  EXPECT_EQ(session.restartCommand(), (std::vector<std::string>{programPath, "-st"}));
+  session.endProgram();
+  expectNormalEnd();
+  EXPECT_EQ(storedValues()["Selected"], 4);
 }
 
 // This happens at the end of a session.

@@ -1,6 +1,7 @@
 #include "shell/main.h"
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -107,6 +108,13 @@ void prepareQt() {
   QGuiApplication::setDesktopFileName("tintora");
 }
 
+// Has the memory of large pictures returned to the system as soon as they are gone. Among small
+// blocks, the space that they leave would stay with the process.
+void keepPicturesApart() {
+  constexpr int bytes = 1 << 20;
+  static_cast<void>(mallopt(M_MMAP_THRESHOLD, bytes));
+}
+
 // A signal to end must not lose the settings, so it becomes an event of the loop.
 std::array<int, 2> signalPipe{-1, -1};
 
@@ -206,6 +214,7 @@ int main(int count, char** arguments) {
     return 1;
   }
   prepareQt();
+  keepPicturesApart();
   std::vector<char*> given(arguments, arguments + count);
   const PictureOptions options = takePictureOptions(given);
   tintora::platform::setArguments(static_cast<int>(given.size()), given.data());

@@ -21,6 +21,14 @@ Picture partOf(const Picture& picture, const Area& area) {
   return part;
 }
 
+// Replaces a part of a picture by the same part of another one.
+void replacePart(Picture& picture, const Picture& other, const Area& part) {
+  for (int y = part.y; y < part.bottom(); ++y) {
+    const auto start = static_cast<std::ptrdiff_t>(y) * picture.width + part.x;
+    std::copy_n(other.pixels.begin() + start, part.width, picture.pixels.begin() + start);
+  }
+}
+
 TEST_F(MirrorPicture, EveryFormatIsShownWithItsRowsAndItsCrop) {
   startMirror();
   struct Layout {
@@ -61,26 +69,27 @@ TEST_F(MirrorPicture, OnlyWhatIsSaidToHaveChangedIsDrawn) {
   startMirror();
   Picture picture = showNoise(400, 300, 1);
   session().send("part 50 60 111 33 2");
-  const Picture next = noise(400, 300, 2);
-  for (int y = 60; y < 93; ++y) {
-    for (int x = 50; x < 161; ++x) {
-      const auto i = static_cast<std::size_t>(y * 400 + x);
-      picture.pixels[i] = next.pixels[i];
-    }
-  }
+  replacePart(picture, noise(400, 300, 2), {50, 60, 111, 33});
   EXPECT_TRUE(viewHas(picture, expected::greyscale()));
 }
 
 TEST_F(MirrorPicture, BuffersWithoutPixelsAreSkipped) {
   startMirror();
-  const Picture picture = showNoise(400, 300, 1);
-  session().send("empty");
-  session().send("broken");
-  session().send("part 0 0 10 10 1");
+  Picture picture = showNoise(400, 300, 1);
+  // Each buffer without pixels says that everything has changed. The next one has another picture
+  // everywhere, so it shows whether that was believed.
+  std::uint32_t seed = 1;
+  for (const char* const without : {"empty", "broken"}) {
+    ++seed;
+    session().send(without);
+    session().send("part 0 0 10 10 " + std::to_string(seed));
+    replacePart(picture, noise(400, 300, seed), {0, 0, 10, 10});
+    EXPECT_TRUE(viewHas(picture, expected::greyscale())) << without;
+  }
   press(XK_i);
   EXPECT_TRUE(viewHas(picture, expected::inverted()));
-  session().send("frame 2");
-  EXPECT_TRUE(viewHas(noise(400, 300, 2), expected::inverted()));
+  session().send("frame 4");
+  EXPECT_TRUE(viewHas(noise(400, 300, 4), expected::inverted()));
 }
 
 TEST_F(MirrorPicture, APictureLargerThanTheScreenIsScaledDown) {
@@ -102,13 +111,7 @@ TEST_F(MirrorPicture, APictureLargerThanTheScreenIsScaledDown) {
                       expected::greyscale(), 2));
   session().send("part 1000 700 500 400 2");
   Picture changed = picture;
-  const Picture next = noise(3200, 2400, 2);
-  for (int y = 700; y < 1100; ++y) {
-    for (int x = 1000; x < 1500; ++x) {
-      const auto i = static_cast<std::size_t>(y * 3200 + x);
-      changed.pixels[i] = next.pixels[i];
-    }
-  }
+  replacePart(changed, noise(3200, 2400, 2), {1000, 700, 500, 400});
   EXPECT_TRUE(partHas([this] { return view(); }, scaledByArea(changed, area.width, area.height),
                       expected::greyscale(), 2));
 }

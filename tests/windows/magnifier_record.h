@@ -93,6 +93,7 @@ struct MagnifierRecord {
   std::atomic<std::uint32_t> marker;          // the last one reached
   std::atomic<std::uint64_t> paints;          // the latest are in the ring below, as with calls
   std::atomic<std::uint64_t> titleSets;       // WM_SETTEXT to any of the program's windows
+  std::atomic<std::uint64_t> looks;           // for messages, by PeekMessage
   std::atomic<std::uint64_t> copies;          // how many of these confirmed a copy
   std::atomic<std::uint64_t> copiedAt;        // when the latest of them was set, by GetTickCount64
   std::atomic<std::uint64_t> renamedAt;       // when the main window last got any other title
@@ -111,6 +112,7 @@ struct MagnifierRecord {
   RecordedClass windowClass;
   std::uint32_t graphicsObjects;
   std::uint32_t userObjects;
+  std::uint32_t handles;
   std::uint64_t processorTime;  // used by the program so far, in units of 100 ns
   std::array<RecordedCall, recordedCalls> call;
   std::array<RecordedMenuItem, recordedMenuItems> menuItem;

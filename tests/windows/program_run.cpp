@@ -310,7 +310,8 @@ const RecordedClass& ProgramTest::classOf(HWND window) {
 
 ProgramTest::Objects ProgramTest::objects() {
   ask(CountObjects, 0);
-  return {magnifierRecord().graphicsObjects, magnifierRecord().userObjects};
+  const MagnifierRecord& record = magnifierRecord();
+  return {record.graphicsObjects, record.userObjects, record.handles};
 }
 
 double ProgramTest::processorTime() {

@@ -117,6 +117,7 @@ class ProgramTest : public testing::Test {
   struct Objects {
     std::uint32_t graphics = 0;
     std::uint32_t user = 0;
+    std::uint32_t handles = 0;
     bool operator==(const Objects&) const = default;
   };
   Objects objects();

@@ -58,6 +58,7 @@ struct Originals {
   decltype(ShowWindow)* show = nullptr;
   decltype(SetTimer)* setTimer = nullptr;
   decltype(DefWindowProcW)* handleByDefault = nullptr;
+  decltype(PeekMessageW)* look = nullptr;
   decltype(RegOpenKeyExA)* openKey = nullptr;
   decltype(RegCreateKeyExA)* createKey = nullptr;
 };
@@ -107,6 +108,11 @@ LRESULT WINAPI handleByDefault(HWND window, UINT message, WPARAM first, LPARAM s
   return originals.handleByDefault(window, message, first, second);
 }
 
+BOOL WINAPI look(LPMSG message, HWND window, UINT first, UINT last, UINT remove) {
+  ++record->looks;
+  return originals.look(message, window, first, last, remove);
+}
+
 LSTATUS WINAPI openKey(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key) {
   if (record->refusal == Refusal::SettingsKey) return ERROR_ACCESS_DENIED;
   return originals.openKey(root, path, options, access, key);
@@ -129,6 +135,7 @@ void watchCalls(MagnifierRecord& written) {
       .show = replace("ShowWindow", &show),
       .setTimer = replace("SetTimer", &setTimer),
       .handleByDefault = replace("DefWindowProcW", &handleByDefault),
+      .look = replace("PeekMessageW", &look),
       .openKey = replace("RegOpenKeyExA", &openKey),
       .createKey = replace("RegCreateKeyExA", &createKey),
   };

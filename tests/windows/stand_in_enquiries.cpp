@@ -70,6 +70,16 @@ std::uint32_t countUserHandles() {
   return count;
 }
 
+// Counts handles by trying every one, for desktops that do not count them.
+std::uint32_t countHandles() {
+  std::uint32_t count = 0;
+  for (std::uintptr_t handle = 4; handle <= 0xffff; handle += 4) {
+    DWORD flags = 0;
+    if (GetHandleInformation(reinterpret_cast<HANDLE>(handle), &flags) != 0) ++count;
+  }
+  return count;
+}
+
 }  // namespace
 
 void readMenu(MagnifierRecord& record, HMENU menu) {
@@ -93,6 +103,9 @@ void readClass(MagnifierRecord& record, HWND window) {
 void countObjects(MagnifierRecord& record) {
   record.graphicsObjects = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
   record.userObjects = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+  DWORD handles = 0;
+  GetProcessHandleCount(GetCurrentProcess(), &handles);
+  record.handles = handles == 0 ? countHandles() : handles;
   if (record.graphicsObjects == 0) record.graphicsObjects = countGraphicsHandles();
   if (record.userObjects == 0) record.userObjects = countUserHandles();
 }

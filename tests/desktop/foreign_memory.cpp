@@ -42,33 +42,33 @@ ForeignMemory foreign;
 
 }  // namespace
 
-extern "C" xcb_void_cookie_t xcb_shm_attach_fd_checked(xcb_connection_t* connection,
-                                                       xcb_shm_seg_t segment, std::int32_t file,
-                                                       std::uint8_t readOnly) {
+// The parameters have the names that the library gives them.
+extern "C" xcb_void_cookie_t xcb_shm_attach_fd_checked(xcb_connection_t* c, xcb_shm_seg_t shmseg,
+                                                       std::int32_t shm_fd,
+                                                       std::uint8_t read_only) {
   const auto attach = reinterpret_cast<decltype(&xcb_shm_attach_fd_checked)>(
       dlsym(RTLD_NEXT, "xcb_shm_attach_fd_checked"));
   struct stat facts {};
-  fstat(file, &facts);
-  close(file);
+  fstat(shm_fd, &facts);
+  close(shm_fd);
   const int other = memfd_create("foreign", MFD_CLOEXEC);
   const auto size = static_cast<std::size_t>(facts.st_size);
   if (ftruncate(other, facts.st_size) != 0) std::abort();
   foreign.add(mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, other, 0), size);
-  return attach(connection, segment, other, readOnly);
+  return attach(c, shmseg, other, read_only);
 }
 
-extern "C" xcb_void_cookie_t xcb_shm_attach_checked(xcb_connection_t* connection,
-                                                    xcb_shm_seg_t segment, std::uint32_t id,
-                                                    std::uint8_t readOnly) {
+extern "C" xcb_void_cookie_t xcb_shm_attach_checked(xcb_connection_t* c, xcb_shm_seg_t shmseg,
+                                                    std::uint32_t shmid, std::uint8_t read_only) {
   const auto attach = reinterpret_cast<decltype(&xcb_shm_attach_checked)>(
       dlsym(RTLD_NEXT, "xcb_shm_attach_checked"));
   shmid_ds facts{};
-  shmctl(static_cast<int>(id), IPC_STAT, &facts);
+  shmctl(static_cast<int>(shmid), IPC_STAT, &facts);
   const int other = shmget(IPC_PRIVATE, facts.shm_segsz, IPC_CREAT | 0600);
   foreign.add(shmat(other, nullptr, 0), facts.shm_segsz);
-  const auto cookie = attach(connection, segment, static_cast<std::uint32_t>(other), readOnly);
+  const auto cookie = attach(c, shmseg, static_cast<std::uint32_t>(other), read_only);
   // After this reply, both have attached the memory.
-  std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+  std::free(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr));
   shmctl(other, IPC_RMID, nullptr);
   return cookie;
 }

@@ -5,9 +5,14 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
+
+#include "cli/byte_stream.h"
+#include "cli/image.h"
 
 namespace tintora::cli {
 

@@ -58,7 +58,11 @@ TEST_F(MirrorPicture, EveryFormatIsShownWithItsRowsAndItsCrop) {
 
 TEST_F(MirrorPicture, AnotherMatrixShowsTheLastFrame) {
   startMirror();
-  const Picture picture = showNoise(400, 300, 1);
+  Picture picture = showNoise(400, 300, 1);
+  // The source repeats its first frame, but not this one.
+  session().send("part 0 0 10 10 2");
+  replacePart(picture, noise(400, 300, 2), {0, 0, 10, 10});
+  ASSERT_TRUE(viewHas(picture, expected::greyscale()));
   press(XK_i);
   EXPECT_TRUE(viewHas(picture, expected::inverted()));
   session().send("frame 2");

@@ -59,7 +59,7 @@ struct SessionManager::Protocol {
   static void onClosed(SmsConn connection, SmPointer data, int count, char** reasons) {
     of(data).program = nullptr;
     SmFreeReasons(count, reasons);
-    IceConn const transport = SmsGetIceConnection(connection);
+    IceConn transport = SmsGetIceConnection(connection);
     SmsCleanUp(connection);
     IceSetShutdownNegotiation(transport, False);
     IceCloseConnection(transport);
@@ -96,7 +96,7 @@ struct SessionManager::Protocol {
 
   void accept(IceListenObj listener) {
     IceAcceptStatus status{};
-    IceConn const connection = IceAcceptConnection(listener, &status);
+    IceConn connection = IceAcceptConnection(listener, &status);
     if (connection == nullptr) return;
     while (IceConnectionStatus(connection) == IceConnectPending) {
       IceProcessMessages(connection, nullptr, nullptr);
@@ -112,7 +112,7 @@ struct SessionManager::Protocol {
       files.push_back({IceGetListenConnectionNumber(listeners[i]), POLLIN, 0});
     }
     const std::vector<IceConn> before = connections;
-    for (IceConn const connection : before) {
+    for (IceConn connection : before) {
       files.push_back({IceConnectionNumber(connection), POLLIN, 0});
     }
     if (poll(files.data(), files.size(), milliseconds) <= 0) return;

@@ -1,14 +1,13 @@
 // The real program in a real Wayland session: a compositor with Xwayland records a Wayland
 // program's window or its monitor.
 #include <cstdlib>
+#include <filesystem>
 
 #include "mirror_run.h"
 
 namespace tintora::mirror_test {
 namespace {
 
-using desktop_test::colourOf;
-using desktop_test::filtered;
 using desktop_test::readFile;
 using desktop_test::XClient;
 

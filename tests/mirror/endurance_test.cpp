@@ -41,7 +41,7 @@ class MirrorEndurance : public MirrorTest {
 
 TEST_F(MirrorEndurance, StreamsThatEndLeaveNothingBehind) {
   const char* const wanted = std::getenv("TINTORA_STREAMS");
-  const int streams = wanted == nullptr ? 30 : std::atoi(wanted);
+  const int streams = wanted == nullptr ? 30 : std::stoi(wanted);
   startMirror();
   const Picture picture = showNoise(320, 240, 1);
   constexpr int warmUp = 10;

@@ -1,4 +1,6 @@
 // The mirror's picture, pixel by pixel: formats, rows, crops, sizes, changes and the copy.
+#include <cmath>
+
 #include "../desktop/clipboard_reader.h"
 #include "mirror_run.h"
 

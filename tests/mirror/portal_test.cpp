@@ -6,7 +6,6 @@
 namespace tintora::mirror_test {
 namespace {
 
-using desktop_test::noise;
 using desktop_test::readFile;
 
 class MirrorPortal : public MirrorTest {

@@ -88,7 +88,7 @@ def checks_for(entry, arguments):
 
 def command_for(entry, arguments):
     target = [f"--target={arguments.target}"] if arguments.target else []
-    plugin = ["-load", arguments.plugin] if arguments.plugin else []
+    plugin = ["-load", str(arguments.plugin)] if arguments.plugin else []
     return ["clang-tidy", "--quiet", *plugin, f"--checks={checks_for(entry, arguments)}",
             entry["file"], "--", "-Wno-unknown-warning-option", *target, *options_of(entry)]
 
@@ -134,7 +134,8 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--build", type=lambda path: Path(path).resolve(), required=True,
                         help="a folder with compile_commands.json")
-    parser.add_argument("--plugin", help="the plugin that keeps clang-tidy to the project's code")
+    parser.add_argument("--plugin", type=lambda path: Path(path).resolve(),
+                        help="the plugin that keeps clang-tidy to the project's code")
     parser.add_argument("--target", help="what the compile commands build for, if not this machine")
     parser.add_argument("--only", type=lambda path: Path(path).resolve(), action="append",
                         help="a folder of sources")

@@ -18,16 +18,12 @@ void addChoice(CLI::App& command, const std::string& name, Value& value,
                const std::map<std::string, Value>& choices, const std::string& description) {
   std::vector<std::string> words;
   for (const auto& [word, ignored] : choices) words.push_back(word);
-  CLI::Option& option = *command
-                             .add_option_function<std::string>(
-                                 name,
-                                 [name, &value, choices](const std::string& text) {
-                                   value = findNamed(name, text, choices, [](const auto& choice) {
-                                             return choice.first;
-                                           }).second;
-                                 },
-                                 description)
-                             ->type_name("NAME");
+  const auto choose = [name, &value, choices](const std::string& text) {
+    const auto wordOf = [](const auto& choice) { return choice.first; };
+    value = findNamed(name, text, choices, wordOf).second;
+  };
+  CLI::Option& option =
+      *command.add_option_function<std::string>(name, choose, description)->type_name("NAME");
   noteWords(option, words);
 }
 

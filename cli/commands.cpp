@@ -11,6 +11,7 @@
 #include "cli/batch.h"
 #include "cli/choice_option.h"
 #include "cli/curves_command.h"
+#include "cli/exit_status.h"
 #include "cli/list_command.h"
 #include "cli/messages.h"
 #include "cli/output_file.h"
@@ -19,9 +20,6 @@
 namespace tintora::cli {
 
 namespace {
-
-constexpr int exitRun = 1;
-constexpr int exitFindings = 3;
 
 void print(const std::string& text) {
   writeStandardOutput(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
@@ -65,7 +63,7 @@ int runFilter(const Request& request) {
     complain(std::to_string(failed) + " of " + std::to_string(names.size()) +
              " images could not be filtered");
   }
-  return exitRun;
+  return exitFailed;
 }
 
 void declareCurves(CLI::App& command, Request& request) {
@@ -91,7 +89,7 @@ int runCheck(const Request& request) {
   refuseTransformOptions(request, "check");
   const CheckedInput checked = checkInput(request.check);
   print(formatCheck(request.check, checked));
-  return checked.check.findings.empty() ? 0 : exitFindings;
+  return checked.check.findings.empty() ? exitDone : exitFindings;
 }
 
 void declareReport(CLI::App& command, Request& request) {

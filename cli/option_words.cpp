@@ -2,6 +2,8 @@
 
 #include <sstream>
 
+#include "cli/text.h"
+
 namespace tintora::cli {
 
 namespace {
@@ -13,10 +15,8 @@ constexpr const char* noteName = "words";
 // CLI11 keeps validators with their option. One that is not active checks nothing and is not shown
 // in the help, so its description holds the words.
 void noteWords(CLI::Option& option, const std::vector<std::string>& words) {
-  std::string joined;
-  for (const std::string& word : words) joined += (joined.empty() ? "" : " ") + word;
   const auto accept = [](std::string& /*argument*/) { return std::string(); };
-  option.check(CLI::Validator(accept, joined, noteName).active(false));
+  option.check(CLI::Validator(accept, joined(words, " "), noteName).active(false));
 }
 
 std::vector<std::string> notedWords(CLI::Option& option) {

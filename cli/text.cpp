@@ -92,6 +92,15 @@ std::string shortest(double value) {
   return shortestDecimal(value);
 }
 
+std::string joined(const std::vector<std::string>& texts, std::string_view between) {
+  std::string whole;
+  for (const std::string& text : texts) {
+    if (!whole.empty()) whole += between;
+    whole += text;
+  }
+  return whole;
+}
+
 std::string toUtf8(std::string_view text) {
   if (isUtf8(text)) return std::string(text);
   std::string converted;

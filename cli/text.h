@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tintora::cli {
 
@@ -11,6 +12,9 @@ namespace tintora::cli {
 // such.
 std::string shortest(float value);
 std::string shortest(double value);
+
+// Returns the texts in one, with something between them.
+std::string joined(const std::vector<std::string>& texts, std::string_view between);
 
 // The program's single-byte text as UTF-8. Text that is valid UTF-8 already is a name from a file
 // in that encoding and stays; anything else is Windows-1252.

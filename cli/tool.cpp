@@ -11,15 +11,13 @@
 #include <string>
 
 #include "cli/commands.h"
+#include "cli/exit_status.h"
 #include "cli/messages.h"
 #include "cli/output_file.h"
 
 namespace tintora::cli {
 
 namespace {
-
-constexpr int exitRun = 1;
-constexpr int exitUsage = 2;
 
 int parseAndRun(int argc, const char* const* argv) {
   Request request;
@@ -56,7 +54,7 @@ int runTool(int argc, const char* const* argv) {
   } catch (const std::exception& error) {
     complain(error.what());
   }
-  return exitRun;
+  return exitFailed;
 }
 
 }  // namespace tintora::cli

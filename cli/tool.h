@@ -3,8 +3,8 @@
 
 namespace tintora::cli {
 
-// Does what a command line asks for. Returns the exit status: 0, 1 if a command failed, 2 if the
-// command line is wrong; what failed is one line on standard error.
+// Does what a command line asks for. Returns the exit status, by exit_status.h. What failed is one
+// line on standard error.
 int runTool(int argc, const char* const* argv);
 
 }  // namespace tintora::cli

@@ -1,18 +1,9 @@
 #include "cli/documents/completions.h"
+#include "cli/text.h"
 
 namespace tintora::cli {
 
 namespace {
-
-// Joins the texts with something between them.
-std::string join(const std::vector<std::string>& texts, std::string_view between) {
-  std::string joined;
-  for (const std::string& text : texts) {
-    if (!joined.empty()) joined += between;
-    joined += text;
-  }
-  return joined;
-}
 
 std::vector<std::string> dashedNames(const DeclaredCommand& command, bool onlyWithValue) {
   std::vector<std::string> names;
@@ -27,9 +18,9 @@ std::vector<std::string> dashedNames(const DeclaredCommand& command, bool onlyWi
 std::string bashAction(const DeclaredOption& option) {
   switch (valueKind(option)) {
     case ValueKind::Word:
-      return "_tintora_cli_words '" + join(option.words, " ") + "'";
+      return "_tintora_cli_words '" + joined(option.words, " ") + "'";
     case ValueKind::WordList:
-      return "_tintora_cli_list '" + join(option.words, " ") + "'";
+      return "_tintora_cli_list '" + joined(option.words, " ") + "'";
     case ValueKind::File:
       return "_tintora_cli_paths -f";
     case ValueKind::Folder:
@@ -52,10 +43,10 @@ void appendCases(std::string& script, const DeclaredCommand& command, const std:
       std::string& pattern = patterns.emplace_back("'");
       pattern.append(name).append(" ").append(dashed).append(" '*");
     }
-    script += "    " + join(patterns, " | ") + ") " + bashAction(option) + " ;;\n";
+    script += "    " + joined(patterns, " | ") + ") " + bashAction(option) + " ;;\n";
   }
   script += "    '" + name + " '*' -'*) _tintora_cli_words '" +
-            join(dashedNames(command, false), " ") + "' ;;\n";
+            joined(dashedNames(command, false), " ") + "' ;;\n";
   script += "    '" + name + " '*) " + plainAction + " ;;\n";
 }
 
@@ -94,13 +85,13 @@ _tintora_cli() {
   for ((i = 1; i < COMP_CWORD; i++)); do
     case ${COMP_WORDS[i]} in
 )";
-  script += "      " + join(dashedNames(tool.tool, true), " | ") + R"()
+  script += "      " + joined(dashedNames(tool.tool, true), " | ") + R"()
         i=$((i + 1))
         [[ ${COMP_WORDS[i]} != = ]] || i=$((i + 1))
         ;;
       -*) ;;
 )";
-  script += "      " + join(names, " | ") + R"()
+  script += "      " + joined(names, " | ") + R"()
         command=${COMP_WORDS[i]}
         break
         ;;
@@ -113,7 +104,7 @@ _tintora_cli() {
     const bool takesFiles = !command.arguments.empty();
     appendCases(script, command, command.name, takesFiles ? "_tintora_cli_paths -f" : ":");
   }
-  appendCases(script, tool.tool, "", "_tintora_cli_words '" + join(names, " ") + "'");
+  appendCases(script, tool.tool, "", "_tintora_cli_words '" + joined(names, " ") + "'");
   script += R"(  esac
 }
 

@@ -1,4 +1,5 @@
 #include "cli/documents/completions.h"
+#include "cli/text.h"
 
 namespace tintora::cli {
 
@@ -14,8 +15,7 @@ std::string fishQuoted(std::string_view text) {
 }
 
 std::string fishAction(const DeclaredOption& option) {
-  std::string words;
-  for (const std::string& word : option.words) words += (words.empty() ? "" : " ") + word;
+  const std::string words = joined(option.words, " ");
   switch (valueKind(option)) {
     case ValueKind::Word:
       return " -x -a " + fishQuoted(words);

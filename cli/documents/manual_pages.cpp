@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "cli/documents/command_texts.h"
+#include "cli/exit_status.h"
 #include "cli/transform_options.h"
 
 namespace tintora::cli {
@@ -15,10 +16,10 @@ struct ExitStatus {
   const char* meaning;
 };
 constexpr ExitStatus exitStatuses[] = {
-    {0, "Done."},
-    {1, "Something failed, such as reading or writing a file."},
-    {2, "The command line is wrong."},
-    {3, "There are findings (check only)."},
+    {exitDone, "Done."},
+    {exitFailed, "Something failed, such as reading or writing a file."},
+    {exitUsage, "The command line is wrong."},
+    {exitFindings, "There are findings (check only)."},
 };
 
 // Text that is typed as it stands: a plain hyphen would come out as a typographic one.

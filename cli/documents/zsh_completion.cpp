@@ -1,4 +1,5 @@
 #include "cli/documents/completions.h"
+#include "cli/text.h"
 
 namespace tintora::cli {
 
@@ -19,8 +20,7 @@ std::string zshQuoted(std::string_view text) {
 }
 
 std::string zshAction(const DeclaredOption& option) {
-  std::string words;
-  for (const std::string& word : option.words) words += (words.empty() ? "" : " ") + word;
+  const std::string words = joined(option.words, " ");
   switch (valueKind(option)) {
     case ValueKind::Word:
       return '(' + words + ')';

@@ -9,28 +9,18 @@
 #include "engine/srgb.h"
 #include "tests/cli/filtered_picture.h"
 #include "tests/cli/png_samples.h"
+#include "tests/cli/saved_profile.h"
 
 namespace tintora::cli {
 namespace {
 
-Bytes bytesOfProfile(cmsHPROFILE profile) {
-  cmsUInt32Number size = 0;
-  EXPECT_TRUE(cmsSaveProfileToMem(profile, nullptr, &size));
-  Bytes bytes(size);
-  EXPECT_TRUE(cmsSaveProfileToMem(profile, bytes.data(), &size));
-  cmsCloseProfile(profile);
-  return bytes;
-}
-
 // The primaries of sRGB, with another transfer function: a plain gamma.
 Bytes gammaProfile(double gamma, bool grey) {
   cmsToneCurve* const curve = cmsBuildGamma(nullptr, gamma);
-  const cmsCIExyY white{0.3127, 0.3290, 1.0};
-  const cmsCIExyYTRIPLE primaries{{0.64, 0.33, 1.0}, {0.30, 0.60, 1.0}, {0.15, 0.06, 1.0}};
   cmsToneCurve* const curves[3] = {curve, curve, curve};
   cmsHPROFILE profile = grey ? cmsCreateGrayProfile(cmsD50_xyY(), curve)
-                             : cmsCreateRGBProfile(&white, &primaries, curves);
-  Bytes bytes = bytesOfProfile(profile);
+                             : cmsCreateRGBProfile(&d65, &srgbPrimaries, curves);
+  Bytes bytes = savedProfile(profile);
   cmsFreeToneCurve(curve);
   return bytes;
 }
@@ -87,7 +77,7 @@ TEST(Profiles, StayOnEncodedValuesAndForSrgb) {
   EXPECT_EQ(encoded.iccProfile, spec.iccProfile);
   EXPECT_EQ(encoded.pixels, expectedFrom(expectedPixels(spec), inverting));
 
-  spec.iccProfile = bytesOfProfile(cmsCreate_sRGBProfile());
+  spec.iccProfile = savedProfile(cmsCreate_sRGBProfile());
   const Image linear = decodeImage(filtered(pngFile(spec), transformOf({}, Light::Linear)));
   EXPECT_EQ(linear.iccProfile, spec.iccProfile);
   EXPECT_EQ(linear.pixels, expectedPixels(spec));

@@ -11,22 +11,12 @@
 #include "spectral/matrix3x3.h"
 #include "tests/cli/filtered_picture.h"
 #include "tests/cli/png_samples.h"
+#include "tests/cli/saved_profile.h"
 
 namespace tintora::cli {
 namespace {
 
-constexpr cmsCIExyY d65{0.3127, 0.3290, 1.0};
-constexpr cmsCIExyYTRIPLE srgbPrimaries{{0.64, 0.33, 1.0}, {0.30, 0.60, 1.0}, {0.15, 0.06, 1.0}};
 constexpr cmsCIExyYTRIPLE p3Primaries{{0.68, 0.32, 1.0}, {0.265, 0.69, 1.0}, {0.15, 0.06, 1.0}};
-
-Bytes savedProfile(cmsHPROFILE profile) {
-  cmsUInt32Number size = 0;
-  EXPECT_TRUE(cmsSaveProfileToMem(profile, nullptr, &size));
-  Bytes bytes(size);
-  EXPECT_TRUE(cmsSaveProfileToMem(profile, bytes.data(), &size));
-  cmsCloseProfile(profile);
-  return bytes;
-}
 
 Bytes p3Profile(double gamma) {
   cmsToneCurve* const curve = cmsBuildGamma(nullptr, gamma);

@@ -160,8 +160,9 @@ TEST_F(MonitorTest, TheResolutionOfTheDesktopScalesWindowsAndNotTheView) {
   useDisplay({}, Manager::Openbox, "1600x1000");
   const std::array<std::pair<const char*, int>, 4> percents{
       {{"96", 100}, {"144", 150}, {"192", 200}, {"72", 100}}};
-  for (const auto& [resolution, share] : percents) {
-    const int percent = share;
+  for (const auto& row : percents) {
+    const char* const resolution = row.first;
+    const int percent = row.second;
     const std::string text =
         std::string("*background: blue\nXft.dpi:\t") + resolution + "\nXft.hinting: 1\n";
     xcb_change_property(x().connection(), XCB_PROP_MODE_REPLACE, x().root(),

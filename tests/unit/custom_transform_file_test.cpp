@@ -1,27 +1,19 @@
-// Tests reading the custom transform file: its format, its faults and its location.
+// Tests the format of the custom transform file and how its faults are reported.
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <filesystem>
-#include <fstream>
-#include <random>
 #include <string>
 #include <string_view>
-#include <system_error>
 
-#include "display_recorder.h"
+#include "counted_transform.h"
 #include "engine/custom_transforms.h"
 
 namespace tintora {
 namespace {
 
 using namespace std::string_view_literals;
-using Rows = std::array<std::array<float, 4>, 3>;
-
-constexpr Rows countedRows{{{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}}};
-const std::string countedText = "1 2 3 4\n5 6 7 8\n9 10 11 12\n";
 
 // The rows of a file with this first number line.
 std::array<float, 4> firstRow(const std::string& line) {
@@ -32,12 +24,6 @@ std::array<float, 4> firstRow(const std::string& line) {
 
 bool isRead(const std::string& line) {
   return !parseCustomTransforms("name\n" + line + "\n0 1 0 0\n0 0 1 0\n").transforms.empty();
-}
-
-void expectCounted(const CustomTransform& entry, std::string_view name) {
-  EXPECT_EQ(entry.name, name);
-  EXPECT_FALSE(entry.adjustable);
-  EXPECT_EQ(entry.rows, countedRows);
 }
 
 TEST(CustomTransform, StartsAsTheIdentity) {
@@ -289,118 +275,6 @@ TEST(CustomFile, TheReportCountsEveryKindOfLineEndOnce) {
   ASSERT_TRUE(file.malformed);
   EXPECT_EQ(file.malformed->number, 7U);
   EXPECT_NE(file.malformed->reason.find("seven"), std::string::npos);
-}
-
-TEST(CustomFilePath, IsTheDirectoryOnTheCommandLine) {
-  struct Row {
-    const char* commandLine;
-    const char* path;
-  };
-  for (const Row& row : {
-           Row{R"("C:\Program Files\Tintora\tintora.exe")",
-               R"(C:\Program Files\Tintora\Tintora_custom.txt)"},
-           Row{R"(C:\tools\tintora.exe)", R"(C:\tools\Tintora_custom.txt)"},
-           Row{"  \t\"C:\\tools\\tintora.exe\"\t  ", R"(C:\tools\Tintora_custom.txt)"},
-           Row{R"("C:\tools\tintora.exe" -st)", R"(C:\tools\Tintora_custom.txt)"},
-           Row{R"("C:\tools\tintora.exe" "D:\pictures\own.txt")",
-               R"(C:\tools\tintora.exe" "D:\pictures\Tintora_custom.txt)"},
-           Row{"/usr/bin/tintora", "/usr/bin/Tintora_custom.txt"},
-           Row{"bin/a\\b", R"(bin/a\Tintora_custom.txt)"},
-           Row{"a\\bin/b", "a\\bin/Tintora_custom.txt"},
-           Row{"/tools/", "/tools/Tintora_custom.txt"},
-           Row{"/tools/\"", "/tools/Tintora_custom.txt"},
-           Row{"/", "/Tintora_custom.txt"},
-           Row{"tintora.exe", "Tintora_custom.txt"},
-           Row{"\"tintora.exe\" -s", "Tintora_custom.txt"},
-           Row{"", "Tintora_custom.txt"},
-           Row{" \"\t ", "Tintora_custom.txt"},
-       }) {
-    SCOPED_TRACE(row.commandLine);
-    EXPECT_EQ(customTransformPath(row.commandLine), row.path);
-  }
-}
-
-class CustomFileLoading : public EngineTest {
- protected:
-  CustomFileLoading() {
-    std::filesystem::create_directories(directory);
-    commandLine = "\"" + (directory / "tintora").string() + "\"";
-  }
-  ~CustomFileLoading() override {
-    std::error_code ignored;
-    std::filesystem::remove_all(directory, ignored);
-  }
-
-  void write(std::string_view text) const {
-    std::ofstream(directory / "Tintora_custom.txt", std::ios::binary) << text;
-  }
-
-  void load() const { loadCustomTransforms(customTransformPath(commandLine)); }
-
-  std::string commandLine;
-  // Tests may run in parallel.
-  const std::filesystem::path directory = std::filesystem::temp_directory_path() /
-                                          ("tintora " + std::to_string(std::random_device{}()));
-};
-
-TEST_F(CustomFileLoading, FindsTheFileBesideAQuotedProgramPath) {
-  write("one\r\n1 2 3 4\r\n5 6 7 8\r\n9 10 11 12\r\n$two\r\n1 2 3 4\r\n5 6 7 8\r\n9 10 11 12");
-  load();
-  ASSERT_EQ(customTransforms.size(), 2U);
-  expectCounted(customTransforms[0], "one");
-  EXPECT_EQ(customTransforms[1].name, "two");
-  EXPECT_TRUE(customTransforms[1].adjustable);
-  EXPECT_EQ(customTransforms[1].rows, countedRows);
-}
-
-// Desktops that end lines by two characters would turn three into two on reading.
-TEST_F(CustomFileLoading, ReadsLineEndsAsTheyStand) {
-  write("one\r\r\n" + countedText);
-  load();
-  EXPECT_TRUE(customTransforms.empty());
-}
-
-TEST_F(CustomFileLoading, FindsTheFileInTheCurrentDirectoryWithoutADirectoryOnTheCommandLine) {
-  write("here\n" + countedText);
-  const std::filesystem::path before = std::filesystem::current_path();
-  std::filesystem::current_path(directory);
-  commandLine = "tintora";
-  load();
-  std::filesystem::current_path(before);
-  ASSERT_EQ(customTransforms.size(), 1U);
-  expectCounted(customTransforms[0], "here");
-}
-
-TEST_F(CustomFileLoading, WithoutAFileAddsNothingAndReportsNothing) {
-  load();
-  EXPECT_TRUE(customTransforms.empty());
-  EXPECT_TRUE(displayRecord.calls.empty());
-}
-
-TEST_F(CustomFileLoading, KeepsTheEntriesBeforeAMalformedRecordAndReportsNothing) {
-  write("one\n" + countedText + "two\n1 2 3\n5 6 7 8\n9 10 11 12\nthree\n" + countedText);
-  load();
-  ASSERT_EQ(customTransforms.size(), 1U);
-  expectCounted(customTransforms[0], "one");
-  EXPECT_TRUE(displayRecord.calls.empty());
-}
-
-TEST_F(CustomFileLoading, AppendsToTheList) {
-  customTransforms.push_back({"before", false, {}});
-  write("one\n" + countedText);
-  load();
-  ASSERT_EQ(customTransforms.size(), 2U);
-  EXPECT_EQ(customTransforms[0].name, "before");
-  expectCounted(customTransforms[1], "one");
-}
-
-TEST_F(CustomFileLoading, ReadsBytesAboveSevenBitsAndNulsAsTheyStand) {
-  write(
-      "Vi\xE9not\xFF\0"
-      "1 2 3 4\n5 6 7 8\n9 10 11 12"sv);
-  load();
-  ASSERT_EQ(customTransforms.size(), 1U);
-  expectCounted(customTransforms[0], "Vi\xE9not\xFF");
 }
 
 }  // namespace

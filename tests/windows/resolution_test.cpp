@@ -1,11 +1,18 @@
 // The sizes of the windows and of their text on high-resolution screens.
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <string>
 
+#include "colour_space_run.h"
+#include "ink.h"
+#include "painted_page.h"
 #include "picture.h"
 #include "program_run.h"
+#include "seen_plane.h"
 #include "stored_values.h"
+#include "without_libraries.h"
 
 namespace tintora::windows_test {
 namespace {
@@ -13,7 +20,7 @@ namespace {
 constexpr const char* desktopKey = "Control Panel\\Desktop";
 constexpr const char* resolutionName = "LogPixels";
 
-class Resolution : public ProgramTest, public testing::WithParamInterface<int> {
+class Resolution : public ColourSpaceTest, public testing::WithParamInterface<int> {
  protected:
   void SetUp() override {
     ProgramTest::SetUp();
@@ -24,7 +31,8 @@ class Resolution : public ProgramTest, public testing::WithParamInterface<int> {
     ProgramTest::TearDown();
     RegDeleteKeyValueA(HKEY_CURRENT_USER, desktopKey, resolutionName);
   }
-  static LONG scaled(double pixels) { return std::lround(pixels * GetParam() / 96.0); }
+  static double scale() { return GetParam() / 96.0; }
+  static LONG scaled(double pixels) { return std::lround(pixels * scale()); }
 };
 
 TEST_P(Resolution, SizesTheWindows) {
@@ -81,6 +89,59 @@ TEST_P(Resolution, SizesTheControlWindowsText) {
            std::abs(text.left - scaled(17)) <= scaled(3) && text.right > scaled(300) &&
            text.right <= client.width();
   })) << text;
+}
+
+// Succeeds if the text in two pictures has the same shape at the same place, give or take as many
+// pixels.
+testing::AssertionResult showsTheSameText(const Picture& actual, const Picture& expected,
+                                          int tolerance) {
+  const Likeness likeness = likenessOf(expected, actual);
+  if (std::abs(likeness.x) <= tolerance && std::abs(likeness.y) <= tolerance &&
+      likeness.correlation > 0.9) {
+    return testing::AssertionSuccess();
+  }
+  return testing::AssertionFailure()
+         << likeness.x << "," << likeness.y << " away, correlation " << likeness.correlation;
+}
+
+// Returns the place of the outer end of a wavelength's tick mark in a picture of the diagram, given
+// a shorter wavelength from which on the locus is nearly straight.
+SeenPoint endOfTick(const Picture& picture, const Chromaticity& at, const Chromaticity& before) {
+  constexpr double length = 0.025 / 4.0;
+  const double x = at.x - before.x;
+  const double y = at.y - before.y;
+  const double distance = std::hypot(x, y);
+  return seenChromaticity(picture, at.x - y / distance * length, at.y + x / distance * length);
+}
+
+struct LabelRow {
+  std::size_t wavelength;  // an index of the known wavelengths
+  double x;                // from the end of the tick mark to the text's left edge, at 96 dpi
+  double y;
+};
+
+TEST_P(Resolution, SizesTheColourSpaceWindowsText) {
+  constexpr std::array labels{LabelRow{1, -22, -5}, LabelRow{4, 4, -10}, LabelRow{5, 4, -10}};
+  constexpr int labelWidth = 22;
+  constexpr Colour lightGrey{180, 180, 180};
+  const WithoutLibraries without(d3dxLibraries());
+  startWith(HelpView, {680, 680});
+  const Picture help = shown();
+  const ClientSize size{help.width, help.height};
+  EXPECT_TRUE(showsTheSameText(help, helpPage(size, scale()), 0));
+
+  press('C');
+  const Picture diagram = shown();
+  for (const LabelRow& label : labels) {
+    const Chromaticity& at = spectralColours[label.wavelength];
+    const SeenPoint tick = endOfTick(diagram, at, spectralColours[label.wavelength - 1]);
+    const auto x = static_cast<int>(tick.x / scale() + label.x);
+    const auto y = static_cast<int>(tick.y / scale() + label.y);
+    const Bounds area{scaled(x), scaled(y), scaled(x + labelWidth), scaled(y + labelHeight)};
+    const Picture expected = paintedPage(
+        size, {{x, y, x + 100, lightGrey, std::to_string(at.nanometres), labelHeight}}, scale());
+    EXPECT_TRUE(showsTheSameText(part(diagram, area), part(expected, area), 3)) << at.nanometres;
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Dpi, Resolution, testing::Values(96, 144, 192, 288),

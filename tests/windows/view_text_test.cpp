@@ -68,51 +68,7 @@ TEST_F(Labels, OfTheDiagramLookTheSameWithoutD3dx) {
   expectLabels(DiagramView, areas);
 }
 
-struct HelpLine {
-  int x;
-  Colour colour;
-  int gap;
-  const char* text;
-};
-
 constexpr Bounds titleArea{10, 8, 400, 30};
-constexpr Colour white{255, 255, 255};
-constexpr Colour yellow{255, 255, 0};
-constexpr std::array helpLines{
-    HelpLine{16, yellow, 6, "The main window applies a colour transform to the screen."},
-    HelpLine{16, white, 0, "Select the type of colour vision deficiency:"},
-    HelpLine{37, white, 0, "Press P for Protanomalous vision"},
-    HelpLine{37, white, 6, "Press D for Deuteranomalous vision"},
-    HelpLine{16, white, 0, "Use the mouse-wheel (or +- keys) to adjust severity:"},
-    HelpLine{37, white, 0, "0% to 40% :  Colour normal variation"},
-    HelpLine{37, white, 0, "55% to 95% : Anomalous Trichromacy"},
-    HelpLine{37, white, 6, "100% : Dichromat"},
-    HelpLine{16, white, 0, "Users with normal colour vision press S for simulation"},
-    HelpLine{16, white, 6, "Users with colour vision deficiency press A for Daltonize"},
-    HelpLine{16, yellow, 6, "Left mouse button down to drag / resize the main window"},
-    HelpLine{16, white, 0, "Press F1 to show / hide this help window"},
-    HelpLine{16, white, 0, "Press R to show the RGB colour space in this window"},
-    HelpLine{67, white, 0, "Left mouse button down to rotate the RGB cube"},
-    HelpLine{16, white, 0, "Press C to show the Chromaticity diagram"},
-    HelpLine{16, white, 6, "Press E to show the Photoreceptor response curves"},
-    HelpLine{16, yellow, 0, "Right-Click for the application menu with more options"},
-};
-
-// Appends a line with a black shadow one pixel to the right and below.
-void appendShadowed(std::vector<PageLine>& page, const PageLine& line) {
-  page.push_back({line.x + 1, line.y + 1, line.right, {0, 0, 0}, line.text});
-  page.push_back(line);
-}
-
-Picture helpPage(const ClientSize& size) {
-  std::vector<PageLine> page;
-  int y = 12;
-  for (const HelpLine& line : helpLines) {
-    appendShadowed(page, {line.x, y, 416, line.colour, line.text});
-    y += 16 + line.gap;
-  }
-  return paintedPage(size, page);
-}
 
 Picture titlePage(const ClientSize& size, const std::string& title) {
   std::vector<PageLine> page;
@@ -147,10 +103,10 @@ TEST_P(Pages, ShowTheHelpAndNoTitle) {
     expectAlike(actual, expected);
     int y = 12;
     for (const HelpLine& line : helpLines) {
-      const Bounds strip{0, y, size.width, y + 16};
+      const Bounds strip{0, y, size.width, y + titleHeight};
       if (strip.bottom > size.height) break;
       expectAlike(part(actual, strip), part(expected, strip));
-      y += 16 + line.gap;
+      y += titleHeight + line.gap;
     }
     end();
   }

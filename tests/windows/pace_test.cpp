@@ -121,6 +121,16 @@ TEST_F(Pace, LeavesMessagesTheirOwn) {
   EXPECT_LT(record.paintsAtMarker - record.paintsAtKeys, keys / 10);
 }
 
+// The test screen cannot change its refresh rate, so the stand-in reports another one.
+TEST_F(Pace, IsTheScreensAfterItsSettingsChange) {
+  constexpr int slow = 30;
+  constexpr double mostPaintsWhenSlow = 37.5;
+  startWith(false);
+  magnifierRecord().refreshRate = slow;
+  send(windows().main, WM_DISPLAYCHANGE, 32, MAKELPARAM(1280, 800));
+  EXPECT_LE(workOf("Slow screen").paintsPerSecond, mostPaintsWhenSlow);
+}
+
 TEST_F(Pace, GoesOnWhileAMenuIsOpen) {
   startWith(false);
   ASSERT_NE(openMenu(windows().main), nullptr);

@@ -120,6 +120,7 @@ void ProgramTest::SetUp() {
         &habits.showsLastPicture}) {
     *habit = false;
   }
+  magnifierRecord().refreshRate = 0;
   magnifierRecord().corners = 0;
   magnifierRecord().copies = 0;
 }

@@ -59,6 +59,7 @@ struct Originals {
   decltype(SetTimer)* setTimer = nullptr;
   decltype(DefWindowProcW)* handleByDefault = nullptr;
   decltype(PeekMessageW)* look = nullptr;
+  decltype(GetDeviceCaps)* readDevice = nullptr;
   decltype(RegOpenKeyExA)* openKey = nullptr;
   decltype(RegCreateKeyExA)* createKey = nullptr;
 };
@@ -113,6 +114,11 @@ BOOL WINAPI look(LPMSG message, HWND window, UINT first, UINT last, UINT remove)
   return originals.look(message, window, first, last, remove);
 }
 
+INT WINAPI readDevice(HDC device, INT fact) {
+  if (fact == VREFRESH && record->refreshRate != 0) return record->refreshRate;
+  return originals.readDevice(device, fact);
+}
+
 LSTATUS WINAPI openKey(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key) {
   if (record->refusal == Refusal::SettingsKey) return ERROR_ACCESS_DENIED;
   return originals.openKey(root, path, options, access, key);
@@ -136,6 +142,7 @@ void watchCalls(MagnifierRecord& written) {
       .setTimer = replace("SetTimer", &setTimer),
       .handleByDefault = replace("DefWindowProcW", &handleByDefault),
       .look = replace("PeekMessageW", &look),
+      .readDevice = replace("GetDeviceCaps", &readDevice),
       .openKey = replace("RegOpenKeyExA", &openKey),
       .createKey = replace("RegCreateKeyExA", &createKey),
   };

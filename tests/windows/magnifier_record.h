@@ -106,7 +106,8 @@ struct MagnifierRecord {
   std::atomic<std::uint32_t> titleTimer;      // milliseconds of the main window's latest timer
   std::atomic<std::uint32_t> unhandledKey;    // the latest key that the program left to the desktop
   std::atomic<std::uint64_t> pagesOpened;
-  std::atomic<std::int32_t> refreshRate;  // what the desktop tells the program; 0 for its own answer
+  std::atomic<std::int32_t>
+      refreshRate;  // what the desktop tells the program; 0 for its own answer
   RecordedPage page;
   RECT suggested;  // bounds for another resolution
   std::uint32_t menuItems;

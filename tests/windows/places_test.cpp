@@ -105,6 +105,9 @@ TEST_F(AnyLanguage, HasTheSamePaintedText) {
 struct PlaceRow {
   const char* name;
   std::vector<std::wstring> folders;  // each inside the previous one
+  // Wine does not start programs whose paths have 260 characters or more. Such a program is started
+  // elsewhere; its command line names the folder, which is where it looks for its files.
+  bool canStart = true;
 };
 
 void PrintTo(const PlaceRow& row, std::ostream* out) {
@@ -149,7 +152,8 @@ class Places : public ProgramTest, public testing::WithParamInterface<PlaceRow> 
 };
 
 TEST_P(Places, HoldTheUsersOwnTransforms) {
-  start(Launch{.program = program()});
+  EXPECT_EQ(GetParam().canStart, transforms().size() < MAX_PATH);
+  start(GetParam().canStart ? Launch{.program = program()} : Launch{.named = program()});
   choose(0);
   EXPECT_EQ(wideTitleOf(windows().main), transformName);
 }
@@ -160,6 +164,7 @@ const std::array placeRows{
     PlaceRow{"Cyrillic", {L"\u041f\u0440\u043e\u0432\u0430"}},
     PlaceRow{"Japanese", {L"\u8868\u793a"}},
     PlaceRow{"Deep", std::vector<std::wstring>(10, L"another folder down")},
+    PlaceRow{"Deeper", std::vector<std::wstring>(16, L"another folder down"), false},
 };
 
 INSTANTIATE_TEST_SUITE_P(AnyLanguage, Places, testing::ValuesIn(placeRows),

@@ -46,7 +46,8 @@ std::string customFile() {
 
 Process::Process(const Launch& launch) {
   const std::wstring program = launch.program.empty() ? wide(programPath()) : launch.program;
-  std::wstring line = launch.pathGiven ? L'"' + program + L"\" " : L"Tintora.exe ";
+  const std::wstring& named = launch.named.empty() ? program : launch.named;
+  std::wstring line = launch.pathGiven ? L'"' + named + L"\" " : L"Tintora.exe ";
   line += wide(launch.arguments);
   STARTUPINFOW startup{};
   startup.cb = sizeof startup;

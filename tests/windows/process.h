@@ -30,6 +30,7 @@ struct Launch {
   WORD show = SW_SHOWNORMAL;
   bool pathGiven = true;   // whether the command line begins with the path
   std::wstring program{};  // its path; if empty, that of the program under test
+  std::wstring named{};    // the path in the command line; if empty, the program's
 };
 
 // A process started by a test. The destructor ends it if it still runs.

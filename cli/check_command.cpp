@@ -13,10 +13,10 @@ namespace tintora::cli {
 
 void addCheckArguments(CLI::App& command, CheckRequest& request) {
   command
-      .add_option("colours", request.colours,
+      .add_option("COLOUR|FILE", request.colours,
                   "\"#rgb\", \"#rrggbb\", CSS colour names, and files of colours: GIMP palettes, "
                   "JSON arrays, style sheets and texts; - is standard input")
-      ->type_name("COLOUR|FILE");
+      ->type_name("");
   command.add_option("--image", request.images, "Take the main colours of this picture")
       ->type_name("PATH")
       ->expected(1)

@@ -102,10 +102,10 @@ FilterPlan planFolderJobs(const FilterRequest& request, const std::vector<std::s
 void addFilterArguments(CLI::App& command, FilterRequest& request) {
   request.threads = std::max(1U, std::thread::hardware_concurrency());
   command
-      .add_option("paths", request.paths,
+      .add_option("PATH", request.paths,
                   "INPUT OUTPUT, or INPUT... FOLDER; - is standard input or output")
       ->required()
-      ->type_name("PATH");
+      ->type_name("");
   command
       .add_option_function<std::string>(
           "--output-dir", [&request](const std::string& path) { request.outputDirectory = path; },

@@ -61,11 +61,11 @@ ReportSection fileSection(const std::string& path, const ReportRequest& request)
 
 void addReportArguments(CLI::App& command, ReportRequest& request) {
   command
-      .add_option("inputs", request.inputs,
+      .add_option("INPUT", request.inputs,
                   "PNG and JPEG pictures, files of colours, and colours, which together are one "
                   "palette")
       ->required()
-      ->type_name("INPUT");
+      ->type_name("");
   command
       .add_option_function<std::string>(
           "-o,--output", [&request](const std::string& path) { request.output = path; },

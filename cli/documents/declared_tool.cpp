@@ -17,7 +17,12 @@ DeclaredOption declaredOption(CLI::Option& option) {
   for (const std::string& name : option.get_lnames()) declared.names.push_back("--" + name);
   for (const std::string& name : option.get_snames()) declared.names.push_back("-" + name);
   if (declared.names.empty()) declared.names.push_back(option.get_name());
-  if (option.get_items_expected_max() > 0) declared.value = option.get_type_name();
+  // What stands without dashes is called by its value alone.
+  if (option.get_positional()) {
+    declared.value = option.get_name();
+  } else if (option.get_items_expected_max() > 0) {
+    declared.value = option.get_type_name();
+  }
   declared.description = option.get_description();
   declared.words = notedWords(option);
   declared.required = option.get_required();
@@ -64,9 +69,7 @@ ValueKind valueKind(const DeclaredOption& option) {
     return option.value == "NAMES" ? ValueKind::WordList : ValueKind::Word;
   }
   if (option.value == "FOLDER") return ValueKind::Folder;
-  const bool takesFiles =
-      option.value == "PATH" || option.value == "INPUT" || option.value == "COLOUR|FILE";
-  return takesFiles ? ValueKind::File : ValueKind::Other;
+  return option.value == "PATH" ? ValueKind::File : ValueKind::Other;
 }
 
 }  // namespace tintora::cli

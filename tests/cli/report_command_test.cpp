@@ -214,7 +214,7 @@ TEST(Report, WhatCannotBeReadIsOneLineAndNothingIsWritten) {
   expectRefused(report({good, "no-such-file", "-o", page}), 2, "no-such-file");
   expectRefused(report({good, "-o", folder / "none/page.html"}), 1, "none/page.html");
   expectRefused(report({good, "-o", good}), 2, "a.gpl");
-  expectRefused(report({"-o", page}), 2, "inputs");
+  expectRefused(report({"-o", page}), 2, "INPUT");
   expectRefused(report({good}), 2, "--output");
   expectRefused(report({good, "-o", page, "--width", "63"}), 2, "63");
   expectRefused(report({good, "-o", page, "--width", "9.5"}), 2, "9.5");

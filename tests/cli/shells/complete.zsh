@@ -6,9 +6,9 @@ local offered=$(mktemp)
 # next: waits until the shell has answered once more.
 next() {
   integer tries
-  for ((tries = 0; tries < 600; tries++)); do
+  for ((tries = 0; tries < 3000; tries++)); do
     [[ $(tail -n 1 $offered) != '[end]' ]] || return 0
-    sleep 0.1
+    sleep 0.02
   done
   print -u2 'The shell does not answer.'
   exit 1
@@ -28,6 +28,7 @@ zpty -w shell '
   }
   offer() { _main_complete; print "[end]" >>$OFFERED }
   zle -C offer complete-word offer
+  bindkey -rp "^X"
   bindkey "^X" offer
   print "[end]" >>$OFFERED'
 next

@@ -16,8 +16,9 @@ struct MainColour {
 };
 
 // Finds the main colours among pixels of B, G, R, A bytes, by k-means in CIELAB: at most as many as
-// asked for, the largest share first. Thin lines count: the rarer a colour is, the less it counts
-// for less. Pixels that are mostly transparent do not count; without others the result is empty.
+// asked for, the largest share first. A colour weighs by the square root of its pixels, so that
+// thin lines count. Pixels that are mostly transparent do not count; without others the result is
+// empty.
 std::vector<MainColour> mainColours(std::span<const std::uint8_t> pixels, std::size_t most);
 
 }  // namespace tintora

@@ -134,9 +134,8 @@ std::size_t otherOf(const ColourPair& pair, std::size_t changed) {
 Suggestion suggestionOf(const CheckedPalette& palette, const ColourPair& pair,
                         const Candidate& candidate, const Appearance& look) {
   const Appearance& other = palette.looks[otherOf(pair, candidate.changed)];
-  const bool isFirst = candidate.changed == pair.first;
   return {candidate.changed, candidate.to, candidate.change,
-          comparePair(pair.first, pair.second, isFirst ? look : other, isFirst ? other : look)};
+          comparePair(pair.first, pair.second, look, other)};
 }
 
 // Returns the change as a suggestion, if it is one.

@@ -70,6 +70,20 @@ TEST(MainColours, IncludeTheColourOfAThinLine) {
   EXPECT_NE(std::find(names.begin(), names.end(), "#2ca02c"), names.end());
 }
 
+// With lightnesses of about 0, 45, 55 and 100 and weights of 30, 20, 22 and 10, the first centres
+// are black and white. The means 18 and 69 then put the boundary at 44, so the darker grey changes
+// sides.
+TEST(MainColours, StandForThePixelsThatAreNearestToTheirMeans) {
+  Pixels pixels;
+  add(pixels, {0, 0, 0}, 900);
+  add(pixels, {106, 106, 106}, 400);
+  add(pixels, {132, 132, 132}, 500);
+  add(pixels, {255, 255, 255}, 100);
+  const std::vector<MainColour> colours = mainColours(pixels, 2);
+  EXPECT_EQ(namesOf(colours), (Names{"#848484", "#000000"}));
+  EXPECT_DOUBLE_EQ(colours[0].share, 1000.0 / 1900.0);
+}
+
 TEST(MainColours, AreAtMostAsManyAsRequested) {
   Pixels pixels;
   for (int i = 0; i < 4096; ++i) {

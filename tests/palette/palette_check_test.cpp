@@ -56,6 +56,14 @@ TEST(PaletteCheck, ComparesEveryPairBeforeAndForEachViewer) {
   }
 }
 
+TEST(PaletteCheck, TheLeastDifferenceIsThatOfTheViewerWhoSeesLeast) {
+  CheckedPair pair;
+  pair.before = {30.0, 5.0};
+  EXPECT_EQ(leastDifference(pair), 30.0);
+  pair.after = {{20.0, 1.0}, {9.0, 4.0}, {40.0, 2.0}};
+  EXPECT_EQ(leastDifference(pair), 9.0);
+}
+
 // The findings again, straight from what a finding is.
 TEST(PaletteCheck, FindsThePairsThatAreToldApartAndLost) {
   const PaletteCheck check = checkPalette(set1, allViewers(), {});

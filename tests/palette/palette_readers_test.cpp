@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/expected/csv_table.h"
+
 namespace tintora {
 namespace {
 
@@ -41,6 +43,18 @@ TEST(Colours, AreReadInEveryNotation) {
   EXPECT_EQ(parseColour("aliceblue"), (Rgb8{240, 248, 255}));
   EXPECT_EQ(parseColour("yellowgreen"), (Rgb8{154, 205, 50}));
   EXPECT_EQ(parseColour("darkslategrey"), parseColour("DARKSLATEGRAY"));
+}
+
+// All names of CSS Color Module Level 4, with the colours that Chromium computes for them.
+TEST(Colours, HaveTheNamesOfTheStandard) {
+  const std::vector<CsvRow> rows = readCsv("css_named_colours.csv");
+  ASSERT_EQ(rows.size(), 148U);
+  for (const CsvRow& row : rows) {
+    const auto channel = [&](std::size_t column) {
+      return static_cast<std::uint8_t>(csvNumber(row, column));
+    };
+    EXPECT_EQ(parseColour(row[0]), (Rgb8{channel(1), channel(2), channel(3)})) << row[0];
+  }
 }
 
 TEST(Colours, AreNotReadFromOtherTexts) {
@@ -82,6 +96,7 @@ TEST(JsonPalette, HasTextsTriplesAndObjects) {
                      {"colour": "navy", "name": 7}, {"value": "#fff", "name": "Weiß"}])"),
             (Texts{"#e69f00", "#0099ff", "#ff6347", "#009e73", "#d55e00 Vermilion", "#010203",
                    "#000080", "#ffffff Weiß"}));
+  EXPECT_EQ(read("[[0, 255, 254]]"), (Texts{"#00fffe"}));
   EXPECT_EQ(read("\n [\"red\"]\n"), (Texts{"#ff0000"}));
 }
 
@@ -122,7 +137,7 @@ TEST(HexColours, AreFoundAnywhereInAText) {
 TEST(HexColours, TextThatOnlyLooksSimilarIsIgnored) {
   EXPECT_EQ(refusal("#12 #12345 #1234567 #ggg x#fff &#123; page.html#add /#bad ##"),
             "it holds no colour");
-  EXPECT_EQ(read("#face-mask #fffé #fff"), (Texts{"#ffffff"}));
+  EXPECT_EQ(read("#face-mask #fffé #fffG #fffz #fff"), (Texts{"#ffffff"}));
 }
 
 TEST(StyleSheets, GiveTheColoursOfTheirDeclarationsNamedByVariables) {

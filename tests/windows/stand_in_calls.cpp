@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdio>
 #include <cstring>
 #include <string_view>
 
@@ -60,6 +61,7 @@ struct Originals {
   decltype(DefWindowProcW)* handleByDefault = nullptr;
   decltype(PeekMessageW)* look = nullptr;
   decltype(GetDeviceCaps)* readDevice = nullptr;
+  decltype(_wfopen)* openFile = nullptr;
   decltype(RegOpenKeyExA)* openKey = nullptr;
   decltype(RegCreateKeyExA)* createKey = nullptr;
 };
@@ -119,6 +121,14 @@ INT WINAPI readDevice(HDC device, INT fact) {
   return originals.readDevice(device, fact);
 }
 
+// Wine opens paths of any length. Windows opens those of 260 characters or more only with the
+// prefix.
+FILE* openFile(const wchar_t* path, const wchar_t* mode) {
+  const std::wstring_view text(path);
+  if (text.size() >= MAX_PATH && !text.starts_with(L"\\\\?\\")) return nullptr;
+  return originals.openFile(path, mode);
+}
+
 LSTATUS WINAPI openKey(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key) {
   if (record->refusal == Refusal::SettingsKey) return ERROR_ACCESS_DENIED;
   return originals.openKey(root, path, options, access, key);
@@ -143,6 +153,7 @@ void watchCalls(MagnifierRecord& written) {
       .handleByDefault = replace("DefWindowProcW", &handleByDefault),
       .look = replace("PeekMessageW", &look),
       .readDevice = replace("GetDeviceCaps", &readDevice),
+      .openFile = replace("_wfopen", &openFile),
       .openKey = replace("RegOpenKeyExA", &openKey),
       .createKey = replace("RegCreateKeyExA", &createKey),
   };

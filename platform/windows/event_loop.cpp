@@ -56,6 +56,14 @@ bool onLeftUp(Window* window, LPARAM place) {
   return handled;
 }
 
+// Draws the view at once if the window is being dragged. Windows handles paints only after all
+// input, so the picture would stay behind the frame.
+bool onPlaced(const Event& event) {
+  const bool handled = handle(event);
+  if (GetCapture() == native(event.window)) UpdateWindow(viewWindow());
+  return handled;
+}
+
 // Reads only the length of the first file name, and does not release the drop.
 bool onFilesDropped(Window* window, HDROP drop) {
   DragQueryFileW(drop, 0, nullptr, 0);
@@ -94,14 +102,14 @@ bool handleMessage(Window* window, UINT message, WPARAM first, LPARAM second) {
     case WM_CAPTURECHANGED:
       return handle({.kind = EventKind::MouseLost, .window = window});
     case WM_SIZE:
-      return handle(
+      return onPlaced(
           {.kind = EventKind::Sized, .window = window, .maximised = first == SIZE_MAXIMIZED});
     case WM_SIZING:
       return handle({.kind = EventKind::Sizing, .window = window});
     case WM_MOVING:
       return handle({.kind = EventKind::Moving, .window = window});
     case WM_MOVE:
-      return handle({.kind = EventKind::Moved, .window = window});
+      return onPlaced({.kind = EventKind::Moved, .window = window});
     case WM_PAINT:
       return handle({.kind = EventKind::Painting, .window = window});
     case WM_DROPFILES:

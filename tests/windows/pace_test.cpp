@@ -194,6 +194,31 @@ TEST_F(Dragged, TheFrameIsNeverAheadOfTheView) {
   EXPECT_EQ(boundsOf(windows().main).left, before.left + 200);
 }
 
+// A fast mouse always has the next move waiting. Keys stand for it: they move the window too, and
+// can be queued together. Held by its caption, the window has captured the mouse as well.
+TEST_F(Dragged, TheViewIsDrawnAtEachStep) {
+  startWith(false);
+  constexpr int steps = 40;
+  hold(windows().main);
+  EXPECT_EQ(threadOf(windows().main).hwndCapture, windows().main);
+  mouseButton(MOUSEEVENTF_LEFTUP);
+  ASSERT_TRUE(eventually([&] { return threadOf(windows().main).hwndCapture == nullptr; }));
+
+  const Bounds client = clientBoundsOf(windows().main);
+  moveCursor(client.left + 50, client.top + 50);
+  mouseButton(MOUSEEVENTF_LEFTDOWN);
+  ASSERT_TRUE(eventually([&] { return threadOf(windows().main).hwndCapture == windows().main; }));
+  const LONG before = boundsOf(windows().main).left;
+  ask(QueueKeys, VK_RIGHT, steps);
+  settle();
+  EXPECT_EQ(boundsOf(windows().main).left, before + steps);
+  const MagnifierRecord& record = magnifierRecord();
+  EXPECT_GE(record.paintsAtMarker - record.paintsAtKeys, steps);
+  for (const RecordedPaint& paint : paintsSince(record.paintsAtKeys)) {
+    EXPECT_EQ(paint.source.left, paint.corner.x);
+  }
+}
+
 TEST_F(Dragged, TheViewIsLiveWhileACaptionIsHeld) {
   startWith(false);
   const Bounds before = boundsOf(windows().main);

@@ -1,4 +1,4 @@
-// The marks in the open menu, and its labels.
+// The marks in the open menu, its labels and its texts.
 #include "menu_run.h"
 
 namespace tintora::desktop_test {
@@ -105,6 +105,56 @@ TEST_F(Marks, CommandsOfTheViewMenuDoWhatTheirKeysDo) {
   EXPECT_TRUE(showing(control(), true));
   press(XK_f);
   EXPECT_TRUE(eventually([&] { return x().outerAreaOf(main()) == framed; }));
+}
+
+// Compares a submenu with a menu of the same desktop that has the texts as they must appear: in
+// Unicode, each && as one &, keys in a column of their own, labels like items.
+TEST_F(Marks, SubmenusHaveTheirTextsAndKeys) {
+  contents.simulationOptions = true;
+  storeValues({{"Selected", 2}, {"ColorSpace", 0}});
+  start({"-s"});
+  struct Submenu {
+    std::string name;
+    int highlighted;
+    int marked;
+    Names texts;
+  };
+  const std::vector<Submenu> submenus{
+      {"Simulation Option",
+       1,
+       1,
+       {"Alternative transforms:", "Judd, 1948",
+        "Vi\xC3\xA9not, Brettel && Mollon, 1997 - Approximated",
+        "Vi\xC3\xA9not, Brettel && Mollon, 1999", "Yang, Ro, Wong && Lee, 2008",
+        "Machado, Oliveira && Fernandes, 2009"}},
+      {"View Options",
+       0,
+       -1,
+       {"Hit Transparent\tH", "Full Screen\tF", "Toggle Colour Transform\tTab",
+        "Toggle Window Frame\tSpace", "Copy to Clipboard (single monitor setup only)\tCtrl C"}}};
+  for (const auto& [name, highlighted, marked, texts] : submenus) {
+    SCOPED_TRACE(name);
+    openSubmenus({name});
+    settle();
+    const Picture actual = x().read(x().areaOf(openMenus().back()));
+    closeMenus();
+
+    Launch reference = launch();
+    reference.command = {TINTORA_REFERENCE_MENU, std::to_string(highlighted),
+                         std::to_string(marked)};
+    reference.command.insert(reference.command.end(), texts.begin(), texts.end());
+    reference.output = folder() + "/reference";
+    reference.environment.erase("LD_PRELOAD");
+    const Process menu(reference);
+    Picture wanted;
+    EXPECT_TRUE(eventually([&] {
+      const std::string window = readFile(reference.output);
+      if (!window.ends_with('\n')) return false;
+      wanted = x().read(x().areaOf(static_cast<xcb_window_t>(std::stoul(window))));
+      return actual.width == wanted.width && actual.pixels == wanted.pixels;
+    }));
+    saveScreen("menu-texts", x().screenArea());
+  }
 }
 
 }  // namespace

@@ -20,6 +20,8 @@ class MenuTest : public ProgramTest {
   };
 
   void openMenu();
+  // Opens the main menu and the submenus of a path.
+  void openSubmenus(const Path& path);
   void closeMenus();
   void pressTimes(xcb_keysym_t symbol, int times = 1);
   // Chooses an item by its path from the main menu.
@@ -34,7 +36,6 @@ class MenuTest : public ProgramTest {
  private:
   // Moves the highlight down to an item of the deepest open menu.
   void highlight(const std::string& menu, const std::string& item, bool firstIsHighlighted);
-  void openSubmenus(const Path& path);
 };
 
 }  // namespace tintora::desktop_test

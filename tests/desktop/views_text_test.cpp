@@ -1,5 +1,6 @@
 // Text in the colour space window: the views' title and the help page.
 #include <cmath>
+#include <filesystem>
 
 #include "views_run.h"
 
@@ -203,6 +204,88 @@ TEST_F(ViewsTest, HelpIsCutOffByAWindowTooLowOrNarrowForIt) {
     }
     EXPECT_TRUE(areSame(picture, part));
   }
+}
+
+// Returns a TrueType font's file. Some font of this kind is part of every desktop.
+std::string trueTypeFont() {
+  std::string found;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator("/usr/share/fonts")) {
+    const std::string name = entry.path().filename().string();
+    if (name == "DejaVuSans.ttf" || (found.empty() && name.ends_with("Sans-Regular.ttf"))) {
+      found = entry.path().string();
+    }
+  }
+  return found;
+}
+
+std::uint32_t numberAt(const std::string& data, std::size_t place, std::size_t bytes) {
+  std::uint32_t number = 0;
+  for (std::size_t i = 0; i < bytes; ++i) {
+    number = number << 8 | static_cast<unsigned char>(data.at(place + i));
+  }
+  return number;
+}
+
+// Makes a TrueType font's lines taller by one em above and one below, and leaves its letters.
+// The tables and their fields are those of the OpenType specification.
+std::string withTallLines(std::string font) {
+  constexpr std::size_t header = 12;
+  constexpr std::size_t entry = 16;
+  const auto tableAt = [&](const std::string& name) {
+    for (std::size_t i = 0; i < numberAt(font, 4, 2); ++i) {
+      const std::size_t at = header + entry * i;
+      if (font.compare(at, 4, name) == 0) return std::size_t{numberAt(font, at + 8, 4)};
+    }
+    throw std::runtime_error("The font has no table " + name);
+  };
+  const int em = static_cast<int>(numberAt(font, tableAt("head") + 18, 2));
+  const auto add = [&](const std::string& table, std::size_t field, int units) {
+    const std::size_t place = tableAt(table) + field;
+    const std::uint32_t value = numberAt(font, place, 2) + static_cast<std::uint32_t>(units);
+    font.at(place) = static_cast<char>(value >> 8);
+    font.at(place + 1) = static_cast<char>(value);
+  };
+  add("hhea", 4, em);
+  add("hhea", 6, -em);
+  add("OS/2", 68, em);
+  add("OS/2", 70, -em);
+  add("OS/2", 74, em);
+  add("OS/2", 76, em);
+  return font;
+}
+
+TEST_F(ViewsTest, LettersAreAsLargeInAFontWithTallLines) {
+  const std::string file = trueTypeFont();
+  ASSERT_NE(file, "");
+  const std::string ordinary = readFile(file);
+  struct Texts {
+    Picture help;
+    Picture control;
+  };
+  const auto textsIn = [this](const std::string& name, const std::string& font) {
+    const std::string fonts = folder() + '/' + name;
+    std::filesystem::create_directory(fonts);
+    writeFile(fonts + "/only.ttf", font);
+    writeFile(fonts + "/fonts.conf", "<fontconfig><dir>" + fonts + "</dir><cachedir>" + fonts +
+                                         "/cache</cachedir></fontconfig>");
+    setVariables({{"FONTCONFIG_FILE", fonts + "/fonts.conf"}});
+    startWith(View::Help);
+    Texts texts{.help = shown(), .control = {}};
+    focus(main());
+    press(XK_h);
+    EXPECT_TRUE(showing(control(), true));
+    settle();
+    texts.control = x().read(x().areaOf(control()));
+    press(XK_h);
+    EXPECT_TRUE(showing(control(), false));
+    end();
+    return texts;
+  };
+  const Texts wanted = textsIn("ordinary", ordinary);
+  const Texts actual = textsIn("tall", withTallLines(ordinary));
+  EXPECT_TRUE(isIn(wanted.help, {0, 13, 400, lineHeight - 1}, yellow));
+  EXPECT_TRUE(areSame(actual.help, wanted.help));
+  EXPECT_TRUE(areSame(actual.control, wanted.control));
 }
 
 }  // namespace

@@ -20,14 +20,14 @@ lint_packages=(clang-tidy libclang-14-dev llvm-14-dev)
 # What all tests need besides: clang for formatting, lint and fuzzing; the cross-compiler and Wine
 # for the Windows program, and languages to run it in; another processor's compiler and emulator;
 # compositing and window managers; a browser for the pages that the tool writes; shells and readers
-# of manual pages; checks of packaging.
+# of manual pages; checks of packaging and of the guide's pictures.
 test_packages=(python3 clang clang-format libclang-rt-14-dev "${lint_packages[@]}"
   g++-mingw-w64-x86-64-posix wine wine64 fonts-wine libxcomposite1 locales
   g++-aarch64-linux-gnu qemu-user googletest
   pipewire pipewire-bin libpipewire-0.3-modules wireplumber mutter xwayland foot
   picom xcompmgr dbus-daemon fluxbox i3-wm icewm twm xfwm4
   libice-dev libsm-dev libxcb-res0-dev libxcb-xtest0-dev chromium
-  fish groff-base mandoc zsh appstream desktop-file-utils)
+  fish groff-base mandoc zsh appstream desktop-file-utils imagemagick xdotool fonts-dejavu-core)
 
 # A virtual display with a window manager and software graphics.
 display_packages=(xvfb openbox x11-xserver-utils libgl1 libgl1-mesa-dri)

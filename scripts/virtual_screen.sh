@@ -11,7 +11,7 @@ in_background() {
 
 # Waits until the window NAME is on the screen.
 wait_for() {
-  for _ in $(seq 100); do
+  for _ in $(seq 600); do
     xwininfo -name "$1" 2>/dev/null | grep -q IsViewable && return 0
     sleep 0.1
   done

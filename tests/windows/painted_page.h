@@ -10,8 +10,8 @@
 
 namespace tintora::windows_test {
 
-constexpr int titleHeight = 16;  // of the titles' and the help's font, in pixels at 96 dpi
-constexpr int labelHeight = 14;  // of the labels' font
+inline constexpr int titleHeight = 16;  // of the titles' and the help's font, in pixels at 96 dpi
+inline constexpr int labelHeight = 14;  // of the labels' font
 
 // One line of text; lengths are in pixels at 96 dpi.
 struct PageLine {
@@ -37,9 +37,9 @@ struct HelpLine {
   const char* text;
 };
 
-constexpr Colour white{255, 255, 255};
-constexpr Colour yellow{255, 255, 0};
-constexpr std::array helpLines{
+inline constexpr Colour white{255, 255, 255};
+inline constexpr Colour yellow{255, 255, 0};
+inline constexpr std::array helpLines{
     HelpLine{16, yellow, 6, "The main window applies a colour transform to the screen."},
     HelpLine{16, white, 0, "Select the type of colour vision deficiency:"},
     HelpLine{37, white, 0, "Press P for Protanomalous vision"},

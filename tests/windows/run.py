@@ -37,6 +37,18 @@ REGISTRY = [
     ("HKCU\\Software\\Wine\\X11 Driver", "UseXRandR", "REG_SZ", "N"),
 ]
 
+# Has Wine keep a desktop in a window, whose resolution programs can change.
+# That of the test screen is fixed.
+VIRTUAL_DESKTOP = [
+    ("HKCU\\Software\\Wine\\Explorer", "Desktop", "REG_SZ", "Virtual"),
+    ("HKCU\\Software\\Wine\\Explorer\\Desktops", "Virtual", "REG_SZ",
+     "1280x800"),
+]
+
+# The tests that need a screen of another kind.
+SPECIAL_TESTS = {"second-monitor": "SecondMonitor.*",
+                 "resized-screen": "ResizedScreen.*"}
+
 LOCALES = ["ru_RU", "ja_JP"]
 
 LIBC = ctypes.CDLL("libc.so.6")
@@ -64,8 +76,8 @@ def parse_arguments():
                              "which run at the same time")
     parser.add_argument("--share", type=int, nargs="+",
                         help="the only shares to run, counted from 0")
-    parser.add_argument("--two-monitors", action="store_true",
-                        help="run only the tests of a second monitor")
+    parser.add_argument("--special", choices=SPECIAL_TESTS,
+                        help="run only the tests of this kind of screen")
     parser.add_argument("--seconds", type=int, default=1500,
                         help="the time limit for the tests")
     parser.add_argument("rest", nargs="*", metavar="TEST_OPTION",
@@ -148,21 +160,26 @@ def is_finished(prefix):
     return finished.exists() and finished.read_text() == repr(REGISTRY)
 
 
+def run_in_wine(wine, environment, *command):
+    subprocess.run([wine, *command], env=environment, check=True,
+                   timeout=PREFIX_SECONDS, stdin=subprocess.DEVNULL,
+                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+
+def write_registry(wine, environment, entries):
+    for key, name, kind, value in entries:
+        run_in_wine(wine, environment, "reg", "add", key, "/v", name,
+                    "/t", kind, "/d", value, "/f")
+
+
 def make_prefix(wine, prefix, display_name):
     """Makes the prefix that all others are copied from."""
     environment = wine_environment(prefix, display_name)
     shutil.rmtree(prefix, ignore_errors=True)
     prefix.mkdir(parents=True)
-
-    def run(*command):
-        subprocess.run([wine, *command], env=environment, check=True,
-                       timeout=PREFIX_SECONDS, stdin=subprocess.DEVNULL,
-                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-
     try:
-        run("wineboot", "--init")
-        for key, name, kind, value in REGISTRY:
-            run("reg", "add", key, "/v", name, "/t", kind, "/d", value, "/f")
+        run_in_wine(wine, environment, "wineboot", "--init")
+        write_registry(wine, environment, REGISTRY)
     finally:
         end_wine(environment)
     (prefix / "finished").write_text(repr(REGISTRY))
@@ -256,14 +273,17 @@ def run_tests(options, wine, environment, program):
         return run_program(options, wine, environment,
                            "tintora_windows_pictures.exe", options.rest)
     name = "tintora_windows_tests.exe"
-    second_monitor = "SecondMonitor.*"
-    if options.two_monitors:
+    if options.special == "resized-screen":
+        write_registry(wine, environment, VIRTUAL_DESKTOP)
+        end_wine(environment)
+    if options.special:
+        tests = SPECIAL_TESTS[options.special]
         return run_program(options, wine, environment, name,
-                           [f"--gtest_filter={second_monitor}", *options.rest])
+                           [f"--gtest_filter={tests}", *options.rest])
     if options.rest:
         return run_program(options, wine, environment, name, options.rest)
     result = run_program(options, wine, environment, name,
-                         [f"--gtest_filter=-{second_monitor}"])
+                         ["--gtest_filter=-" + ":".join(SPECIAL_TESTS.values())])
     result |= run_program(options, wine, environment, UNIT_TESTS, [])
     # Wine takes the language from its first process, so it must start anew.
     environment["LOCPATH"] = str(make_locales(options.work / "locales"))
@@ -299,14 +319,14 @@ def main():
     original = options.work / "prefix"
     if options.pictures:
         options.work /= "pictures"
-    elif options.two_monitors:
-        options.work /= "monitors"
+    elif options.special:
+        options.work /= options.special
     else:
         options.work /= f"share{shares[0]}"
     options.work.mkdir(parents=True, exist_ok=True)
     prefix = options.work / "prefix"
     wine = find_wine()
-    with display(2 if options.two_monitors else 1) as name:
+    with display(2 if options.special == "second-monitor" else 1) as name:
         environment = wine_environment(prefix, name)
         try:
             provide_prefix(wine, original, prefix, name)

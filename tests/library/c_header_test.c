@@ -31,6 +31,8 @@ static int effect(int number, double amount, int light) {
 
 static void expectSimulationsRefused(void) {
   EXPECT(simulation(TINTORA_DEUTAN, 0.5, TINTORA_JUDD_1948, 0, 0) == TINTORA_OK);
+  EXPECT(simulation(TINTORA_DEUTAN, 0.0, TINTORA_JUDD_1948, 0, 0) == TINTORA_OK);
+  EXPECT(simulation(TINTORA_DEUTAN, 1.0, TINTORA_JUDD_1948, 0, 0) == TINTORA_OK);
   EXPECT(simulation(-1, 0.5, 0, 0, 0) == TINTORA_BAD_ARGUMENT);
   EXPECT(simulation(4, 0.5, 0, 0, 0) == TINTORA_BAD_ARGUMENT);
   EXPECT(simulation(TINTORA_DEUTAN, -0.01, 0, 0, 0) == TINTORA_BAD_ARGUMENT);
@@ -46,6 +48,7 @@ static void expectSimulationsRefused(void) {
          TINTORA_NO_INVERSE);
   EXPECT(simulation(TINTORA_DEUTAN, 1.0, TINTORA_BRETTEL_1997, TINTORA_INVERT, 1) ==
          TINTORA_NO_INVERSE);
+  EXPECT(simulation(TINTORA_DEUTAN, 0.999, TINTORA_BRETTEL_1997, TINTORA_INVERT, 1) == TINTORA_OK);
   EXPECT(tintora_simulation(TINTORA_DEUTAN, 1.0, 0, 0, 0, NULL) == TINTORA_BAD_ARGUMENT);
 }
 
@@ -57,8 +60,13 @@ static void expectEffectsRefused(void) {
     EXPECT(effect(number, -1.01, TINTORA_LINEAR) == TINTORA_BAD_ARGUMENT);
     EXPECT(effect(number, (double)NAN, TINTORA_LINEAR) == TINTORA_BAD_ARGUMENT);
   }
+  EXPECT(effect(TINTORA_GREYSCALE, 0.99, 0) == TINTORA_BAD_ARGUMENT);
+  EXPECT(effect(TINTORA_INVERT_CHANNELS, 0.99, 0) == TINTORA_BAD_ARGUMENT);
   EXPECT(effect(TINTORA_BRIGHTNESS, -1.0, 0) == TINTORA_OK);
-  EXPECT(effect(TINTORA_CONTRAST, -0.1, 0) == TINTORA_BAD_ARGUMENT);
+  for (number = TINTORA_CONTRAST; number <= TINTORA_PASS_CYAN; ++number) {
+    EXPECT(effect(number, 0.0, 0) == TINTORA_OK);
+    EXPECT(effect(number, -0.01, 0) == TINTORA_BAD_ARGUMENT);
+  }
   EXPECT(effect(-1, 1.0, 0) == TINTORA_BAD_ARGUMENT);
   EXPECT(effect(TINTORA_PASS_CYAN + 1, 1.0, 0) == TINTORA_BAD_ARGUMENT);
   EXPECT(effect(TINTORA_GREYSCALE, 1.0, -1) == TINTORA_BAD_ARGUMENT);
@@ -66,12 +74,23 @@ static void expectEffectsRefused(void) {
 }
 
 static void expectMatricesRefused(void) {
+  static const float identity[25] = {1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 1,
+                                     0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 1};
   float matrix[25] = {0};
+  int i;
   tintora_transform *transform = NULL;
+  /* The alpha row and column are not used. */
+  memcpy(matrix, identity, sizeof matrix);
+  for (i = 0; i < 5; ++i) matrix[15 + i] = matrix[5 * i + 3] = matrix[5 * i + 4] = 7;
+  EXPECT(tintora_from_matrix(matrix, 0, &transform) == TINTORA_OK);
+  EXPECT(tintora_matrix(transform, matrix) == TINTORA_OK);
+  EXPECT(memcmp(matrix, identity, sizeof matrix) == 0);
+  tintora_free(transform);
   EXPECT(tintora_from_matrix(NULL, 0, &transform) == TINTORA_BAD_ARGUMENT);
   EXPECT(tintora_from_matrix(matrix, 2, &transform) == TINTORA_BAD_ARGUMENT);
   EXPECT(tintora_from_matrix(matrix, 0, NULL) == TINTORA_BAD_ARGUMENT);
   matrix[22] = (float)INFINITY;
+  transform = (tintora_transform *)&failures;
   EXPECT(tintora_from_matrix(matrix, 0, &transform) == TINTORA_BAD_ARGUMENT);
   EXPECT(transform == NULL);
   EXPECT(tintora_matrix(NULL, matrix) == TINTORA_BAD_ARGUMENT);
@@ -98,14 +117,23 @@ static void expectRowsRefused(void) {
   EXPECT(tintora_filter_rows(transform, 0, pixels, 15, pixels, 15, 4, 4) == TINTORA_BAD_ARGUMENT);
   EXPECT(tintora_filter_rows(transform, 0, pixels, 16, pixels, 16, (size_t)-1, 1) ==
          TINTORA_BAD_ARGUMENT);
+  EXPECT(tintora_filter_rows(transform, 0, pixels, 16, pixels, 16, (size_t)-1 / 4, 1) ==
+         TINTORA_BAD_ARGUMENT);
+  EXPECT(tintora_filter_rows(transform, 0, pixels, 0, pixels, 0, 4, 2) == TINTORA_BAD_ARGUMENT);
+  EXPECT(tintora_filter_rows(transform, 0, pixels, -15, pixels, -15, 4, 2) == TINTORA_BAD_ARGUMENT);
   EXPECT(tintora_filter_rows(transform, TINTORA_RGBA16, pixels + 1, 16, pixels + 1, 16, 2, 2) ==
          TINTORA_BAD_ARGUMENT);
   EXPECT(tintora_filter_rows(transform, TINTORA_RGBA16, pixels, 17, pixels, 17, 2, 2) ==
          TINTORA_BAD_ARGUMENT);
   EXPECT(tintora_filter_rows(transform, 0, NULL, 0, NULL, 0, 0, 4) == TINTORA_OK);
+  EXPECT(tintora_filter_rows(transform, 0, NULL, 0, NULL, 0, 4, 0) == TINTORA_OK);
   EXPECT(memcmp(before, pixels, sizeof pixels) == 0);
   EXPECT(tintora_filter_rows(transform, 0, pixels, 16, pixels, 16, 4, 4) == TINTORA_OK);
   EXPECT(pixels[0] == 255 - 77 && pixels[3] == 77);
+  /* One row needs no stride; rows may follow each other downwards without a gap. */
+  EXPECT(tintora_filter_rows(transform, 0, pixels, 0, pixels, 0, 4, 1) == TINTORA_OK);
+  EXPECT(tintora_filter_rows(transform, 0, pixels + 48, -16, pixels + 48, -16, 4, 3) == TINTORA_OK);
+  EXPECT(memcmp(before, pixels, sizeof pixels) == 0);
   tintora_free(transform);
 }
 

@@ -280,6 +280,10 @@ TEST(Library, WorksOnSeveralThreadsAtOnce) {
   for (const Bytes& result : results) EXPECT_EQ(result, results.front());
 }
 
+TEST(Library, ServesAProgramInC) {
+  EXPECT_EQ(std::system(TINTORA_C_PROGRAM), 0);
+}
+
 TEST(Library, ItsExampleShowsAPictureLikeTheTool) {
   const cli::Image image = randomPicture();
   const TemporaryFolder folder;

@@ -74,6 +74,18 @@ TEST_F(Frame, OfAnUnknownViewHasTheTitleOnly) {
   EXPECT_EQ(callsOfFrame(static_cast<ViewCode>(7)), joined({opening, title, closing}));
 }
 
+// Devices that draw text by primitives draw none outside a scene.
+TEST_F(Frame, EndsItsSceneAfterAllTextsAndShowsItLast) {
+  for (const int view : {702, 703, 704, 705}) {
+    colourSpaceView.viewCode = static_cast<ViewCode>(view);
+    const Calls calls = callsOf(&renderFrame);
+    ASSERT_GE(calls.size(), closing.size());
+    EXPECT_EQ(Calls(calls.end() - static_cast<std::ptrdiff_t>(closing.size()), calls.end()),
+              closing)
+        << view;
+  }
+}
+
 TEST_F(Frame, HasTheBackgroundOfTheWindow) {
   for (const int view : {702, 703, 704, 705}) {
     render(static_cast<ViewCode>(view));

@@ -49,13 +49,25 @@ install_packages() {
     { tail -n 20 build/packages.log; echo "The packages could not be installed."; return 1; }
 }
 
-# build PRESET [TARGET...]: configures and builds, and shows the output only if that fails.
-build() {
-  local preset=$1 log=build/$1.log
+# logged LOG COMMAND...: shows the output of a command only if it fails.
+logged() {
+  local log=build/$1.log
   shift
   mkdir -p build
+  "$@" >"$log" 2>&1 ||
+    { tail -n 40 "$log"; echo ""$*" failed; its whole output is in $log."; return 1; }
+}
+
+# configure PRESET
+configure() {
+  logged "$1-configure" cmake --preset "$1"
+}
+
+# build PRESET [TARGET...]: configures and builds.
+build() {
+  local preset=$1
+  shift
   echo "Building $preset"
-  { cmake --preset "$preset" &&
-    cmake --build --preset "$preset" ${1+--target "$@"}; } >"$log" 2>&1 ||
-    { tail -n 40 "$log"; echo "Building $preset failed; its whole output is in $log."; return 1; }
+  configure "$preset"
+  logged "$preset" cmake --build --preset "$preset" ${1+--target "$@"}
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/image_file.h"
+#include "tests/cli/built_tool.h"
 #include "tests/cli/image_samples.h"
 #include "tests/cli/tool_run.h"
 
@@ -153,8 +154,7 @@ TEST(FilterHabits, PicturesAreNotPrintedOnATerminal) {
 
 TEST(CommandLine, AFullDiskIsNoticedEvenForHelp) {
   for (const std::string arguments : {"--help", "filter --help", "--version", "list", "matrix"}) {
-    const std::string command =
-        std::string(TINTORA_CLI) + ' ' + arguments + " >/dev/full 2>/dev/null";
+    const std::string command = std::string(toolPath) + ' ' + arguments + " >/dev/full 2>/dev/null";
     EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1) << arguments;
   }
 }

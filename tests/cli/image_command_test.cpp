@@ -9,6 +9,7 @@
 
 #include "cli/image_file.h"
 #include "engine/colour_simulation.h"
+#include "tests/cli/built_tool.h"
 #include "tests/cli/tool_run.h"
 
 namespace tintora {
@@ -114,9 +115,9 @@ TEST(FilterCommand, TellsThatThereIsNoRoomWhileRowsAreWritten) {
   const std::string in = folder.write("in.png", encoded(image, ImageFormat::Png));
   for (const std::string name : {"out.png", "out.jpg"}) {
     // 64 blocks of 512 bytes at most.
-    const std::string command = "ulimit -f 64; '" TINTORA_CLI "' filter --mode invert '" + in +
-                                "' '" + (folder / name).string() + "' 2>'" +
-                                (folder / "error").string() + "'";
+    const std::string command = "ulimit -f 64; '" + std::string(toolPath) +
+                                "' filter --mode invert '" + in + "' '" + (folder / name).string() +
+                                "' 2>'" + (folder / "error").string() + "'";
     EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
     EXPECT_NE(readFile(folder / "error").find("File too large"), std::string::npos);
     EXPECT_EQ(folder.names(), (std::vector<std::string>{"error", "in.png"}));
@@ -127,7 +128,7 @@ TEST(FilterCommand, TellsThatThereIsNoFolderForTemporaryFiles) {
   const TemporaryFolder folder;
   const std::string in = folder.write("in.png", encoded(colourfulImage(false), ImageFormat::Png));
   const std::string command =
-      "TMPDIR='" + (folder / "none").string() + "' '" TINTORA_CLI "' filter --mode invert '" + in +
+      "TMPDIR='" + (folder / "none").string() + "' '" + toolPath + "' filter --mode invert '" + in +
       "' - 2>'" + (folder / "error").string() + "' | wc -c >'" + (folder / "count").string() + "'";
   EXPECT_EQ(std::system(command.c_str()), 0);
   EXPECT_NE(readFile(folder / "error").find("cannot write standard output: no folder"),

@@ -10,12 +10,13 @@
 #include <string>
 #include <vector>
 
+#include "tests/cli/built_tool.h"
 #include "tests/cli/tool_run.h"
 
 namespace tintora {
 namespace {
 
-const std::filesystem::path madeFolder = TINTORA_TOOL_DOCUMENTS;
+const std::filesystem::path madeFolder = toolDocumentsFolder;
 const std::filesystem::path shellsFolder = TINTORA_SHELLS;
 
 bool isInstalled(const std::string& program) {

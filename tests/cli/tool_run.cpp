@@ -14,6 +14,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "tests/cli/built_tool.h"
+
 namespace tintora {
 
 namespace {
@@ -23,7 +25,7 @@ constexpr int writeWhole = O_WRONLY | O_CREAT | O_TRUNC;
 // Runs the tool with these three files and returns its status.
 int runWith(const std::vector<std::string>& arguments, const std::string& in,
             const std::string& out, const std::string& err) {
-  std::vector<std::string> words{TINTORA_CLI};
+  std::vector<std::string> words{toolPath};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
   for (std::string& word : words) argv.push_back(word.data());
@@ -35,7 +37,7 @@ int runWith(const std::vector<std::string>& arguments, const std::string& in,
   posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), writeWhole, 0600);
   posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, err.c_str(), writeWhole, 0600);
   pid_t child = 0;
-  const int failure = posix_spawn(&child, TINTORA_CLI, &actions, nullptr, argv.data(), environ);
+  const int failure = posix_spawn(&child, toolPath, &actions, nullptr, argv.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   if (failure != 0) throw std::runtime_error("the tool does not start");
 

@@ -17,6 +17,7 @@
 #include "library/tintora.h"
 #include "tests/cli/tool_run.h"
 #include "tests/expected/engine_records.h"
+#include "tests/library/built_programs.h"
 
 namespace tintora {
 namespace {
@@ -281,7 +282,7 @@ TEST(Library, WorksOnSeveralThreadsAtOnce) {
 }
 
 TEST(Library, ServesAProgramInC) {
-  EXPECT_EQ(std::system(TINTORA_C_PROGRAM), 0);
+  EXPECT_EQ(std::system(headerTestCommand), 0);
 }
 
 TEST(Library, ItsExampleShowsAPictureLikeTheTool) {
@@ -294,7 +295,7 @@ TEST(Library, ItsExampleShowsAPictureLikeTheTool) {
   const std::string input =
       folder.write("in.ppm", header + std::string(samples.begin(), samples.end()));
   const std::string output = (folder / "out.ppm").string();
-  ASSERT_EQ(std::system((TINTORA_EXAMPLE " <" + input + " >" + output).c_str()), 0);
+  ASSERT_EQ(std::system((std::string(examplePath) + " <" + input + " >" + output).c_str()), 0);
   const Bytes expected = reordered(toolsPicture(image, {"--algorithm", "brettel1997"}), rgb);
   EXPECT_TRUE(readFile(output) == header + std::string(expected.begin(), expected.end()));
 }

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "picture.h"
 #include "platform/clipboard.h"
 #include "platform/windows/handles.h"
 #include "replaced_pointer.h"
@@ -34,9 +35,7 @@ class ClipboardBlock : public testing::Test {
   void SetUp() override {
     window_ = CreateWindowExA(0, "STATIC", "owner", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr,
                               GetModuleHandleA(nullptr), nullptr);
-    OpenClipboard(nullptr);
-    EmptyClipboard();
-    CloseClipboard();
+    emptyClipboard();
   }
   void TearDown() override { DestroyWindow(window_); }
 
@@ -53,7 +52,7 @@ class ClipboardBlock : public testing::Test {
 
   static Block held() {
     Block block;
-    OpenClipboard(nullptr);
+    EXPECT_TRUE(openClipboard());
     if (const HANDLE memory = GetClipboardData(CF_DIB)) {
       block.bytes = GlobalSize(memory);
       std::memcpy(&block.header, GlobalLock(memory), sizeof block.header);

@@ -83,11 +83,6 @@ TEST_F(DeviceLife, BeginsWithOneMoreAttemptInSoftwareWhereHardwareFails) {
   }
 }
 
-ULONG holdersOf(IUnknown* object) {
-  object->AddRef();
-  return object->Release();
-}
-
 constexpr GUID anyData{0x7A1B2C3D, 0x4E5F, 0x4A6B, {1, 2, 3, 4, 5, 6, 7, 8}};
 
 // An object attached to the back buffer is released only when the device is gone.

@@ -30,6 +30,11 @@ Picture pictureOf(IDirect3DSurface9* surface) {
 
 }  // namespace
 
+ULONG holdersOf(IUnknown* object) {
+  object->AddRef();
+  return object->Release();
+}
+
 DrawingSurface::DrawingSurface(const platform::Size& size)
     : window_(CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, size.width, size.height, nullptr,
                               nullptr, nullptr, nullptr)),

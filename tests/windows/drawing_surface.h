@@ -12,6 +12,9 @@
 
 namespace tintora::windows_test {
 
+// Returns an object's reference count.
+ULONG holdersOf(IUnknown* object);
+
 class DrawingSurface {
  public:
   explicit DrawingSurface(const platform::Size& size);

@@ -252,12 +252,7 @@ TEST_F(GraphicsText, LeavesTheDeviceAsItWas) {
   platform::releaseVertexBuffer(vertices);
 }
 
-// Returns the device's reference count. Each texture holds one reference.
-ULONG holdersOf(IDirect3DDevice9* device) {
-  device->AddRef();
-  return device->Release();
-}
-
+// Each texture holds a reference to its device.
 TEST_F(GraphicsText, KeepsAFewOfItsLines) {
   const ULONG withoutFont = holdersOf(native());
   platform::PaintedFont* const font = platform::createPaintedFont(native(), titleForm);

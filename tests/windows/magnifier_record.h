@@ -92,18 +92,20 @@ struct MagnifierRecord {
   std::atomic<std::uint64_t> calls;
   std::atomic<std::uint32_t> marker;          // the last one reached
   std::atomic<std::uint64_t> paints;          // the latest are in the ring below, as with calls
-  std::atomic<std::uint64_t> titleSets;       // WM_SETTEXT to any of the program's windows
   std::atomic<std::uint64_t> looks;           // for messages, by PeekMessage
-  std::atomic<std::uint64_t> copies;          // how many of these confirmed a copy
-  std::atomic<std::uint64_t> copiedAt;        // when the latest of them was set, by GetTickCount64
+  std::atomic<std::uint64_t> titleSets;       // WM_SETTEXT to any of the program's windows
+  std::atomic<std::uint64_t> copies;          // titles that confirmed a copy
+  std::atomic<std::uint64_t> copiedAt;        // when the latest of those was set, by GetTickCount64
   std::atomic<std::uint64_t> renamedAt;       // when the main window last got any other title
   std::atomic<std::uint64_t> menusLeft;       // WM_EXITMENULOOP to any of the program's windows
   std::atomic<std::uint64_t> paintsAtKeys;    // paints when keys were queued
-  std::atomic<std::uint64_t> paintsAtMarker;  // paints when the last marker was reached
+  std::atomic<std::uint64_t> paintsOverKeys;  // paints from then until all of them were handled
   std::atomic<std::uint64_t> composed;        // calls to DwmFlush
   std::atomic<std::uint32_t> corners;         // the requested corner preference; 0 if none
   std::atomic<std::int32_t> mainShown;        // the latest show command for the main window
-  std::atomic<std::uint32_t> titleTimer;      // milliseconds of the main window's latest timer
+  std::atomic<std::uint64_t> titleTimers;     // timers that were set on the main window
+  std::atomic<std::uint64_t> timedAt;         // when the latest of those was set, by GetTickCount64
+  std::atomic<std::uint32_t> titleTimer;      // its milliseconds
   std::atomic<std::uint32_t> unhandledKey;    // the latest key that the program left to the desktop
   std::atomic<std::uint64_t> pagesOpened;
   std::atomic<std::int32_t>
@@ -147,6 +149,8 @@ enum Request : UINT {
   // Queues presses of a key in the main window all at once: the key is in the first parameter,
   // their number in the second.
   QueueKeys,
+  // Follows the queued keys and counts the paints in the meantime.
+  EndKeys,
   // Waits until the display has carried out all of the program's requests.
   FinishDrawing,
   // From now on, reports the program's graphics devices as lost.

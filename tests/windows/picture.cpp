@@ -84,19 +84,17 @@ DWORD WINAPI runBackdrop(void* parameter) {
 
 }  // namespace
 
-Picture screenPicture(const Bounds& part) {
-  Picture picture{part.width(), part.height(), {}};
-  const HDC screen = GetDC(nullptr);
-  const HDC memory = CreateCompatibleDC(screen);
-  const BITMAPINFO info = description(part.width(), part.height());
+Picture drawnPicture(int width, int height, const std::function<void(HDC)>& draw) {
+  Picture picture{width, height, {}};
+  const HDC memory = CreateCompatibleDC(nullptr);
+  const BITMAPINFO info = description(width, height);
   void* bits = nullptr;
   const HBITMAP bitmap = CreateDIBSection(memory, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
   const HGDIOBJ previous = SelectObject(memory, bitmap);
-  BitBlt(memory, 0, 0, part.width(), part.height(), screen, part.left, part.top, SRCCOPY);
+  draw(memory);
   GdiFlush();
   const auto* const pixels = static_cast<const std::uint32_t*>(bits);
-  const auto count =
-      static_cast<std::size_t>(part.width()) * static_cast<std::size_t>(part.height());
+  const auto count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
   std::transform(pixels, pixels + count, std::back_inserter(picture.pixels),
                  [](std::uint32_t pixel) -> Colour {
                    return {static_cast<std::uint8_t>(pixel >> 16),
@@ -105,8 +103,27 @@ Picture screenPicture(const Bounds& part) {
   SelectObject(memory, previous);
   DeleteObject(bitmap);
   DeleteDC(memory);
-  ReleaseDC(nullptr, screen);
   return picture;
+}
+
+Picture screenPicture(const Bounds& part) {
+  const int width = part.width();
+  const int height = part.height();
+  return drawnPicture(width, height, [&](HDC memory) {
+    const HDC screen = GetDC(nullptr);
+    BitBlt(memory, 0, 0, width, height, screen, part.left, part.top, SRCCOPY);
+    ReleaseDC(nullptr, screen);
+  });
+}
+
+bool openClipboard() {
+  return eventually([] { return OpenClipboard(nullptr) != FALSE; });
+}
+
+void emptyClipboard() {
+  EXPECT_TRUE(openClipboard());
+  EmptyClipboard();
+  CloseClipboard();
 }
 
 Picture filteredPicture(const Picture& picture, const ColourEffect& effect) {

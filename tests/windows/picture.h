@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "colour_effect.h"
@@ -33,6 +34,13 @@ Picture screenPicture(const Bounds& part);
 
 // Applies a colour effect to a picture in double precision.
 Picture filteredPicture(const Picture& picture, const ColourEffect& effect);
+
+// Returns what is drawn on a black bitmap of 32 bits per pixel.
+Picture drawnPicture(int width, int height, const std::function<void(HDC)>& draw);
+
+// Opens the clipboard once no other program has it open. Close it with CloseClipboard.
+bool openClipboard();
+void emptyClipboard();
 
 // Succeeds if no channel of any pixel differs by more than the tolerance.
 testing::AssertionResult areAlike(const Picture& actual, const Picture& expected, int tolerance);

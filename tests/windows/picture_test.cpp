@@ -106,7 +106,7 @@ Picture decode(const BITMAPINFOHEADER& header, const std::uint8_t* rows) {
 
 ClipboardBitmap clipboardBitmap() {
   ClipboardBitmap bitmap;
-  if (!eventually([] { return OpenClipboard(nullptr) != FALSE; })) return bitmap;
+  if (!openClipboard()) return bitmap;
   const HANDLE block = GetClipboardData(CF_DIB);
   if (block != nullptr) {
     const auto* const bytes = static_cast<const std::uint8_t*>(GlobalLock(block));
@@ -119,12 +119,6 @@ ClipboardBitmap clipboardBitmap() {
   }
   CloseClipboard();
   return bitmap;
-}
-
-void emptyClipboard() {
-  eventually([] { return OpenClipboard(nullptr) != FALSE; });
-  EmptyClipboard();
-  CloseClipboard();
 }
 
 class Clipboard : public OverAPicture {
@@ -262,15 +256,17 @@ TEST_F(Clipboard, ConfirmsAnewForASecondCopy) {
   startOver();
   choose(52);
   ASSERT_TRUE(hasCopied());
+  const MagnifierRecord& record = magnifierRecord();
   Sleep(1000);
-  const ULONGLONG again = GetTickCount64();
+  const std::uint64_t timers = record.titleTimers;
   choose(52);
-  EXPECT_GE(renamedAfter(again), nearlyThreeSeconds);
+  ASSERT_TRUE(eventually([&] { return record.titleTimers > timers; }));
+  EXPECT_GE(renamedAfter(record.timedAt), nearlyThreeSeconds);
 }
 
 TEST_F(Clipboard, ConfirmsEvenWhereItCannotBeHad) {
   startOver();
-  ASSERT_TRUE(OpenClipboard(nullptr));
+  ASSERT_TRUE(openClipboard());
   choose(52);
   EXPECT_TRUE(hasCopied());
   CloseClipboard();

@@ -53,38 +53,24 @@ Picture expectedControlWindow(int width, int height) {
        {17, 30, L"Main window is now Hit-Transparent"},
        {17, 50, L"Use this window to access options (right-click/mouse-wheel)"}}};
   constexpr int fontHeight = 16;
-  const HDC screen = GetDC(nullptr);
-  const HDC memory = CreateCompatibleDC(screen);
-  const HBITMAP bitmap = CreateCompatibleBitmap(screen, width, height);
-  const HFONT font = CreateFontW(fontHeight, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, PROOF_QUALITY, 0,
-                                 L"Microsoft Sans Serif");
-  const HBRUSH brush = CreateSolidBrush(RGB(80, 100, 120));
-  const HGDIOBJ previousBitmap = SelectObject(memory, bitmap);
-  const HGDIOBJ previousFont = SelectObject(memory, font);
-  const RECT all{0, 0, width, height};
-  FillRect(memory, &all, brush);
-  SetBkMode(memory, TRANSPARENT);
-  for (const int shadow : {1, 0}) {
-    SetTextColor(memory, shadow != 0 ? RGB(0, 0, 0) : RGB(255, 255, 255));
-    for (const auto& [x, y, text] : lines) {
-      TextOutW(memory, x + shadow, y + shadow, text.c_str(), static_cast<int>(text.size()));
+  return drawnPicture(width, height, [&](HDC memory) {
+    const HFONT font = CreateFontW(fontHeight, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, PROOF_QUALITY, 0,
+                                   L"Microsoft Sans Serif");
+    const HBRUSH brush = CreateSolidBrush(RGB(80, 100, 120));
+    const HGDIOBJ previousFont = SelectObject(memory, font);
+    const RECT all{0, 0, width, height};
+    FillRect(memory, &all, brush);
+    SetBkMode(memory, TRANSPARENT);
+    for (const int shadow : {1, 0}) {
+      SetTextColor(memory, shadow != 0 ? RGB(0, 0, 0) : RGB(255, 255, 255));
+      for (const auto& [x, y, text] : lines) {
+        TextOutW(memory, x + shadow, y + shadow, text.c_str(), static_cast<int>(text.size()));
+      }
     }
-  }
-  Picture picture{width, height, {}};
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) {
-      const COLORREF pixel = GetPixel(memory, x, y);
-      picture.pixels.push_back({GetRValue(pixel), GetGValue(pixel), GetBValue(pixel)});
-    }
-  }
-  SelectObject(memory, previousFont);
-  SelectObject(memory, previousBitmap);
-  DeleteObject(brush);
-  DeleteObject(font);
-  DeleteObject(bitmap);
-  DeleteDC(memory);
-  ReleaseDC(nullptr, screen);
-  return picture;
+    SelectObject(memory, previousFont);
+    DeleteObject(brush);
+    DeleteObject(font);
+  });
 }
 
 TEST_F(AnyLanguage, HasTheSamePaintedText) {

@@ -1,5 +1,8 @@
 #include "program_run.h"
 
+#include <windows.h>
+#include <psapi.h>
+
 #include <algorithm>
 #include <cstdio>
 
@@ -313,6 +316,15 @@ ProgramTest::Objects ProgramTest::objects() {
   ask(CountObjects, 0);
   const MagnifierRecord& record = magnifierRecord();
   return {record.graphicsObjects, record.userObjects, record.handles};
+}
+
+std::size_t ProgramTest::memory() const {
+  const HANDLE handle =
+      OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, process().id());
+  PROCESS_MEMORY_COUNTERS counters{};
+  K32GetProcessMemoryInfo(handle, &counters, sizeof counters);
+  CloseHandle(handle);
+  return counters.WorkingSetSize;
 }
 
 double ProgramTest::processorTime() {

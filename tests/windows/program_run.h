@@ -122,6 +122,9 @@ class ProgramTest : public testing::Test {
   };
   Objects objects();
 
+  // Returns the memory that the program occupies, in bytes.
+  std::size_t memory() const;
+
   // Returns the processor time that the program has used so far, in milliseconds.
   double processorTime();
 

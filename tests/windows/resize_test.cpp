@@ -1,6 +1,5 @@
 // Resizes the colour space window many times.
 #include <windows.h>
-#include <psapi.h>
 
 #include <cstddef>
 #include <random>
@@ -33,16 +32,6 @@ class DrawingStraight {
 
 class Resizing : public ColourSpaceTest {
  protected:
-  // Returns the memory that the program occupies, in bytes.
-  std::size_t memory() const {
-    const HANDLE handle =
-        OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, process().id());
-    PROCESS_MEMORY_COUNTERS counters{};
-    K32GetProcessMemoryInfo(handle, &counters, sizeof counters);
-    CloseHandle(handle);
-    return counters.WorkingSetSize;
-  }
-
   // Resizes at random, down to one pixel; small sizes are as frequent as large ones.
   void resizeAtRandom(int times) {
     const auto length = [&] {

@@ -3,7 +3,6 @@
 // was ever read. Not part of the usual run; TINTORA_MINUTES sets the duration:
 //   tests/windows/run.py ... -- --gtest_also_run_disabled_tests --gtest_filter=*Soak*
 #include <windows.h>
-#include <psapi.h>
 
 #include <algorithm>
 #include <array>
@@ -36,13 +35,7 @@ class DISABLED_Soak : public ColourSpaceTest {
   Held held(const char* when) {
     reset();
     Held held;
-    const HANDLE handle =
-        OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, process().id());
-    PROCESS_MEMORY_COUNTERS_EX counters{};
-    K32GetProcessMemoryInfo(handle, reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters),
-                            sizeof counters);
-    held.memory = counters.WorkingSetSize;
-    CloseHandle(handle);
+    held.memory = memory();
     const Objects counted = objects();
     held.handles = counted.handles;
     held.graphics = counted.graphics;

@@ -102,7 +102,11 @@ BOOL WINAPI show(HWND window, int command) {
 }
 
 UINT_PTR WINAPI setTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedure) {
-  if (isMainWindow(window)) record->titleTimer = milliseconds;
+  if (isMainWindow(window)) {
+    record->titleTimer = milliseconds;
+    record->timedAt = GetTickCount64();
+    ++record->titleTimers;
+  }
   return originals.setTimer(window, id, milliseconds, procedure);
 }
 

@@ -107,7 +107,6 @@ LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM secon
     case WM_NCHITTEST:
       return record->habits.keepsMouse ? HTCLIENT : HTTRANSPARENT;
     case ReachMarker:
-      record->paintsAtMarker = record->paints.load();
       record->marker = static_cast<std::uint32_t>(first);
       return 0;
     case ReadMenu:
@@ -133,7 +132,11 @@ LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM secon
     case QueueKeys:
       record->paintsAtKeys = record->paints.load();
       queueKeys(GetAncestor(window, GA_ROOT), first, second);
+      PostMessageW(window, EndKeys, 0, 0);
       return 1;
+    case EndKeys:
+      record->paintsOverKeys = record->paints - record->paintsAtKeys;
+      return 0;
     case FinishDrawing:
       finishDrawing();
       return 1;

@@ -193,8 +193,8 @@ TEST_F(Dragged, TheFrameIsNeverAheadOfTheView) {
   EXPECT_EQ(boundsOf(windows().main).left, before.left + 200);
 }
 
-// A fast mouse always has the next move waiting. Keys stand for it: they move the window too, and
-// can be queued together. Held by its caption, the window has captured the mouse as well.
+// A fast mouse always has the next move waiting. Keys stand for it: they move and size the window
+// too, and can be queued together. Held by its caption, the window has captured the mouse as well.
 TEST_F(Dragged, TheViewIsDrawnAtEachStep) {
   startWith(false);
   constexpr int steps = 40;
@@ -207,15 +207,17 @@ TEST_F(Dragged, TheViewIsDrawnAtEachStep) {
   moveCursor(client.left + 50, client.top + 50);
   mouseButton(MOUSEEVENTF_LEFTDOWN);
   ASSERT_TRUE(eventually([&] { return threadOf(windows().main).hwndCapture == windows().main; }));
-  const LONG before = boundsOf(windows().main).left;
-  ask(QueueKeys, VK_RIGHT, steps);
-  settle();
-  EXPECT_EQ(boundsOf(windows().main).left, before + steps);
   const MagnifierRecord& record = magnifierRecord();
-  EXPECT_GE(record.paintsOverKeys, steps);
-  for (const RecordedPaint& paint : paintsSince(record.paintsAtKeys)) {
-    EXPECT_EQ(paint.source.left, paint.corner.x);
+  for (const int sizingKey : {0, VK_LSHIFT}) {
+    ask(HoldKey, static_cast<WPARAM>(sizingKey));
+    ask(QueueKeys, VK_RIGHT, steps);
+    settle();
+    EXPECT_GE(record.paintsOverKeys, steps) << sizingKey;
+    for (const RecordedPaint& paint : paintsSince(record.paintsAtKeys)) {
+      EXPECT_EQ(paint.source.left, paint.corner.x);
+    }
   }
+  ask(HoldKey, 0);
 }
 
 TEST_F(Dragged, TheViewIsLiveWhileACaptionIsHeld) {

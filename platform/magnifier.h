@@ -23,7 +23,7 @@ Window* createMagnifier(Window* parent, const std::string& title, const Rect& bo
 void setUnmagnified(Window* magnifier);
 
 // Sets the part of the screen to show.
-void setMagnifierSource(Window* magnifier, const Rect& source);
+void setMagnifierSource(Window* magnifier, const Rect& area);
 
 // Sets the matrix through which the view shows it.
 void setColourEffect(Window* magnifier, const EffectMatrix& matrix);

@@ -89,8 +89,8 @@ void setUnmagnified(Window* /*magnifier*/) {
   // Does nothing: this desktop shows everything at its own size.
 }
 
-void setMagnifierSource(Window* /*magnifier*/, const Rect& source) {
-  viewSource->setOrigin(onRoot(Point{source.left, source.top}));
+void setMagnifierSource(Window* /*magnifier*/, const Rect& area) {
+  viewSource->setOrigin(onRoot(Point{area.left, area.top}));
 }
 
 void setColourEffect(Window* /*magnifier*/, const EffectMatrix& matrix) {

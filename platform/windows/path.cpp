@@ -15,7 +15,7 @@ std::wstring fullPath(const std::wstring& path) {
 }  // namespace
 
 std::wstring openablePath(const std::wstring& path) {
-  const std::wstring full = fullPath(path);
+  std::wstring full = fullPath(path);
   if (full.size() < MAX_PATH || full.starts_with(L"\\\\?\\")) return full;
   const bool onNetwork = full.starts_with(L"\\\\");
   return onNetwork ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;

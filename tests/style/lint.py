@@ -86,8 +86,18 @@ def checks_for(entry, arguments):
     return ",".join(["tintora-*", "-bugprone-suspicious-include", *left_out])
 
 
+@lru_cache(maxsize=None)
+def library_of(compiler):
+    """Returns options that name a cross compiler's standard library, which clang does not find."""
+    run = subprocess.run([compiler, "-E", "-v", "-x", "c++", "/dev/null"], capture_output=True,
+                         text=True, check=True)
+    folders = [line.strip() for line in run.stderr.splitlines() if line.startswith(" /")]
+    return [f"-isystem{folder}" for folder in folders if "c++" in folder]
+
+
 def command_for(entry, arguments):
-    target = [f"--target={arguments.target}"] if arguments.target else []
+    compiler = shlex.split(entry["command"])[0]
+    target = ([f"--target={arguments.target}", *library_of(compiler)] if arguments.target else [])
     plugin = ["-load", str(arguments.plugin)] if arguments.plugin else []
     return ["clang-tidy", "--quiet", *plugin, f"--checks={checks_for(entry, arguments)}",
             entry["file"], "--", "-Wno-unknown-warning-option", *target, *options_of(entry)]

@@ -15,8 +15,10 @@
 
 // The import pointers of these functions. Calls from a linked library go through them.
 extern "C" {
+// NOLINTBEGIN(bugprone-reserved-identifier)
 extern int(WINAPI* __imp_GetDIBits)(HDC, HBITMAP, UINT, UINT, LPVOID, LPBITMAPINFO, UINT);
 extern HGLOBAL(WINAPI* __imp_GlobalAlloc)(UINT, SIZE_T);
+// NOLINTEND(bugprone-reserved-identifier)
 }
 
 namespace tintora::windows_test {
@@ -112,10 +114,11 @@ int WINAPI silentOnSize(HDC context, HBITMAP bitmap, UINT first, UINT rows, LPVO
   info->bmiHeader.biSizeImage = 0;
   return 1;
 }
-int WINAPI copiesNothing(HDC, HBITMAP, UINT, UINT, LPVOID, LPBITMAPINFO, UINT) {
+int WINAPI copiesNothing(HDC /*context*/, HBITMAP /*bitmap*/, UINT /*first*/, UINT /*rows*/,
+                         LPVOID /*bits*/, LPBITMAPINFO /*info*/, UINT /*usage*/) {
   return 0;
 }
-HGLOBAL WINAPI outOfMemory(UINT, SIZE_T) {
+HGLOBAL WINAPI outOfMemory(UINT /*flags*/, SIZE_T /*bytes*/) {
   return nullptr;
 }
 

@@ -93,7 +93,7 @@ TEST_F(DeviceLife, EndsThoughSomethingElseHoldsTheDevice) {
   IUnknown* const attached = direct3d();
   IDirect3DSurface9* picture = nullptr;
   device->device->GetBackBuffer(0, 0, D3DBACKBUFFER_TYPE_MONO, &picture);
-  EXPECT_EQ(picture->SetPrivateData(anyData, attached, sizeof attached, D3DSPD_IUNKNOWN), D3D_OK);
+  EXPECT_EQ(picture->SetPrivateData(anyData, attached, sizeof(IUnknown*), D3DSPD_IUNKNOWN), D3D_OK);
   picture->Release();
   ASSERT_EQ(holdersOf(direct3d()), unattached + 1);
   device->device->AddRef();

@@ -154,7 +154,7 @@ class Dragged : public Pace {
     mouseButton(MOUSEEVENTF_LEFTDOWN);
     ASSERT_TRUE(eventually([&] { return (threadOf(window).flags & GUI_INMOVESIZE) != 0; }));
   }
-  void moveTo(int x, int y) { SetCursorPos(grip_.x + x, grip_.y + y); }
+  void moveTo(int x, int y) const { SetCursorPos(grip_.x + x, grip_.y + y); }
   void TearDown() override {
     mouseButton(MOUSEEVENTF_LEFTUP);
     Pace::TearDown();

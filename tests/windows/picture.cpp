@@ -165,7 +165,7 @@ Colour mixedColour(int x, int y) {
 }
 
 Backdrop::Backdrop(const Bounds& bounds, Pattern pattern) : bounds_(bounds), pattern_(pattern) {
-  auto facts = std::make_unique<BackdropFacts>(bounds, pattern);
+  auto facts = std::make_unique<BackdropFacts>(BackdropFacts{bounds, pattern});
   thread_ = CreateThread(nullptr, 0, &runBackdrop, facts.release(), 0, nullptr);
   EXPECT_TRUE(eventually([&] { return areAlike(screenPicture(bounds_), picture(bounds_), 0); }));
 }

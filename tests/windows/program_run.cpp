@@ -148,7 +148,7 @@ void ProgramTest::start(const Launch& launch) {
         [this] {
           windows_ = findWindows(process_->id());
           return windows_.magnifier != nullptr && windows_.control != nullptr &&
-                 windows_.colourSpace != nullptr && IsWindowVisible(windows_.main);
+                 windows_.colourSpace != nullptr && IsWindowVisible(windows_.main) != 0;
         },
         aStart);
   };
@@ -169,7 +169,7 @@ void ProgramTest::end() {
 
 // The program's turn follows each message, so the first marker's turn is over when the second one
 // is reached.
-void ProgramTest::settle() {
+void ProgramTest::settle() const {
   static UINT marker = 0;
   for (int i = 0; i < 2; ++i) PostMessageA(windows_.magnifier, ReachMarker, ++marker, 0);
   ASSERT_TRUE(eventually([] { return magnifierRecord().marker == marker; }));
@@ -247,7 +247,7 @@ RecordedCall ProgramTest::lastCall(MagnifierCall kind) const {
 
 HWND ProgramTest::openMenuWindow() const {
   for (const HWND window : windowsOf(process_->id(), "#32768")) {
-    if (IsWindowVisible(window)) return window;
+    if (IsWindowVisible(window) != 0) return window;
   }
   return nullptr;
 }
@@ -276,7 +276,7 @@ void ProgramTest::closeMenu() {
   settle();
 }
 
-DWORD_PTR ProgramTest::ask(UINT request, WPARAM first, LPARAM second) {
+DWORD_PTR ProgramTest::ask(UINT request, WPARAM first, LPARAM second) const {
   DWORD_PTR answer = 0;
   EXPECT_NE(SendMessageTimeoutA(windows_.magnifier, request, first, second, SMTO_NORMAL,
                                 longestWait, &answer),

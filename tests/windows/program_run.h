@@ -86,7 +86,7 @@ class ProgramTest : public testing::Test {
   void choose(int command);
 
   // Waits until all messages posted so far were handled and the program's turn after them is over.
-  void settle();
+  void settle() const;
 
   // Waits until the display has carried out the program's requests and the program has handled the
   // resulting events.
@@ -132,7 +132,7 @@ class ProgramTest : public testing::Test {
   std::vector<RecordedPaint> paintsSince(std::uint64_t first) const;
 
   // Sends a request to the stand-in inside the program and returns its answer.
-  DWORD_PTR ask(UINT request, WPARAM first, LPARAM second = 0);
+  DWORD_PTR ask(UINT request, WPARAM first, LPARAM second = 0) const;
 
  private:
   std::unique_ptr<Process> process_;

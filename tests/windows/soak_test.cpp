@@ -47,10 +47,10 @@ class DISABLED_Soak : public ColourSpaceTest {
   }
 
   void reset() {
-    if (IsIconic(windows().main) || IsZoomed(windows().main)) {
+    if (IsIconic(windows().main) != 0 || IsZoomed(windows().main) != 0) {
       send(windows().main, WM_SYSCOMMAND, SC_RESTORE);
     }
-    if (IsWindowVisible(windows().control)) send(windows().control, WM_CLOSE);
+    if (IsWindowVisible(windows().control) != 0) send(windows().control, WM_CLOSE);
     press(VK_ESCAPE);
     SetWindowPos(windows().main, nullptr, 100, 100, 300, 200, SWP_NOZORDER | SWP_NOACTIVATE);
     settle();
@@ -131,7 +131,7 @@ class DISABLED_Soak : public ColourSpaceTest {
 
 TEST_F(DISABLED_Soak, LeavesNothingBehind) {
   const char* const asked = std::getenv("TINTORA_MINUTES");
-  const int minutes = asked == nullptr ? 10 : std::atoi(asked);
+  const int minutes = asked == nullptr ? 10 : std::stoi(asked);
   constexpr ULONGLONG minute = 60000;
   start("-st");
   magnifierRecord().habits.drawsNothing = true;

@@ -6,6 +6,6 @@
 namespace tintora::windows_test {
 
 // From now on, redirects some of the program's calls of the desktop's libraries to the stand-in.
-void watchCalls(MagnifierRecord& record);
+void watchCalls(MagnifierRecord& written);
 
 }  // namespace tintora::windows_test

@@ -63,7 +63,7 @@ bool isIcon(HICON icon) {
 std::uint32_t countUserHandles() {
   std::uint32_t count = countWindows();
   for (std::uintptr_t handle = 1; handle <= 0xffff; ++handle) {
-    if (IsMenu(reinterpret_cast<HMENU>(handle)) || isIcon(reinterpret_cast<HICON>(handle))) {
+    if (IsMenu(reinterpret_cast<HMENU>(handle)) != 0 || isIcon(reinterpret_cast<HICON>(handle))) {
       ++count;
     }
   }

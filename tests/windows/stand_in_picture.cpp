@@ -23,7 +23,7 @@ std::vector<HWND> windowsBeneath(HWND window) {
   std::vector<HWND> windows;
   for (HWND next = GetWindow(window, GW_HWNDNEXT); next != nullptr;
        next = GetWindow(next, GW_HWNDNEXT)) {
-    if (IsWindowVisible(next) && !IsIconic(next)) windows.push_back(next);
+    if (IsWindowVisible(next) != 0 && IsIconic(next) == 0) windows.push_back(next);
   }
   std::ranges::reverse(windows);
   return windows;
@@ -51,8 +51,11 @@ void copyBeneath(HWND window, HDC target, const RECT& part) {
 
 std::uint8_t output(const ColourEffect& effect, std::size_t channel, const Pixel& in) {
   const auto row = [&](std::size_t input) { return effect[5 * input + channel]; };
+  const auto part = [&](std::uint8_t value, std::size_t input) {
+    return static_cast<float>(value) * row(input);
+  };
   const float sum =
-      (in.red * row(0) + in.green * row(1) + in.blue * row(2)) / 255.0F + row(3) + row(4);
+      (part(in.red, 0) + part(in.green, 1) + part(in.blue, 2)) / 255.0F + row(3) + row(4);
   return static_cast<std::uint8_t>(std::lround(std::clamp(sum, 0.0F, 1.0F) * 255.0F));
 }
 
@@ -105,7 +108,7 @@ void showBeneath(HWND magnifier, HDC target, const RECT& source, const ColourEff
                  bool late) {
   RECT client{};
   GetClientRect(magnifier, &client);
-  if (IsRectEmpty(&client)) return;
+  if (IsRectEmpty(&client) != 0) return;
   const RECT part{source.left, source.top, source.left + client.right, source.top + client.bottom};
 
   const BITMAPINFO info = description({client.right, client.bottom});

@@ -38,7 +38,7 @@ TEST_F(Trouble, OfAKilledProcessLeavesEverySettingOldOrNew) {
   constexpr int usually = 8;
   constexpr int latest = 40;  // milliseconds; most runs end sooner
   const char* const asked = std::getenv("TINTORA_KILLS");
-  const int kills = asked == nullptr ? usually : std::atoi(asked);
+  const int kills = asked == nullptr ? usually : std::stoi(asked);
   const StoredValues before{{"Selected", 1},  {"ScrollPc", 100}, {"Filter", 100},
                             {"Swap", 200},    {"Option", 0},     {"Inversion", 0},
                             {"Daltonize", 0}, {"ColorSpace", 0}, {"View", 705}};

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <iostream>
 #include <memory>
 
 #include "platform/linux/handles.h"
@@ -55,9 +56,11 @@ void joinEventLoop() {
   theMagnifier.notifier = std::make_unique<QSocketNotifier>(
       xcb_get_file_descriptor(xServer.connection), QSocketNotifier::Read);
   QObject::connect(theMagnifier.notifier.get(), &QSocketNotifier::activated, [] {
-    if (xcb_connection_has_error(xServer.connection) == 0) return;
+    const int error = xcb_connection_has_error(xServer.connection);
+    if (error == 0) return;
     // Without the server there is nothing left to follow.
     theMagnifier.notifier->setEnabled(false);
+    std::cerr << "tintora: the connection to the X server broke (error " << error << ").\n";
     quit(1);
   });
   QObject::connect(loop, &QAbstractEventDispatcher::aboutToBlock, theMagnifier.notifier.get(),

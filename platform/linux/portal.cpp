@@ -90,6 +90,9 @@ class Session : public QObject {
       // A stream that is already granted needs no portal.
       if (!over_ && !request_.isEmpty()) end(PortalEnd::Refused);
     });
+    // Hears the answers to all requests: one may come before the reply that names its path.
+    listen(QString(), "org.freedesktop.portal.Request", "Response",
+           SLOT(onResponse(const QDBusMessage&)));
     askForProperties();
   }
 
@@ -140,13 +143,8 @@ class Session : public QObject {
     bus_.connect(service, path, interface, name, this, slot);
   }
 
-  void listenToRequest(const QString& path) {
-    request_ = path;
-    listen(path, "org.freedesktop.portal.Request", "Response",
-           SLOT(onResponse(const QDBusMessage&)));
-  }
-
-  // Returns the object path that answers a request. The answer may come before the call's reply.
+  // Returns the object path that answers a request. Old portals choose another, and name it in
+  // their reply.
   QString pathOfRequest(const QString& token) const {
     const QString sender = bus_.baseService().mid(1).replace('.', '_');
     return desktopPath + "/request/" + sender + '/' + token;
@@ -159,15 +157,13 @@ class Session : public QObject {
     options["handle_token"] = token;
     next_ = next;
     const QString expected = pathOfRequest(token);
-    listenToRequest(expected);
+    request_ = expected;
     QDBusMessage call = callOf(desktopPath, screenCast, method);
     call.setArguments(arguments + QList<QVariant>{options});
     send(call, [this, expected](const QDBusPendingCall& answer) {
       const QDBusPendingReply<QDBusObjectPath> reply = answer;
       if (reply.isError()) return end(PortalEnd::Refused);
-      // Old portals choose the path themselves.
-      const QString path = reply.value().path();
-      if (request_ == expected && path != expected) listenToRequest(path);
+      if (request_ == expected) request_ = reply.value().path();
     });
   }
 

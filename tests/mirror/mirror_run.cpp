@@ -29,6 +29,10 @@ std::vector<Share> sharesOf(int pixel, int from, int to) {
   return shares;
 }
 
+std::uint32_t rgb(std::uint32_t pixel) {
+  return pixel & 0xFFFFFFU;
+}
+
 }  // namespace
 
 Picture scaledByArea(const Picture& picture, int width, int height) {
@@ -68,8 +72,12 @@ void MirrorTest::SetUp() {
   ProgramTest::SetUp();
   session().startPortal();
   session().startSource();
-  session().setBehaviour(
-      {{"version", ""}, {"types", ""}, {"cursors", ""}, {"early", ""}, {"remote", ""}});
+  session().setBehaviour({{"version", ""},
+                          {"types", ""},
+                          {"cursors", ""},
+                          {"early", ""},
+                          {"paths", ""},
+                          {"remote", ""}});
 }
 
 void MirrorTest::prepareMirror() {
@@ -139,11 +147,37 @@ testing::AssertionResult MirrorTest::partHas(const std::function<Area()>& part,
   return testing::AssertionFailure() << difference << ' ' << readFile(errorsFile());
 }
 
-testing::AssertionResult MirrorTest::says(const std::string& text) const {
+testing::AssertionResult MirrorTest::prints(const std::string& text) const {
   if (eventually([&] { return readFile(errorsFile()).find(text) != std::string::npos; }, most)) {
     return testing::AssertionSuccess();
   }
   return testing::AssertionFailure() << "The program printed: " << readFile(errorsFile());
+}
+
+testing::AssertionResult MirrorTest::viewSays(const std::string& text) {
+  Area area;
+  Picture wanted;
+  const auto drawText = [&] {
+    area = view();
+    Launch reference = launch();
+    const std::string file = folder() + "/text.png";
+    reference.command = {TINTORA_REFERENCE_TEXT, std::to_string(area.width),
+                         std::to_string(area.height), text, file};
+    reference.environment.erase("LD_PRELOAD");
+    reference.environment["QT_QPA_PLATFORM"] = "xcb";
+    Process(reference).result(most);
+    wanted = desktop_test::readPicture(file);
+  };
+  drawText();
+  const auto isShown = [&] {
+    if (view().width != area.width || view().height != area.height) drawText();
+    const Picture seen = x().read(view());
+    return !seen.pixels.empty() && std::ranges::equal(seen.pixels, wanted.pixels, {}, rgb, rgb);
+  };
+  if (eventually(isShown, most)) return testing::AssertionSuccess();
+  saveScreen("mirror-failure", x().screenArea());
+  return testing::AssertionFailure()
+         << "The view does not say: " << text << ' ' << readFile(errorsFile());
 }
 
 std::size_t MirrorTest::sessionsAsked() {

@@ -39,8 +39,10 @@ class MirrorTest : public desktop_test::ProgramTest {
   // Succeeds once a part of the view shows a picture through an effect, within some steps.
   testing::AssertionResult partHas(const std::function<Area()>& part, const Picture& picture,
                                    const expected::ColourEffect& effect, int steps);
-  // Succeeds once a text is on standard error, which repeats what the view says.
-  testing::AssertionResult says(const std::string& text) const;
+  // Succeeds once a text is on standard error.
+  testing::AssertionResult prints(const std::string& text) const;
+  // Succeeds once the view shows exactly this text.
+  testing::AssertionResult viewSays(const std::string& text);
   // Returns how often the portal was asked for a session so far.
   static std::size_t sessionsAsked();
   void clickOnView();

@@ -2,15 +2,24 @@
 #include <filesystem>
 
 #include "mirror_run.h"
+#include "platform/linux/mirror_texts.h"
 
 namespace tintora::mirror_test {
 namespace {
 
 using desktop_test::readFile;
+namespace texts = platform::texts;
 
 class MirrorPortal : public MirrorTest {
  protected:
   std::string token() const { return readFile(configFolder() + "/tintora/mirror.token"); }
+
+  // Checks that the view says this, and that standard error has its beginning.
+  void expectMessage(const std::string& beginning, const std::string& text) {
+    EXPECT_TRUE(text.starts_with(beginning));
+    EXPECT_TRUE(prints(beginning));
+    EXPECT_TRUE(viewSays(text));
+  }
 
   // Checks that the user can choose again from the message in the view.
   void expectNewChoice(std::uint32_t seed) {
@@ -32,7 +41,7 @@ class MirrorPortal : public MirrorTest {
       return dialog != XCB_NONE;
     };
     ASSERT_TRUE(eventually(appears, most)) << readFile(errorsFile());
-    EXPECT_TRUE(says(text));
+    EXPECT_TRUE(prints(text));
     saveScreen("mirror-dialog", x().screenArea());
     x().close(dialog);
     EXPECT_EQ(program.result(most), 1);
@@ -74,7 +83,7 @@ TEST_F(MirrorPortal, TheChoiceIsRemembered) {
 }
 
 TEST_F(MirrorPortal, AnOldOneIsAskedForLess) {
-  session().setBehaviour({{"version", "1"}, {"cursors", "1"}, {"types", "1"}, {"early", "1"}});
+  session().setBehaviour({{"version", "1"}, {"cursors", "1"}, {"types", "1"}, {"paths", "own"}});
   startMirror();
   showNoise(320, 240, 1);
   EXPECT_NE(session().portalCalls().find("SelectSources multiple=false types=1\n"),
@@ -82,22 +91,31 @@ TEST_F(MirrorPortal, AnOldOneIsAskedForLess) {
   EXPECT_EQ(token(), "");
 }
 
+TEST_F(MirrorPortal, ItMayAnswerBeforeItReplies) {
+  session().setBehaviour({{"early", "1"}});
+  startMirror();
+  showNoise(320, 240, 1);
+}
+
 TEST_F(MirrorPortal, WhatDoesNotComeToAPictureIsSaid) {
   struct Case {
     std::map<std::string, std::string> behaviour;
+    std::string beginning;
     std::string text;
   };
   const std::vector<Case> cases{
-      {{{"answer", "cancel"}}, "No window or screen was chosen."},
-      {{{"answer", "refuse"}}, "The desktop did not share a window or screen."},
-      {{{"answer", "fail"}}, "The desktop did not share a window or screen."},
-      {{{"answer", "grant"}, {"node", "99999"}}, "The desktop has stopped sending the picture."}};
+      {{{"answer", "cancel"}}, "No window or screen was chosen.", texts::cancelled},
+      {{{"answer", "refuse"}}, "The desktop did not share a window or screen.", texts::refused},
+      {{{"answer", "fail"}}, "The desktop did not share a window or screen.", texts::refused},
+      {{{"answer", "grant"}, {"node", "99999"}},
+       "The desktop has stopped sending the picture.",
+       texts::streamEnded}};
   const std::string node = session().node();
   std::uint32_t seed = 0;
-  for (const auto& [behaviour, text] : cases) {
+  for (const auto& [behaviour, beginning, text] : cases) {
     session().setBehaviour(behaviour);
     startMirror();
-    EXPECT_TRUE(says(text));
+    expectMessage(beginning, text);
     session().setBehaviour({{"answer", "grant"}, {"node", node}});
     expectNewChoice(++seed);
     end();
@@ -109,15 +127,16 @@ TEST_F(MirrorPortal, ItsEndWhileTheUserChoosesIsSaid) {
   startMirror();
   ASSERT_TRUE(
       eventually([] { return session().portalCalls().find("Start") != std::string::npos; }));
+  EXPECT_TRUE(viewSays(texts::choosing));
   session().endPortal();
-  EXPECT_TRUE(says("The desktop did not share a window or screen."));
+  expectMessage("The desktop did not share a window or screen.", texts::refused);
 }
 
 TEST_F(MirrorPortal, AWindowThatIsClosedIsSaid) {
   startMirror();
   showNoise(320, 240, 1);
   session().closePortalSessions();
-  EXPECT_TRUE(says("The window or screen is shared no longer"));
+  expectMessage("The window or screen is shared no longer", texts::closed);
   settle();
   saveScreen("mirror-closed", x().outerAreaOf(main()));
   const std::size_t before = sessionsAsked();
@@ -131,7 +150,7 @@ TEST_F(MirrorPortal, ASourceThatEndsIsSaid) {
   startMirror();
   showNoise(320, 240, 1);
   session().endSource();
-  EXPECT_TRUE(says("The desktop has stopped sending the picture."));
+  expectMessage("The desktop has stopped sending the picture.", texts::streamEnded);
   session().startSource();
   expectNewChoice(2);
 }
@@ -140,10 +159,17 @@ TEST_F(MirrorPortal, APipeWireThatIsRestartedIsSaid) {
   startMirror();
   showNoise(320, 240, 1);
   session().endPipeWire();
-  EXPECT_TRUE(says("PipeWire, which brings the picture, was ended or restarted."));
+  expectMessage("PipeWire, which brings the picture, was ended or restarted.", texts::pipeWireGone);
   session().startPipeWire();
   session().startSource();
   expectNewChoice(2);
+}
+
+TEST_F(MirrorPortal, AStreamWithoutFramesIsSaidAndShownOnceItHasThem) {
+  startMirror();
+  EXPECT_TRUE(viewSays(texts::noFrame));
+  showNoise(320, 240, 1);
+  EXPECT_EQ(readFile(errorsFile()), "");
 }
 
 TEST_F(MirrorPortal, WithoutOneADialogSaysSo) {

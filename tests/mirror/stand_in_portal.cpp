@@ -6,6 +6,7 @@
 //   node     the node of PipeWire that is granted
 //   version, types, cursors   its properties
 //   early    1: it answers a request before it replies to the call
+//   paths    own: it chooses the requests' paths itself, as the first portals did
 //   remote   none: it has no connection to PipeWire
 // Prints one line for each call. SIGUSR1 closes the sessions.
 #include <sys/socket.h>
@@ -107,8 +108,9 @@ class Portal : public QDBusVirtualObject {
       return bus().send(call.createErrorReply("org.freedesktop.portal.Error.Failed", "No."));
     }
     const QString sender = call.service().mid(1).replace('.', '_');
-    const QString request = "/org/freedesktop/portal/desktop/request/" + sender + '/' +
-                            options["handle_token"].toString();
+    const QString token = value("paths") == "own" ? QString("own%1").arg(++requests_)
+                                                  : options["handle_token"].toString();
+    const QString request = "/org/freedesktop/portal/desktop/request/" + sender + '/' + token;
     const QVariant handle = QVariant::fromValue(QDBusObjectPath(request));
     if (value("early") != "1") reply(call, {handle});
     respond(call, request, options);
@@ -239,6 +241,7 @@ class Portal : public QDBusVirtualObject {
   QString request_;
   QSet<QString> sessions_;
   int granted_ = 0;
+  int requests_ = 0;
   std::uint32_t recorded_ = 0;  // the node of mutter's stream
 };
 

@@ -293,9 +293,9 @@ void setUnmagnified(Window* magnifier) {
   record("setUnmagnified", magnifier);
 }
 
-void setMagnifierSource(Window* magnifier, const Rect& source) {
-  record("setMagnifierSource", magnifier, source);
-  desktop.magnifierSource = source;
+void setMagnifierSource(Window* magnifier, const Rect& area) {
+  record("setMagnifierSource", magnifier, area);
+  desktop.magnifierSource = area;
 }
 
 void setColourEffect(Window* magnifier, const EffectMatrix& matrix) {

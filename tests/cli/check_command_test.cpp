@@ -187,6 +187,30 @@ TEST(Check, TheTableShowsEveryPairAndWhatIsLost) {
   EXPECT_NE(check({"black", "white"}).output.find("No findings"), std::string::npos);
 }
 
+// The figures are those of tests/reference/colour_appearance.py, rounded.
+TEST(Check, TheTableHasAColumnForEachViewer) {
+  const std::string head =
+      "2 colours, 1 pair; Brettel et al. 1997 in linear light\n"
+      "CIEDE2000: told apart from 15, lost below 8\n"
+      "\n"
+      "Colours\n"
+      "   1  #ff7f0e\n"
+      "   2  #2ca02c\n"
+      "\n"
+      "Pairs                            protan  protan  deutan  deutan  tritan  tritan\n"
+      "                         normal     60%    100%     60%    100%     60%    100%\n"
+      "   1  #ff7f0e  CIEDE2000   55.2    24.6     1.8*   27.1    14.1    53.7    51.1\n"
+      "   2  #2ca02c  contrast    1.34    1.10    1.04    1.48    1.58    1.33    1.32\n"
+      "\n"
+      "1 finding\n"
+      "  #ff7f0e and #2ca02c: 55.2 apart\n"
+      "    lost to protan 100%   1.8\n"
+      "    suggestion: #";
+  const std::string table =
+      check({"--algorithm", "brettel1997", "--only-findings", "#ff7f0e", "#2ca02c"}).output;
+  EXPECT_EQ(table.substr(0, head.size()), head);
+}
+
 TEST(Check, ColoursAreShownWhereTheTerminalHasThem) {
   ASSERT_EQ(setenv("COLORTERM", "truecolor", 1), 0);
   unsetenv("NO_COLOR");

@@ -130,6 +130,10 @@ TEST(CommandLine, ListNamesEverythingTheOptionsTake) {
         "linear"}) {
     EXPECT_TRUE(std::regex_search(run.output, std::regex("\n  " + name + " +[^ ]"))) << name;
   }
+  // The descriptions of each list begin in one column.
+  EXPECT_NE(run.output.find("\n  tritan      short-wave deficient\n"), std::string::npos);
+  EXPECT_NE(run.output.find("\n  brightness  brightness; --brightness\n"), std::string::npos);
+  EXPECT_NE(run.output.find("\n  vienot1997  Viénot"), std::string::npos);
   for (const std::string source :
        {"Judd 1948", "Yang, Ro, Wong & Lee 2008", "Machado, Oliveira & Fernandes 2009",
         "Viénot, Brettel & Mollon 1997", "Viénot, Brettel & Mollon 1999"}) {

@@ -92,6 +92,15 @@ TEST(Report, HoldsEachPictureAndWhatFilterMakesOfIt) {
   }
 }
 
+TEST(Report, NamesOfPicturesStayWithinTheirAttributes) {
+  const TemporaryFolder folder;
+  const std::string path = folder.write(
+      "a\" id=\"b&.png", textOf(encodeImage(randomImage(8, 8, true, 7), ImageFormat::Png)));
+  const ToolRun run = report({path, "-o", "-"});
+  ASSERT_EQ(run.status, 0) << run.error;
+  EXPECT_EQ(picturesOf(run.output, "a&quot; id=&quot;b&amp;.png, original").size(), 7U);
+}
+
 TEST(Report, LargePicturesAreMadeSmallerByTheirLight) {
   const TemporaryFolder folder;
   Image stripes;

@@ -98,18 +98,16 @@ TEST_F(Desk, ScreenChangesFitFullScreenAgain) {
 class Mouse : public ProgramTest {
  protected:
   static void button(DWORD change) { mouse_event(change, 0, 0, 0, 0); }
-  // Presses the button and waits until the main window has captured the mouse.
-  void takeHold() {
-    button(MOUSEEVENTF_LEFTDOWN);
-    ASSERT_TRUE(eventually([this] { return captured() == windows().main; }));
-  }
   void letGo() {
     button(MOUSEEVENTF_LEFTUP);
     ASSERT_TRUE(eventually([this] { return captured() == nullptr; }));
   }
   // Waits, because a mouse move passes through the desktop first.
-  bool eventuallyAt(const Bounds& bounds) const {
-    return eventually([&] { return boundsOf(windows().main) == bounds; });
+  testing::AssertionResult eventuallyAt(const Bounds& bounds) const {
+    if (eventually([&] { return boundsOf(windows().main) == bounds; })) {
+      return testing::AssertionSuccess();
+    }
+    return testing::AssertionFailure() << "at " << boundsOf(windows().main) << ", not " << bounds;
   }
   HWND captured() const { return threadOf(windows().main).hwndCapture; }
   void startApart() {

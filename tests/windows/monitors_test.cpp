@@ -77,8 +77,7 @@ TEST_F(SecondMonitor, IsReachedByADrag) {
   startAt({100, 100, 400, 300});
   const std::uint64_t first = magnifierRecord().calls;
   moveCursor(200, 200);
-  mouse_event(MOUSEEVENTF_LEFTDOWN, 0, 0, 0, 0);
-  ASSERT_TRUE(eventually([this] { return threadOf(windows().main).hwndCapture != nullptr; }));
+  takeHold();
   for (const LONG place : {100, 0, -200, -500}) {
     moveCursor(place, place);
     EXPECT_TRUE(eventually([&] {

@@ -194,6 +194,14 @@ void ProgramTest::moveCursor(LONG x, LONG y) {
   settle();
 }
 
+// The program captures the mouse first and then reads where the drag begins. A mouse that moved in
+// between would begin the drag there.
+void ProgramTest::takeHold() {
+  mouse_event(MOUSEEVENTF_LEFTDOWN, 0, 0, 0, 0);
+  ASSERT_TRUE(eventually([this] { return threadOf(windows_.main).hwndCapture == windows_.main; }));
+  settle();
+}
+
 bool ProgramTest::hasCopied() const {
   return eventually([] { return magnifierRecord().copies > 0; });
 }

@@ -95,6 +95,9 @@ class ProgramTest : public testing::Test {
   // Moves the mouse through the desktop's own input queue.
   void moveCursor(LONG x, LONG y);
 
+  // Presses the left button over the main window and waits until the program has begun its drag.
+  void takeHold();
+
   // Waits until the main window's title confirms a copy. Returns false if it never does.
   bool hasCopied() const;
 

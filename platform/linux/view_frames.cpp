@@ -67,6 +67,26 @@ void sendRows(const ViewFrames& frames, xcb_window_t window, const QRect& part,
                 static_cast<std::uint32_t>(rows.size()), rows.data());
 }
 
+// Returns how many pixels fit into a request of the length that every server accepts. The first
+// longer one would wait for the server's answer to whether it may be sent, and break the connection
+// if it may not.
+int pixelsInRequest() {
+  constexpr int head = sizeof(xcb_put_image_request_t) / 4;
+  return xcb_get_setup(x())->maximum_request_length - head;
+}
+
+void sendPixels(const ViewFrames& frames, xcb_window_t window, const QRect& part,
+                const QPoint& place) {
+  const int columns = std::min(part.width(), pixelsInRequest());
+  const int rows = pixelsInRequest() / columns;
+  for (int y = part.top(); y <= part.bottom(); y += rows) {
+    for (int x = part.left(); x <= part.right(); x += columns) {
+      const QRect piece = QRect(x, y, columns, rows) & part;
+      sendRows(frames, window, piece, place + piece.topLeft() - part.topLeft());
+    }
+  }
+}
+
 // Returns true if whole rows should be requested, which land in the segment as they lie in the
 // frame. For narrow parts that would read far too much.
 bool isWide(const ViewFrames& frames, const QRect& part) {
@@ -176,7 +196,7 @@ bool receivePixels(ViewFrames& frames, const QRect& part, const PixelRequest& re
 
 void showFiltered(const ViewFrames& frames, xcb_window_t window, const QRect& part,
                   const QPoint& place) {
-  if (frames.sharing == PixelSharing::None) return sendRows(frames, window, part, place);
+  if (frames.sharing == PixelSharing::None) return sendPixels(frames, window, part, place);
   xcb_shm_put_image(x(), window, frames.context, u16(frames.size.width()),
                     u16(frames.size.height()), u16(part.left()), u16(part.top()), u16(part.width()),
                     u16(part.height()), i16(place.x()), i16(place.y()), xServer.screen->root_depth,

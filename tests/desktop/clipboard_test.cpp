@@ -88,6 +88,22 @@ TEST_F(Clipboard, AMenuThatFadesOutIsNotInThePicture) {
   end();
 }
 
+// Requests longer than the server accepts would break the connection.
+TEST_F(Clipboard, WithoutSharedMemoryAViewLargerThanAnyRequestIsCopiedToo) {
+  end();
+  useDisplay({"-extension", "MIT-SHM", "-maxbigreqsize", "1"}, Manager::Openbox);
+  begin();
+  x().resize(main(), 1000, 600);
+  ASSERT_TRUE(eventually([&] { return view().width == 1000; }));
+  ASSERT_TRUE(viewShows(expected::inverted()));
+  constexpr int longest = 1 << 20;  // bytes
+  ASSERT_GT(4 * view().width * view().height, longest);
+  press(XK_c, {XK_Control_L});
+  ASSERT_TRUE(titleBecomes(copiedTitle)) << readFile(errorsFile());
+  expectViewOnClipboard();
+  end();
+}
+
 TEST_F(Clipboard, TheTitleComesBackAfterThreeSeconds) {
   const auto begin = Clock::now();
   press(XK_c, {XK_Control_L});

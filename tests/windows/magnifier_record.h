@@ -153,8 +153,10 @@ enum Request : UINT {
   EndKeys,
   // Waits until the display has carried out all of the program's requests.
   FinishDrawing,
-  // From now on, reports the program's graphics devices as lost.
+  // From now on, the program's graphics devices are lost when they show a picture.
   LoseDevices,
+  // From now on, no more devices are lost. Those that are stay so.
+  KeepDevices,
 };
 
 }  // namespace tintora::windows_test

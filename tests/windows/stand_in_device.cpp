@@ -15,12 +15,35 @@ namespace {
 constexpr std::size_t testCall = 3;
 constexpr std::size_t presentCall = 17;
 
-HRESULT WINAPI lost(IDirect3DDevice9* /*device*/) {
-  return D3DERR_DEVICELOST;
+using Test = HRESULT WINAPI(IDirect3DDevice9*);
+using Present = HRESULT WINAPI(IDirect3DDevice9*, const RECT*, const RECT*, HWND, const RGNDATA*);
+
+Test* originalTest = nullptr;
+Present* originalPresent = nullptr;
+bool losing = false;
+
+// Marks the back buffer of a lost device. The mark is gone when the device is.
+constexpr GUID lostMark{0x2E5B90D1, 0x6C3A, 0x4F08, {9, 8, 7, 6, 5, 4, 3, 2}};
+
+bool isLost(IDirect3DDevice9* device) {
+  IDirect3DSurface9* buffer = nullptr;
+  if (FAILED(device->GetBackBuffer(0, 0, D3DBACKBUFFER_TYPE_MONO, &buffer))) return false;
+  char mark = 1;
+  DWORD size = sizeof mark;
+  if (losing) buffer->SetPrivateData(lostMark, &mark, size, 0);
+  const bool lost = SUCCEEDED(buffer->GetPrivateData(lostMark, &mark, &size));
+  buffer->Release();
+  return lost;
 }
-HRESULT WINAPI presentLost(IDirect3DDevice9* /*device*/, const RECT* /*source*/,
-                           const RECT* /*target*/, HWND /*window*/, const RGNDATA* /*region*/) {
-  return D3DERR_DEVICELOST;
+
+HRESULT WINAPI test(IDirect3DDevice9* device) {
+  return isLost(device) ? D3DERR_DEVICELOST : originalTest(device);
+}
+
+HRESULT WINAPI present(IDirect3DDevice9* device, const RECT* from, const RECT* to, HWND window,
+                       const RGNDATA* region) {
+  if (isLost(device)) return D3DERR_DEVICELOST;
+  return originalPresent(device, from, to, window, region);
 }
 
 }  // namespace
@@ -44,11 +67,18 @@ void loseDevices() {
   if (device != nullptr) {
     auto** const calls = *reinterpret_cast<void***>(device);
     device->Release();
-    replacePointer(calls + testCall, reinterpret_cast<void*>(&lost));
-    replacePointer(calls + presentCall, reinterpret_cast<void*>(&presentLost));
+    originalTest =
+        reinterpret_cast<Test*>(replacePointer(calls + testCall, reinterpret_cast<void*>(&test)));
+    originalPresent = reinterpret_cast<Present*>(
+        replacePointer(calls + presentCall, reinterpret_cast<void*>(&present)));
+    losing = true;
   }
   direct3d->Release();
   DestroyWindow(window);
+}
+
+void keepDevices() {
+  losing = false;
 }
 
 }  // namespace tintora::windows_test

@@ -143,6 +143,9 @@ LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM secon
     case LoseDevices:
       loseDevices();
       return 1;
+    case KeepDevices:
+      keepDevices();
+      return 1;
     default:
       return DefWindowProcA(window, message, first, second);
   }

@@ -6,6 +6,7 @@
 #include <map>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "colour_space_run.h"
 #include "program_run.h"
@@ -114,14 +115,19 @@ TEST_F(Trouble, WithAReadOnlyFolderIsNone) {
   EXPECT_EQ(filesAndTimes(), before);
 }
 
-class LostDevice : public ColourSpaceTest {};
+class LostDevice : public ColourSpaceTest {
+ protected:
+  void turnAndStep() {
+    drag(MK_LBUTTON, {{200, 200}, {300, 240}});
+    turnWheel(false, 4);
+  }
+};
 
 TEST_F(LostDevice, LeavesTheOtherWindowsAlive) {
   startWith(ColourSpaceView::CubeView);
   const Picture before = shown();
   ask(LoseDevices, 0);
-  drag(MK_LBUTTON, {{200, 200}, {300, 240}});
-  turnWheel(false, 4);
+  turnAndStep();
   EXPECT_EQ(title(), " Simulation - Deuteranomalous 80% severity");
   EXPECT_TRUE(areAlike(shown(), before, 0)) << "The device is not lost.";
   press('H');
@@ -134,6 +140,20 @@ TEST_F(LostDevice, LeavesTheOtherWindowsAlive) {
   EXPECT_EQ(titleOf(windows().colourSpace), "Photoreceptor Response Curves");
   end();
   EXPECT_EQ(process().result(), 0U);
+}
+
+TEST_F(LostDevice, LeavesNoTraceAfterItsWindowIsResized) {
+  std::vector<Picture> pictures;
+  for (const bool lost : {false, true}) {
+    startWith(ColourSpaceView::CubeView);
+    if (lost) ask(LoseDevices, 0);
+    turnAndStep();
+    if (lost) ask(KeepDevices, 0);
+    resize({300, 300});
+    pictures.push_back(shown());
+    end();
+  }
+  EXPECT_TRUE(areAlike(pictures[1], pictures[0], 0));
 }
 
 }  // namespace

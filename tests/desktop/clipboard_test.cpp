@@ -91,12 +91,12 @@ TEST_F(Clipboard, AMenuThatFadesOutIsNotInThePicture) {
 // Requests longer than the server accepts would break the connection.
 TEST_F(Clipboard, WithoutSharedMemoryAViewLargerThanAnyRequestIsCopiedToo) {
   end();
-  useDisplay({"-extension", "MIT-SHM", "-maxbigreqsize", "1"}, Manager::Openbox);
+  useDisplay({"-extension", "MIT-SHM", "-maxbigreqsize", "1"}, Manager::Openbox, "1600x1000");
   begin();
-  x().resize(main(), 1000, 600);
-  ASSERT_TRUE(eventually([&] { return view().width == 1000; }));
+  x().resize(main(), 1500, 900);
+  ASSERT_TRUE(eventually([&] { return view().width == 1500; }));
   ASSERT_TRUE(viewShows(expected::inverted()));
-  constexpr int longest = 1 << 20;  // bytes
+  constexpr int longest = 4 << 20;  // bytes
   ASSERT_GT(4 * view().width * view().height, longest);
   press(XK_c, {XK_Control_L});
   ASSERT_TRUE(titleBecomes(copiedTitle)) << readFile(errorsFile());

@@ -183,7 +183,8 @@ QImage pictureOfView() {
                                         u16(view.size.width()), u16(view.size.height()), ~0U),
                           nullptr));
   xcb_free_pixmap(x(), picture);
-  if (!pixels) return {};
+  const int length = 4 * view.size.width() * view.size.height();
+  if (!pixels || xcb_get_image_data_length(pixels.get()) < length) return {};
   // Copies the rows, because they belong to the reply.
   return QImage(xcb_get_image_data(pixels.get()), view.size.width(), view.size.height(),
                 qsizetype{4} * view.size.width(), QImage::Format_RGB32)

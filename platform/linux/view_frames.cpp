@@ -189,7 +189,9 @@ bool receivePixels(ViewFrames& frames, const QRect& part, const PixelRequest& re
   }
   const Received<xcb_get_image_reply_t> reply(
       xcb_get_image_reply(x(), {request.sequence}, nullptr));
-  if (!reply) return false;
+  // Reads nothing beyond the end of a short answer.
+  const int length = 4 * part.width() * part.height();
+  if (!reply || xcb_get_image_data_length(reply.get()) < length) return false;
   takeRows(frames, part, xcb_get_image_data(reply.get()));
   return true;
 }

@@ -1,5 +1,6 @@
 // Sends random input while other programs' windows come and go, for half an hour or as many minutes
 // as TINTORA_SOAK_MINUTES says. Prints the program's resources at rest after 1, 10 and all minutes.
+// TINTORA_SOAK_SEED chooses another sequence of input.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -144,7 +145,12 @@ class Soak : public ProgramTest {
     if (pick(20) == 0) press(XK_c, {XK_Control_L});
   }
 
-  std::mt19937 random_{1931};
+  static unsigned seed() {
+    const char* const given = std::getenv("TINTORA_SOAK_SEED");
+    return given != nullptr ? static_cast<unsigned>(std::stoul(given)) : 1931;
+  }
+
+  std::mt19937 random_{seed()};
 };
 
 TEST_F(Soak, NothingGrows) {

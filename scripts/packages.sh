@@ -55,7 +55,7 @@ logged() {
   shift
   mkdir -p build
   "$@" >"$log" 2>&1 ||
-    { tail -n 40 "$log"; echo ""$*" failed; its whole output is in $log."; return 1; }
+    { tail -n 40 "$log"; echo "$* failed; its whole output is in $log."; return 1; }
 }
 
 # configure PRESET

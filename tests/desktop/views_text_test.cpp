@@ -227,7 +227,7 @@ std::uint32_t numberAt(const std::string& data, std::size_t place, std::size_t b
 }
 
 // Makes a TrueType font's lines taller by one em above and one below, and leaves its letters.
-// The tables and their fields are those of the OpenType specification.
+// Finds the tables and fields where OpenType puts them.
 std::string withTallLines(std::string font) {
   constexpr std::size_t header = 12;
   constexpr std::size_t entry = 16;

@@ -97,7 +97,7 @@ def library_of(compiler):
 
 def command_for(entry, arguments):
     compiler = shlex.split(entry["command"])[0]
-    target = ([f"--target={arguments.target}", *library_of(compiler)] if arguments.target else [])
+    target = [f"--target={arguments.target}", *library_of(compiler)] if arguments.target else []
     plugin = ["-load", str(arguments.plugin)] if arguments.plugin else []
     return ["clang-tidy", "--quiet", *plugin, f"--checks={checks_for(entry, arguments)}",
             entry["file"], "--", "-Wno-unknown-warning-option", *target, *options_of(entry)]

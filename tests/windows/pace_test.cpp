@@ -127,7 +127,9 @@ TEST_F(Pace, IsTheScreensAfterItsSettingsChange) {
   startWith(false);
   magnifierRecord().refreshRate = slow;
   send(windows().main, WM_DISPLAYCHANGE, 32, MAKELPARAM(1280, 800));
-  EXPECT_LE(workOf("Slow screen").paintsPerSecond, mostPaintsWhenSlow);
+  const double paints = workOf("Slow screen").paintsPerSecond;
+  EXPECT_GT(paints, 0.0);
+  EXPECT_LE(paints, mostPaintsWhenSlow);
 }
 
 TEST_F(Pace, GoesOnWhileAMenuIsOpen) {

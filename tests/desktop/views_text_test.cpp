@@ -189,6 +189,36 @@ TEST_F(ViewsTest, HelpHasSeventeenLinesInTheirPlacesAndColours) {
   }
 }
 
+// The smallest common screen. Both windows are seen whole there, and so is each line of the help.
+TEST_F(ViewsTest, TheFirstStartFitsOnASmallScreen) {
+  useDisplay({}, Manager::Openbox, "1366x768");
+  start();
+  ASSERT_TRUE(showing(colourSpace(), true));
+  const Area screen = x().screenArea();
+  ASSERT_EQ(screen, (Area{0, 0, 1366, 768}));
+  const Area first{433, 184, 500, 400};
+  const Area second{433 + 500 + 4, 184, 400, 400};
+  EXPECT_TRUE(eventually([&] {
+    return x().outerAreaOf(main()) == first && x().outerAreaOf(colourSpace()) == second;
+  })) << testing::PrintToString(x().outerAreaOf(main()))
+      << testing::PrintToString(x().outerAreaOf(colourSpace()));
+  EXPECT_EQ(common(second, screen), second);
+  EXPECT_TRUE(showing(control(), false));
+
+  const Picture help = shown();
+  ASSERT_EQ(help.width, inside().width);
+  int y = 12;
+  for (const HelpLine& line : helpLines) {
+    const Area area{0, y + 1, help.width, lineHeight - 1};
+    EXPECT_TRUE(isIn(help, area, line.colour)) << y;
+    y += lineHeight + line.gap;
+  }
+  // Nothing is cut off at the right or below.
+  EXPECT_LT(y, help.height);
+  EXPECT_TRUE(isBackground(help, {help.width - 2, 0, 2, help.height}));
+  EXPECT_TRUE(isBackground(help, {0, help.height - 2, help.width, 2}));
+}
+
 TEST_F(ViewsTest, HelpIsCutOffByAWindowTooLowOrNarrowForIt) {
   startWith(View::Help, {800, 600});
   const Picture whole = shown();

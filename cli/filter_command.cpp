@@ -147,8 +147,11 @@ FilterPlan planFilterJobs(const FilterRequest& request) {
 }
 
 void filterImage(const FilterJob& job, const FilterRequest& request, const FilterSet& filters) {
-  if (!job.format) throw RunError(unknownFormat(job.output));
   std::error_code unknown;
+  if (fs::is_directory(job.input, unknown)) {
+    throw RunError(job.input.string() + ": is a folder; name the pictures in it");
+  }
+  if (!job.format) throw RunError(unknownFormat(job.output));
   if (!job.mayOverwrite && fs::exists(job.output, unknown)) {
     throw RunError(job.output.string() + ": exists; --force overwrites it");
   }

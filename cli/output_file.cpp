@@ -8,12 +8,15 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
+#include <mutex>
 #include <random>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
 #include <utility>
+
+#include "cli/ending_signals.h"
 
 namespace tintora::cli {
 
@@ -88,12 +91,14 @@ std::filesystem::path followLinks(std::filesystem::path target) {
 int create(OutputFile& output, const std::filesystem::path& directory) {
   constexpr int mostAttempts = 100;
   std::random_device random;
+  TemporaryFiles& files = temporaryFiles();
+  const std::lock_guard lock(files.mutex);
   for (int attempt = 0; attempt < mostAttempts; ++attempt) {
     std::filesystem::path path =
         directory / (".tintora-" + std::to_string(random()) + std::to_string(random()) + ".tmp");
     output.file.number = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (output.file.number >= 0) {
-      output.temporary = std::move(path);
+      output.temporary = *files.names.insert(std::move(path)).first;
       return 0;
     }
     if (errno != EEXIST) return errno;
@@ -118,6 +123,22 @@ std::string nameOf(const std::filesystem::path& target) {
   return target == standardStream ? standardOutputName : target.string();
 }
 
+void removeTemporary(OutputFile& output) {
+  TemporaryFiles& files = temporaryFiles();
+  const std::lock_guard lock(files.mutex);
+  ::unlink(output.temporary.c_str());
+  files.names.erase(output.temporary);
+}
+
+// Returns 0 or the error number.
+int renameTemporary(OutputFile& output) {
+  TemporaryFiles& files = temporaryFiles();
+  const std::lock_guard lock(files.mutex);
+  if (::rename(output.temporary.c_str(), output.place.c_str()) != 0) return errno;
+  files.names.erase(std::exchange(output.temporary, {}));
+  return 0;
+}
+
 // A file without a name, which is gone when it is closed.
 void openSpool(OutputFile& output) {
   std::error_code missing;
@@ -127,6 +148,7 @@ void openSpool(OutputFile& output) {
                              ": no folder for temporary files: " + missing.message());
   }
   std::string path = folder / "tintora-XXXXXX";
+  const std::lock_guard lock(temporaryFiles().mutex);
   output.file.number = ::mkostemp(path.data(), O_CLOEXEC);
   if (output.file.number < 0) {
     throw std::runtime_error("cannot write " + nameOf(output.target) + ": no temporary file in " +
@@ -193,14 +215,14 @@ OutputFile::OutputFile(std::filesystem::path path) : target(std::move(path)) {
   }
   if (exists) error = passOnPermissions(status, file.number);
   if (error != 0) {
-    ::unlink(temporary.c_str());
+    removeTemporary(*this);
     throwUnwritable(target.string(), error);
   }
   sink.descriptor = file.number;
 }
 
 OutputFile::~OutputFile() {
-  if (!temporary.empty()) ::unlink(temporary.c_str());
+  if (!temporary.empty()) removeTemporary(*this);
 }
 
 void OutputFile::commit() {
@@ -209,9 +231,8 @@ void OutputFile::commit() {
   int error = ::fsync(file.number) == 0 ? 0 : errno;
   const int closed = ::close(std::exchange(file.number, -1));
   if (error == 0 && closed != 0) error = errno;
-  if (error == 0 && ::rename(temporary.c_str(), place.c_str()) != 0) error = errno;
+  if (error == 0) error = renameTemporary(*this);
   if (error != 0) throwUnwritable(target.string(), error);
-  temporary.clear();
 }
 
 void writeFileWhole(const std::filesystem::path& target, std::span<const std::uint8_t> contents) {

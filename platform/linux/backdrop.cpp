@@ -10,6 +10,7 @@
 #include <span>
 
 #include "platform/linux/compositing.h"
+#include "platform/linux/image_requests.h"
 #include "platform/linux/learned_background.h"
 #include "platform/linux/root_background.h"
 #include "platform/linux/window_stack.h"
@@ -38,17 +39,22 @@ constexpr int lookAfterMilliseconds = 300;
 
 void createContext() {
   backdrop.context = xcb_generate_id(x());
-  const std::uint32_t noExposures = 0;
-  xcb_create_gc(x(), backdrop.context, xServer.screen->root, XCB_GC_GRAPHICS_EXPOSURES,
-                &noExposures);
+  const std::array<std::uint32_t, 2> asShown{XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS, 0};
+  xcb_create_gc(x(), backdrop.context, xServer.screen->root,
+                XCB_GC_SUBWINDOW_MODE | XCB_GC_GRAPHICS_EXPOSURES, asShown.data());
 }
 
-xcb_pixmap_t createTile() {
-  const xcb_pixmap_t tile = xcb_generate_id(x());
-  const QSize& size = windowStack.rootSize;
-  xcb_create_pixmap(x(), xServer.screen->root_depth, tile, xServer.screen->root, u16(size.width()),
-                    u16(size.height()));
-  return tile;
+xcb_pixmap_t createPixmap(const QSize& size) {
+  const xcb_pixmap_t pixmap = xcb_generate_id(x());
+  xcb_create_pixmap(x(), xServer.screen->root_depth, pixmap, xServer.screen->root,
+                    u16(size.width()), u16(size.height()));
+  return pixmap;
+}
+
+void copyArea(xcb_drawable_t source, xcb_pixmap_t target, const QPoint& origin, const QRect& part) {
+  const QPoint to = part.topLeft() - origin;
+  xcb_copy_area(x(), source, target, backdrop.context, i16(part.x()), i16(part.y()), i16(to.x()),
+                i16(to.y()), u16(part.width()), u16(part.height()));
 }
 
 QRect wholeRoot() {
@@ -70,7 +76,7 @@ void readBackdrop() {
   const bool named = backdrop.tile != XCB_NONE;
   backdrop.ownsTile = !named;
   backdrop.copied = QRegion();
-  if (!named && paintsBackground()) backdrop.tile = createTile();
+  if (!named && paintsBackground()) backdrop.tile = createPixmap(windowStack.rootSize);
   // A compositing manager paints the named background or one of its own. If it is the window
   // manager too, it may paint its own in any case.
   backdrop.learns =
@@ -81,14 +87,8 @@ void lookLater() {
   if (backdrop.look && !backdrop.look->isActive()) backdrop.look->start(lookAfterMilliseconds);
 }
 
-xcb_get_image_cookie_t requestPixels(xcb_drawable_t drawable, const QRect& rect) {
-  return xcb_get_image(x(), XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, i16(rect.x()), i16(rect.y()),
-                       u16(rect.width()), u16(rect.height()), ~0U);
-}
-
-std::span<const std::uint8_t> bytesOf(const xcb_get_image_reply_t* image) {
-  if (image == nullptr) return {};
-  return {xcb_get_image_data(image), static_cast<std::size_t>(xcb_get_image_data_length(image))};
+std::span<const std::uint8_t> bytesOf(const xcb_get_image_reply_t& image) {
+  return {xcb_get_image_data(&image), static_cast<std::size_t>(xcb_get_image_data_length(&image))};
 }
 
 // Returns true if the root has another background than the one that was copied. No event reports a
@@ -97,11 +97,14 @@ bool hasPaintedAnother(const QRegion& drawn) {
   constexpr int sample = 8;
   const QRect rect = *drawn.begin();
   const QRect part(rect.topLeft(), rect.size().boundedTo({sample, sample}));
-  const auto screenRequest = requestPixels(xServer.screen->root, part);
-  const auto copyRequest = requestPixels(backdrop.tile, part);
-  const Received<xcb_get_image_reply_t> onScreen(xcb_get_image_reply(x(), screenRequest, nullptr));
-  const Received<xcb_get_image_reply_t> copied(xcb_get_image_reply(x(), copyRequest, nullptr));
-  return !std::ranges::equal(bytesOf(onScreen.get()), bytesOf(copied.get()));
+  const xcb_pixmap_t screen = createPixmap(part.size());
+  copyArea(xServer.screen->root, screen, part.topLeft(), part);
+  const auto screenRequest = requestImage(screen, {QPoint(), part.size()});
+  const auto copyRequest = requestImage(backdrop.tile, part);
+  xcb_free_pixmap(x(), screen);
+  const auto onScreen = receiveImage(screenRequest, part.size());
+  const auto copied = receiveImage(copyRequest, part.size());
+  return !onScreen || !copied || !std::ranges::equal(bytesOf(*onScreen), bytesOf(*copied));
 }
 
 // Learns only what was uncovered at the last look too, because a window that has just gone may
@@ -173,12 +176,6 @@ void paintTile(xcb_pixmap_t target, const QPoint& origin, const QRect& part) {
   xcb_poly_fill_rectangle(x(), target, backdrop.context, 1, &rectangle);
 }
 
-void paintLearned(xcb_pixmap_t target, const QPoint& origin, const QRect& part) {
-  const QPoint to = part.topLeft() - origin;
-  xcb_copy_area(x(), learnedPixels(), target, backdrop.context, i16(part.x()), i16(part.y()),
-                i16(to.x()), i16(to.y()), u16(part.width()), u16(part.height()));
-}
-
 }  // namespace
 
 void startBackdrop() {
@@ -226,7 +223,7 @@ void paintBackdrop(xcb_pixmap_t target, const QPoint& origin, const QRect& part)
     completeTile(wholeRoot());
   }
   const QRegion learned = backdrop.learns ? learnedPart() & part : QRegion();
-  for (const QRect& rect : learned) paintLearned(target, origin, rect);
+  for (const QRect& rect : learned) copyArea(learnedPixels(), target, origin, rect);
   for (const QRect& rect : QRegion(part) - learned) paintTile(target, origin, rect);
 }
 

@@ -9,6 +9,7 @@
 #include "platform/linux/composition.h"
 #include "platform/linux/covers.h"
 #include "platform/linux/handles.h"
+#include "platform/linux/image_requests.h"
 #include "platform/linux/view_frames.h"
 #include "platform/linux/view_source.h"
 #include "platform/linux/window_damage.h"
@@ -177,14 +178,9 @@ QImage pictureOfView() {
   showFiltered(view.frames, picture, wholeView(), {0, 0});
   composeProgramWindows(picture, view.frames.context, view.origin, {view.origin, view.size});
   forgetTarget();
-  const Received<xcb_get_image_reply_t> pixels(
-      xcb_get_image_reply(x(),
-                          xcb_get_image(x(), XCB_IMAGE_FORMAT_Z_PIXMAP, picture, 0, 0,
-                                        u16(view.size.width()), u16(view.size.height()), ~0U),
-                          nullptr));
+  const auto pixels = receiveImage(requestImage(picture, wholeView()), view.size);
   xcb_free_pixmap(x(), picture);
-  const int length = 4 * view.size.width() * view.size.height();
-  if (!pixels || xcb_get_image_data_length(pixels.get()) < length) return {};
+  if (!pixels) return {};
   // Copies the rows, because they belong to the reply.
   return QImage(xcb_get_image_data(pixels.get()), view.size.width(), view.size.height(),
                 qsizetype{4} * view.size.width(), QImage::Format_RGB32)

@@ -51,7 +51,7 @@ xcb_window_t createChild(xcb_window_t parent, const Rect& bounds) {
 }
 
 // Makes the loop wait for the server's events too, and bring the view up to date before each wait.
-void joinEventLoop() {
+void followServer() {
   QAbstractEventDispatcher* const loop = QAbstractEventDispatcher::instance();
   theMagnifier.notifier = std::make_unique<QSocketNotifier>(
       xcb_get_file_descriptor(xServer.connection), QSocketNotifier::Read);
@@ -84,7 +84,7 @@ Window* createMagnifier(Window* parent, const std::string& /*title*/, const Rect
   theMagnifier.window = createChild(parentWindow, bounds);
   viewSource->start(parent, theMagnifier.window);
   viewSource->setSize({bounds.width(), bounds.height()});
-  joinEventLoop();
+  followServer();
   return handle();
 }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "platform/linux/image_requests.h"
 #include "platform/linux/window_facts.h"
 #include "platform/linux/x_server.h"
 
@@ -82,12 +83,9 @@ bool paintsBackground() {
   xcb_create_pixmap(x(), xServer.screen->root_depth, pixels, xServer.screen->root, 2, 1);
   copyThroughWindow(pixels, {0, 0}, {0, 0, 1, 1}, colours[0]);
   copyThroughWindow(pixels, {1, 0}, {0, 0, 1, 1}, colours[1]);
-  const Received<xcb_get_image_reply_t> image(xcb_get_image_reply(
-      x(), xcb_get_image(x(), XCB_IMAGE_FORMAT_Z_PIXMAP, pixels, 0, 0, 2, 1, ~0U), nullptr));
+  const auto image = receiveImage(requestImage(pixels, {0, 0, 2, 1}), {2, 1});
   xcb_free_pixmap(x(), pixels);
-  if (!image || static_cast<std::size_t>(xcb_get_image_data_length(image.get())) < sizeof colours) {
-    return false;
-  }
+  if (!image) return false;
   std::array<std::uint32_t, 2> seen{};
   std::memcpy(seen.data(), xcb_get_image_data(image.get()), sizeof seen);
   return (seen[0] & 0xFFFFFF) != colours[0] || (seen[1] & 0xFFFFFF) != colours[1];

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <random>
 
+#include "platform/linux/image_requests.h"
 #include "platform/linux/x_server.h"
 
 namespace tintora::platform {
@@ -39,13 +40,10 @@ bool isSameMemory(const SharedPixels& pixels) {
   xcb_create_gc(x(), context, pixmap, 0, nullptr);
   xcb_shm_put_image(x(), pixmap, context, count, 1, 0, 0, count, 1, 0, 0, depth,
                     XCB_IMAGE_FORMAT_Z_PIXMAP, 0, pixels.segment, 0);
-  const Received<xcb_get_image_reply_t> image(xcb_get_image_reply(
-      x(), xcb_get_image(x(), XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, 0, 0, count, 1, ~0U), nullptr));
+  const auto image = receiveImage(requestImage(pixmap, {0, 0, count, 1}), {count, 1});
   xcb_free_gc(x(), context);
   xcb_free_pixmap(x(), pixmap);
-  if (!image || static_cast<std::size_t>(xcb_get_image_data_length(image.get())) < sizeof written) {
-    return false;
-  }
+  if (!image) return false;
   std::array<std::uint32_t, count> seen{};
   std::memcpy(seen.data(), xcb_get_image_data(image.get()), sizeof seen);
   return std::ranges::equal(seen, written, {},

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <span>
 
+#include "platform/linux/image_requests.h"
+
 namespace tintora::platform {
 
 namespace {
@@ -168,9 +170,7 @@ PixelRequest requestPixels(ViewFrames& frames, const QRect& part) {
     case PixelSharing::None:
       break;
   }
-  return {xcb_get_image(x(), XCB_IMAGE_FORMAT_Z_PIXMAP, frames.composed, i16(part.left()),
-                        i16(part.top()), u16(part.width()), u16(part.height()), ~0U)
-              .sequence};
+  return {requestImage(frames.composed, part).sequence};
 }
 
 bool receivePixels(ViewFrames& frames, const QRect& part, const PixelRequest& request) {
@@ -187,12 +187,9 @@ bool receivePixels(ViewFrames& frames, const QRect& part, const PixelRequest& re
     case PixelSharing::None:
       break;
   }
-  const Received<xcb_get_image_reply_t> reply(
-      xcb_get_image_reply(x(), {request.sequence}, nullptr));
-  // Reads nothing beyond the end of a short answer.
-  const int length = 4 * part.width() * part.height();
-  if (!reply || xcb_get_image_data_length(reply.get()) < length) return false;
-  takeRows(frames, part, xcb_get_image_data(reply.get()));
+  const auto image = receiveImage({request.sequence}, part.size());
+  if (!image) return false;
+  takeRows(frames, part, xcb_get_image_data(image.get()));
   return true;
 }
 

@@ -1,4 +1,6 @@
 // The screen's background, when it is set and set again.
+#include <filesystem>
+
 #include "program_run.h"
 
 namespace tintora::desktop_test {
@@ -72,6 +74,23 @@ TEST_F(Background, AnUnnamedColourSetLaterIsFollowed) {
     scene().setBackdrop(solid(1, 1, colour));
     EXPECT_TRUE(viewShows(expected::greyscale())) << colour;
   }
+}
+
+// If the server reported that paint in the middle of an answer, the program would understand no
+// later answer.
+TEST_F(Background, ASettingIsFollowedWhileTheServerHasYetToPaintAWindow) {
+  preload(TINTORA_LATE_PAINT);
+  storeValues({{"Selected", 4}, {"ColorSpace", 0}});
+  start();
+  constexpr Area besideTheView{5, 5, 100, 80};
+  scene().addNoise(besideTheView, 1);
+  ASSERT_TRUE(viewShows(expected::greyscale()));
+  for (const std::uint32_t colour : {0x20A060U, 0xD04010U}) {
+    setBackground(colour);
+    scene().setBackdrop(solid(1, 1, colour));
+    EXPECT_TRUE(viewShows(expected::greyscale())) << colour;
+  }
+  EXPECT_TRUE(std::filesystem::exists(folder() + "/late-paint"));
 }
 
 TEST_F(Background, AnUnnamedPixmapIsSeenWhereverTheViewIsMoved) {

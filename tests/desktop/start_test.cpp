@@ -310,6 +310,19 @@ TEST_F(Start, TheServersEndIsItsEnd) {
                                   << process().processorSeconds() << " s.";
 }
 
+// The program shows the view over a connection of its own.
+TEST_F(Start, TheEndOfTheViewsConnectionIsSaidAndLosesNoSettings) {
+  storeValues({{"Selected", 1}});
+  start();
+  press(XK_g);
+  ASSERT_TRUE(titleBecomes("Greyscale"));
+  xcb_kill_client(x().connection(), viewWindow());
+  x().sync();
+  EXPECT_EQ(process().result(2 * patience), 1);
+  EXPECT_EQ(readFile(errorsFile()), "tintora: the connection to the X server broke (error 1).\n");
+  EXPECT_EQ(storedValues()["Selected"], 4);
+}
+
 TEST_F(Start, NothingIsTalkedAboutInANormalRun) {
   start();
   press(XK_r);

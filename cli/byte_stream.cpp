@@ -1,6 +1,7 @@
 #include "cli/byte_stream.h"
 
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -91,6 +92,17 @@ std::span<const std::uint8_t> peek(ByteSource& source, std::size_t count) {
     if (read == 0) break;
   }
   return source.rest.first(std::min(count, source.rest.size()));
+}
+
+std::optional<std::uint64_t> bytesLeft(const ByteSource& source) {
+  if (source.descriptor < 0) return source.rest.size();
+  struct stat status {};
+  const off_t place = ::lseek(source.descriptor, 0, SEEK_CUR);
+  if (place < 0 || ::fstat(source.descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
+    return std::nullopt;
+  }
+  const off_t unread = std::max(status.st_size - place, off_t{0});
+  return source.rest.size() + static_cast<std::uint64_t>(unread);
 }
 
 bool put(ByteSink& sink, std::span<const std::uint8_t> bytes) noexcept {

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -37,6 +38,9 @@ bool refill(ByteSource& source) noexcept;
 
 // Returns the next bytes, as many as asked for if the file has them, and leaves them in the source.
 std::span<const std::uint8_t> peek(ByteSource& source, std::size_t count);
+
+// Returns how many bytes the source still has, if that is known: of memory and of regular files.
+std::optional<std::uint64_t> bytesLeft(const ByteSource& source);
 
 // What an image is written to: memory, or an open file to which the bytes are flushed.
 struct ByteSink {

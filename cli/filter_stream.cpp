@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -40,8 +41,18 @@ auto writing(const Step& step) {
   return telling<ImageWriteError>("there is not enough memory to write the image", step);
 }
 
-ImageWriter startImage(ByteSink& sink, const RowsHeader& header, const StreamOptions& options) {
-  if (options.format == ImageFormat::Png) return startPng(sink, header);
+// A file that is large for its pixels could not be packed well because they hardly repeat.
+PngContent contentOf(bool isJpeg, std::optional<std::uint64_t> fileBytes,
+                     const RowsHeader& header) {
+  constexpr std::uint64_t drawingsShare = 5;
+  const std::uint64_t pixelBytes = std::uint64_t{rowBytes(header)} * header.height;
+  const bool isLarge = fileBytes && *fileBytes > pixelBytes / drawingsShare;
+  return isJpeg || isLarge ? PngContent::Photograph : PngContent::Drawing;
+}
+
+ImageWriter startImage(ByteSink& sink, const RowsHeader& header, const StreamOptions& options,
+                       PngContent content) {
+  if (options.format == ImageFormat::Png) return startPng(sink, header, content);
   return startJpeg(sink, header, options.quality);
 }
 
@@ -78,14 +89,17 @@ void writeTurned(const std::vector<std::vector<std::uint8_t>>& rows, const RowsH
 void filterStream(ByteSource& source, ByteSink& sink, const FilterSet& filters,
                   const StreamOptions& options) {
   const bool fromJpeg = isJpeg(source);
+  const std::optional<std::uint64_t> fileBytes = bytesLeft(source);
   ImageReader reader = reading([&] { return openImage(source, options.pixelLimit); });
   dropExifThumbnail(reader.header.exif);
   const RowFilter plan =
       reading([&] { return planRowFilter(reader.header, filters, options.format); });
   const bool turns = fromJpeg && options.format == ImageFormat::Png;
   const int orientation = turns ? exifOrientation(reader.header.exif) : 1;
+  const PngContent content = contentOf(fromJpeg, fileBytes, reader.header);
   const ImageWriter writer = writing([&] {
-    return startImage(sink, turns ? turnedHeader(plan.header, orientation) : plan.header, options);
+    return startImage(sink, turns ? turnedHeader(plan.header, orientation) : plan.header, options,
+                      content);
   });
 
   std::vector<std::uint8_t> row(rowBytes(reader.header));

@@ -5,8 +5,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <filesystem>
+#include <random>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "tests/cli/filtered_picture.h"
 #include "tests/cli/image_samples.h"
@@ -40,6 +43,53 @@ TEST(PictureKinds, EveryKindOfPngIsKeptIfTheResultAllows) {
       EXPECT_EQ(decodeImage(result).pixels, expectedFrom(expectedPixels(spec), inverting));
     }
   }
+}
+
+// A slope with noise, as in photographs.
+PngSpec noisySlope(int colourType) {
+  PngSpec spec = randomPng(colourType, 8);
+  spec.width = spec.height = 200;
+  std::mt19937 random(1);
+  spec.samples.resize(spec.width * spec.height * channelsOf(colourType));
+  const std::size_t rowLength = spec.samples.size() / spec.height;
+  for (std::size_t i = 0; i < spec.samples.size(); ++i) {
+    spec.samples[i] =
+        static_cast<std::uint16_t>(20 + (i % rowLength + i / rowLength) / 8 + random() % 12);
+  }
+  return spec;
+}
+
+std::size_t sizeInverted(PngSpec spec) {
+  for (auto& sample : spec.samples) sample = static_cast<std::uint16_t>(255 - sample);
+  return pngFile(spec).size();
+}
+
+TEST(PictureKinds, PhotographsArePackedMoreTightlyThanByTheDefaultOfTheLibrary) {
+  for (const int colourType : {PNG_COLOR_TYPE_GRAY, PNG_COLOR_TYPE_RGB}) {
+    const PngSpec spec = noisySlope(colourType);
+    const std::size_t usual = sizeInverted(spec);
+    EXPECT_LT(filtered(pngFile(spec), inverting).size(), usual) << colourType;
+    const TemporaryFolder folder;
+    const Bytes file = pngFile(spec);
+    const std::string in = folder.write("in.png", {file.begin(), file.end()});
+    EXPECT_EQ(runTool({"filter", "--mode", "invert", in, folder / "out.png"}).status, 0);
+    EXPECT_LT(std::filesystem::file_size(folder / "out.png"), usual) << colourType;
+  }
+}
+
+TEST(PictureKinds, WhatRepeatsInADrawingTakesNoSpaceAgain) {
+  PngSpec spec = randomPng(PNG_COLOR_TYPE_RGB, 8);
+  const std::vector<std::uint16_t> tile = spec.samples;
+  const std::size_t width = spec.width;
+  const std::size_t height = spec.height;
+  spec.width = spec.height = 300;
+  spec.samples.clear();
+  for (std::size_t y = 0; y < spec.height; ++y) {
+    for (std::size_t x = 0; x < 3 * spec.width; ++x) {
+      spec.samples.push_back(tile[y % height * 3 * width + x % (3 * width)]);
+    }
+  }
+  EXPECT_LT(filtered(pngFile(spec), inverting).size(), sizeInverted(spec) * 3 / 2);
 }
 
 TEST(PictureKinds, APaletteKeepsItsIndicesItsLengthAndItsAlpha) {

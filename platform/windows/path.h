@@ -13,4 +13,9 @@ constexpr std::size_t longestPath = 32768;
 // more get the prefix that switches off path parsing.
 std::wstring openablePath(const std::wstring& path);
 
+// Returns a path of an existing file in a form that the shell opens. The shell refuses paths of 260
+// characters or more, and the prefix as well, so the folder then has its short name. Where the
+// volume has no short names, the path stays as it is.
+std::wstring shellPath(const std::wstring& path);
+
 }  // namespace tintora::platform

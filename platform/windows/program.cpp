@@ -10,6 +10,7 @@
 #include "platform/windows/path.h"
 #include "platform/windows/scale.h"
 #include "platform/windows/text.h"
+#include "platform/windows/view_pace.h"
 
 namespace tintora::platform {
 
@@ -45,9 +46,11 @@ void openPageBesideProgram(const std::string& fileName) {
   program.resize(GetModuleFileNameW(nullptr, program.data(), longestPath));
   const std::wstring page = program.substr(0, program.find_last_of(L'\\') + 1) + wide(fileName);
   // ShellExecute may start browsers through COM, which each calling thread has to initialise.
+  beginModalLoop();  // the desktop may ask which program to use
   const HRESULT ready = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
-  ShellExecuteW(nullptr, L"open", page.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+  ShellExecuteW(nullptr, L"open", shellPath(page).c_str(), nullptr, nullptr, SW_SHOWNORMAL);
   if (SUCCEEDED(ready)) CoUninitialize();
+  endModalLoop();
 }
 
 }  // namespace tintora::platform

@@ -2,18 +2,22 @@
 #include <windows.h>
 #include <objbase.h>
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 
+#include "deep_folder.h"
 #include "program_run.h"
 
 namespace tintora::windows_test {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr std::uintptr_t highestFault = 32;
 
 std::string contentOf(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
@@ -83,7 +87,6 @@ TEST_F(Guide, IsShownNormallyWithComReady) {
 }
 
 TEST_F(Guide, IsFoundInAFolderOfAnyName) {
-  constexpr std::uintptr_t highestFault = 32;
   const fs::path folder = L"C:\\\u041f\u0440\u043e\u0432\u0430 \u8868";
   fs::create_directory(folder);
   fs::copy(programPath(), folder / "Tintora.exe");
@@ -94,6 +97,21 @@ TEST_F(Guide, IsFoundInAFolderOfAnyName) {
   EXPECT_GT(opened.answer, highestFault);
   end();
   fs::remove_all(folder);
+}
+
+// Wine does not start programs whose paths have 260 characters or more, so the program is only told
+// that it is in such a folder.
+TEST_F(Guide, IsFoundFarDown) {
+  const DeepFolder folder;
+  const std::wstring copy = literally + folder.file(L"guide.html");
+  ASSERT_TRUE(CopyFileW(fs::path(page()).c_str(), copy.c_str(), FALSE));
+  start();
+  std::ranges::copy(folder.file(L"Tintora.exe"), magnifierRecord().programPath.begin());
+  const RecordedPage& opened = openGuide();
+  EXPECT_GT(opened.answer, highestFault);
+  EXPECT_EQ(contentOf(opened.path.data()), contentOf(page()));
+  end();
+  DeleteFileW(copy.c_str());
 }
 
 }  // namespace

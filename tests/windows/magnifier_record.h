@@ -97,6 +97,8 @@ struct MagnifierRecord {
   std::atomic<std::uint64_t> copies;          // titles that confirmed a copy
   std::atomic<std::uint64_t> copiedAt;        // when the latest of those was set, by GetTickCount64
   std::atomic<std::uint64_t> renamedAt;       // when the main window last got any other title
+  std::atomic<bool> menusFade;                // whether the desktop says so
+  std::atomic<std::uint64_t> menuLeftAt;      // when a menu was last left, by GetTickCount64
   std::atomic<std::uint64_t> menusLeft;       // WM_EXITMENULOOP to any of the program's windows
   std::atomic<std::uint64_t> paintsAtKeys;    // paints when keys were queued
   std::atomic<std::uint64_t> paintsOverKeys;  // paints from then until all of them were handled
@@ -108,10 +110,16 @@ struct MagnifierRecord {
   std::atomic<std::uint32_t> titleTimer;      // its milliseconds
   std::atomic<std::uint32_t> unhandledKey;    // the latest key that the program left to the desktop
   std::atomic<std::uint64_t> pagesOpened;
-  std::atomic<std::int32_t>
-      refreshRate;  // what the desktop tells the program; 0 for its own answer
+  // What the desktop tells the program. 0 stands for its own answers.
+  std::atomic<std::int32_t> refreshRate;       // of the primary monitor
+  std::atomic<std::int32_t> otherRefreshRate;  // of other monitors
+  std::atomic<std::int32_t> dpi;               // of the monitor, or of the left one of two
+  std::atomic<std::int32_t> rightDpi;
+  std::atomic<std::int32_t> border;  // from this column on is the right one of two monitors
+  std::atomic<std::uint32_t> resolutionChanges;  // of windows that the program moved
   RecordedPage page;
-  RECT suggested;  // bounds for another resolution
+  std::array<wchar_t, 512> programPath;  // what the desktop tells the program, unless empty
+  RECT suggested;                        // bounds for another resolution
   std::uint32_t menuItems;
   RecordedClass windowClass;
   std::uint32_t graphicsObjects;
@@ -151,6 +159,9 @@ enum Request : UINT {
   QueueKeys,
   // Follows the queued keys and counts the paints in the meantime.
   EndKeys,
+  // Tells the main window as often as the first parameter says that it was moved, without handling
+  // other messages in between.
+  TellMoves,
   // Waits until the display has carried out all of the program's requests.
   FinishDrawing,
   // From now on, the program's graphics devices are lost when they show a picture.

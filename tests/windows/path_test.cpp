@@ -7,12 +7,14 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <vector>
+
+#include "deep_folder.h"
 
 namespace tintora::windows_test {
 namespace {
 
 using platform::openablePath;
+using platform::shellPath;
 
 TEST(OpenablePath, IsAShortOneMadeWhole) {
   EXPECT_EQ(openablePath(L"C:\\folder\\.\\other\\..\\file.txt"), L"C:\\folder\\file.txt");
@@ -36,25 +38,46 @@ TEST(OpenablePath, IsNotMarkedTwice) {
   EXPECT_EQ(openablePath(literal), literal);
 }
 
-TEST(OpenablePath, OpensAFileFarDown) {
-  const std::wstring literally = L"\\\\?\\";
-  std::wstring path = L"C:";
-  std::vector<std::wstring> folders;
-  while (path.size() < 300) {
-    path += L"\\Gr\u00f6\u00dfe und \u041f\u0440\u043e\u0432\u0430";
-    folders.push_back(literally + path);
-    CreateDirectoryW(folders.back().c_str(), nullptr);
+class FarDown : public testing::Test {
+ protected:
+  void SetUp() override { std::ofstream(std::filesystem::path(literally + path_)) << "found"; }
+  void TearDown() override { DeleteFileW((literally + path_).c_str()); }
+  static std::string content(const std::wstring& path) {
+    std::string text;
+    std::ifstream(std::filesystem::path(path)) >> text;
+    return text;
   }
-  path += L"\\file.txt";
-  std::ofstream(std::filesystem::path(literally + path)) << "found";
-  std::string text;
-  std::ifstream(std::filesystem::path(openablePath(path))) >> text;
-  EXPECT_EQ(text, "found");
-  DeleteFileW((literally + path).c_str());
-  while (!folders.empty()) {
-    RemoveDirectoryW(folders.back().c_str());
-    folders.pop_back();
+
+ private:
+  const DeepFolder folder_;
+
+ protected:
+  const std::wstring path_ = folder_.file(L"file.txt");
+};
+
+TEST_F(FarDown, IsOpenedByTheProgram) {
+  EXPECT_EQ(content(openablePath(path_)), "found");
+}
+
+TEST_F(FarDown, IsNamedShortToTheShell) {
+  for (const std::wstring& path : {path_, literally + path_}) {
+    const std::wstring given = shellPath(path);
+    EXPECT_LT(given.size(), static_cast<std::size_t>(MAX_PATH));
+    EXPECT_FALSE(given.starts_with(literally));
+    EXPECT_EQ(content(given), "found");
   }
+}
+
+TEST(ShellPath, HasNoPrefix) {
+  EXPECT_EQ(shellPath(L"C:\\folder\\file.txt"), L"C:\\folder\\file.txt");
+  EXPECT_EQ(shellPath(L"\\\\?\\C:\\folder\\file.txt"), L"C:\\folder\\file.txt");
+  EXPECT_EQ(shellPath(L"\\\\?\\UNC\\server\\share\\file.txt"), L"\\\\server\\share\\file.txt");
+}
+
+// As where the volume has no short names.
+TEST(ShellPath, StaysLongWhereItHasNoShortName) {
+  const std::wstring missing = L"C:\\" + std::wstring(300, L'x');
+  EXPECT_EQ(shellPath(missing), missing);
 }
 
 }  // namespace

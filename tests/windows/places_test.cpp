@@ -1,12 +1,15 @@
 // The program on desktops of any language, and in folders whose names their code pages cannot hold.
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "deep_folder.h"
 #include "picture.h"
 #include "program_run.h"
 #include "stored_values.h"
@@ -17,9 +20,23 @@ namespace {
 constexpr const char* transform = "Vi\xe9not \xc5\xf1\n1 0 0 0\n0 1 0 0\n0 0 1 0\n";
 constexpr const wchar_t* transformName = L"Vi\u00e9not \u00c5\u00f1";
 
+struct LanguageRow {
+  std::string_view locale;
+  UINT codePage;
+};
+constexpr std::array languages{LanguageRow{"ru_RU", 1251}, LanguageRow{"ja_JP", 932}};
+
 // These tests also run on desktops with other code pages.
 class AnyLanguage : public ProgramTest {
  protected:
+  void SetUp() override {
+    ProgramTest::SetUp();
+    const char* const locale = std::getenv("LC_ALL");
+    for (const LanguageRow& language : languages) {
+      if (locale == nullptr || !std::string_view(locale).starts_with(language.locale)) continue;
+      ASSERT_EQ(GetACP(), language.codePage) << "The desktop has not taken the locale.";
+    }
+  }
   void startWithTransform() {
     std::ofstream(customFile()) << transform;
     storeValues({{"ColorSpace", 0}});
@@ -120,9 +137,6 @@ class Places : public ProgramTest, public testing::WithParamInterface<PlaceRow> 
     std::ranges::reverse(folders);
     for (const std::wstring& folder : folders) RemoveDirectoryW((literally + folder).c_str());
   }
-
-  // This prefix gives the test itself access to paths of any length.
-  static inline const std::wstring literally = L"\\\\?\\";
 
   static std::vector<std::wstring> levels() {
     std::vector<std::wstring> all;

@@ -124,6 +124,12 @@ void ProgramTest::SetUp() {
     *habit = false;
   }
   magnifierRecord().refreshRate = 0;
+  magnifierRecord().otherRefreshRate = 0;
+  magnifierRecord().menusFade = false;
+  magnifierRecord().programPath = {};
+  magnifierRecord().dpi = 0;
+  magnifierRecord().border = 0;
+  magnifierRecord().resolutionChanges = 0;
   magnifierRecord().corners = 0;
   magnifierRecord().copies = 0;
 }

@@ -60,12 +60,22 @@ struct Originals {
   decltype(SetTimer)* setTimer = nullptr;
   decltype(DefWindowProcW)* handleByDefault = nullptr;
   decltype(PeekMessageW)* look = nullptr;
-  decltype(GetDeviceCaps)* readDevice = nullptr;
+  decltype(EnumDisplaySettingsW)* readMode = nullptr;
+  decltype(SystemParametersInfoW)* readSetting = nullptr;
+  decltype(GetModuleFileNameW)* nameModule = nullptr;
+  decltype(GetCapture)* capture = nullptr;
+  decltype(GetProcAddress)* find = nullptr;
+  decltype(GetDpiForWindow)* dpiForWindow = nullptr;
+  decltype(SetWindowPos)* place = nullptr;
+  decltype(MonitorFromWindow)* monitorOfWindow = nullptr;
+  decltype(MonitorFromRect)* monitorOfBounds = nullptr;
   decltype(_wfopen)* openFile = nullptr;
   decltype(RegOpenKeyExA)* openKey = nullptr;
   decltype(RegCreateKeyExA)* createKey = nullptr;
 };
 Originals originals;
+
+constexpr std::wstring_view literally = L"\\\\?\\";
 
 DWORD comFlags = 0;  // the flags that COM was initialised with; 0 if it is not
 
@@ -90,10 +100,13 @@ HINSTANCE WINAPI open(HWND window, LPCWSTR verb, LPCWSTR path, LPCWSTR arguments
   page = {.com = comFlags, .show = show};
   const std::wstring_view text(path);
   std::copy_n(text.begin(), std::min(text.size(), page.path.size() - 1), page.path.begin());
-  const HINSTANCE answer = originals.open(window, verb, path, arguments, folder, show);
-  page.answer = reinterpret_cast<std::uintptr_t>(answer);
+  // Unlike Wine's shell, that of Windows opens neither long paths nor those with the prefix.
+  if (text.size() < MAX_PATH && !text.starts_with(literally)) {
+    const HINSTANCE answer = originals.open(window, verb, path, arguments, folder, show);
+    page.answer = reinterpret_cast<std::uintptr_t>(answer);
+  }
   ++record->pagesOpened;
-  return answer;
+  return reinterpret_cast<HINSTANCE>(page.answer);
 }
 
 BOOL WINAPI show(HWND window, int command) {
@@ -120,16 +133,107 @@ BOOL WINAPI look(LPMSG message, HWND window, UINT first, UINT last, UINT remove)
   return originals.look(message, window, first, last, remove);
 }
 
-INT WINAPI readDevice(HDC device, INT fact) {
-  if (fact == VREFRESH && record->refreshRate != 0) return record->refreshRate;
-  return originals.readDevice(device, fact);
+bool isPrimary(LPCWSTR device) {
+  MONITORINFOEXW facts{};
+  facts.cbSize = sizeof facts;
+  GetMonitorInfoW(MonitorFromPoint({}, MONITOR_DEFAULTTOPRIMARY), &facts);
+  return std::wstring_view(device) == facts.szDevice;
+}
+
+BOOL WINAPI readMode(LPCWSTR device, DWORD which, LPDEVMODEW mode) {
+  const BOOL result = originals.readMode(device, which, mode);
+  const std::int32_t rate = isPrimary(device) ? record->refreshRate : record->otherRefreshRate;
+  if (rate != 0) mode->dmDisplayFrequency = static_cast<DWORD>(rate);
+  return result;
+}
+
+BOOL WINAPI readSetting(UINT setting, UINT number, PVOID value, UINT change) {
+  if (setting != SPI_GETUIEFFECTS && setting != SPI_GETSELECTIONFADE) {
+    return originals.readSetting(setting, number, value, change);
+  }
+  *static_cast<BOOL*>(value) = record->menusFade ? TRUE : FALSE;
+  return TRUE;
+}
+
+DWORD WINAPI nameModule(HMODULE module, LPWSTR name, DWORD size) {
+  const std::wstring_view path(record->programPath.data());
+  if (path.empty()) return originals.nameModule(module, name, size);
+  std::copy_n(path.begin(), path.size() + 1, name);
+  return static_cast<DWORD>(path.size());
+}
+
+// Nobody documents that the desktop captures the mouse for the program when it moves a window.
+HWND WINAPI capture() {
+  GUITHREADINFO facts{};
+  facts.cbSize = sizeof facts;
+  GetGUIThreadInfo(GetCurrentThreadId(), &facts);
+  return (facts.flags & GUI_INMOVESIZE) != 0 ? nullptr : originals.capture();
+}
+
+bool isOnTheRight(const RECT& bounds) {
+  return record->border != 0 && (bounds.left + bounds.right) / 2 >= record->border;
+}
+
+UINT WINAPI dpiForWindow(HWND window) {
+  RECT bounds{};
+  GetWindowRect(window, &bounds);
+  const std::int32_t dpi = isOnTheRight(bounds) ? record->rightDpi : record->dpi;
+  return dpi != 0 ? static_cast<UINT>(dpi) : originals.dpiForWindow(window);
+}
+
+FARPROC WINAPI find(HMODULE library, LPCSTR name) {
+  const FARPROC found = originals.find(library, name);
+  if (found == nullptr || IS_INTRESOURCE(name) || std::strcmp(name, "GetDpiForWindow") != 0) {
+    return found;
+  }
+  originals.dpiForWindow =
+      reinterpret_cast<decltype(GetDpiForWindow)*>(reinterpret_cast<void*>(found));
+  return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&dpiForWindow));
+}
+
+// Two monitors of different resolutions. When a window comes to the other one, it is told before
+// the call that moved it returns.
+BOOL WINAPI place(HWND window, HWND after, int x, int y, int width, int height, UINT flags) {
+  constexpr std::uint32_t most = 40;  // a program that goes back and forth would never end
+  const UINT before = dpiForWindow(window);
+  const BOOL result = originals.place(window, after, x, y, width, height, flags);
+  const UINT now = dpiForWindow(window);
+  if (now == before || GetAncestor(window, GA_ROOT) != window ||
+      record->resolutionChanges == most) {
+    return result;
+  }
+  ++record->resolutionChanges;
+  const auto scaled = [&](LONG length) {
+    return MulDiv(length, static_cast<int>(now), static_cast<int>(before));
+  };
+  RECT bounds{};
+  GetWindowRect(window, &bounds);
+  bounds.right = bounds.left + scaled(bounds.right - bounds.left);
+  bounds.bottom = bounds.top + scaled(bounds.bottom - bounds.top);
+  SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(now, now), reinterpret_cast<LPARAM>(&bounds));
+  return result;
+}
+
+HMONITOR monitorAt(const RECT& bounds) {
+  return reinterpret_cast<HMONITOR>(isOnTheRight(bounds) ? std::uintptr_t{2} : std::uintptr_t{1});
+}
+
+HMONITOR WINAPI monitorOfWindow(HWND window, DWORD otherwise) {
+  RECT bounds{};
+  if (record->border == 0) return originals.monitorOfWindow(window, otherwise);
+  GetWindowRect(GetAncestor(window, GA_ROOT), &bounds);
+  return monitorAt(bounds);
+}
+
+HMONITOR WINAPI monitorOfBounds(LPCRECT bounds, DWORD otherwise) {
+  return record->border == 0 ? originals.monitorOfBounds(bounds, otherwise) : monitorAt(*bounds);
 }
 
 // Wine opens paths of any length. Windows opens those of 260 characters or more only with the
 // prefix.
 FILE* openFile(const wchar_t* path, const wchar_t* mode) {
   const std::wstring_view text(path);
-  if (text.size() >= MAX_PATH && !text.starts_with(L"\\\\?\\")) return nullptr;
+  if (text.size() >= MAX_PATH && !text.starts_with(literally)) return nullptr;
   return originals.openFile(path, mode);
 }
 
@@ -156,7 +260,14 @@ void watchCalls(MagnifierRecord& written) {
       .setTimer = replace("SetTimer", &setTimer),
       .handleByDefault = replace("DefWindowProcW", &handleByDefault),
       .look = replace("PeekMessageW", &look),
-      .readDevice = replace("GetDeviceCaps", &readDevice),
+      .readMode = replace("EnumDisplaySettingsW", &readMode),
+      .readSetting = replace("SystemParametersInfoW", &readSetting),
+      .nameModule = replace("GetModuleFileNameW", &nameModule),
+      .capture = replace("GetCapture", &capture),
+      .find = replace("GetProcAddress", &find),
+      .place = replace("SetWindowPos", &place),
+      .monitorOfWindow = replace("MonitorFromWindow", &monitorOfWindow),
+      .monitorOfBounds = replace("MonitorFromRect", &monitorOfBounds),
       .openFile = replace("_wfopen", &openFile),
       .openKey = replace("RegOpenKeyExA", &openKey),
       .createKey = replace("RegCreateKeyExA", &createKey),

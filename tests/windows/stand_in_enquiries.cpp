@@ -117,7 +117,8 @@ void holdKey(BYTE key) {
   SetKeyboardState(keys);
 }
 
-void changeResolution(const MagnifierRecord& record, HWND window, WORD dpi) {
+void changeResolution(MagnifierRecord& record, HWND window, WORD dpi) {
+  record.dpi = dpi;
   RECT suggested = record.suggested;
   SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&suggested));
 }
@@ -149,6 +150,10 @@ void readProcessorTime(MagnifierRecord& record) {
 
 void queueKeys(HWND window, WPARAM key, LPARAM count) {
   for (LPARAM i = 0; i < count; ++i) PostMessageW(window, WM_KEYDOWN, key, 0);
+}
+
+void tellMoves(HWND window, WPARAM count) {
+  for (WPARAM i = 0; i < count; ++i) SendMessageW(window, WM_MOVE, 0, 0);
 }
 
 void finishDrawing() {

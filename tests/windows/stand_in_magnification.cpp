@@ -90,7 +90,10 @@ LRESULT CALLBACK watchMessages(int code, WPARAM first, LPARAM second) {
   if (code == HC_ACTION && sent->message == WM_SETTEXT) {
     writeTitle(sent->hwnd, reinterpret_cast<const wchar_t*>(sent->lParam));
   }
-  if (code == HC_ACTION && sent->message == WM_EXITMENULOOP) ++record->menusLeft;
+  if (code == HC_ACTION && sent->message == WM_EXITMENULOOP) {
+    record->menuLeftAt = GetTickCount64();
+    ++record->menusLeft;
+  }
   return CallNextHookEx(nullptr, code, first, second);
 }
 
@@ -137,6 +140,9 @@ LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM secon
     case EndKeys:
       record->paintsOverKeys = record->paints - record->paintsAtKeys;
       return 0;
+    case TellMoves:
+      tellMoves(GetAncestor(window, GA_ROOT), first);
+      return 1;
     case FinishDrawing:
       finishDrawing();
       return 1;

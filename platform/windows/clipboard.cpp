@@ -7,6 +7,7 @@
 
 #include "platform/windows/composition.h"
 #include "platform/windows/handles.h"
+#include "platform/windows/menu_fade.h"
 
 namespace tintora::platform {
 
@@ -77,6 +78,7 @@ HGLOBAL makeDib(HDC screen, HBITMAP bitmap) {
 }  // namespace
 
 Picture* captureClientArea(Window* window) {
+  awaitMenuFade();
   // The latest drawing may not be on the screen yet.
   awaitComposition();
   const HDC screen = GetDC(nullptr);

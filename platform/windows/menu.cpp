@@ -3,11 +3,20 @@
 #include <windows.h>
 
 #include "platform/windows/handles.h"
+#include "platform/windows/magnifier.h"
+#include "platform/windows/menu_fade.h"
 #include "platform/windows/text.h"
 
 namespace tintora::platform {
 
 namespace {
+
+ULONGLONG closed = 0;  // when the latest menu was closed, by GetTickCount64
+
+bool isOn(UINT setting) {
+  BOOL on = FALSE;
+  return SystemParametersInfoW(setting, 0, &on, 0) != 0 && on != FALSE;
+}
 
 // Appends an item. Labels use MF_DISABLED, which does not grey them.
 void append(Menu* menu, UINT flags, UINT_PTR id, const std::string& text) {
@@ -47,6 +56,19 @@ void checkMenuItem(Menu* menu, int position, bool checked) {
 
 void trackMenu(Menu* menu, const Point& place, Window* window) {
   TrackPopupMenu(native(menu), 0, place.x, place.y, 0, native(window), nullptr);
+  closed = GetTickCount64();
+}
+
+void awaitMenuFade() {
+  // Windows documents no duration; it is about a third of a second.
+  constexpr ULONGLONG longestFade = 400;
+  constexpr DWORD pictureTime = 15;
+  if (!isOn(SPI_GETUIEFFECTS) || !isOn(SPI_GETSELECTIONFADE)) return;
+  while (GetTickCount64() < closed + longestFade) {
+    refreshView();
+    UpdateWindow(viewWindow());
+    Sleep(pictureTime);
+  }
 }
 
 }  // namespace tintora::platform

@@ -232,6 +232,18 @@ TEST_F(Clipboard, IsReachedWhileHitTransparent) {
   EXPECT_TRUE(eventually([this] { return title() == "Invert "; }));
 }
 
+// The desktop lets the item that was chosen fade away.
+TEST_F(Clipboard, WaitsForTheMenuToDisappear) {
+  constexpr ULONGLONG fade = 350;
+  magnifierRecord().menusFade = true;
+  startOver();
+  ASSERT_NE(openMenu(windows().main), nullptr);
+  closeMenu();
+  choose(52);
+  ASSERT_TRUE(hasCopied());
+  EXPECT_GE(magnifierRecord().copiedAt - magnifierRecord().menuLeftAt, fade);
+}
+
 TEST_F(Clipboard, HoldsTheWholeScreenInFullScreen) {
   startOver();
   press('F');

@@ -52,6 +52,7 @@ enum class EventKind {
   Moving,         // by the user; the window may not be at its new place yet
   Moved,          // the window is at its new place
   ScreenChanged,  // the size of the screen
+  ScaleChanged,   // of the window's screen, or the window came to another screen
   Painting,
   FilesDropped,
   TimerElapsed,  // of the one timer of the main window

@@ -48,8 +48,10 @@ void layOutColourSpace() {
   if (state.colourSpaceVisible && state.docked) moveColourSpaceBesideMain();
   const Rect client = platform::clientArea(state.colourSpaceWindow);
   const Size size{client.width(), client.height()};
-  if (size != state.colourSpaceClientSize) {
+  const double scale = platform::windowScale(state.colourSpaceWindow);
+  if (size != state.colourSpaceClientSize || scale != state.colourSpaceScale) {
     state.colourSpaceClientSize = size;
+    state.colourSpaceScale = scale;
     resizeDevice(size.width, size.height);
     refreshTransformViews();
   }

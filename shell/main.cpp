@@ -91,6 +91,7 @@ void createRenderer() {
   ShellState& state = shellState;
   const Rect client = platform::clientArea(state.colourSpaceWindow);
   state.colourSpaceClientSize = {client.width(), client.height()};
+  state.colourSpaceScale = platform::windowScale(state.colourSpaceWindow);
   createDevice(state.colourSpaceWindow, client.width(), client.height(), true);
   colourSpaceView.viewCode = state.view;
 }

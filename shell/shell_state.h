@@ -49,6 +49,7 @@ struct ShellState {
   int magnifierTopOffset = 0;
   int magnifierRightMargin = 0;
   platform::Size colourSpaceClientSize;  // as last handed to the renderer
+  double colourSpaceScale = 1.0;         // when the renderer was last handed a size
 
   bool fullScreen = false;
   bool hitTransparent = false;

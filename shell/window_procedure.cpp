@@ -123,6 +123,16 @@ bool onScreenChanged(const Event& event) {
   return false;
 }
 
+// A window in full screen keeps the screen's size. Text follows the scale even if the size stays.
+bool onScaleChanged(const Event& event) {
+  if (event.window == shellState.mainWindow) {
+    fitToScreen();
+  } else {
+    layOutColourSpace();
+  }
+  return false;
+}
+
 bool onMouseLost(const Event& /*event*/) {
   shellState.drag.active = false;
   return false;
@@ -174,7 +184,7 @@ struct EventAction {
   bool (*handle)(const Event& event);
 };
 
-constexpr std::array<EventAction, 21> eventActions{{
+constexpr std::array<EventAction, 22> eventActions{{
     {EventKind::KeyDown, &onKeyDown},
     {EventKind::KeyUp, &swallow},
     {EventKind::WheelTurned, &onWheelTurned},
@@ -190,6 +200,7 @@ constexpr std::array<EventAction, 21> eventActions{{
     {EventKind::Moving, &onMoving},
     {EventKind::Moved, &onMoved},
     {EventKind::ScreenChanged, &onScreenChanged},
+    {EventKind::ScaleChanged, &onScaleChanged},
     {EventKind::Painting, &onPainting},
     {EventKind::FilesDropped, &onFilesDropped},
     {EventKind::TimerElapsed, &onTimerElapsed},

@@ -6,6 +6,7 @@
 
 #include "platform/windows/handles.h"
 #include "platform/windows/magnifier.h"
+#include "platform/windows/resolution.h"
 #include "platform/windows/view_pace.h"
 
 namespace tintora::platform {
@@ -46,7 +47,10 @@ bool onMouseMoved(Window* window, WPARAM held, LPARAM place) {
 // Captures the mouse, so that a drag continues outside the window. Drags in the colour space window
 // stop at its edge.
 bool onLeftDown(Window* window, LPARAM place) {
-  if (kindOf(native(window)) != WindowKind::ColourSpace) SetCapture(native(window));
+  if (kindOf(native(window)) != WindowKind::ColourSpace) {
+    SetCapture(native(window));
+    if (GetCapture() == native(window)) holdSize(native(window));
+  }
   return handle(at(EventKind::LeftDown, window, place));
 }
 
@@ -56,11 +60,18 @@ bool onLeftUp(Window* window, LPARAM place) {
   return handled;
 }
 
-// Draws the view at once if the window is being dragged. Windows handles paints only after all
-// input, so the picture would stay behind the frame.
+bool onMouseLost(Window* window) {
+  const bool handled = handle({.kind = EventKind::MouseLost, .window = window});
+  releaseSize(native(window));
+  return handled;
+}
+
+// Draws the view at once if the window is being moved. Windows handles paints only after all input,
+// so the picture would stay behind the frame.
 bool onPlaced(const Event& event) {
+  followMonitor();
   const bool handled = handle(event);
-  if (GetCapture() == native(event.window)) UpdateWindow(viewWindow());
+  if (isBeingMoved(native(event.window))) UpdateWindow(viewWindow());
   return handled;
 }
 
@@ -70,11 +81,16 @@ bool onFilesDropped(Window* window, HDROP drop) {
   return handle({.kind = EventKind::FilesDropped, .window = window});
 }
 
-// Moves the window to the bounds that the desktop suggests for the new resolution.
-bool onResolutionChanged(HWND window, const RECT& suggested) {
-  SetWindowPos(window, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
-               suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
+bool onResolutionChanged(Window* window, const RECT& suggested) {
+  takeSuggestedBounds(native(window), suggested);
+  handle({.kind = EventKind::ScaleChanged, .window = window});
   return true;
+}
+
+// Returns true if the message's default handling waits until a button on the frame is released,
+// without saying when it begins and ends.
+constexpr bool tracksFrameButton(UINT message) {
+  return message == WM_NCLBUTTONDOWN || message == WM_NCRBUTTONDOWN;
 }
 
 bool handleMessage(Window* window, UINT message, WPARAM first, LPARAM second) {
@@ -100,7 +116,7 @@ bool handleMessage(Window* window, UINT message, WPARAM first, LPARAM second) {
     case WM_MOUSEMOVE:
       return onMouseMoved(window, first, second);
     case WM_CAPTURECHANGED:
-      return handle({.kind = EventKind::MouseLost, .window = window});
+      return onMouseLost(window);
     case WM_SIZE:
       return onPlaced(
           {.kind = EventKind::Sized, .window = window, .maximised = first == SIZE_MAXIMIZED});
@@ -118,7 +134,7 @@ bool handleMessage(Window* window, UINT message, WPARAM first, LPARAM second) {
       forgetPace();
       return handle({.kind = EventKind::ScreenChanged, .window = window});
     case WM_DPICHANGED:
-      return onResolutionChanged(native(window), *reinterpret_cast<const RECT*>(second));
+      return onResolutionChanged(window, *reinterpret_cast<const RECT*>(second));
     case WM_ENDSESSION:
       // The desktop may end the process as soon as this returns.
       return first != FALSE && handle({.kind = EventKind::SessionEnding, .window = window});
@@ -130,6 +146,9 @@ bool handleMessage(Window* window, UINT message, WPARAM first, LPARAM second) {
     case WM_EXITSIZEMOVE:
       endModalLoop();
       return false;
+    case pictureDue:
+      drawDuePicture();
+      return true;
     case WM_CLOSE:
       return handle({.kind = EventKind::Closing, .window = window});
     case WM_DESTROY:
@@ -171,11 +190,16 @@ void setEventHandler(EventHandler handler) {
 
 void translateEvents(HWND window, WindowKind kind) {
   SetWindowLongPtrW(window, GWLP_USERDATA, static_cast<LONG_PTR>(kind) + 1);
+  acceptSize(window);
 }
 
 LRESULT CALLBACK windowProcedure(HWND window, UINT message, WPARAM first, LPARAM second) {
   if (isKnown(window) && handleMessage(fromNative(window), message, first, second)) return 0;
-  return DefWindowProcW(window, message, first, second);
+  if (!tracksFrameButton(message)) return DefWindowProcW(window, message, first, second);
+  beginModalLoop();
+  const LRESULT result = DefWindowProcW(window, message, first, second);
+  endModalLoop();
+  return result;
 }
 
 void startTimer(Window* window, int milliseconds) {

@@ -1,5 +1,8 @@
 #include "platform/windows/view_pace.h"
 
+#include <windows.h>
+
+#include <algorithm>
 #include <chrono>
 
 #include "platform/windows/magnifier.h"
@@ -11,21 +14,48 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::nanoseconds;
 
-constexpr UINT_PTR modalTimer = 1;
+static_assert(pictureDue == WM_APP);
 
-nanoseconds period{};  // 0 if not measured yet
+HMONITOR monitor = nullptr;  // that the period belongs to
+bool monitorChecked = false;
+nanoseconds period{};
 Clock::time_point due;
+int modalLoops = 0;
 
-nanoseconds measuredPeriod() {
+// Returns the pictures that a monitor shows in a second. Windows reports 0 or 1 for the hardware's
+// default rate.
+int refreshRateOf(HMONITOR screen) {
   constexpr int usualRate = 60;
-  const HDC screen = GetDC(nullptr);
-  const int rate = GetDeviceCaps(screen, VREFRESH);
-  ReleaseDC(nullptr, screen);
-  // Windows reports 0 or 1 for the hardware's default rate.
-  return nanoseconds(std::chrono::seconds(1)) / (rate > 1 ? rate : usualRate);
+  MONITORINFOEXW facts{};
+  facts.cbSize = sizeof facts;
+  DEVMODEW mode{};
+  mode.dmSize = sizeof mode;
+  if (GetMonitorInfoW(screen, &facts) == 0 ||
+      EnumDisplaySettingsW(facts.szDevice, ENUM_CURRENT_SETTINGS, &mode) == 0) {
+    return usualRate;
+  }
+  return mode.dmDisplayFrequency > 1 ? static_cast<int>(mode.dmDisplayFrequency) : usualRate;
 }
 
-// Returns null if no timer can be created; the wait is then in whole milliseconds.
+// Asks the desktop only when necessary, because it does not answer quickly.
+void checkMonitor() {
+  if (monitorChecked) return;
+  monitorChecked = true;
+  const HMONITOR now = MonitorFromWindow(viewWindow(), MONITOR_DEFAULTTONEAREST);
+  if (now == monitor) return;
+  monitor = now;
+  period = nanoseconds(std::chrono::seconds(1)) / refreshRateOf(now);
+}
+
+// Keeps an even pace, but starts afresh after a pause.
+void planNextPicture() {
+  checkMonitor();
+  const Clock::time_point drawn = Clock::now();
+  due += period;
+  if (due < drawn) due = drawn + period;
+}
+
+// Returns null if no timer can be created.
 HANDLE createTimer() {
   constexpr DWORD highResolution = 2;  // since Windows 10 version 1803
   const HANDLE precise = CreateWaitableTimerExW(nullptr, nullptr, highResolution, TIMER_ALL_ACCESS);
@@ -33,13 +63,18 @@ HANDLE createTimer() {
                             : CreateWaitableTimerExW(nullptr, nullptr, 0, TIMER_ALL_ACCESS);
 }
 
-// Returns true when the time has passed, false if a message came first.
+bool setTimer(HANDLE timer, nanoseconds time) {
+  LARGE_INTEGER relative{};
+  relative.QuadPart = -std::max<std::int64_t>(time.count(), 0) / 100;
+  return timer != nullptr && SetWaitableTimer(timer, &relative, 0, nullptr, nullptr, FALSE) != 0;
+}
+
+// Returns true when the time has passed, false if a message came first. Without a timer, it waits
+// in whole milliseconds.
 bool waitForTime(nanoseconds time) {
   static const HANDLE timer = createTimer();
   constexpr DWORD messages = QS_ALLINPUT & ~DWORD{QS_PAINT};
-  LARGE_INTEGER relative{};
-  relative.QuadPart = -time.count() / 100;
-  if (timer == nullptr || SetWaitableTimer(timer, &relative, 0, nullptr, nullptr, FALSE) == 0) {
+  if (!setTimer(timer, time)) {
     const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(time).count();
     return MsgWaitForMultipleObjectsEx(0, nullptr, static_cast<DWORD>(milliseconds), messages, 0) ==
            WAIT_TIMEOUT;
@@ -53,40 +88,71 @@ BOOL CALLBACK paintWindow(HWND window, LPARAM /*unused*/) {
   return TRUE;
 }
 
-void CALLBACK pictureIsDue(HWND /*view*/, UINT /*message*/, UINT_PTR /*id*/, DWORD /*time*/) {
-  refreshView();
+// Runs on a thread of the system's, which touches nothing of the program. Only a sent message
+// reaches every modal loop: that of the caption's buttons receives nothing else but mouse messages.
+void CALLBACK announcePicture(void* window, BOOLEAN /*timedOut*/) {
+  SendNotifyMessageW(static_cast<HWND>(window), pictureDue, 0, 0);
+}
+
+// Returns the timer that announces pictures, or null if the system has no thread for it.
+HANDLE announcingTimer() {
+  static const HANDLE timer = [] {
+    const HANDLE created = createTimer();
+    HANDLE wait = nullptr;  // lasts as long as the program
+    const BOOL waiting = RegisterWaitForSingleObject(&wait, created, &announcePicture,
+                                                     GetAncestor(viewWindow(), GA_ROOT), INFINITE,
+                                                     WT_EXECUTEINWAITTHREAD);
+    return waiting != 0 ? created : nullptr;
+  }();
+  return timer;
+}
+
+void announceNextPicture() {
+  planNextPicture();
+  setTimer(announcingTimer(), due - Clock::now());
 }
 
 }  // namespace
 
 bool awaitNextPicture() {
-  if (period == nanoseconds()) period = measuredPeriod();
   const Clock::time_point now = Clock::now();
   if (due > now && !waitForTime(due - now)) return false;
-  // Keep an even pace, but start afresh after a pause.
-  const Clock::time_point drawn = Clock::now();
-  due += period;
-  if (due < drawn) due = drawn + period;
+  planNextPicture();
   return true;
 }
 
+// Usually only the view waits, and looking at every window takes longer than painting it.
 void paintWaitingWindows() {
+  UpdateWindow(viewWindow());
+  MSG message{};
+  if (PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT, PM_NOREMOVE) == 0) return;
   EnumThreadWindows(GetCurrentThreadId(), &paintWindow, 0);
 }
 
-void forgetPace() {
-  period = nanoseconds();
+void followMonitor() {
+  monitorChecked = false;
 }
 
-// Draws by a timer instead of invalidating the view after each paint. Paints come before timers, so
-// the menus' own timers, which open submenus, would never fire.
+void forgetPace() {
+  monitor = nullptr;
+  monitorChecked = false;
+}
+
 void beginModalLoop() {
-  constexpr UINT milliseconds = 15;  // one tick of the system's clock
-  SetTimer(viewWindow(), modalTimer, milliseconds, &pictureIsDue);
+  if (modalLoops++ == 0) announceNextPicture();
 }
 
 void endModalLoop() {
-  KillTimer(viewWindow(), modalTimer);
+  if (--modalLoops == 0) CancelWaitableTimer(announcingTimer());
+}
+
+// Plans the next picture only now, so that the loop can handle input and timers in between however
+// long the paint takes.
+void drawDuePicture() {
+  if (modalLoops == 0) return;  // announced before the loop ended
+  refreshView();
+  UpdateWindow(viewWindow());
+  announceNextPicture();
 }
 
 }  // namespace tintora::platform

@@ -9,6 +9,7 @@
 #include "platform/windows/composition.h"
 #include "platform/windows/event_loop.h"
 #include "platform/windows/handles.h"
+#include "platform/windows/resolution.h"
 #include "platform/windows/scale.h"
 #include "platform/windows/text.h"
 
@@ -143,8 +144,7 @@ void showWindow(Window* window, ShowState state) {
 }
 
 void setWindowBounds(Window* window, const Rect& bounds) {
-  SetWindowPos(native(window), nullptr, bounds.left, bounds.top, bounds.width(), bounds.height(),
-               SWP_NOZORDER | SWP_NOACTIVATE);
+  placeWindow(native(window), native(bounds));
 }
 
 Rect windowBounds(const Window* window) {

@@ -1,5 +1,6 @@
 // What a desktop does by itself: it moves windows late, takes the mouse away, changes its screens
 // and ends the session.
+#include <algorithm>
 #include <string>
 
 #include "expected_calls.h"
@@ -66,6 +67,30 @@ TEST_F(DesktopEvents, AnotherScreenSizeMovesNoFramedWindow) {
     nullDesktop().screen = {1280, 800};
     co_yield happens(EventKind::ScreenChanged, mainWindow());
     EXPECT_EQ(mainWindow().bounds, before);
+  });
+}
+
+TEST_F(DesktopEvents, FullScreenStaysSoAtAnotherScale) {
+  play([]() -> Script {
+    co_yield keyDown('F');
+    const Rect screen = mainWindow().bounds;
+    mainWindow().bounds = {40, 50, 840, 650};
+    co_yield happens(EventKind::ScaleChanged, mainWindow());
+    EXPECT_EQ(text(mainWindow().bounds), text(screen));
+  });
+}
+
+TEST_F(DesktopEvents, TheColourSpaceWindowIsDrawnAnewAtAnotherScale) {
+  play([]() -> Script {
+    const auto devices = [] {
+      return std::ranges::count(nullDesktop().calls, "createGraphicsDevice colour space 384x361");
+    };
+    const auto before = devices();
+    co_yield happens(EventKind::ScaleChanged, colourSpaceWindow());
+    EXPECT_EQ(devices(), before);
+    nullDesktop().scale = 1.5;
+    co_yield happens(EventKind::ScaleChanged, colourSpaceWindow());
+    EXPECT_EQ(devices(), before + 1);
   });
 }
 

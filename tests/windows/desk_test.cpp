@@ -3,6 +3,7 @@
 #include <ostream>
 #include <string>
 
+#include "picture.h"
 #include "program_run.h"
 #include "stored_values.h"
 
@@ -181,9 +182,31 @@ const std::array habitRows{
     HabitRow{"RefusesEffects", nullptr, Refusal::SetColorEffect},
 };
 
-class Gestures : public Mouse, public testing::WithParamInterface<HabitRow> {};
+class Gestures : public Mouse, public testing::WithParamInterface<HabitRow> {
+ protected:
+  // Holds the main window's frame at a place and moves the mouse by so much.
+  void dragFrame(const POINT& grip, int x, int y) {
+    const auto isMoving = [this] { return (threadOf(windows().main).flags & GUI_INMOVESIZE) != 0; };
+    moveCursor(grip.x, grip.y);
+    button(MOUSEEVENTF_LEFTDOWN);
+    ASSERT_TRUE(eventually(isMoving));
+    SetCursorPos(static_cast<int>(grip.x) + x, static_cast<int>(grip.y) + y);
+    button(MOUSEEVENTF_LEFTUP);
+    ASSERT_TRUE(eventually([&] { return !isMoving(); }));
+  }
+  // Returns the picture that the view should show.
+  Picture expectedView(const Backdrop& backdrop) const {
+    const Bounds client = clientBoundsOf(windows().main);
+    const bool aimed = GetParam().refusal != Refusal::SetWindowSource;
+    const bool filtered = GetParam().refusal != Refusal::SetColorEffect;
+    return filteredPicture(
+        backdrop.picture(aimed ? client : Bounds{0, 0, client.width(), client.height()}),
+        filtered ? lastCall(MagnifierCall::SetColorEffect).values : identityEffect);
+  }
+};
 
 TEST_P(Gestures, WorkOverAnyMagnifier) {
+  const Backdrop backdrop({0, 0, 800, 600});
   magnifierRecord().refusal = GetParam().refusal;
   if (GetParam().habit != nullptr) magnifierRecord().habits.*GetParam().habit = true;
   startApart();
@@ -195,6 +218,16 @@ TEST_P(Gestures, WorkOverAnyMagnifier) {
   moveCursor(260, 250);
   EXPECT_TRUE(eventuallyAt({160, 150, 460, 350}));
   letGo();
+  dragFrame({310, 150 + GetSystemMetrics(SM_CYSIZEFRAME) + GetSystemMetrics(SM_CYCAPTION) / 2}, 20,
+            10);
+  EXPECT_TRUE(eventuallyAt({180, 160, 480, 360}));
+  dragFrame({480 - 2, 260}, 60, 0);
+  EXPECT_TRUE(eventuallyAt({180, 160, 540, 360}));
+  const auto showsTheView = [&] {
+    return areAlike(screenPicture(clientBoundsOf(windows().main)), expectedView(backdrop), 1);
+  };
+  EXPECT_TRUE(eventually([&] { return static_cast<bool>(showsTheView()); }))
+      << showsTheView().message();
   ASSERT_NE(openMenu(windows().main), nullptr);
   closeMenu();
   press('H');

@@ -61,6 +61,19 @@ TEST_F(SecondMonitor, HasItsPlacesInTheSource) {
   EXPECT_LT(source().bottom, 0);
 }
 
+TEST_F(SecondMonitor, HasItsOwnPace) {
+  constexpr std::uint64_t somePaints = 20;
+  constexpr double mostPaints = 37.5;
+  const MagnifierRecord& record = magnifierRecord();
+  magnifierRecord().otherRefreshRate = 30;
+  startAt({-900, -700, -400, -300});
+  const ULONGLONG begin = GetTickCount64();
+  const std::uint64_t first = record.paints;
+  EXPECT_TRUE(eventually([&] { return record.paints >= first + somePaints; }));
+  const auto paints = static_cast<double>(record.paints - first);
+  EXPECT_LE(paints * 1000 / static_cast<double>(GetTickCount64() - begin), mostPaints);
+}
+
 TEST_F(SecondMonitor, IsSeenThroughTheWindow) {
   const Bounds beneath{-1000, -700, -300, -100};
   const Backdrop backdrop(beneath);
@@ -99,6 +112,8 @@ TEST_F(SecondMonitor, NeverGivesAnEmptyOrInvertedSource) {
     const std::uint64_t first = magnifierRecord().calls;
     send(windows().main, WM_SYSCOMMAND, SC_MAXIMIZE);
     EXPECT_TRUE(IsZoomed(windows().main));
+    const Bounds client = clientBoundsOf(windows().main);
+    EXPECT_EQ(source(), (Bounds{client.left, client.top, 1280, 800}));
     press(' ');
     press(' ');
     send(windows().main, WM_SYSCOMMAND, SC_RESTORE);

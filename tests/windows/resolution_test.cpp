@@ -147,15 +147,107 @@ TEST_P(Resolution, SizesTheColourSpaceWindowsText) {
 INSTANTIATE_TEST_SUITE_P(Dpi, Resolution, testing::Values(96, 144, 192, 288),
                          [](const auto& row) { return std::to_string(row.param); });
 
-using OtherMonitor = ProgramTest;
+// Monitors of different resolutions.
+class OtherMonitor : public ColourSpaceTest {
+ protected:
+  static void divideScreen(int border, int leftDpi, int rightDpi) {
+    magnifierRecord().dpi = leftDpi;
+    magnifierRecord().rightDpi = rightDpi;
+    magnifierRecord().border = border;
+  }
+  void changeResolution(HWND window, int dpi, const Bounds& suggested) {
+    magnifierRecord().suggested = {suggested.left, suggested.top, suggested.right,
+                                   suggested.bottom};
+    ask(ChangeResolution, reinterpret_cast<WPARAM>(window), dpi);
+    settle();
+  }
+  void TearDown() override {
+    mouse_event(MOUSEEVENTF_LEFTUP, 0, 0, 0, 0);
+    ColourSpaceTest::TearDown();
+  }
+};
 
 TEST_F(OtherMonitor, SuggestsTheWindowsBounds) {
   start();
-  magnifierRecord().suggested = {40, 50, 840, 650};
-  ask(ChangeResolution, reinterpret_cast<WPARAM>(windows().main), 144);
-  settle();
+  changeResolution(windows().main, 144, {40, 50, 840, 650});
   EXPECT_EQ(boundsOf(windows().main), (Bounds{40, 50, 840, 650}));
   EXPECT_EQ(boundsOf(windows().magnifier), clientBoundsOf(windows().main));
+  press('F');
+  changeResolution(windows().main, 192, {40, 50, 840, 650});
+  EXPECT_EQ(boundsOf(windows().main), screenBounds());
+}
+
+TEST_F(OtherMonitor, SizesTheTextInWindowsThatKeepTheirSize) {
+  constexpr double scale = 2.0;
+  constexpr int dpi = 192;
+  const WithoutLibraries without(d3dxLibraries());
+  startWith(HelpView, {680, 680});
+  changeResolution(windows().colourSpace, dpi, boundsOf(windows().colourSpace));
+  const Picture help = shown();
+  EXPECT_TRUE(showsTheSameText(help, helpPage({help.width, help.height}, scale), 0));
+
+  magnifierRecord().dpi = 96;
+  SetWindowPos(windows().main, nullptr, 0, 0, 1280, 800, SWP_NOZORDER | SWP_NOACTIVATE);
+  settle();
+  press('W');
+  press('W');
+  press('H');
+  const HWND control = windows().control;
+  SetWindowPos(control, nullptr, 100, 100, 800, 240, SWP_NOZORDER | SWP_NOACTIVATE);
+  settle();
+  changeResolution(control, dpi, boundsOf(control));
+  EXPECT_TRUE(eventually([&] {
+    const Bounds text = extentOfWhite(screenPicture(clientBoundsOf(control)));
+    return text.top >= 20 && text.bottom > 116 && text.bottom <= 136;
+  }));
+}
+
+// Takes hold of the window near its left edge. If it got the size for the other resolution at once,
+// it would be on the first monitor again.
+TEST_F(OtherMonitor, LeavesADraggedWindowItsSizeUntilItIsReleased) {
+  storeValues({{"ColorSpace", 0}});
+  divideScreen(1200, 192, 96);  // the program starts on the left monitor
+  start();
+  divideScreen(640, 192, 96);
+  SetWindowPos(windows().main, nullptr, 100, 100, 400, 300, SWP_NOZORDER | SWP_NOACTIVATE);
+  settle();
+  moveCursor(150, 200);
+  takeHold();
+  for (const LONG x : {460, 480, 500, 520}) {
+    moveCursor(x, 200);
+    const Bounds expected{x - 50, 100, x + 350, 400};
+    EXPECT_TRUE(eventually([&] { return boundsOf(windows().main) == expected; }))
+        << boundsOf(windows().main) << " instead of " << expected;
+  }
+  EXPECT_EQ(magnifierRecord().resolutionChanges, 1U);
+  mouse_event(MOUSEEVENTF_LEFTUP, 0, 0, 0, 0);
+  const Bounds released{570, 175, 770, 325};
+  EXPECT_TRUE(eventually([&] { return boundsOf(windows().main) == released; }))
+      << boundsOf(windows().main);
+}
+
+// Docked, the colour space window does not choose its place. Where the size for each of the two
+// monitors would put it on the other one, it keeps the size that it has.
+TEST_F(OtherMonitor, NeverGoesBackAndForth) {
+  constexpr int gap = 4;
+  struct Row {
+    LONG left;
+    LONG size;
+  };
+  divideScreen(640, 192, 96);
+  start();
+  SetWindowPos(windows().main, nullptr, 0, 100, 300, 200, SWP_NOZORDER | SWP_NOACTIVATE);
+  settle();
+  magnifierRecord().resolutionChanges = 0;
+  for (const Row& row :
+       {Row{400, 400}, Row{480, 400}, Row{560, 200}, Row{480, 200}, Row{420, 400}}) {
+    SetWindowPos(windows().main, nullptr, row.left - gap - 300, 100, 300, 200,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+    settle();
+    EXPECT_EQ(boundsOf(windows().colourSpace),
+              (Bounds{row.left, 100, row.left + row.size, 100 + row.size}));
+  }
+  EXPECT_LE(magnifierRecord().resolutionChanges, 4U);
 }
 
 }  // namespace

@@ -12,6 +12,9 @@ void ColourSpaceTest::startWith(ColourSpaceView view, const ClientSize& size, DW
                {"ColorSpace", 1},
                {"Selected", type},
                {"ScrollPc", severity}});
+  // The desktop must send the window no moves of its own between those of a test.
+  const Bounds screen = screenBounds();
+  SetCursorPos(screen.right - 1, screen.bottom - 1);
   start("-t");
   SetWindowPos(windows().main, nullptr, 0, 0, 300, 200, SWP_NOZORDER | SWP_NOACTIVATE);
   // This message, which the desktop sends while a window is dragged, undocks it.

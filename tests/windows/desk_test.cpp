@@ -10,7 +10,7 @@
 namespace tintora::windows_test {
 namespace {
 
-using Desk = ProgramTest;
+using Desk = UndrawnTest;
 
 TEST_F(Desk, SettingsAreSavedWhenTheSessionEnds) {
   start();
@@ -96,7 +96,7 @@ TEST_F(Desk, ScreenChangesFitFullScreenAgain) {
 }
 
 // Moves the mouse as a user does, through the desktop's own input queue.
-class Mouse : public ProgramTest {
+class Mouse : public UndrawnTest {
  protected:
   static void button(DWORD change) { mouse_event(change, 0, 0, 0, 0); }
   void letGo() {

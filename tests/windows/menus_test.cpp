@@ -137,7 +137,7 @@ void expectMenu(const std::vector<MenuItem>& actual, const ExpectedItems& expect
   for (std::size_t i = 0; i < actual.size(); ++i) expectItem(actual[i], expected[i]);
 }
 
-using Menus = ProgramTest;
+using Menus = UndrawnTest;
 
 TEST_F(Menus, AreShortWithoutTheLetters) {
   start();
@@ -229,7 +229,7 @@ const std::array marksRows{
     MarksRow{"JuddAgain", "-s", {304, 300}, {protan, simulation, judd}},
 };
 
-class Marks : public ProgramTest, public testing::WithParamInterface<MarksRow> {};
+class Marks : public UndrawnTest, public testing::WithParamInterface<MarksRow> {};
 
 TEST_P(Marks, AreThoseOfTheirRow) {
   start(GetParam().arguments);

@@ -99,7 +99,7 @@ const std::array modeRows{
 };
 
 // Each row starts from a deutan simulation at 60 %.
-class Modes : public ProgramTest, public testing::WithParamInterface<ModeRow> {};
+class Modes : public UndrawnTest, public testing::WithParamInterface<ModeRow> {};
 
 TEST_P(Modes, ShowAsTheirRowSays) {
   const ModeRow& row = GetParam();
@@ -131,7 +131,7 @@ const std::array algorithmRows{
     AlgorithmRow{304, vienot1999Protan()},
 };
 
-class Algorithms : public ProgramTest, public testing::WithParamInterface<AlgorithmRow> {};
+class Algorithms : public UndrawnTest, public testing::WithParamInterface<AlgorithmRow> {};
 
 TEST_P(Algorithms, GiveTheirPublishedMatrix) {
   storeValues({{"Selected", 1}, {"Option", 1}});
@@ -183,7 +183,7 @@ const std::array wheelRows{
 };
 
 // Each row starts from a severity of 60 %.
-class Wheel : public ProgramTest, public testing::WithParamInterface<WheelRow> {};
+class Wheel : public UndrawnTest, public testing::WithParamInterface<WheelRow> {};
 
 TEST_P(Wheel, StepsTheValueOfTheMode) {
   const WheelRow& row = GetParam();
@@ -198,7 +198,7 @@ TEST_P(Wheel, StepsTheValueOfTheMode) {
 INSTANTIATE_TEST_SUITE_P(By, Wheel, testing::ValuesIn(wheelRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
-using TransformToggle = ProgramTest;
+using TransformToggle = UndrawnTest;
 
 TEST_F(TransformToggle, GoesThereAndBack) {
   storeValues({{"Selected", 4}});

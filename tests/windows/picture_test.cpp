@@ -19,7 +19,7 @@ constexpr Bounds beneath{100, 50, 1100, 750};
 constexpr const char* firstTitle = " Simulation - Protanope 100% severity";
 
 // Runs the program over a known picture, without the colour space window.
-class OverAPicture : public ProgramTest {
+class OverAPicture : public UndrawnTest {
  protected:
   void startOver(StoredValues stored = {}) {
     stored["ColorSpace"] = 0;

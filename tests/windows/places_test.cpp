@@ -27,7 +27,7 @@ struct LanguageRow {
 constexpr std::array languages{LanguageRow{"ru_RU", 1251}, LanguageRow{"ja_JP", 932}};
 
 // These tests also run on desktops with other code pages.
-class AnyLanguage : public ProgramTest {
+class AnyLanguage : public UndrawnTest {
  protected:
   void SetUp() override {
     ProgramTest::SetUp();
@@ -118,7 +118,7 @@ void PrintTo(const PlaceRow& row, std::ostream* out) {
 }
 
 // Runs the program from another folder, with custom transforms there.
-class Places : public ProgramTest, public testing::WithParamInterface<PlaceRow> {
+class Places : public UndrawnTest, public testing::WithParamInterface<PlaceRow> {
  protected:
   void SetUp() override {
     ProgramTest::SetUp();

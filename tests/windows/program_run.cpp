@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 #include "stored_values.h"
 
@@ -48,6 +49,12 @@ std::string inWindows1252(const std::wstring& text) {
   const auto size = static_cast<int>(text.size());
   WideCharToMultiByte(codePage, 0, text.data(), size, result.data(), size, nullptr, nullptr);
   return result;
+}
+
+// Tells Wine how Direct3D draws in the programs that start from now on.
+void drawWith(const char* renderer) {
+  RegSetKeyValueA(HKEY_CURRENT_USER, "Software\\Wine\\AppDefaults\\Tintora.exe\\Direct3D",
+                  "renderer", REG_SZ, renderer, static_cast<DWORD>(std::strlen(renderer) + 1));
 }
 
 }  // namespace
@@ -112,6 +119,7 @@ std::vector<HWND> windowsOf(DWORD process, const std::string& className) {
 }
 
 void ProgramTest::SetUp() {
+  drawWith("gl");
   removeStoredValues();
   DeleteFileA(customFile().c_str());
   magnifierRecord().calls = 0;
@@ -136,7 +144,12 @@ void ProgramTest::SetUp() {
 
 void ProgramTest::TearDown() {
   process_.reset();
-  SetUp();
+  ProgramTest::SetUp();
+}
+
+void UndrawnTest::SetUp() {
+  ProgramTest::SetUp();
+  drawWith("no3d");
 }
 
 void ProgramTest::start(const std::string& arguments) {

@@ -143,4 +143,11 @@ class ProgramTest : public testing::Test {
   HMENU menu_ = nullptr;
 };
 
+// Tests of anything but the picture in the colour space window. Direct3D has nothing to draw with
+// here, so that a start takes a third of the processor's time.
+class UndrawnTest : public ProgramTest {
+ protected:
+  void SetUp() override;
+};
+
 }  // namespace tintora::windows_test

@@ -62,7 +62,7 @@ const std::array savedRows{
     SavedRow{"TransformOff", {5, tab}, {{"Selected", 5}}},
 };
 
-class Saved : public ProgramTest, public testing::WithParamInterface<SavedRow> {};
+class Saved : public UndrawnTest, public testing::WithParamInterface<SavedRow> {};
 
 TEST_P(Saved, ValuesAreThoseOfTheirRow) {
   start(GetParam().arguments);
@@ -163,7 +163,7 @@ const std::array loadedRows{
               effectOf(daltonized(juddProtan(0.5)))},
 };
 
-class Loaded : public ProgramTest, public testing::WithParamInterface<LoadedRow> {};
+class Loaded : public UndrawnTest, public testing::WithParamInterface<LoadedRow> {};
 
 TEST_P(Loaded, ValuesTakeEffect) {
   storeValues({{"View", 705}});  // creates the registry key
@@ -177,7 +177,7 @@ TEST_P(Loaded, ValuesTakeEffect) {
 INSTANTIATE_TEST_SUITE_P(By, Loaded, testing::ValuesIn(loadedRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
-using Settings = ProgramTest;
+using Settings = UndrawnTest;
 
 TEST_F(Settings, SurviveIntoTheNextStart) {
   start("-s");

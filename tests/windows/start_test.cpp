@@ -93,7 +93,7 @@ constexpr std::array showRows{
     ShowRow{"Minimised", SW_SHOWMINIMIZED, false, true},
 };
 
-class ShowCommands : public ProgramTest, public testing::WithParamInterface<ShowRow> {};
+class ShowCommands : public UndrawnTest, public testing::WithParamInterface<ShowRow> {};
 
 TEST_P(ShowCommands, HoldForBothWindows) {
   start(Launch{.show = GetParam().show});
@@ -163,7 +163,7 @@ const std::array argumentsRows{
     ArgumentsRow{"Late", "---------- st", false, false},
 };
 
-class Arguments : public ProgramTest, public testing::WithParamInterface<ArgumentsRow> {};
+class Arguments : public UndrawnTest, public testing::WithParamInterface<ArgumentsRow> {};
 
 TEST_P(Arguments, SwitchMenuItemsOn) {
   start(GetParam().arguments);
@@ -180,7 +180,7 @@ TEST_P(Arguments, SwitchMenuItemsOn) {
 INSTANTIATE_TEST_SUITE_P(By, Arguments, testing::ValuesIn(argumentsRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
-using CustomFile = ProgramTest;
+using CustomFile = UndrawnTest;
 
 constexpr const char* customText =
     "Night\n"

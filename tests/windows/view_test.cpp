@@ -8,7 +8,7 @@
 namespace tintora::windows_test {
 namespace {
 
-class View : public ProgramTest {
+class View : public UndrawnTest {
  protected:
   Bounds source() const { return boundsOf(lastCall(MagnifierCall::SetWindowSource).source); }
 

@@ -61,7 +61,7 @@ void PrintTo(const WindowRow& row, std::ostream* out) {
   *out << row.name;
 }
 
-class Windows : public ProgramTest, public testing::WithParamInterface<WindowRow> {};
+class Windows : public UndrawnTest, public testing::WithParamInterface<WindowRow> {};
 
 TEST_P(Windows, AreCreatedAsTheirRowSays) {
   const WindowRow& row = GetParam();
@@ -78,7 +78,7 @@ TEST_P(Windows, AreCreatedAsTheirRowSays) {
 INSTANTIATE_TEST_SUITE_P(By, Windows, testing::ValuesIn(windowRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
-using FullScreen = ProgramTest;
+using FullScreen = UndrawnTest;
 
 TEST_F(FullScreen, IsLeftByShowingTheWindowNormally) {
   start();
@@ -88,7 +88,7 @@ TEST_F(FullScreen, IsLeftByShowingTheWindowNormally) {
   EXPECT_EQ(magnifierRecord().mainShown, SW_SHOWNORMAL);
 }
 
-using WindowClasses = ProgramTest;
+using WindowClasses = UndrawnTest;
 
 TEST_F(WindowClasses, HaveTheProgramsIconAndNoBackground) {
   start();
@@ -102,7 +102,7 @@ TEST_F(WindowClasses, HaveTheProgramsIconAndNoBackground) {
   }
 }
 
-using MainWindow = ProgramTest;
+using MainWindow = UndrawnTest;
 
 TEST_F(MainWindow, NamesItselfUntilTheFirstTransform) {
   start();
@@ -138,7 +138,7 @@ TEST_F(MainWindow, LoadsNothingThatIsDroppedOnIt) {
   EXPECT_EQ(title(), " Simulation - Protanope 100% severity");
 }
 
-using ControlWindow = ProgramTest;
+using ControlWindow = UndrawnTest;
 
 TEST_F(ControlWindow, HasItsSizeBeforeItIsShown) {
   start();
@@ -190,7 +190,7 @@ const std::array formRows{
     FormRow{"HitTransparentFullScreenAndBack", "HFF", framedStyle, seenStyle},
 };
 
-class Forms : public ProgramTest, public testing::WithParamInterface<FormRow> {
+class Forms : public UndrawnTest, public testing::WithParamInterface<FormRow> {
  protected:
   void go(const std::string& steps) {
     for (const char step : steps) {

@@ -107,7 +107,12 @@ class Session : public QObject {
  private Q_SLOTS:
   void onResponse(const QDBusMessage& message) {
     const QList<QVariant> arguments = message.arguments();
-    if (over_ || message.path() != request_ || arguments.size() < 2) return;
+    if (over_ || arguments.size() < 2) return;
+    if (message.path() != request_) {
+      if (!isNamed_) early_ = message;
+      return;
+    }
+    isNamed_ = true;
     request_.clear();
     const std::uint32_t code = arguments[0].toUInt();
     if (code == 1) return end(PortalEnd::Cancelled);
@@ -158,12 +163,17 @@ class Session : public QObject {
     next_ = next;
     const QString expected = pathOfRequest(token);
     request_ = expected;
+    isNamed_ = false;
+    early_ = QDBusMessage();
     QDBusMessage call = callOf(desktopPath, screenCast, method);
     call.setArguments(arguments + QList<QVariant>{options});
     send(call, [this, expected](const QDBusPendingCall& answer) {
       const QDBusPendingReply<QDBusObjectPath> reply = answer;
       if (reply.isError()) return end(PortalEnd::Refused);
-      if (request_ == expected) request_ = reply.value().path();
+      if (request_ != expected) return;
+      request_ = reply.value().path();
+      isNamed_ = true;
+      if (early_.path() == request_) onResponse(early_);
     });
   }
 
@@ -239,7 +249,9 @@ class Session : public QObject {
   QString token_;
   PortalEvents events_;
   QVariantMap properties_;
-  QString request_;  // the request that waits for an answer
+  QString request_;       // the request that waits for an answer
+  bool isNamed_ = false;  // the portal has named its path
+  QDBusMessage early_;    // an answer that came before that, on another path
   Step next_ = nullptr;
   QString handle_;  // of the session
   bool over_ = false;

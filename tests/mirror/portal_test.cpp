@@ -92,9 +92,13 @@ TEST_F(MirrorPortal, AnOldOneIsAskedForLess) {
 }
 
 TEST_F(MirrorPortal, ItMayAnswerBeforeItReplies) {
-  session().setBehaviour({{"early", "1"}});
-  startMirror();
-  showNoise(320, 240, 1);
+  std::uint32_t seed = 0;
+  for (const char* const paths : {"", "own"}) {
+    session().setBehaviour({{"early", "1"}, {"paths", paths}});
+    startMirror();
+    showNoise(320, 240, ++seed);
+    end();
+  }
 }
 
 TEST_F(MirrorPortal, WhatDoesNotComeToAPictureIsSaid) {

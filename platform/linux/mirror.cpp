@@ -60,9 +60,9 @@ void giveUp(const char* text) {
   box->open();
 }
 
-void onFrame(const StreamFrame& frame) {
+void onFrame() {
   state.silence.reset();
-  showFrame(frame);
+  showNewestFrame();
 }
 
 void onStreamEnd(StreamEnd end) {

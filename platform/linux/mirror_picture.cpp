@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "platform/linux/handles.h"
+#include "platform/linux/pipewire_stream.h"
 #include "platform/linux/screen_place.h"
 #include "platform/linux/smooth_scaling.h"
 #include "platform/linux/view_frames.h"
@@ -85,27 +86,6 @@ void fitMainWindow() {
   outer.moveTop(std::max(outer.top(), room.top()));
   picture.given = fitting;
   setWindowBounds(window, fromRoot(outer));
-}
-
-void copyRow(const std::uint8_t* from, std::uint8_t* to, int pixels, bool redFirst) {
-  if (!redFirst) {
-    std::memcpy(to, from, std::size_t{4} * static_cast<std::size_t>(pixels));
-    return;
-  }
-  for (std::ptrdiff_t i = 0; i < std::ptrdiff_t{4} * pixels; i += 4) {
-    to[i] = from[i + 2];
-    to[i + 1] = from[i + 1];
-    to[i + 2] = from[i];
-    to[i + 3] = from[i + 3];
-  }
-}
-
-void copyPart(const StreamFrame& frame, const QRect& part) {
-  QImage& source = picture.source;
-  for (int y = part.top(); y <= part.bottom(); ++y) {
-    copyRow(frame.pixels + y * frame.stride + 4L * part.left(),
-            source.scanLine(y) + 4L * part.left(), part.width(), frame.redFirst);
-  }
 }
 
 // Replaces many small parts by one part around them.
@@ -209,17 +189,19 @@ void setMirrorFilter(const PixelFilter& filter) {
   picture.toFilter = wholeView();
 }
 
-void showFrame(const StreamFrame& frame) {
-  if (picture.source.size() != frame.size) {
-    picture.source = QImage(frame.size, QImage::Format_RGB32);
+void showNewestFrame() {
+  const QSize before = picture.source.size();
+  const QRegion changed = takeNewestFrame(picture.source);
+  if (changed.isEmpty()) return;
+  const QSize size = picture.source.size();
+  if (size != before) {
     fitMainWindow();
     layOut();
   }
-  for (const QRect& part : frame.changed) copyPart(frame, part);
   if (picture.size.isEmpty()) return;
-  for (const QRect& part : simplified(frame.changed)) {
+  for (const QRect& part : simplified(changed)) {
     picture.toScale +=
-        scaledPart(part, frame.size, picture.place.size()).translated(picture.place.topLeft());
+        scaledPart(part, size, picture.place.size()).translated(picture.place.topLeft());
   }
 }
 

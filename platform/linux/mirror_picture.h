@@ -8,7 +8,6 @@
 #include <string_view>
 
 #include "engine/pixel_filter.h"
-#include "platform/linux/pipewire_stream.h"
 #include "platform/window.h"
 
 namespace tintora::platform {
@@ -24,9 +23,9 @@ void setMirrorSize(const QSize& size);
 // Shows the last frame through another filter.
 void setMirrorFilter(const PixelFilter& filter);
 
-// Shows a frame. When the first frame comes or the frames' size changes, the main window takes that
-// size as far as the screen allows, unless the user has chosen another.
-void showFrame(const StreamFrame& frame);
+// Shows the stream's newest frame. When the first frame comes or the frames' size changes, the main
+// window takes that size as far as the screen allows, unless the user has chosen another.
+void showNewestFrame();
 
 // Shows a text instead of the picture, in the desktop's colours. Forgets all frames.
 void showText(std::string_view text);

@@ -11,8 +11,11 @@
 #include <array>
 #include <cerrno>
 #include <memory>
+#include <mutex>
 #include <optional>
 
+#include "platform/linux/buffer_transform.h"
+#include "platform/linux/frame_exchange.h"
 #include "platform/linux/stream_parameters.h"
 
 namespace tintora::platform {
@@ -30,17 +33,25 @@ struct Stream {
   spa_hook coreHook{};
   spa_hook registryHook{};
   spa_hook streamHook{};
+  spa_source* arrival = nullptr;  // wakes the event loop when a frame has come
   std::unique_ptr<QSocketNotifier> notifier;
   bool connected = false;
   bool ending = false;
-  FrameFormat format;
-  QRect crop;       // of the last frame
-  QRegion changed;  // in frames that were not passed on
 };
 Stream stream;
 
+// What PipeWire's thread uses too, under the lock.
+struct Reception {
+  FrameFormat format;
+  QRect crop;  // of the last frame
+  BufferTransform transform;
+  FrameExchange frames;
+};
+Reception reception;
+std::mutex receptionLock;
+
 QRect frameArea() {
-  return {QPoint(), stream.format.size};
+  return {QPoint(), reception.format.size};
 }
 
 // Stops the stream later, because PipeWire still runs the callback that reports the end.
@@ -87,10 +98,10 @@ QRegion damageOf(const spa_buffer& buffer) {
 
 // Returns the bytes from one row to the next if all rows lie within the memory.
 std::optional<std::ptrdiff_t> strideOf(const spa_data& data) {
-  const auto rowBytes = std::int64_t{4} * stream.format.size.width();
+  const auto rowBytes = std::int64_t{4} * reception.format.size.width();
   const std::int64_t stride = data.chunk->stride != 0 ? data.chunk->stride : rowBytes;
   const std::int64_t first = data.chunk->offset;
-  const std::int64_t last = first + stride * (stream.format.size.height() - 1);
+  const std::int64_t last = first + stride * (reception.format.size.height() - 1);
   const bool fits = std::min(first, last) >= 0 && std::max(first, last) + rowBytes <= data.maxsize;
   if (!fits) return std::nullopt;
   return stride;
@@ -105,55 +116,79 @@ bool isMarkedCorrupted(const spa_buffer& buffer) {
 // Returns true if the buffer has pixels. Some sources send buffers without any, for instance when
 // only the pointer has moved.
 bool hasPixels(const spa_buffer& buffer) {
-  if (buffer.n_datas == 0 || stream.format.size.isEmpty()) return false;
+  if (buffer.n_datas == 0 || reception.format.size.isEmpty()) return false;
   const spa_data& data = buffer.datas[0];
   constexpr auto corrupted = static_cast<std::int32_t>(SPA_CHUNK_FLAG_CORRUPTED);
   return data.data != nullptr && data.chunk->size != 0 && (data.chunk->flags & corrupted) == 0 &&
          !isMarkedCorrupted(buffer) && strideOf(data).has_value();
 }
 
-void passOn(const spa_buffer& buffer) {
-  const spa_data& data = buffer.datas[0];
-  const QRect crop = cropOf(buffer);
-  if (crop != stream.crop) stream.changed = crop;
-  stream.crop = crop;
-  const std::ptrdiff_t stride = *strideOf(data);
-  const StreamFrame frame{.pixels = static_cast<const std::uint8_t*>(data.data) +
-                                    data.chunk->offset + crop.y() * stride + 4L * crop.x(),
-                          .stride = stride,
-                          .size = crop.size(),
-                          .redFirst = stream.format.redFirst,
-                          .changed = (stream.changed & crop).translated(-crop.topLeft())};
-  stream.changed = QRegion();
-  if (!frame.changed.isEmpty()) stream.events.frame(frame);
+BufferTransform transformOf(const spa_buffer& buffer) {
+  const auto* const meta = static_cast<const spa_meta_videotransform*>(
+      spa_buffer_find_meta_data(&buffer, SPA_META_VideoTransform, sizeof(spa_meta_videotransform)));
+  return bufferTransform(meta == nullptr ? 0 : meta->transform);
 }
 
-// Shows only the newest of the waiting frames, with the changes of all.
+// Copies the picture in a buffer. Returns false if there is no memory for it.
+bool receive(const spa_buffer& buffer) {
+  const spa_data& data = buffer.datas[0];
+  const QRect crop = cropOf(buffer);
+  const BufferTransform transform = transformOf(buffer);
+  const bool sameLayout = crop == reception.crop && transform == reception.transform;
+  const QRegion changed = sameLayout ? damageOf(buffer) & crop : crop;
+  reception.crop = crop;
+  reception.transform = transform;
+  const std::ptrdiff_t stride = *strideOf(data);
+  const auto bytes = [&](const QPoint& step) { return step.y() * stride + 4L * step.x(); };
+  const QPoint corner = crop.topLeft() + pictureCorner(transform, crop.size());
+  const FramePixels pixels{
+      .topLeft = static_cast<const std::uint8_t*>(data.data) + data.chunk->offset + bytes(corner),
+      .toRight = bytes(transform.right),
+      .down = bytes(transform.down),
+      .size = pictureSize(transform, crop.size()),
+      .redFirst = reception.format.redFirst};
+  return putFrame(reception.frames, pixels,
+                  inPicture(transform, crop.size(), changed.translated(-crop.topLeft())));
+}
+
+// Runs on PipeWire's thread.
 void onProcess(void* /*data*/) {
-  pw_buffer* newest = nullptr;
-  while (pw_buffer* const next = pw_stream_dequeue_buffer(stream.stream)) {
-    pw_buffer* done = next;
-    if (hasPixels(*next->buffer)) {
-      stream.changed += damageOf(*next->buffer);
-      std::swap(done, newest);
+  const std::lock_guard lock(receptionLock);
+  while (pw_buffer* const buffer = pw_stream_dequeue_buffer(stream.stream)) {
+    const bool isMapped = buffer->user_data != nullptr;
+    if (isMapped && hasPixels(*buffer->buffer) && receive(*buffer->buffer)) {
+      pw_loop_signal_event(stream.loop, stream.arrival);
     }
-    if (done != nullptr) pw_stream_queue_buffer(stream.stream, done);
+    pw_stream_queue_buffer(stream.stream, buffer);
   }
-  if (newest == nullptr) return;
-  passOn(*newest->buffer);
-  pw_stream_queue_buffer(stream.stream, newest);
+}
+
+// Marks buffers whose memory is there.
+void onBufferAdded(void* /*data*/, pw_buffer* buffer) {
+  const std::lock_guard lock(receptionLock);
+  buffer->user_data = &reception;
+}
+
+// Returns when PipeWire's thread does not read the buffer any more.
+void onBufferRemoved(void* /*data*/, pw_buffer* buffer) {
+  const std::lock_guard lock(receptionLock);
+  buffer->user_data = nullptr;
+}
+
+void onArrival(void* /*data*/, std::uint64_t /*count*/) {
+  stream.events.frame();
 }
 
 void onParameterChanged(void* /*data*/, std::uint32_t id, const spa_pod* parameter) {
   if (id != SPA_PARAM_Format) return;
-  stream.format = {};
-  stream.crop = QRect();
-  stream.changed = QRegion();
-  if (parameter == nullptr) return;
-  const std::optional<FrameFormat> format = readFormat(*parameter);
-  if (!format) return;
-  stream.format = *format;
-  acceptBuffers(stream.stream);
+  const std::optional<FrameFormat> format =
+      parameter == nullptr ? std::nullopt : readFormat(*parameter);
+  {
+    const std::lock_guard lock(receptionLock);
+    reception.format = format.value_or(FrameFormat{});
+    reception.crop = QRect();
+  }
+  if (format) acceptBuffers(stream.stream);
 }
 
 void onStateChanged(void* /*data*/, pw_stream_state /*before*/, pw_stream_state now,
@@ -177,6 +212,8 @@ const pw_stream_events streamEvents = [] {
   events.version = PW_VERSION_STREAM_EVENTS;
   events.state_changed = &onStateChanged;
   events.param_changed = &onParameterChanged;
+  events.add_buffer = &onBufferAdded;
+  events.remove_buffer = &onBufferRemoved;
   events.process = &onProcess;
   return events;
 }();
@@ -225,8 +262,9 @@ bool createStream() {
   return connectStream(stream.stream, stream.node);
 }
 
-void joinEventLoop() {
+void enterEventLoop() {
   pw_loop_enter(stream.loop);
+  stream.arrival = pw_loop_add_event(stream.loop, &onArrival, nullptr);
   stream.notifier =
       std::make_unique<QSocketNotifier>(pw_loop_get_fd(stream.loop), QSocketNotifier::Read);
   QObject::connect(stream.notifier.get(), &QSocketNotifier::activated,
@@ -244,7 +282,7 @@ bool startStream(int connection, std::uint32_t node, const StreamEvents& events)
     stopStream();
     return false;
   }
-  joinEventLoop();
+  enterEventLoop();
   pw_proxy_add_object_listener(proxy(stream.core), &stream.coreHook, &coreEvents, nullptr);
   stream.registry = pw_core_get_registry(stream.core, PW_VERSION_REGISTRY, 0);
   pw_proxy_add_object_listener(proxy(stream.registry), &stream.registryHook, &registryEvents,
@@ -254,17 +292,25 @@ bool startStream(int connection, std::uint32_t node, const StreamEvents& events)
   return false;
 }
 
+QRegion takeNewestFrame(QImage& frame) {
+  const std::lock_guard lock(receptionLock);
+  return takeFrame(reception.frames, frame);
+}
+
 void stopStream() {
   const bool entered = stream.notifier != nullptr;
   stream.notifier.reset();
   stream.ending = true;
+  // Nothing runs on PipeWire's thread after this.
   if (stream.stream != nullptr) pw_stream_destroy(stream.stream);
   if (stream.registry != nullptr) pw_proxy_destroy(proxy(stream.registry));
   if (stream.core != nullptr) pw_core_disconnect(stream.core);
   if (stream.context != nullptr) pw_context_destroy(stream.context);
+  if (stream.arrival != nullptr) pw_loop_destroy_source(stream.loop, stream.arrival);
   if (entered) pw_loop_leave(stream.loop);
   if (stream.loop != nullptr) pw_loop_destroy(stream.loop);
   stream = {};
+  reception = {};
 }
 
 }  // namespace tintora::platform

@@ -24,9 +24,10 @@ struct FrameFact {
   std::size_t size;
   std::size_t most;
 };
-constexpr std::array<FrameFact, 3> frameFacts{
+constexpr std::array<FrameFact, 4> frameFacts{
     {{SPA_META_Header, sizeof(spa_meta_header), 1},
      {SPA_META_VideoCrop, sizeof(spa_meta_region), 1},
+     {SPA_META_VideoTransform, sizeof(spa_meta_videotransform), 1},
      {SPA_META_VideoDamage, sizeof(spa_meta_region), 32}}};
 
 // Holds the memory in which parameters are built one after another.
@@ -122,8 +123,8 @@ std::optional<FrameFormat> readFormat(const spa_pod& parameter) {
 bool connectStream(pw_stream* stream, std::uint32_t node) {
   Builder builder;
   std::array<const spa_pod*, 1> parameters{offeredFormats(builder.pods)};
-  const auto flags =
-      static_cast<pw_stream_flags>(PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS);
+  const auto flags = static_cast<pw_stream_flags>(
+      PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS);
   return pw_stream_connect(stream, PW_DIRECTION_INPUT, node, flags, parameters.data(),
                            parameters.size()) >= 0;
 }

@@ -20,7 +20,8 @@ struct FrameFormat {
 // Reads the format that was agreed on. Returns nothing if it is not one that was offered.
 std::optional<FrameFormat> readFormat(const spa_pod& parameter);
 
-// Connects a stream to a node and offers all formats. Returns false on failure.
+// Connects a stream to a node and offers all formats. Frames are processed on PipeWire's thread.
+// Returns false on failure.
 bool connectStream(pw_stream* stream, std::uint32_t node);
 
 // Requests buffers in shared memory, with the facts about each frame.

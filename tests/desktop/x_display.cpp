@@ -110,12 +110,24 @@ void XDisplay::startManager(Manager kind) {
   if (manager.composites) waitForCompositor();
 }
 
-std::future<void> XDisplay::holdManager(std::chrono::milliseconds duration) {
-  manager_->signal(SIGSTOP);
-  return std::async(std::launch::async, [this, duration] {
+namespace {
+
+std::future<void> hold(const Process& process, std::chrono::milliseconds duration) {
+  process.signal(SIGSTOP);
+  return std::async(std::launch::async, [&process, duration] {
     std::this_thread::sleep_for(duration);
-    manager_->signal(SIGCONT);
+    process.signal(SIGCONT);
   });
+}
+
+}  // namespace
+
+std::future<void> XDisplay::holdManager(std::chrono::milliseconds duration) {
+  return hold(*manager_, duration);
+}
+
+std::future<void> XDisplay::holdServer(std::chrono::milliseconds duration) {
+  return hold(*server_, duration);
 }
 
 void XDisplay::startCompositor() {

@@ -38,6 +38,8 @@ class XDisplay {
   // Stops the window manager for a while. The future's destructor waits until it goes on.
   [[nodiscard]] std::future<void> holdManager(std::chrono::milliseconds duration);
   void endServer() { server_->signal(SIGTERM); }
+  // Stops the server for a while. The future's destructor waits until it goes on.
+  [[nodiscard]] std::future<void> holdServer(std::chrono::milliseconds duration);
 
  private:
   std::map<std::string, std::optional<std::string>> environment() const;

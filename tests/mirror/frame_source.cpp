@@ -3,15 +3,21 @@
 //   format NAME WIDTH HEIGHT OFFSET PADDING CROP_X CROP_Y CROP_WIDTH CROP_HEIGHT
 //                                  the first two lengths need another format or size
 //   frame SEED                     another picture
-//   part X Y WIDTH HEIGHT SEED     another picture; reports only this part as changed
+//   part X Y WIDTH HEIGHT SEED     another picture in this part, which alone is reported as changed
+//   lie X Y WIDTH HEIGHT SEED      another picture everywhere; reports only this part as changed
 //   solid PIXEL                    a picture of one colour
 //   empty                          a buffer without pixels
 //   broken                         a buffer whose rows lie outside its memory
+//   transform NUMBER               says from now on that pictures are turned or flipped; the
+//   numbers
+//                                  are PipeWire's
+//   buffers COUNT                  has that many from the next format on
 #include <fcntl.h>
 #include <pipewire/pipewire.h>
 #include <spa/param/video/format-utils.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <deque>
 #include <map>
@@ -39,6 +45,7 @@ struct Source {
   std::string unread;             // the incomplete line of commands
   std::deque<std::string> waits;  // commands that cannot run yet
   bool agreed = false;            // both sides agree on the format of the last command
+  bool hasRoom = false;           // the buffers are those of that format
   bool isFirst = true;            // the next frame is the first in its format
   std::string first;              // the command of the first frame, until another command comes
   std::uint64_t turns = 0;        // since the first frame was last sent
@@ -48,6 +55,9 @@ struct Source {
   int offset = 0;
   int padding = 0;  // bytes at the end of each row
   Area crop;
+  int buffers = 4;
+  std::uint32_t transform = 0;
+  Picture shown;  // the last picture
 };
 Source source;
 
@@ -85,7 +95,7 @@ const spa_pod* buffers(spa_pod_builder& builder) {
     spa_pod_builder_prop(&builder, key, 0);
     spa_pod_builder_int(&builder, value);
   };
-  number(SPA_PARAM_BUFFERS_buffers, 4);
+  number(SPA_PARAM_BUFFERS_buffers, source.buffers);
   number(SPA_PARAM_BUFFERS_blocks, 1);
   number(SPA_PARAM_BUFFERS_size, source.offset + stride() * source.height);
   number(SPA_PARAM_BUFFERS_stride, stride());
@@ -139,6 +149,9 @@ void send(pw_buffer* buffer, const Picture& picture, const Area& changed, Kind k
         spa_buffer_find_meta_data(buffer->buffer, type, sizeof(spa_meta_region)));
   };
   set(meta(SPA_META_VideoCrop), source.crop);
+  auto* const transform = static_cast<spa_meta_videotransform*>(spa_buffer_find_meta_data(
+      buffer->buffer, SPA_META_VideoTransform, sizeof(spa_meta_videotransform)));
+  if (transform != nullptr) transform->transform = source.transform;
   spa_meta_region* const damage = meta(SPA_META_VideoDamage);
   set(damage, changed);
   if (damage != nullptr) set(damage + 1, {});
@@ -153,21 +166,35 @@ void setFormat(std::istringstream& words) {
   Builder builder;
   const spa_pod* parameters[] = {offeredFormat(builder.pods)};
   source.agreed = false;
+  source.hasRoom = false;
   pw_stream_update_params(source.stream, parameters, 1);
+}
+
+// Replaces a part of the last picture by the same part of another one.
+void changePart(const Picture& other, const Area& part) {
+  for (int y = part.y; y < part.bottom(); ++y) {
+    const auto start = static_cast<std::ptrdiff_t>(y) * other.width + part.x;
+    std::copy_n(other.pixels.begin() + start, part.width, source.shown.pixels.begin() + start);
+  }
 }
 
 void sendFrame(pw_buffer* buffer, const std::string& what, std::istringstream& words) {
   const Area all{0, 0, source.width, source.height};
   Area part = all;
   std::uint32_t number = 0;
-  if (what == "part") words >> part.x >> part.y >> part.width >> part.height;
+  if (what == "part" || what == "lie") words >> part.x >> part.y >> part.width >> part.height;
   words >> number;
   if (what == "empty") return send(buffer, {}, all, Kind::Empty);
   if (what == "broken") return send(buffer, {}, all, Kind::Broken);
-  if (what == "solid") {
-    return send(buffer, solid(source.width, source.height, number), all, Kind::Whole);
+  const Picture picture = what == "solid" ? solid(source.width, source.height, number)
+                                          : noise(source.width, source.height, number);
+  if (what == "lie") return send(buffer, picture, part, Kind::Whole);
+  if (what == "part") {
+    changePart(picture, part);
+  } else {
+    source.shown = picture;
   }
-  send(buffer, noise(source.width, source.height, number), part, Kind::Whole);
+  send(buffer, source.shown, part, Kind::Whole);
 }
 
 // Runs a command. Returns false if it must wait: for a reader, for agreement on the format, or for
@@ -180,8 +207,13 @@ bool run(const std::string& line) {
     setFormat(words);
     return true;
   }
+  if (what == "transform" || what == "buffers") {
+    if (what == "transform") words >> source.transform;
+    if (what == "buffers") words >> source.buffers;
+    return true;
+  }
   const bool flows = pw_stream_get_state(source.stream, nullptr) == PW_STREAM_STATE_STREAMING;
-  if (!flows || !source.agreed) return false;
+  if (!flows || !source.hasRoom) return false;
   pw_buffer* const buffer = pw_stream_dequeue_buffer(source.stream);
   if (buffer == nullptr) return false;
   sendFrame(buffer, what, words);
@@ -203,8 +235,11 @@ void runWaiting(void* /*data*/, std::uint64_t turns) {
     const std::string line = source.waits.front();
     if (!run(line)) return;
     source.waits.pop_front();
-    source.first = source.isFirst && !line.starts_with("format") ? line : "";
-    source.isFirst = line.starts_with("format");
+    // The others send frames.
+    const bool sets =
+        line.starts_with("format") || line.starts_with("transform") || line.starts_with("buffers");
+    source.first = source.isFirst && !sets ? line : "";
+    source.isFirst = sets;
   }
   repeatFirst(turns);
 }
@@ -233,11 +268,17 @@ bool isWanted(const spa_pod& parameter) {
 void onParameterChanged(void* /*data*/, std::uint32_t id, const spa_pod* parameter) {
   if (id != SPA_PARAM_Format || parameter == nullptr) return;
   source.agreed = isWanted(*parameter);
+  source.hasRoom = false;
   Builder builder;
   const spa_pod* parameters[] = {
       buffers(builder.pods), fact(builder.pods, SPA_META_VideoCrop, sizeof(spa_meta_region)),
+      fact(builder.pods, SPA_META_VideoTransform, sizeof(spa_meta_videotransform)),
       fact(builder.pods, SPA_META_VideoDamage, 8 * sizeof(spa_meta_region))};
-  pw_stream_update_params(source.stream, parameters, 3);
+  pw_stream_update_params(source.stream, parameters, 4);
+}
+
+void onBufferAdded(void* /*data*/, pw_buffer* /*buffer*/) {
+  source.hasRoom = source.agreed;
 }
 
 void onStateChanged(void* /*data*/, pw_stream_state /*before*/, pw_stream_state now,
@@ -259,6 +300,7 @@ int main(int count, char** arguments) {
   pw_stream_events events{};
   events.version = PW_VERSION_STREAM_EVENTS;
   events.param_changed = &onParameterChanged;
+  events.add_buffer = &onBufferAdded;
   events.state_changed = &onStateChanged;
   source.stream = pw_stream_new_simple(
       loop, "frames",

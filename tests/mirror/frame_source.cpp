@@ -12,18 +12,25 @@
 //   numbers
 //                                  are PipeWire's
 //   buffers COUNT                  has that many from the next format on
+//   pace RATE COUNT                sends COUNT greys at RATE a second, each one brighter than the
+//   one
+//                                  before or the first again; then prints "sent" and the time of
+//                                  each in nanoseconds
 #include <fcntl.h>
 #include <pipewire/pipewire.h>
 #include <spa/param/video/format-utils.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <deque>
 #include <map>
 #include <sstream>
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "../desktop/picture.h"
 
@@ -57,12 +64,21 @@ struct Source {
   Area crop;
   int buffers = 4;
   std::uint32_t transform = 0;
-  Picture shown;  // the last picture
+  Picture shown;                    // the last picture
+  spa_source* pace = nullptr;       // the timer of frames at a rate
+  int toPace = 0;                   // frames that are still to be sent at that rate
+  std::vector<std::int64_t> paced;  // when those before were sent
 };
 Source source;
 
 int stride() {
   return 4 * source.width + source.padding;
+}
+
+void setTimer(spa_source* timer, std::int64_t nanoseconds) {
+  constexpr std::int64_t second = 1'000'000'000;
+  timespec interval{nanoseconds / second, nanoseconds % second};
+  pw_loop_update_timer(pw_main_loop_get_loop(source.loop), timer, &interval, &interval, false);
 }
 
 struct Builder {
@@ -134,7 +150,7 @@ void set(spa_meta_region* region, const Area& area) {
       {static_cast<std::uint32_t>(area.width), static_cast<std::uint32_t>(area.height)}};
 }
 
-enum class Kind { Whole, Empty, Broken };
+enum class Kind { Whole, Written, Empty, Broken };
 
 void send(pw_buffer* buffer, const Picture& picture, const Area& changed, Kind kind) {
   spa_data& data = buffer->buffer->datas[0];
@@ -212,6 +228,13 @@ bool run(const std::string& line) {
     if (what == "buffers") words >> source.buffers;
     return true;
   }
+  if (what == "pace") {
+    int rate = 1;
+    words >> rate >> source.toPace;
+    source.paced.clear();
+    setTimer(source.pace, 1'000'000'000 / rate);
+    return true;
+  }
   const bool flows = pw_stream_get_state(source.stream, nullptr) == PW_STREAM_STATE_STREAMING;
   if (!flows || !source.hasRoom) return false;
   pw_buffer* const buffer = pw_stream_dequeue_buffer(source.stream);
@@ -252,6 +275,30 @@ void onCommands(void* /*data*/, int descriptor, std::uint32_t /*mask*/) {
     source.waits.push_back(source.unread.substr(0, end));
     source.unread.erase(0, end + 1);
   }
+}
+
+void printPaced() {
+  std::printf("sent");
+  for (const std::int64_t time : source.paced) std::printf(" %lld", static_cast<long long>(time));
+  std::printf("\n");
+  std::fflush(stdout);
+}
+
+// Sends the next grey. A turn for which there is no buffer is left out.
+void sendPaced(void* /*data*/, std::uint64_t /*turns*/) {
+  if (source.toPace == 0) {
+    setTimer(source.pace, 0);
+    return printPaced();
+  }
+  --source.toPace;
+  pw_buffer* const buffer = pw_stream_dequeue_buffer(source.stream);
+  if (buffer == nullptr) return;
+  constexpr std::size_t greys = 200;
+  const std::size_t grey = 20 + source.paced.size() % greys;
+  auto* const bytes = static_cast<std::uint8_t*>(buffer->buffer->datas[0].data) + source.offset;
+  std::memset(bytes, static_cast<int>(grey), static_cast<std::size_t>(stride() * source.height));
+  source.paced.push_back(std::chrono::steady_clock::now().time_since_epoch().count());
+  send(buffer, {}, {0, 0, source.width, source.height}, Kind::Written);
 }
 
 bool isWanted(const spa_pod& parameter) {
@@ -316,7 +363,7 @@ int main(int count, char** arguments) {
   const int commands = open(arguments[1], O_RDWR | O_CLOEXEC | O_NONBLOCK);
   pw_loop_add_io(loop, commands, SPA_IO_IN, true, &onCommands, nullptr);
   spa_source* const timer = pw_loop_add_timer(loop, &runWaiting, nullptr);
-  timespec interval{0, 4'000'000};
-  pw_loop_update_timer(loop, timer, &interval, &interval, false);
+  setTimer(timer, 4'000'000);
+  source.pace = pw_loop_add_timer(loop, &sendPaced, nullptr);
   return pw_main_loop_run(source.loop);
 }

@@ -158,6 +158,10 @@ void MediaSession::send(const std::string& command) const {
   if (written != static_cast<ssize_t>(line.size())) throw std::runtime_error("No command is read.");
 }
 
+std::string MediaSession::sourceOutput() const {
+  return readFile(output("source"));
+}
+
 std::vector<std::string> MediaSession::asUser(std::vector<std::string> command) const {
   if (!anotherUser_) return command;
   const std::string id = std::to_string(nobody);

@@ -52,6 +52,8 @@ class MediaSession {
   std::string node() const { return behaviour_.at("node"); }
   // Sends a command to the source; see frame_source.cpp.
   void send(const std::string& command) const;
+  // Returns what the source has printed so far.
+  std::string sourceOutput() const;
 
  private:
   std::unique_ptr<Process> start(const std::vector<std::string>& command, const std::string& name,

@@ -30,9 +30,11 @@ class MirrorPortal : public MirrorTest {
   }
 
   // Checks that a window says why nothing can be shown, and that the program ends with it.
-  void expectDialog(const std::string& text) {
+  void expectDialog(const std::string& text, const Variables& variables = {}) {
     prepareMirror();
-    desktop_test::Process program(launch());
+    Launch started = launch();
+    for (const auto& [name, value] : variables) started.environment[name] = value;
+    desktop_test::Process program(started);
     xcb_window_t dialog = XCB_NONE;
     const auto appears = [&] {
       for (const xcb_window_t window : x().numbers(x().root(), "_NET_CLIENT_LIST")) {
@@ -136,6 +138,15 @@ TEST_F(MirrorPortal, ItsEndWhileTheUserChoosesIsSaid) {
   expectMessage("The desktop did not share a window or screen.", texts::refused);
 }
 
+TEST_F(MirrorPortal, ItsEndDoesNotEndAStream) {
+  startMirror();
+  showNoise(320, 240, 1);
+  session().endPortal();
+  settle();
+  showNoise(300, 200, 2);
+  EXPECT_EQ(readFile(errorsFile()), "");
+}
+
 TEST_F(MirrorPortal, AWindowThatIsClosedIsSaid) {
   startMirror();
   showNoise(320, 240, 1);
@@ -187,6 +198,7 @@ TEST_F(MirrorPortal, WithoutScreenCastsADialogSaysSo) {
 }
 
 TEST_F(MirrorPortal, WithoutPipeWireADialogSaysSo) {
+  expectDialog("PipeWire, which brings the picture", {{"PIPEWIRE_CONFIG_DIR", folder() + "/none"}});
   session().setBehaviour({{"remote", "none"}});
   expectDialog("PipeWire, which brings the picture");
 }

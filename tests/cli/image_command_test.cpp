@@ -2,9 +2,11 @@
 #include <sys/stat.h>
 
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/image_file.h"
@@ -114,8 +116,8 @@ TEST(FilterCommand, TellsThatThereIsNoRoomWhileRowsAreWritten) {
   const TemporaryFolder folder;
   const std::string in = folder.write("in.png", encoded(image, ImageFormat::Png));
   for (const std::string name : {"out.png", "out.jpg"}) {
-    // 64 blocks of 512 bytes at most.
-    const std::string command = "ulimit -f 64; '" + std::string(toolPath) +
+    // 400 blocks of 512 bytes at most.
+    const std::string command = "ulimit -f 400; '" + std::string(toolPath) +
                                 "' filter --mode invert '" + in + "' '" + (folder / name).string() +
                                 "' 2>'" + (folder / "error").string() + "'";
     EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
@@ -124,16 +126,49 @@ TEST(FilterCommand, TellsThatThereIsNoRoomWhileRowsAreWritten) {
   }
 }
 
-TEST(FilterCommand, TellsThatThereIsNoFolderForTemporaryFiles) {
+TEST(FilterCommand, TellsThatThereIsNoPlaceForTemporaryFiles) {
   const TemporaryFolder folder;
   const std::string in = folder.write("in.png", encoded(colourfulImage(false), ImageFormat::Png));
-  const std::string command =
-      "TMPDIR='" + (folder / "none").string() + "' '" + toolPath + "' filter --mode invert '" + in +
-      "' - 2>'" + (folder / "error").string() + "' | wc -c >'" + (folder / "count").string() + "'";
-  EXPECT_EQ(std::system(command.c_str()), 0);
-  EXPECT_NE(readFile(folder / "error").find("cannot write standard output: no folder"),
-            std::string::npos);
-  EXPECT_EQ(std::stoi(readFile(folder / "count")), 0);
+  // Nobody can make a file in /proc.
+  for (const auto& [place, reason] :
+       {std::pair{(folder / "none").string(), "no folder for temporary files: "},
+        std::pair{std::string("/proc"), "no temporary file in /proc: "}}) {
+    const std::string command = "TMPDIR='" + place + "' '" + toolPath + "' filter --mode invert '" +
+                                in + "' - 2>'" + (folder / "error").string() + "' | wc -c >'" +
+                                (folder / "count").string() + "'";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    const std::string error = readFile(folder / "error");
+    EXPECT_NE(error.find(std::string("cannot write standard output: ") + reason), std::string::npos)
+        << error;
+    EXPECT_EQ(std::stoi(readFile(folder / "count")), 0);
+  }
+}
+
+TEST(FilterCommand, TellsWhyAFileCannotBeRead) {
+  const TemporaryFolder folder;
+  // Nothing is mapped at its beginning.
+  const ToolRun run = runTool({"filter", "/proc/self/mem", folder / "out.png"});
+  expectRunError(run, "/proc/self/mem: Input/output error");
+  EXPECT_EQ(folder.names(), Words{});
+}
+
+TEST(FilterCommand, ReadsLongFilesPieceByPieceAsItReadsThemWhole) {
+  constexpr std::uintmax_t piece = std::uintmax_t{1} << 16;
+  const TemporaryFolder folder;
+  Image image = colourfulImage(false);
+  image.width = image.height = 300;
+  image.pixels.resize(std::size_t{300} * 300 * 4);
+  std::mt19937 random(1);
+  for (std::size_t i = 0; i < image.pixels.size(); ++i) {
+    image.pixels[i] = i % 4 == 3 ? 255 : static_cast<std::uint8_t>(random());
+  }
+  for (const ImageFormat format : {ImageFormat::Jpeg, ImageFormat::Png}) {
+    const std::string file = encoded(image, format);
+    ASSERT_GT(file.size(), 2 * piece);
+    const std::string in = folder.write("in", file);
+    ASSERT_EQ(runTool(swapCommand + Words{in, folder / "out.png"}).status, 0);
+    expectSwapped(decoded(readFile(folder / "out.png")), decoded(file));
+  }
 }
 
 TEST(FilterCommand, ReadsAndWritesJpeg) {

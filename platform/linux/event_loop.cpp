@@ -221,6 +221,9 @@ bool translate(Window* window, QEvent& event) {
     case QEvent::Hide:
       noteMouseLost(window);
       return false;
+    case QEvent::FocusIn:
+      if (window->kind == WindowKind::Main) keepControlAbove();
+      return false;
     case QEvent::Expose:
       return onExposed(window);
     case QEvent::UpdateRequest:

@@ -43,8 +43,9 @@ const Value& at(const std::array<Value, size>& table, Index index) {
   return table[static_cast<std::size_t>(index)];
 }
 
-// The main window, once it exists.
+// These two windows, once they exist.
 Window* mainWindow = nullptr;
+Window* controlWindow = nullptr;
 
 bool fillsScreen(const Window* window) {
   return window != nullptr && window->form == WindowForm::FullScreen;
@@ -72,6 +73,12 @@ void setFrame(Window* window, bool framed) {
   if (framed == had) return;
   window->window->setFlag(Qt::FramelessWindowHint, !framed);
   floatWindow(window);
+}
+
+// If all other windows were hidden, the view would show the background only.
+Qt::WindowState stateFor(const WindowFormFacts& facts) {
+  const bool wouldHide = facts.state == Qt::WindowFullScreen && managerHidesOthers();
+  return wouldHide ? Qt::WindowNoState : facts.state;
 }
 
 // Asks the window manager again to fill the monitor that the window is on, because not every window
@@ -121,6 +128,7 @@ Window* createWindow(WindowKind kind, const std::string& title, const Rect& boun
   window->window->create();
   if (kind == WindowKind::Control) fixSize(window, onRoot(bounds).size());
   if (kind == WindowKind::Main) mainWindow = window;
+  if (kind == WindowKind::Control) controlWindow = window;
   // Keeps the window above the main one even if that fills the screen.
   if (kind == WindowKind::Control) window->window->setTransientParent(mainWindow->window.get());
   if (kind != WindowKind::Control) floatWindow(window);
@@ -140,8 +148,19 @@ void setWindowForm(Window* window, WindowForm form) {
   window->form = form;
   coverOthers(window);
   setFrame(window, facts.framed);
-  if (window->window->windowStates() != facts.state) window->window->setWindowStates(facts.state);
-  if (facts.state == Qt::WindowNoState) askForBounds(window, outer);
+  const Qt::WindowState state = stateFor(facts);
+  if (window->window->windowStates() != state) window->window->setWindowStates(state);
+  if (state == Qt::WindowNoState) askForBounds(window, outer);
+  keepControlAbove();
+}
+
+// Without the state of full screen, the main window would stay above after it got the focus. The
+// control window takes the same keys.
+void keepControlAbove() {
+  if (!fillsScreen(mainWindow) || controlWindow == nullptr) return;
+  if (controlWindow->window->isVisible() && managerHidesOthers()) {
+    controlWindow->window->requestActivate();
+  }
 }
 
 void setHitTransparent(Window* window, bool transparent) {

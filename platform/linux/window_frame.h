@@ -21,6 +21,9 @@ void askForBounds(Window* window, const QRect& outer);
 // Fits the main window and its view to the primary monitor after the monitor has changed.
 void onMonitorsChanged();
 
+// Gives the focus to the control window if the main one fills the screen and would cover it.
+void keepControlAbove();
+
 // Requests the same outer bounds again if the window manager has changed the frame since.
 void allowForFrame(Window* window);
 

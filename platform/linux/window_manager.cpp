@@ -10,6 +10,7 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 #include "platform/linux/event_loop.h"
 #include "platform/linux/window_frame.h"
@@ -40,19 +41,25 @@ std::span<const std::uint32_t> numbers(const xcb_get_property_reply_t* reply) {
   return {static_cast<const std::uint32_t*>(xcb_get_property_value(reply)), reply->value_len};
 }
 
-// Returns true if a window manager is running. One that is gone may leave its list of supported
-// requests behind; one that runs has a window that names itself.
-bool isManaged() {
+// Returns the own window of the window manager, or none if no window manager is running. One that
+// is gone may leave its list of supported requests behind; one that runs has a window that names
+// itself.
+xcb_window_t windowOfManager() {
   const xcb_atom_t check = xServer.supportingWmCheck;
   const auto named = property(xServer.screen->root, check, XCB_ATOM_WINDOW);
   const auto window = numbers(named.get());
-  if (window.size() != 1) return false;
+  if (window.size() != 1) return XCB_NONE;
   const auto itself = property(window[0], check, XCB_ATOM_WINDOW);
-  return std::ranges::equal(numbers(itself.get()), window);
+  return std::ranges::equal(numbers(itself.get()), window) ? window[0] : xcb_window_t{XCB_NONE};
+}
+
+std::string_view nameOf(const xcb_get_property_reply_t* reply) {
+  if (reply == nullptr || reply->format != 8) return {};
+  return {static_cast<const char*>(xcb_get_property_value(reply)), reply->value_len};
 }
 
 bool isSupported(xcb_atom_t request) {
-  if (!isManaged()) return false;
+  if (windowOfManager() == XCB_NONE) return false;
   const auto reply = property(xServer.screen->root, xServer.supported, XCB_ATOM_ATOM);
   const auto atoms = numbers(reply.get());
   return std::ranges::find(atoms, request) != atoms.end();
@@ -125,7 +132,12 @@ class ManagerEvents : public QAbstractNativeEventFilter {
 }  // namespace
 
 bool managerMakesFullScreen() {
-  return isSupported(xServer.fullScreen);
+  return isSupported(xServer.fullScreen) && !managerHidesOthers();
+}
+
+bool managerHidesOthers() {
+  const auto name = property(windowOfManager(), xServer.windowName, XCB_GET_PROPERTY_TYPE_ANY);
+  return nameOf(name.get()) == "i3";
 }
 
 bool managerTellsFrames() {

@@ -7,8 +7,12 @@
 
 namespace tintora::platform {
 
-// Returns true if a window manager supports requests for full screen.
+// Returns true if a window manager supports requests for full screen, and leaves the other windows
+// shown meanwhile.
 bool managerMakesFullScreen();
+
+// Returns true if a window manager hides all windows but the one that is in full screen.
+bool managerHidesOthers();
 
 // Returns true if a window manager announces the frame of a window before it is shown.
 bool managerTellsFrames();

@@ -99,12 +99,13 @@ struct AtomName {
   std::string_view name;
   xcb_atom_t XServer::*atom;
 };
-constexpr std::array<AtomName, 14> atomNames{{
+constexpr std::array<AtomName, 15> atomNames{{
     {"_XROOTPMAP_ID", &XServer::rootPixmap},
     {"ESETROOT_PMAP_ID", &XServer::setRootPixmap},
     {"_NET_WM_WINDOW_OPACITY", &XServer::windowOpacity},
     {"WM_STATE", &XServer::wmState},
     {"_NET_SUPPORTING_WM_CHECK", &XServer::supportingWmCheck},
+    {"_NET_WM_NAME", &XServer::windowName},
     {"_NET_SUPPORTED", &XServer::supported},
     {"_NET_REQUEST_FRAME_EXTENTS", &XServer::requestFrameExtents},
     {"_NET_FRAME_EXTENTS", &XServer::frameExtents},

@@ -176,7 +176,7 @@ void fixSize(Window* window, const QSize& size) {
 Mover moverOf(Window* window) {
   const QRect outer = outerBounds(window);
   const auto asked = std::ranges::find(window->asked, outer, &AskedBounds::outer);
-  if (asked != window->asked.end() && isWithin(travelTime, asked->time)) {
+  if (asked != window->asked.end() && isWithin(answerTime, asked->time)) {
     if (window->window->isExposed()) window->insists = false;
     return Mover::Program;
   }

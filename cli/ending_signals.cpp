@@ -20,7 +20,7 @@ void endAtSignal(const sigset_t& signals) {
   // Held to the end, so that no other thread creates another file.
   const std::lock_guard lock(files.mutex);
   for (const std::filesystem::path& name : files.names) ::unlink(name.c_str());
-  sigset_t one;
+  sigset_t one{};
   sigemptyset(&one);
   sigaddset(&one, signal);
   ::pthread_sigmask(SIG_UNBLOCK, &one, nullptr);
@@ -36,7 +36,7 @@ TemporaryFiles& temporaryFiles() {
 }
 
 void removeTemporaryFilesAtSignals() {
-  sigset_t signals;
+  sigset_t signals{};
   sigemptyset(&signals);
   for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
     struct sigaction action {};

@@ -153,6 +153,11 @@ TEST(Check, ASuggestionPassesTheCheckItself) {
   const Json& suggestion = answer["findings"][0]["suggestion"];
   Words colours{"red", "green"};
   colours.at(suggestion["colour"].get<std::size_t>()) = suggestion["to"];
+  // The change alone is a palette of two colours, which the check compares too.
+  const ToolRun change =
+      runTool({"check", suggestion["from"], suggestion["to"], "--format", "json"});
+  EXPECT_EQ(suggestion["change_ciede2000"],
+            Json::parse(change.output)["pairs"][0]["before"]["ciede2000"]);
   EXPECT_EQ(check(colours).status, 0);
 }
 

@@ -227,6 +227,10 @@ TEST(FilterCommand, ShowsItsProgressOnATerminalAndClearsIt) {
   EXPECT_NE(run.error.find("[" + half + empty + "] 1/2 b.png"), std::string::npos) << run.error;
   const std::string clear = "\r\x1b[K";
   EXPECT_EQ(run.error.substr(run.error.size() - clear.size()), clear);
+
+  const ToolRun single = runToolOnTerminal(swapCommand + Words{inputs[0], folder / "single.png"});
+  EXPECT_EQ(single.status, 0);
+  EXPECT_EQ(single.error, "") << "a single picture has no progress";
 }
 
 TEST(FilterCommand, FiltersTheOtherInputsWhenOneIsBad) {

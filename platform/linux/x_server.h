@@ -48,7 +48,7 @@ struct XServer {
   xcb_atom_t setRootPixmap = XCB_NONE;  // setters store their pixmap
   xcb_atom_t windowOpacity = XCB_NONE;
   xcb_atom_t wmState = XCB_NONE;
-  xcb_atom_t supportingWmCheck = XCB_NONE;   // the window manager's own window
+  xcb_atom_t supportingWmCheck = XCB_NONE;  // the window manager's own window
   xcb_atom_t windowName = XCB_NONE;
   xcb_atom_t compositingManager = XCB_NONE;  // the selection that a compositing manager owns
   xcb_atom_t supported = XCB_NONE;           // the requests that a window manager supports

@@ -8,6 +8,7 @@
 #include <iostream>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 #include "platform/linux/handles.h"
 #include "platform/linux/mirror_picture.h"
@@ -61,7 +62,7 @@ void giveUp(const char* text) {
 }
 
 void onFrame() {
-  state.silence.reset();
+  if (std::exchange(state.silence, nullptr)) setStreamActive(true);
   showNewestFrame();
 }
 
@@ -71,10 +72,16 @@ void onStreamEnd(StreamEnd end) {
 
 void onGranted(int connection, std::uint32_t node) {
   if (!startStream(connection, node, {&onFrame, &onStreamEnd})) return giveUp(texts::noPipeWire);
-  constexpr int milliseconds = 5000;
+  // The source's first frame may get lost while the stream begins. If nothing moves there, no other
+  // one follows. Therefore asks for it again from time to time: every second turn continues the
+  // stream that the turn before has paused.
+  constexpr int milliseconds = 500;
+  constexpr int turnsBeforeText = 10;
   state.silence = std::make_unique<QTimer>();
-  state.silence->setSingleShot(true);
-  state.silence->callOnTimeout([] { showText(texts::noFrame); });
+  state.silence->callOnTimeout([turns = 0]() mutable {
+    setStreamActive(++turns % 2 == 0);
+    if (turns == turnsBeforeText) showText(texts::noFrame);
+  });
   state.silence->start(milliseconds);
 }
 

@@ -297,6 +297,10 @@ QRegion takeNewestFrame(QImage& frame) {
   return takeFrame(reception.frames, frame);
 }
 
+void setStreamActive(bool active) {
+  if (stream.stream != nullptr) pw_stream_set_active(stream.stream, active);
+}
+
 void stopStream() {
   const bool entered = stream.notifier != nullptr;
   stream.notifier.reset();

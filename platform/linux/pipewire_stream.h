@@ -27,6 +27,9 @@ bool startStream(int connection, std::uint32_t node, const StreamEvents& events)
 // differ: nowhere if there is none that is newer. Pixels are blue, green, red in memory.
 QRegion takeNewestFrame(QImage& frame);
 
+// Pauses the stream, or has it go on: then the source begins anew, with a first frame.
+void setStreamActive(bool active);
+
 // Stops the stream and releases everything. Does nothing if there is no stream.
 void stopStream();
 

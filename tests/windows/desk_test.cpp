@@ -185,12 +185,13 @@ const std::array habitRows{
 class Gestures : public Mouse, public testing::WithParamInterface<HabitRow> {
  protected:
   // Holds the main window's frame at a place and moves the mouse by so much.
-  void dragFrame(const POINT& grip, int x, int y) {
+  void dragFrame(const POINT& grip, int x, int y, const Bounds& expected) {
     const auto isMoving = [this] { return (threadOf(windows().main).flags & GUI_INMOVESIZE) != 0; };
     moveCursor(grip.x, grip.y);
     button(MOUSEEVENTF_LEFTDOWN);
     ASSERT_TRUE(eventually(isMoving));
     SetCursorPos(static_cast<int>(grip.x) + x, static_cast<int>(grip.y) + y);
+    EXPECT_TRUE(eventuallyAt(expected));
     button(MOUSEEVENTF_LEFTUP);
     ASSERT_TRUE(eventually([&] { return !isMoving(); }));
   }
@@ -218,11 +219,9 @@ TEST_P(Gestures, WorkOverAnyMagnifier) {
   moveCursor(260, 250);
   EXPECT_TRUE(eventuallyAt({160, 150, 460, 350}));
   letGo();
-  dragFrame({310, 150 + GetSystemMetrics(SM_CYSIZEFRAME) + GetSystemMetrics(SM_CYCAPTION) / 2}, 20,
-            10);
-  EXPECT_TRUE(eventuallyAt({180, 160, 480, 360}));
-  dragFrame({480 - 2, 260}, 60, 0);
-  EXPECT_TRUE(eventuallyAt({180, 160, 540, 360}));
+  const LONG caption = 150 + GetSystemMetrics(SM_CYSIZEFRAME) + GetSystemMetrics(SM_CYCAPTION) / 2;
+  dragFrame({310, caption}, 20, 10, {180, 160, 480, 360});
+  dragFrame({480 - 2, 260}, 60, 0, {180, 160, 540, 360});
   const auto showsTheView = [&] {
     return areAlike(screenPicture(clientBoundsOf(windows().main)), expectedView(backdrop), 1);
   };

@@ -91,6 +91,13 @@ TEST(FilterHabits, FilesOfOtherFormatsFailAndAreCounted) {
   EXPECT_NE(readFile(folder / "out/good.png"), "");
 }
 
+TEST(FilterHabits, NoJobsAreRefused) {
+  const TemporaryFolder folder;
+  const std::string in = folder.write("in.png", samplePng());
+  expectRefused(invert({in, folder / "out.png", "--jobs", "0"}), 2,
+                "--jobs: 0 is not between 1 and 1024");
+}
+
 TEST(FilterHabits, AnyNumberOfJobsWritesTheSameFiles) {
   const TemporaryFolder folder;
   Words inputs;

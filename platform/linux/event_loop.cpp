@@ -163,7 +163,7 @@ bool onSized(Window* window) {
 // Handles a move. The program's own moves arrive as events too, sometimes late.
 bool onMoved(Window* window) {
   const Mover mover = moverOf(window);
-  if (window->kind == WindowKind::Main && mover != Mover::Program) noteMainMoved();
+  if (window->kind == WindowKind::Main) noteMainMoved();
   if (mover == Mover::User) handOver({.kind = EventKind::Moving, .window = window});
   return handOver({.kind = EventKind::Moved, .window = window});
 }
@@ -269,6 +269,10 @@ Window* windowOf(xcb_window_t id) {
   const auto found = std::ranges::find_if(
       translated, [id](const Window* window) { return window->window->winId() == id; });
   return found == translated.end() ? nullptr : *found;
+}
+
+bool isDraggedInside() {
+  return std::ranges::any_of(translated, &Window::leftHeld);
 }
 
 void tellSessionEnds() {

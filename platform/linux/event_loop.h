@@ -20,6 +20,10 @@ void tellSessionEnds();
 // Returns the program's window with this identifier of the X server, or null.
 Window* windowOf(xcb_window_t id);
 
+// Returns true while the left button is held that was pressed inside one of the program's windows,
+// and so not on a frame.
+bool isDraggedInside();
+
 // Passes an event to the program. Returns true if the desktop must not handle it as well.
 bool handOver(const Event& event);
 

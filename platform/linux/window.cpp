@@ -90,21 +90,35 @@ void fillPrimaryMonitor(Window* window) {
   window->window->setWindowStates(Qt::WindowFullScreen);
 }
 
+// Returns the focus to the main window after a hidden window had it. Some window managers give it
+// to another program or to no window, at the latest soon after they have noted that the window is
+// gone. Until then, requests it again whenever it is lost.
+void returnFocus(const Window* hidden) {
+  constexpr int milliseconds = 150;
+  constexpr int checksOnceGone = 7;
+  mainWindow->window->requestActivate();
+  auto* const timer = new QTimer(mainWindow->window.get());
+  int checks = 0;
+  timer->callOnTimeout(mainWindow->window.get(), [=]() mutable {
+    // From the second check on, another program's window has the focus by the user's choice.
+    const bool lost =
+        checks == 0 ? QGuiApplication::focusWindow() == nullptr : !anyWindowHasFocus();
+    if (lost && !hidden->window->isVisible()) mainWindow->window->requestActivate();
+    if (checks == 0 || !isManaged(hidden)) ++checks;
+    if (checks == checksOnceGone || hidden->window->isVisible()) timer->deleteLater();
+  });
+  timer->start(milliseconds);
+}
+
 // Hides a window. If it has the focus, returns the focus to the main window, because a window
-// manager would give it to another program. Some do so late, after the focus has moved, so it is
-// requested once more.
+// manager would give it to another program.
 void hideWindow(Window* window) {
   const bool passesFocus = window != mainWindow && mainWindow->window->isVisible() &&
                            QGuiApplication::focusWindow() == window->window.get();
   // While the window is hidden, no event confirms the frame in its bounds.
   rememberFrame(window);
   window->window->setVisible(false);
-  if (!passesFocus) return;
-  constexpr int milliseconds = 150;
-  mainWindow->window->requestActivate();
-  QTimer::singleShot(milliseconds, mainWindow->window.get(), [] {
-    if (QGuiApplication::focusWindow() == nullptr) mainWindow->window->requestActivate();
-  });
+  if (passesFocus) returnFocus(window);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <optional>
 #include <thread>
 
+#include "platform/linux/event_loop.h"
 #include "platform/linux/window_manager.h"
 #include "platform/linux/x_server.h"
 
@@ -26,6 +27,8 @@ constexpr std::chrono::microseconds frameReplyPause{500};
 constexpr std::chrono::milliseconds travelTime{500};
 // The time in which a window manager does what it was asked, however busy it is.
 constexpr std::chrono::milliseconds answerTime{3000};
+// The time in which a window may arrive exactly where it was requested to be.
+constexpr std::chrono::milliseconds arrivalTime{30000};
 
 Clock::time_point mainMoved;
 
@@ -134,7 +137,7 @@ void askForFrame(Window* window) {
 
 void expectBounds(Window* window, const QRect& outer) {
   std::erase_if(window->asked,
-                [](const AskedBounds& asked) { return !isWithin(answerTime, asked.time); });
+                [](const AskedBounds& asked) { return !isWithin(arrivalTime, asked.time); });
   rememberFrame(window);
   window->asked.push_back({outer, frameOf(window), Clock::now()});
   window->travels = true;
@@ -176,12 +179,14 @@ void fixSize(Window* window, const QSize& size) {
 Mover moverOf(Window* window) {
   const QRect outer = outerBounds(window);
   const auto asked = std::ranges::find(window->asked, outer, &AskedBounds::outer);
-  if (asked != window->asked.end() && isWithin(answerTime, asked->time)) {
+  if (asked != window->asked.end() && isWithin(arrivalTime, asked->time)) {
     if (window->window->isExposed()) window->insists = false;
     return Mover::Program;
   }
   window->travels = false;
-  if (isHeldByUser(window) || !answersRequest(window)) {
+  // While the user drags the main window by its picture, no other window can be in the user's hand,
+  // however late the window manager answers.
+  if (!isDraggedInside() && (isHeldByUser(window) || !answersRequest(window))) {
     window->asked.clear();
     return Mover::User;
   }

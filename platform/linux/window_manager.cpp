@@ -160,6 +160,23 @@ bool isFilled(const Window* window) {
       [&](xcb_atom_t state) { return std::ranges::find(states, state) != states.end(); });
 }
 
+bool isManaged(const Window* window) {
+  const auto reply = property(idOf(window), xServer.wmState, XCB_GET_PROPERTY_TYPE_ANY);
+  const auto state = numbers(reply.get());
+  constexpr std::uint32_t withdrawn = 0;
+  return !state.empty() && state[0] != withdrawn;
+}
+
+bool anyWindowHasFocus() {
+  xcb_connection_t* const x = xServer.connection;
+  const Received<xcb_get_input_focus_reply_t> reply(
+      xcb_get_input_focus_reply(x, xcb_get_input_focus(x), nullptr));
+  constexpr std::array nowhere{xcb_window_t{XCB_INPUT_FOCUS_NONE},
+                               xcb_window_t{XCB_INPUT_FOCUS_POINTER_ROOT}};
+  return reply && reply->focus != xServer.screen->root &&
+         std::ranges::find(nowhere, reply->focus) == nowhere.end();
+}
+
 void requestGeometry(const Window* window, const QRect& inner) {
   const std::array<std::uint32_t, 4> values{
       static_cast<std::uint32_t>(inner.x()), static_cast<std::uint32_t>(inner.y()),

@@ -27,6 +27,13 @@ void requestGeometry(const Window* window, const QRect& inner);
 // Returns true if the window manager has maximised the window or made it fill the screen.
 bool isFilled(const Window* window);
 
+// Returns true if a window manager manages the window. One that is busy notes late that the window
+// was shown or hidden.
+bool isManaged(const Window* window);
+
+// Returns true if the server sends keys to a window, wherever the mouse is.
+bool anyWindowHasFocus();
+
 // Keeps a window above another one that fills the screen, or stops doing so if that is null.
 void setWindowAbove(Window* window, const Window* parent);
 

@@ -167,6 +167,35 @@ TEST_F(ColourSpace, DockedItFollowsTheMainWindow) {
   EXPECT_TRUE(isDocked());
 }
 
+// The window manager keeps the docked window on the screen, and answers the drag late, while the
+// mouse is where that window was.
+TEST_F(ColourSpace, ItStaysDockedWhenASlowManagerAnswersADrag) {
+  useDisplay({}, Manager::Openbox, "1280x800");
+  start(703, true);
+  ASSERT_TRUE(isDocked());
+  dragMouse(view().x + 60, view().y + 60, -300, 0);
+  ASSERT_TRUE(isDocked());
+  const Area before = view();
+  const Area screen = x().screenArea();
+  const Area beside = x().outerAreaOf(colourSpace());
+  x().moveMouse(before.x + 60, before.y + 60);
+  x().button(1, true);
+  settle();
+  {
+    const auto held = display().holdManager(std::chrono::milliseconds(1500));
+    x().moveMouse(screen.right() - 25, before.y + 70);
+    settle();
+  }
+  ASSERT_TRUE(eventually([&] { return view().x > before.x && view().y > before.y; }));
+  ASSERT_TRUE(eventually([&] { return x().outerAreaOf(colourSpace()).x > beside.x; }));
+  settle();
+  x().moveMouse(before.x + 60, before.y + 60);
+  x().button(1, false);
+  settle();
+  ASSERT_TRUE(eventually([&] { return view() == before; }));
+  EXPECT_TRUE(isDocked());
+}
+
 TEST_F(ColourSpace, ADragOfItUndocksItAndKeyKDocksItAgain) {
   start(703, true);
   ASSERT_TRUE(isDocked());

@@ -1,4 +1,5 @@
 // Hit transparency, full screen, and the small window that ends both.
+#include <chrono>
 #include <set>
 
 #include "program_run.h"
@@ -220,6 +221,33 @@ TEST_F(Control, FullScreenFromFramelessComesBackFramed) {
   EXPECT_TRUE(eventually([&] { return outer(main()) == before; }));
   EXPECT_TRUE(eventually([&] { return view() != before; }));
   EXPECT_TRUE(viewShows(grey));
+}
+
+using SlowManager = ProgramTest;
+
+// The window manager takes the focus from a window that leaves the mouse, after the program has
+// given it to the main window.
+TEST_F(SlowManager, TheMainWindowHasTheFocusAfterFullScreen) {
+  useDisplay({}, Manager::Twm, "1280x800");
+  storeValues({{"Selected", 4}, {"ColorSpace", 0}});
+  start();
+  press(XK_f);
+  ASSERT_TRUE(eventually([&] { return view() == x().screenArea(); }));
+  ASSERT_TRUE(showing(control(), true));
+  settle();
+  focus(control());
+  {
+    const auto held = display().holdManager(std::chrono::milliseconds(1000));
+    pressIn(control(), XK_f);
+    ASSERT_TRUE(showing(control(), false));
+  }
+  // The window manager notes that it no longer manages the window.
+  ASSERT_TRUE(eventually([&] {
+    const auto state = x().numbers(control(), "WM_STATE");
+    return state.empty() || state[0] == 0;
+  }));
+  settle();
+  EXPECT_TRUE(eventually([&] { return x().focus() == main(); })) << x().focus();
 }
 
 }  // namespace

@@ -61,6 +61,8 @@ void enterFullScreen(bool byKey) {
 
 void leaveFullScreen() {
   ShellState& state = shellState;
+  // On the way back the window may come to another scale, and must not be fitted to the screen.
+  state.fullScreen = false;
   platform::setWindowForm(state.mainWindow, WindowForm::Framed);
   platform::setHitTransparent(state.mainWindow, false);
   state.framed = true;
@@ -71,7 +73,6 @@ void leaveFullScreen() {
   state.controlText = hitTransparentText;
   hideControlWindow();
   state.hitTransparent = false;
-  state.fullScreen = false;
 }
 
 void toggleFullScreen(bool byKey) {

@@ -177,6 +177,22 @@ TEST_F(OtherMonitor, SuggestsTheWindowsBounds) {
   EXPECT_EQ(boundsOf(windows().main), screenBounds());
 }
 
+// Full screen is on the primary monitor. On the way back, the desktop tells the window of its own
+// monitor's resolution before it has left full screen.
+TEST_F(OtherMonitor, HasTheWindowBackAfterFullScreen) {
+  storeValues({{"ColorSpace", 0}});
+  start();
+  divideScreen(700, 96, 192);
+  SetWindowPos(windows().main, nullptr, 800, 100, 400, 300, SWP_NOZORDER | SWP_NOACTIVATE);
+  settle();
+  press('F');
+  EXPECT_EQ(boundsOf(windows().main), screenBounds());
+  press('F');
+  EXPECT_EQ(magnifierRecord().resolutionChanges, 2U);
+  EXPECT_EQ(boundsOf(windows().main), (Bounds{800, 100, 1200, 400}));
+  EXPECT_EQ(boundsOf(windows().magnifier), clientBoundsOf(windows().main));
+}
+
 TEST_F(OtherMonitor, SizesTheTextInWindowsThatKeepTheirSize) {
   constexpr double scale = 2.0;
   constexpr int dpi = 192;

@@ -60,11 +60,19 @@ fs::path outputIn(const fs::path& folder, const fs::path& input,
   return folder / name;
 }
 
+// Otherwise the quality would be ignored.
+void refuseQualityOfPng(const FilterRequest& request, std::optional<ImageFormat> format) {
+  if (request.quality && format == ImageFormat::Png) {
+    throw UsageError("--quality: is for JPEG, and the output is PNG; see --output-format");
+  }
+}
+
 FilterPlan planSingleJob(const FilterRequest& request) {
   const fs::path input = request.paths[0];
   const fs::path output = request.paths[1];
   const auto format = request.outputFormat ? request.outputFormat : formatOf(output);
   if (!format) throw UsageError(unknownFormat(output));
+  refuseQualityOfPng(request, format);
   if (output == standardStream && ::isatty(STDOUT_FILENO) == 1) {
     throw UsageError("standard output is a terminal, and pictures are binary; name a file");
   }
@@ -73,6 +81,7 @@ FilterPlan planSingleJob(const FilterRequest& request) {
 
 FilterPlan planFolderJobs(const FilterRequest& request, const std::vector<std::string>& inputs,
                           const fs::path& folder) {
+  refuseQualityOfPng(request, request.outputFormat);
   FilterPlan plan{{}, folder};
   std::set<fs::path> outputs;
   for (const std::string& path : inputs) {
@@ -159,7 +168,7 @@ void filterImage(const FilterJob& job, const FilterRequest& request, const Filte
   OutputFile output(job.output);
   try {
     filterStream(input.source, output.sink, filters,
-                 {*job.format, request.quality, request.pixelLimit});
+                 {*job.format, request.quality.value_or(defaultJpegQuality), request.pixelLimit});
   } catch (const ImageReadError& error) {
     throw RunError(job.input.string() + ": " + error.what());
   } catch (const ImageWriteError& error) {

@@ -17,7 +17,7 @@ struct FilterRequest {
   std::vector<std::string> paths;
   std::optional<std::filesystem::path> outputDirectory;
   std::optional<ImageFormat> outputFormat;
-  int quality = defaultJpegQuality;
+  std::optional<int> quality;
   bool overwrites = false;
   std::size_t threads = 1;
   std::uint64_t pixelLimit = defaultPixelLimit;
@@ -43,7 +43,8 @@ void addFilterArguments(CLI::App& command, FilterRequest& request);
 // slash, or for "INPUT..." with an output directory. The format follows the output's file name, and
 // is PNG on standard output, unless one is given; in a folder the name then follows the format.
 // Throws UsageError if an only output would have no known format, or if one would overwrite an
-// input or another output, or be binary data on a terminal.
+// input or another output, or be binary data on a terminal, or if there is a quality for nothing
+// but PNG. In a folder whose names decide, the quality is for those that are JPEG.
 FilterPlan planFilterJobs(const FilterRequest& request);
 
 // Filters one image. Its output appears whole or not at all. Throws RunError.

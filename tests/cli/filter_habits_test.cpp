@@ -133,6 +133,26 @@ TEST(FilterHabits, LowerQualityMakesASmallerJpeg) {
   }
 }
 
+TEST(FilterHabits, AQualityIsRefusedWhereAllOutputIsPng) {
+  const TemporaryFolder folder;
+  const std::string in = folder.write("in.jpg", sampleJpeg());
+  const std::string other = folder.write("other.png", samplePng());
+  const Words quality{"--quality", "50"};
+  const Words asPng{"--output-format", "png"};
+  for (const Words& words :
+       {Words{in, folder / "out.png"}, Words{in, "-"}, Words{in, folder / "out.jpg"} + asPng,
+        Words{in, other, "--output-dir", folder / "out"} + asPng}) {
+    expectRefused(invert(words + quality), 2, "--quality: is for JPEG, and the output is PNG");
+  }
+  EXPECT_EQ(folder.names(), (Words{"in.jpg", "other.png"}));
+
+  const Words asJpeg{"--output-format", "jpeg"};
+  EXPECT_EQ(invert(Words{in, "-"} + asJpeg + quality).status, 0);
+  EXPECT_EQ(invert(Words{in, other, "--output-dir", folder / "low"} + quality).status, 0);
+  EXPECT_EQ(invert({in, "--output-dir", folder / "high"}).status, 0);
+  EXPECT_LT(readFile(folder / "low/in.jpg").size(), readFile(folder / "high/in.jpg").size());
+}
+
 TEST(FilterHabits, TheLimitOnPixelsIsSetByAnOption) {
   const TemporaryFolder folder;
   const std::string in = folder.write("in.png", samplePng());

@@ -116,7 +116,12 @@ int passOnPermissions(const struct stat& replaced, int file) {
     // What the old group was allowed is not for the new one.
     mode &= ~(ofOthers << 3) | (mode & ofOthers) << 3;
   }
-  return ::fchmod(file, mode) == 0 ? 0 : errno;
+  if (::fchmod(file, mode) == 0) return 0;
+  const int error = errno;
+  // Some file systems let nobody change the permissions, which are the same for every file.
+  struct stat made {};
+  const bool isRight = ::fstat(file, &made) == 0 && (made.st_mode & permissions) == mode;
+  return isRight ? 0 : error;
 }
 
 std::string nameOf(const std::filesystem::path& target) {

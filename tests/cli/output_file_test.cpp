@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -114,6 +116,30 @@ TEST_F(WriteFileWhole, GivesAnotherGroupNoneOfTheFormerGroupsPermissions) {
   ASSERT_EQ(::chmod((directory / "old.png").c_str(), 0662), 0);
   EXPECT_EQ(resultInChild(replace), 0);
   EXPECT_EQ(permissionsOf(directory / "old.png"), 0622U);
+}
+
+TEST_F(WriteFileWhole, ReplacesAFileWhosePermissionsNobodyCanChangeIfTheyAreRight) {
+  const fs::path target = directory / "old.png";
+  // A new file has the permissions 0644.
+  const auto replace = [&](const std::optional<std::string>& failure) {
+    return resultInChild([&] {
+      ::umask(0022);
+      if (!breakCall(SYS_fchmod, EPERM)) return notPossible;
+      return failureToWrite(target, bytesOf("new")) == failure ? 0 : 1;
+    });
+  };
+  put(target, bytesOf("old"));
+  ASSERT_EQ(::chmod(target.c_str(), 0600), 0);
+  const int secret = replace("cannot write " + target.string() + ": Operation not permitted");
+  if (secret == notPossible) GTEST_SKIP() << "system calls cannot be filtered here";
+  EXPECT_EQ(secret, 0) << "all could have read it";
+  EXPECT_EQ(contentsOf(target), bytesOf("old"));
+  EXPECT_EQ(names(), Names{"old.png"});
+
+  ASSERT_EQ(::chmod(target.c_str(), 0644), 0);
+  EXPECT_EQ(replace(std::nullopt), 0);
+  EXPECT_EQ(contentsOf(target), bytesOf("new"));
+  EXPECT_EQ(names(), Names{"old.png"});
 }
 
 TEST_F(WriteFileWhole, WritesThroughALinkToAFile) {

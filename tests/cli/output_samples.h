@@ -2,12 +2,17 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <csignal>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -90,6 +95,21 @@ inline void becomeOrdinaryUser() {
   constexpr uid_t nobody = 65534;
   if (::geteuid() == 0 && (::setgid(nobody) != 0 || ::setuid(nobody) != 0)) ::_exit(98);
 }
+
+// Makes a system call do nothing from now on, in a child: it fails with an error, or returns 0
+// where that is none. Returns false if the system does not allow that.
+inline bool breakCall(std::uint32_t call, std::uint32_t error) {
+  std::array<sock_filter, 4> steps{{BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+                                    BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call, 0, 1),
+                                    BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error),
+                                    BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)}};
+  const sock_fprog program{steps.size(), steps.data()};
+  return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+         ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
+// What a child returns if a test cannot be made there.
+inline constexpr int notPossible = 77;
 
 class FileTest : public testing::Test {
  protected:

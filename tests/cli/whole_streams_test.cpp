@@ -1,19 +1,28 @@
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <random>
 #include <string>
 #include <thread>
 
+#include "cli/byte_stream.h"
+#include "cli/jpeg_writer.h"
 #include "cli/output_file.h"
+#include "cli/png_writer.h"
 #include "tests/cli/output_samples.h"
 
 namespace tintora::cli {
@@ -109,6 +118,79 @@ TEST(WriteStandardOutput, RestoresTheHandlingOfSignals) {
             }),
             0);
   ::close(ends[1]);
+}
+
+TEST(WriteStandardOutput, EndsWhereNothingMoreIsWritten) {
+  const int result = resultInChild([] {
+    ::alarm(60);
+    if (!breakCall(SYS_write, 0)) return notPossible;
+    const auto failure = failureOf([] { writeStandardOutput(manyBytes()); });
+    return failure == "cannot write standard output: Input/output error" ? 0 : 1;
+  });
+  if (result == notPossible) GTEST_SKIP() << "system calls cannot be filtered here";
+  EXPECT_EQ(result, 0);
+}
+
+TEST(ByteSink, TellsThatThereIsNoMemory) {
+  if (::dlsym(RTLD_DEFAULT, "__asan_init") != nullptr) GTEST_SKIP() << "memory is checked";
+  constexpr std::size_t size = std::size_t{1} << 30;
+  EXPECT_EQ(resultInChild([] {
+              void* const zeros = ::mmap(nullptr, size, PROT_READ,
+                                         MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+              if (zeros == MAP_FAILED) return 1;
+              const rlimit limit{size, size};
+              ::setrlimit(RLIMIT_AS, &limit);
+              ByteSink sink;
+              const bool done = put(sink, {static_cast<const std::uint8_t*>(zeros), size});
+              return !done && sink.error == ENOMEM ? 0 : 2;
+            }),
+            0);
+}
+
+enum class Step { Start, Rows, Finish };
+
+// Writes a picture of noise until the device is full at one step, and returns that step's error.
+std::optional<std::string> failureAt(Step full, ImageFormat format) {
+  RowsHeader header;
+  header.width = 4000;
+  header.height = 8;
+  header.exif = Bytes(60000);  // makes the header longer than any buffer
+  Bytes row(rowBytes(header));
+  std::mt19937 random(1);
+  for (std::uint8_t& value : row) value = static_cast<std::uint8_t>(random());
+
+  const Descriptor device(::open("/dev/full", O_WRONLY | O_CLOEXEC));
+  ByteSink sink;
+  const auto fillBefore = [&](Step step) {
+    if (step != full) return;
+    sink.descriptor = device.number;
+    sink.bytes.resize(std::size_t{1} << 16);
+  };
+  ImageWriter writer;
+  std::optional<std::string> failure;
+  const auto take = [&](Step step, const std::function<void()>& action) {
+    if (failure) return;
+    fillBefore(step);
+    failure = failureOf(action);
+    EXPECT_EQ(failure.has_value(), step == full);
+  };
+  take(Step::Start, [&] {
+    writer = format == ImageFormat::Png ? startPng(sink, header) : startJpeg(sink, header, 95);
+  });
+  take(Step::Rows, [&] {
+    for (std::uint32_t y = 0; y < header.height; ++y) writer.writeRow(row.data());
+  });
+  take(Step::Finish, [&] { writer.finish({}); });
+  return failure;
+}
+
+TEST(ImageWriters, TellThatTheDeviceIsFullAtEveryStep) {
+  for (const Step step : {Step::Start, Step::Rows, Step::Finish}) {
+    EXPECT_EQ(failureAt(step, ImageFormat::Png),
+              "cannot write the PNG file: No space left on device");
+    EXPECT_EQ(failureAt(step, ImageFormat::Jpeg),
+              "cannot write the JPEG file: No space left on device");
+  }
 }
 
 class ReadFileWhole : public FileTest {

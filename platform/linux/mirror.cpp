@@ -25,7 +25,8 @@ struct Mirror {
   Window* parent = nullptr;
   bool askAnew = false;
   bool offersChoice = false;        // a click or key in the view lets the user choose again
-  std::unique_ptr<QTimer> silence;  // runs until the first frame comes
+  bool keepsChoice = false;         // then what was chosen before comes without a question
+  std::unique_ptr<QTimer> silence;  // exists until the first frame comes
 };
 Mirror state;
 
@@ -42,6 +43,7 @@ void offerChoice(const char* text) {
   endPortalSession();
   state.silence.reset();
   state.offersChoice = true;
+  state.keepsChoice = false;
   showText(text);
   tellTerminal(text);
 }
@@ -67,20 +69,24 @@ void onFrame() {
 }
 
 void onStreamEnd(StreamEnd end) {
-  offerChoice(end == StreamEnd::PipeWire ? texts::pipeWireGone : texts::streamEnded);
+  const bool wasRestarted = end == StreamEnd::PipeWire;
+  offerChoice(wasRestarted ? texts::pipeWireGone : texts::streamEnded);
+  state.keepsChoice = wasRestarted;
 }
 
 void onGranted(int connection, std::uint32_t node) {
   if (!startStream(connection, node, {&onFrame, &onStreamEnd})) return giveUp(texts::noPipeWire);
   // The source's first frame may get lost while the stream begins. If nothing moves there, no other
-  // one follows. Therefore asks for it again from time to time: every second turn continues the
-  // stream that the turn before has paused.
+  // one follows. Therefore asks for it a few times: every second turn continues the stream that the
+  // turn before has paused.
   constexpr int milliseconds = 500;
-  constexpr int turnsBeforeText = 10;
+  constexpr int lastTurn = 10;
   state.silence = std::make_unique<QTimer>();
   state.silence->callOnTimeout([turns = 0]() mutable {
     setStreamActive(++turns % 2 == 0);
-    if (turns == turnsBeforeText) showText(texts::noFrame);
+    if (turns < lastTurn) return;
+    state.silence->stop();
+    showText(texts::noFrame);
   });
   state.silence->start(milliseconds);
 }
@@ -113,7 +119,7 @@ class ChoiceFilter : public QObject {
   bool eventFilter(QObject* /*watched*/, QEvent* event) override {
     if (!state.offersChoice || !isAnswer(*event)) return false;
     if (event->type() == QEvent::MouseButtonRelease || event->type() == QEvent::KeyPress) {
-      choose(true);
+      choose(!state.keepsChoice);
     }
     return true;
   }

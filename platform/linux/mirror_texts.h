@@ -20,7 +20,7 @@ inline constexpr const char* streamEnded =
     "Click here or press Enter to choose a window or screen again.";
 inline constexpr const char* pipeWireGone =
     "PipeWire, which brings the picture, was ended or restarted.\n"
-    "Click here or press Enter to choose a window or screen again.";
+    "Click here or press Enter to continue.";
 inline constexpr const char* noFrame =
     "No picture has come yet. It appears here as soon as it does.\n"
     "If it does not come, check that PipeWire's session manager (WirePlumber) is running.";

@@ -4,6 +4,7 @@
 
 #include <QDBusArgument>
 #include <QDBusConnection>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -77,6 +78,11 @@ std::optional<std::uint32_t> firstNode(const QVariant& streams) {
   }
   list.endArray();
   return node;
+}
+
+// Returns true if a call has failed because the portal ended meanwhile.
+bool isWithoutPortal(const QDBusError& error) {
+  return error.type() == QDBusError::NoReply || error.type() == QDBusError::ServiceUnknown;
 }
 
 // Runs the steps in order; the answer to each starts the next.
@@ -182,8 +188,7 @@ class Session : public QObject {
     call << screenCast;
     send(call, [this](const QDBusPendingCall& answer) {
       const QDBusPendingReply<QVariantMap> reply = answer;
-      if (reply.isError()) return end(PortalEnd::NoPortal);
-      properties_ = reply.value();
+      properties_ = reply.value();  // none on failure
       if ((sourceTypes() & screensAndWindows) == 0) return end(PortalEnd::NoPortal);
       createSession();
     });
@@ -229,6 +234,7 @@ class Session : public QObject {
     call << QVariant::fromValue(QDBusObjectPath(handle_)) << QVariantMap{};
     send(call, [this, node = *node](const QDBusPendingCall& answer) {
       const QDBusPendingReply<QDBusUnixFileDescriptor> reply = answer;
+      if (isWithoutPortal(reply.error())) return end(PortalEnd::Refused);
       if (reply.isError() || !reply.value().isValid()) return end(PortalEnd::NoPipeWire);
       // Duplicates the descriptor, because the reply closes its own.
       const int connection = fcntl(reply.value().fileDescriptor(), F_DUPFD_CLOEXEC, 0);

@@ -3,6 +3,8 @@
 //   format NAME WIDTH HEIGHT OFFSET PADDING CROP_X CROP_Y CROP_WIDTH CROP_HEIGHT
 //                                  the first two lengths need another format or size
 //   frame SEED                     another picture
+//   lost SEED                      another picture, but only once the reader has paused the stream
+//                                  and continued it: as if it had got lost before
 //   part X Y WIDTH HEIGHT SEED     another picture in this part, which alone is reported as changed
 //   lie X Y WIDTH HEIGHT SEED      another picture everywhere; reports only this part as changed
 //   solid PIXEL                    a picture of one colour
@@ -64,6 +66,8 @@ struct Source {
   Area crop;
   int buffers = 4;
   std::uint32_t transform = 0;
+  int beginnings = 0;               // how often the stream began to flow
+  int lostIn = 0;                   // the one in which a frame got lost
   Picture shown;                    // the last picture
   spa_source* pace = nullptr;       // the timer of frames at a rate
   int toPace = 0;                   // frames that are still to be sent at that rate
@@ -237,6 +241,10 @@ bool run(const std::string& line) {
   }
   const bool flows = pw_stream_get_state(source.stream, nullptr) == PW_STREAM_STATE_STREAMING;
   if (!flows || !source.hasRoom) return false;
+  if (what == "lost") {
+    if (source.lostIn == 0) source.lostIn = source.beginnings;
+    if (source.lostIn == source.beginnings) return false;
+  }
   pw_buffer* const buffer = pw_stream_dequeue_buffer(source.stream);
   if (buffer == nullptr) return false;
   sendFrame(buffer, what, words);
@@ -330,6 +338,7 @@ void onBufferAdded(void* /*data*/, pw_buffer* /*buffer*/) {
 
 void onStateChanged(void* /*data*/, pw_stream_state /*before*/, pw_stream_state now,
                     const char* error) {
+  if (now == PW_STREAM_STATE_STREAMING) ++source.beginnings;
   if (now == PW_STREAM_STATE_PAUSED && pw_stream_get_node_id(source.stream) != SPA_ID_INVALID) {
     std::printf("node %u\n", pw_stream_get_node_id(source.stream));
     std::fflush(stdout);

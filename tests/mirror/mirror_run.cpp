@@ -77,6 +77,7 @@ void MirrorTest::SetUp() {
                           {"cursors", ""},
                           {"early", ""},
                           {"paths", ""},
+                          {"select", ""},
                           {"remote", ""}});
 }
 

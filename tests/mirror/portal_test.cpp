@@ -1,5 +1,9 @@
 // The conversation with the portal, and the messages when no picture comes.
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <filesystem>
+#include <fstream>
 
 #include "mirror_run.h"
 #include "platform/linux/mirror_texts.h"
@@ -7,8 +11,20 @@
 namespace tintora::mirror_test {
 namespace {
 
+using desktop_test::noise;
 using desktop_test::readFile;
+using desktop_test::solid;
 namespace texts = platform::texts;
+
+// Lets a process take only so many bytes more than it has.
+void limitMemory(pid_t process, rlim_t more) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/statm");
+  rlim_t pages = 0;
+  file >> pages;
+  const rlim_t bytes = pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + more;
+  const rlimit limit{.rlim_cur = bytes, .rlim_max = bytes};
+  ASSERT_EQ(prlimit(process, RLIMIT_AS, &limit, nullptr), 0);
+}
 
 class MirrorPortal : public MirrorTest {
  protected:
@@ -128,6 +144,13 @@ TEST_F(MirrorPortal, WhatDoesNotComeToAPictureIsSaid) {
   }
 }
 
+TEST_F(MirrorPortal, NothingIsStartedAfterARefusal) {
+  session().setBehaviour({{"select", "2"}});
+  startMirror();
+  expectMessage("The desktop did not share a window or screen.", texts::refused);
+  EXPECT_EQ(session().portalCalls().find("Start"), std::string::npos);
+}
+
 TEST_F(MirrorPortal, ItsEndWhileTheUserChoosesIsSaid) {
   session().setBehaviour({{"answer", "nothing"}});
   startMirror();
@@ -136,6 +159,15 @@ TEST_F(MirrorPortal, ItsEndWhileTheUserChoosesIsSaid) {
   EXPECT_TRUE(viewSays(texts::choosing));
   session().endPortal();
   expectMessage("The desktop did not share a window or screen.", texts::refused);
+}
+
+TEST_F(MirrorPortal, ItsEndBeforeTheStreamIsSaid) {
+  session().setBehaviour({{"remote", "end"}});
+  startMirror();
+  expectMessage("The desktop did not share a window or screen.", texts::refused);
+  session().setBehaviour({{"remote", ""}});
+  session().startPortal();
+  expectNewChoice(1);
 }
 
 TEST_F(MirrorPortal, ItsEndDoesNotEndAStream) {
@@ -178,6 +210,8 @@ TEST_F(MirrorPortal, APipeWireThatIsRestartedIsSaid) {
   session().startPipeWire();
   session().startSource();
   expectNewChoice(2);
+  // The user need not choose again.
+  EXPECT_NE(session().portalCalls().find("restore_token=token-1"), std::string::npos);
 }
 
 TEST_F(MirrorPortal, AStreamWithoutFramesIsSaidAndShownOnceItHasThem) {
@@ -185,6 +219,28 @@ TEST_F(MirrorPortal, AStreamWithoutFramesIsSaidAndShownOnceItHasThem) {
   EXPECT_TRUE(viewSays(texts::noFrame));
   showNoise(320, 240, 1);
   EXPECT_EQ(readFile(errorsFile()), "");
+}
+
+TEST_F(MirrorPortal, AFirstFrameThatGetsLostIsAskedForAgain) {
+  startMirror();
+  session().send("format BGRx 320 240 0 0 0 0 0 0");
+  session().send("lost 1");
+  EXPECT_TRUE(viewHas(noise(320, 240, 1), expected::greyscale()));
+  EXPECT_EQ(readFile(errorsFile()), "");
+}
+
+// Its pictures are parts of larger frames, so that the program's own memory is what it lacks.
+TEST_F(MirrorPortal, AFrameTooLargeForTheMemoryIsSkipped) {
+  startMirror();
+  session().send("format BGRx 4000 3000 0 0 100 50 320 240");
+  session().send("solid 4227327");
+  ASSERT_TRUE(viewHas(solid(320, 240, 4227327), expected::greyscale()));
+  limitMemory(process().id(), 20'000'000);
+  session().send("format BGRx 4000 3000 0 0 0 0 4000 3000");
+  session().send("solid 8421504");
+  session().send("format BGRx 4000 3000 0 0 100 50 320 240");
+  session().send("solid 65280");
+  EXPECT_TRUE(viewHas(solid(320, 240, 65280), expected::greyscale()));
 }
 
 TEST_F(MirrorPortal, WithoutOneADialogSaysSo) {

@@ -7,7 +7,8 @@
 //   version, types, cursors   its properties
 //   early    1: it answers a request before it replies to the call
 //   paths    own: it chooses the requests' paths itself, as the first portals did
-//   remote   none: it has no connection to PipeWire
+//   select   the code with which it answers SelectSources
+//   remote   none: it has no connection to PipeWire; end: it ends when it is asked for one
 // Prints one line for each call. SIGUSR1 closes the sessions.
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -28,6 +29,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 
 struct CastStream {
   std::uint32_t node = 0;
@@ -163,6 +165,7 @@ class Portal : public QDBusVirtualObject {
 
   bool answerRemote(const QDBusMessage& call) const {
     print("OpenPipeWireRemote");
+    if (value("remote") == "end") std::_Exit(0);
     const int end = value("remote") == "none" ? -1 : connectionToPipeWire();
     if (end < 0) {
       return bus().send(call.createErrorReply("org.freedesktop.portal.Error.Failed", "No."));
@@ -188,7 +191,9 @@ class Portal : public QDBusVirtualObject {
       sessions_.insert(path);
       return sendResponse(call.service(), request, 0, {{"session_handle", path}});
     }
-    if (method == "SelectSources") return sendResponse(call.service(), request, 0, {});
+    if (method == "SelectSources") {
+      return sendResponse(call.service(), request, number("select", 0), {});
+    }
     asker_ = call.service();
     request_ = request;
     const QString answer = value("answer");

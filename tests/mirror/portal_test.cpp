@@ -229,16 +229,18 @@ TEST_F(MirrorPortal, AFirstFrameThatGetsLostIsAskedForAgain) {
   EXPECT_EQ(readFile(errorsFile()), "");
 }
 
-// Its pictures are parts of larger frames, so that the program's own memory is what it lacks.
+// Its pictures are parts of larger frames, so that the program's own memory is what it lacks: more
+// than the 64 MB that a thread may have in reserve.
 TEST_F(MirrorPortal, AFrameTooLargeForTheMemoryIsSkipped) {
   startMirror();
-  session().send("format BGRx 4000 3000 0 0 100 50 320 240");
+  session().send("buffers 2");
+  session().send("format BGRx 5000 4000 0 0 100 50 320 240");
   session().send("solid 4227327");
   ASSERT_TRUE(viewHas(solid(320, 240, 4227327), expected::greyscale()));
   limitMemory(process().id(), 20'000'000);
-  session().send("format BGRx 4000 3000 0 0 0 0 4000 3000");
+  session().send("format BGRx 5000 4000 0 0 0 0 5000 4000");
   session().send("solid 8421504");
-  session().send("format BGRx 4000 3000 0 0 100 50 320 240");
+  session().send("format BGRx 5000 4000 0 0 100 50 320 240");
   session().send("solid 65280");
   EXPECT_TRUE(viewHas(solid(320, 240, 65280), expected::greyscale()));
 }

@@ -7,6 +7,7 @@
 #include <regex>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/cli/tool_run.h"
@@ -98,6 +99,28 @@ TEST(CommandLine, HelpAndVersionGoToStandardOutputWithStatusZero) {
                                std::regex("tintora-cli \\d+\\.\\d+\\.\\d+\n")));
 }
 
+TEST(CommandLine, HelpShowsWhatACommandIsMadeForBeforeItsDetails) {
+  const std::vector<std::pair<std::string, Words>> cases{
+      {"check",
+       {"--help", "--image", "--deficiency", "--severity", "--algorithm", "--light", "--apart",
+        "--lost", "--image-colours", "--format", "--swatches", "--only-findings"}},
+      {"filter",
+       {"--help",          "--mode",       "--severity",      "--algorithm",    "--light",
+        "--daltonize",     "--inverse",    "--filter-colour", "--swap",         "--brightness",
+        "--contrast",      "--saturation", "--custom-file",   "--custom-index", "--output-dir",
+        "--output-format", "--quality",    "--jobs",          "--max-pixels",   "--force"}},
+  };
+  const std::regex option("^  (?:-h,)?(--[a-z-]+).*");
+  for (const auto& [command, options] : cases) {
+    Words shown;
+    std::smatch found;
+    for (const std::string& line : linesOf(runTool({command, "--help"}).output)) {
+      if (std::regex_match(line, found, option)) shown.push_back(found[1]);
+    }
+    EXPECT_EQ(shown, options) << command;
+  }
+}
+
 TEST(CommandLine, OptionsMayStandBeforeTheCommandToo) {
   EXPECT_EQ(runTool({"--mode", "tritan", "--severity", "35", "matrix"}).output,
             runTool({"matrix", "--severity=35", "--mode=tritan"}).output);
@@ -130,6 +153,13 @@ TEST(CommandLine, ListNamesEverythingTheOptionsTake) {
         "linear"}) {
     EXPECT_TRUE(std::regex_search(run.output, std::regex("\n  " + name + " +[^ ]"))) << name;
   }
+  Words headings;
+  for (const std::string& line : linesOf(run.output)) {
+    if (!line.starts_with(' ')) headings.push_back(line);
+  }
+  EXPECT_EQ(headings,
+            (Words{"Modes (--mode)", "Simulation algorithms (--algorithm)", "Light (--light)",
+                   "Colour filters (--filter-colour)", "Colour swaps (--swap)"}));
   // The descriptions of each list begin in one column.
   EXPECT_NE(run.output.find("\n  tritan      short-wave deficient\n"), std::string::npos);
   EXPECT_NE(run.output.find("\n  brightness  brightness; --brightness\n"), std::string::npos);

@@ -226,6 +226,8 @@ TEST(Report, WhatCannotBeReadIsOneLineAndNothingIsWritten) {
   expectRefused(report({"-o", page}), 2, "INPUT");
   expectRefused(report({good}), 2, "--output");
   expectRefused(report({good, "-o", page, "--width", "63"}), 2, "63");
+  expectRefused(report({good, "-o", page, "--width", "4097"}), 2,
+                "4097 is not between 64 and 4096");
   expectRefused(report({good, "-o", page, "--width", "9.5"}), 2, "9.5");
   expectRefused(report({good, "-o", page, "--severity", "x"}), 2, "\"x\"");
   expectRefused(runTool({"--mode", "tritan", "report", good, "-o", page}), 2, "--mode");

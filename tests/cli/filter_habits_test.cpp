@@ -1,8 +1,14 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
+#include <fstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "cli/image_file.h"
@@ -115,6 +121,31 @@ TEST(FilterHabits, AnyNumberOfJobsWritesTheSameFiles) {
       EXPECT_EQ(readFile(folder / (jobs + name)), readFile(folder / ("1" + name)));
     }
   }
+}
+
+TEST(FilterHabits, EveryProcessorHasAnImage) {
+  if (std::thread::hardware_concurrency() < 2) GTEST_SKIP() << "there is one processor";
+  const TemporaryFolder folder;
+  const std::string first = folder / "first.png";
+  const std::string second = folder / "second.png";
+  for (const std::string& pipe : {first, second}) ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  std::thread tool([&] { EXPECT_EQ(invert({first, second, folder / "out/"}).status, 0); });
+  // The second picture arrives while the first is still awaited.
+  int pipe = -1;
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+  while (pipe < 0 && std::chrono::steady_clock::now() < end) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    pipe = ::open(second.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+  }
+  EXPECT_GE(pipe, 0) << "nothing reads the second";
+  const std::string png = samplePng();
+  if (pipe >= 0) {
+    EXPECT_EQ(::write(pipe, png.data(), png.size()), static_cast<ssize_t>(png.size()));
+    ::close(pipe);
+  }
+  std::ofstream(first, std::ios::binary) << png;
+  if (pipe < 0) std::ofstream(second, std::ios::binary) << png;
+  tool.join();
 }
 
 TEST(FilterHabits, LowerQualityMakesASmallerJpeg) {

@@ -200,6 +200,29 @@ TEST(Report, IsOnePageThatStandsAlone) {
   EXPECT_EQ(folder.names(), (Words{"a.gpl", "b.jpg", "page.html"}));
 }
 
+TEST(Report, SaysThatAPaletteHasNoFindings) {
+  const std::string none =
+      "<h3>Findings</h3>\n<p>None: whatever is told apart (from a difference of 20) stays so to "
+      "every viewer.</p>\n";
+  const std::string html = report({"black", "white", "--apart", "20", "-o", "-"}).output;
+  EXPECT_NE(html.find(none), std::string::npos) << html;
+  EXPECT_EQ(report({"black", "-o", "-"}).output.find("Findings"), std::string::npos)
+      << "there is no pair";
+}
+
+TEST(Report, HasATableOfEveryPair) {
+  const std::string html = report({"#000", "#fff", "#f00", "-o", "-"}).output;
+  const std::string table = html.substr(html.find("<summary>All pairs"));
+  const auto place = [&](const std::string& first, const std::string& second) {
+    return table.find("<code>" + first + "</code><br><code>" + second + "</code>");
+  };
+  EXPECT_LT(place("#000000", "#ffffff"), place("#000000", "#ff0000"));
+  EXPECT_LT(place("#000000", "#ff0000"), place("#ffffff", "#ff0000"));
+  EXPECT_NE(place("#ffffff", "#ff0000"), std::string::npos);
+  // Nothing differs more than black and white.
+  EXPECT_NE(table.find("<td class=\"number\">100.0<br>21.00</td>"), std::string::npos);
+}
+
 TEST(Report, ReadsStandardInput) {
   const ToolRun palette = report({"-", "-o", "-"}, "#ff0000 #008000");
   EXPECT_EQ(palette.status, 0);

@@ -209,7 +209,9 @@ void ProgramTest::moveCursor(LONG x, LONG y) {
     Sleep(untilAsked);
     POINT place{};
     if (GetCursorPos(&place) != 0 && place.x == x && place.y == y) return true;
-    // The display's answer to an earlier move came late.
+    // The display's answer to an earlier move came late, or it refused the move because a drag had
+    // not quite ended. Wine does not ask it again for a position that the desktop has already.
+    SetCursorPos(static_cast<int>(x) - 1, static_cast<int>(y));
     SetCursorPos(static_cast<int>(x), static_cast<int>(y));
     return false;
   }));

@@ -1,4 +1,5 @@
 // The colour space window as a window: its place, when it is shown, and its title.
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <thread>
@@ -217,6 +218,19 @@ TEST_F(ColourSpace, ADragOfItUndocksItAndKeyKDocksItAgain) {
   const Area docked = x().outerAreaOf(colourSpace());
   for (int i = 0; i < 3; ++i) press(XK_Left, {XK_Shift_L});
   EXPECT_EQ(x().outerAreaOf(colourSpace()), docked);
+}
+
+TEST_F(ColourSpace, AppearsAboveTheFullScreen) {
+  start(703, false);
+  press(XK_f);
+  ASSERT_TRUE(eventually([&] { return view() == x().screenArea(); }));
+  press(XK_e);
+  ASSERT_TRUE(showing(colourSpace(), true));
+  EXPECT_TRUE(eventually([&] {
+    const auto stack = x().numbers(x().root(), "_NET_CLIENT_LIST_STACKING");
+    const auto own = std::ranges::find(stack, colourSpace());
+    return own != stack.end() && std::ranges::find(stack, main()) < own;
+  }));
 }
 
 TEST_F(ColourSpace, FullScreenUndocksIt) {

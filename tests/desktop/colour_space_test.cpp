@@ -226,6 +226,9 @@ TEST_F(ColourSpace, AppearsAboveTheFullScreen) {
   ASSERT_TRUE(eventually([&] { return view() == x().screenArea(); }));
   press(XK_e);
   ASSERT_TRUE(showing(colourSpace(), true));
+  // Some window managers show above a full screen only what belongs to it.
+  EXPECT_TRUE(eventually(
+      [&] { return x().numbers(colourSpace(), "WM_TRANSIENT_FOR") == std::vector{main()}; }));
   EXPECT_TRUE(eventually([&] {
     const auto stack = x().numbers(x().root(), "_NET_CLIENT_LIST_STACKING");
     const auto own = std::ranges::find(stack, colourSpace());

@@ -77,6 +77,9 @@ class Soak : public ProgramTest {
     // The title that confirms a copy lasts three seconds.
     std::this_thread::sleep_for(std::chrono::seconds(4));
     settle();
+    // While the main window is shown, the view holds pixmaps of the windows beneath it, and which
+    // windows of the window manager are there depends on what happened.
+    minimise();
     Holdings holdings{.kilobytes = process().memory(),
                       .resources = resourcesOf(x(), process().id())};
     const std::string folder = "/proc/" + std::to_string(process().id()) + "/fd";
@@ -84,6 +87,9 @@ class Soak : public ProgramTest {
       static_cast<void>(entry);
       ++holdings.descriptors;
     }
+    x().tellManager(main(), "_NET_ACTIVE_WINDOW", {2, 0, 0});
+    EXPECT_TRUE(showing(main(), true));
+    settle();
     return holdings;
   }
 
@@ -98,6 +104,12 @@ class Soak : public ProgramTest {
   }
 
  private:
+  void minimise() {
+    constexpr std::uint32_t iconic = 3;
+    x().tellManager(main(), "WM_CHANGE_STATE", {iconic});
+    EXPECT_TRUE(showing(main(), false));
+    settle();
+  }
   void come() {
     constexpr std::size_t most = 12;
     if (scene().size() >= most) return go();

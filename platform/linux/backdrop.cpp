@@ -26,7 +26,8 @@ struct Backdrop {
   bool ownsTile = false;              // the tile is a copy of what the server paints
   QRegion copied;                     // the part that was copied so far
   bool learns = false;                // reads the screen where no window is
-  QRegion uncovered;                  // when the screen was last looked at
+  QRegion uncovered;                  // all the time since the screen was last looked at
+  bool windowsMoved = false;          // the last event moved or showed a window
   QRegion unlearned;                  // drawn or uncovered since it was learned
   xcb_gcontext_t context = XCB_NONE;  // paints with the tile
   bool drawn = false;                 // something was drawn on the screen since the last look
@@ -107,8 +108,8 @@ bool hasPaintedAnother(const QRegion& drawn) {
   return !onScreen || !copied || !std::ranges::equal(bytesOf(*onScreen), bytesOf(*copied));
 }
 
-// Learns only what was uncovered at the last look too, because a window that has just gone may
-// still be on the screen.
+// Learns only what no window has covered since the last look, because a window that has just gone
+// may still be on the screen.
 void learnWhatRests(const QRegion& drawn) {
   const QRegion uncovered = uncoveredRoot();
   backdrop.unlearned = (backdrop.unlearned + drawn + (uncovered - learnedPart())) & uncovered;
@@ -146,10 +147,16 @@ void takeInScreen(const QRegion& drawn) {
   windowStack.backgroundChanged |= !isComplete || hasPaintedAnother(drawnOnRoot);
 }
 
+void noteCovered() {
+  if (backdrop.windowsMoved) backdrop.uncovered &= uncoveredRoot();
+  backdrop.windowsMoved = false;
+}
+
 bool movesWindows(const xcb_generic_event_t& event) {
   switch (event.response_type & 0x7F) {
     case XCB_DESTROY_NOTIFY:
     case XCB_UNMAP_NOTIFY:
+    case XCB_MAP_NOTIFY:
     case XCB_REPARENT_NOTIFY:
     case XCB_CONFIGURE_NOTIFY:
       return true;
@@ -196,8 +203,12 @@ void stopBackdrop() {
 
 bool followBackdrop(const xcb_generic_event_t& event) {
   const bool drawn = followScreen(event);
+  const bool moves = movesWindows(event);
+  // The windows are listed as they were after the event before this one.
+  if (backdrop.learns) noteCovered();
+  backdrop.windowsMoved = moves;
   backdrop.drawn |= drawn;
-  if (drawn || (backdrop.drawn && movesWindows(event))) lookLater();
+  if (drawn || (backdrop.drawn && moves)) lookLater();
   return drawn;
 }
 

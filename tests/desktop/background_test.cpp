@@ -1,5 +1,8 @@
 // The screen's background, when it is set and set again.
+#include <chrono>
+#include <cmath>
 #include <filesystem>
+#include <thread>
 
 #include "program_run.h"
 
@@ -117,6 +120,57 @@ TEST_F(Background, APixmapThatIsGoneIsNotTaken) {
   storeValues({{"Selected", 4}});
   start();
   EXPECT_TRUE(viewShows(expected::greyscale()));
+}
+
+// A compositing manager that is behind still draws a window in a place that the window leaves again
+// and again. The picture of the window must not be taken for the background there.
+TEST_F(Background, AWindowThatComesAndGoesIsNotTakenForIt) {
+  constexpr std::chrono::milliseconds pause{60};
+  constexpr std::chrono::milliseconds longestPause{250};
+  useDisplay(std::make_shared<XDisplay>(std::vector<std::string>{}, Manager::None, "1280x800",
+                                        Compositor::Picom));
+  storeValues({{"Selected", 4}, {"ColorSpace", 0}});
+  start();
+  x().move(main(), 700, 300);
+  const Area place{100, 100, 200, 150};
+  ASSERT_TRUE(eventually([&] { return view().x == 700; }));
+  settle();
+  const Picture background = x().read(place);
+  Sheet& sheet = scene().addNoise(place, 1);
+  ASSERT_TRUE(eventually([&] { return x().read(place).pixels != background.pixels; }));
+  const xcb_pixmap_t late = x().pixmapOf(x().read(place));
+  const xcb_gcontext_t onScreen = xcb_generate_id(x().connection());
+  const std::uint32_t mode = XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS;
+  xcb_create_gc(x().connection(), onScreen, x().root(), XCB_GC_SUBWINDOW_MODE, &mode);
+  {
+    const auto held = display().holdCompositor(std::chrono::milliseconds(3500));
+    for (int i = 0; i < 30; ++i) {
+      const auto left = std::chrono::steady_clock::now();
+      scene().move(sheet, 900, 20);
+      xcb_copy_area(x().connection(), late, x().root(), onScreen, 0, 0, 100, 100, 200, 150);
+      x().sync();
+      std::this_thread::sleep_for(pause);
+      scene().move(sheet, place.x, place.y);
+      const auto away = std::chrono::steady_clock::now() - left;
+      if (away > longestPause) GTEST_SKIP() << "The machine is too busy.";
+    }
+    x().move(main(), 90, 90);
+    ASSERT_TRUE(eventually([&] { return view().x == 90; }));
+    settle();
+    scene().move(sheet, 900, 20);
+  }
+  const auto shows = [&] {
+    const Picture seen = x().read(place);
+    for (std::size_t i = 0; i < seen.pixels.size(); ++i) {
+      const Colour wanted = filtered(colourOf(background.pixels[i]), grey);
+      const Colour actual = colourOf(seen.pixels[i]);
+      for (std::size_t j = 0; j < 3; ++j) {
+        if (std::abs(actual[j] - std::round(wanted[j])) > 1) return false;
+      }
+    }
+    return true;
+  };
+  EXPECT_TRUE(eventually(shows));
 }
 
 }  // namespace

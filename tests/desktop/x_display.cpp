@@ -130,6 +130,10 @@ std::future<void> XDisplay::holdServer(std::chrono::milliseconds duration) {
   return hold(*server_, duration);
 }
 
+std::future<void> XDisplay::holdCompositor(std::chrono::milliseconds duration) {
+  return hold(*compositor_, duration);
+}
+
 void XDisplay::startCompositor() {
   compositor_ = std::make_unique<Process>(
       Launch{.command = {"picom", "--config", "/dev/null", "--backend", "xrender"},

@@ -37,6 +37,8 @@ class XDisplay {
   void endCompositor();
   // Stops the window manager for a while. The future's destructor waits until it goes on.
   [[nodiscard]] std::future<void> holdManager(std::chrono::milliseconds duration);
+  // Stops the compositing manager likewise.
+  [[nodiscard]] std::future<void> holdCompositor(std::chrono::milliseconds duration);
   void endServer() { server_->signal(SIGTERM); }
   // Stops the server for a while. The future's destructor waits until it goes on.
   [[nodiscard]] std::future<void> holdServer(std::chrono::milliseconds duration);

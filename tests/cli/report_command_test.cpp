@@ -90,6 +90,15 @@ TEST(Report, HoldsEachPictureAndWhatFilterMakesOfIt) {
   for (const std::string name : {"Judd 1948", "Machado et al. 2009", "Brettel et al. 1997"}) {
     EXPECT_EQ(picturesOf(run.output, "a.png as seen with tritan " + name).size(), 1U) << name;
   }
+  // Each of the viewers can be compared with the original.
+  Words choices;
+  const std::regex choice("<input type=\"radio\"[^>]*> ([^<]*)</label>");
+  for (std::sregex_iterator found(run.output.begin(), run.output.end(), choice), end; found != end;
+       ++found) {
+    choices.push_back((*found)[1]);
+  }
+  EXPECT_EQ(choices, (Words{"protan 60%", "protan 100%", "deutan 60%", "deutan 100%", "tritan 60%",
+                            "tritan 100%"}));
 }
 
 TEST(Report, NamesOfPicturesStayWithinTheirAttributes) {

@@ -160,7 +160,7 @@ TEST_F(MirrorBench, Costs) {
     const double used = process().processorSeconds() - before;
     const double share = used / std::chrono::duration<double>(Clock::now() - start).count();
     ASSERT_FALSE(latencies.empty());
-    const auto at = [&](double part) {
+    const auto at = [&latencies = latencies](double part) {
       return latencies[static_cast<std::size_t>(part * static_cast<double>(latencies.size() - 1))];
     };
     std::printf("%dx%d at %d/s: sent %.1f/s, shown %.1f/s (%.3f of it).\n", width, height, rate,

@@ -35,13 +35,13 @@ extern "C" xcb_void_cookie_t xcb_composite_redirect_window(xcb_connection_t* con
   return redirect(connection, window, update);
 }
 
-extern "C" xcb_get_image_cookie_t xcb_get_image(xcb_connection_t* connection, std::uint8_t format,
+extern "C" xcb_get_image_cookie_t xcb_get_image(xcb_connection_t* c, std::uint8_t format,
                                                 xcb_drawable_t drawable, std::int16_t x,
                                                 std::int16_t y, std::uint16_t width,
-                                                std::uint16_t height, std::uint32_t planes) {
-  if (latest != XCB_NONE) touch(connection, latest);
+                                                std::uint16_t height, std::uint32_t plane_mask) {
+  if (latest != XCB_NONE) touch(c, latest);
   const std::string note = std::string(std::getenv("HOME")) + "/late-paint";
   if (std::FILE* const file = std::fopen(note.c_str(), "w")) std::fclose(file);
   const auto ask = reinterpret_cast<decltype(&xcb_get_image)>(dlsym(RTLD_NEXT, "xcb_get_image"));
-  return ask(connection, format, drawable, x, y, width, height, planes);
+  return ask(c, format, drawable, x, y, width, height, plane_mask);
 }

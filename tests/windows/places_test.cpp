@@ -30,7 +30,7 @@ constexpr std::array languages{LanguageRow{"ru_RU", 1251}, LanguageRow{"ja_JP", 
 class AnyLanguage : public UndrawnTest {
  protected:
   void SetUp() override {
-    ProgramTest::SetUp();
+    UndrawnTest::SetUp();
     const char* const locale = std::getenv("LC_ALL");
     for (const LanguageRow& language : languages) {
       if (locale == nullptr || !std::string_view(locale).starts_with(language.locale)) continue;
@@ -121,7 +121,7 @@ void PrintTo(const PlaceRow& row, std::ostream* out) {
 class Places : public UndrawnTest, public testing::WithParamInterface<PlaceRow> {
  protected:
   void SetUp() override {
-    ProgramTest::SetUp();
+    UndrawnTest::SetUp();
     for (const std::wstring& folder : levels()) {
       CreateDirectoryW((literally + folder).c_str(), nullptr);
     }

@@ -217,6 +217,18 @@ void sendFrame(pw_buffer* buffer, const std::string& what, std::istringstream& w
   send(buffer, source.shown, part, Kind::Whole);
 }
 
+// Returns a buffer with room for a picture, or null. While both sides agree on a new format,
+// buffers of the old size may still come: those go back without pixels.
+pw_buffer* roomyBuffer() {
+  pw_buffer* const buffer = pw_stream_dequeue_buffer(source.stream);
+  if (buffer == nullptr) return nullptr;
+  const spa_data& data = buffer->buffer->datas[0];
+  const int needed = source.offset + stride() * source.height;
+  if (data.data != nullptr && data.maxsize >= static_cast<std::uint32_t>(needed)) return buffer;
+  send(buffer, {}, {}, Kind::Empty);
+  return nullptr;
+}
+
 // Runs a command. Returns false if it must wait: for a reader, for agreement on the format, or for
 // a buffer.
 bool run(const std::string& line) {
@@ -245,7 +257,7 @@ bool run(const std::string& line) {
     if (source.lostIn == 0) source.lostIn = source.beginnings;
     if (source.lostIn == source.beginnings) return false;
   }
-  pw_buffer* const buffer = pw_stream_dequeue_buffer(source.stream);
+  pw_buffer* const buffer = roomyBuffer();
   if (buffer == nullptr) return false;
   sendFrame(buffer, what, words);
   return true;
@@ -299,7 +311,7 @@ void sendPaced(void* /*data*/, std::uint64_t /*turns*/) {
     return printPaced();
   }
   --source.toPace;
-  pw_buffer* const buffer = pw_stream_dequeue_buffer(source.stream);
+  pw_buffer* const buffer = roomyBuffer();
   if (buffer == nullptr) return;
   constexpr std::size_t greys = 200;
   const std::size_t grey = 20 + source.paced.size() % greys;

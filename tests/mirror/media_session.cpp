@@ -152,7 +152,12 @@ void MediaSession::startSource() {
 
 void MediaSession::send(const std::string& command) const {
   const std::string line = command + '\n';
-  const int pipe = open((folder() + "/commands").c_str(), O_WRONLY | O_CLOEXEC);
+  // Does not wait for a reader that has ended.
+  int pipe = -1;
+  eventually([&] {
+    pipe = open((folder() + "/commands").c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK);
+    return pipe >= 0;
+  });
   const ssize_t written = write(pipe, line.data(), line.size());
   close(pipe);
   if (written != static_cast<ssize_t>(line.size())) throw std::runtime_error("No command is read.");

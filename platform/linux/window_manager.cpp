@@ -189,13 +189,9 @@ void requestGeometry(const Window* window, const QRect& inner) {
 }
 
 void setWindowAbove(Window* window, const Window* parent) {
-  if (parent == nullptr) {
-    xcb_delete_property(qtConnection(), idOf(window), XCB_ATOM_WM_TRANSIENT_FOR);
-  } else {
-    const xcb_window_t id = idOf(parent);
-    xcb_change_property(qtConnection(), XCB_PROP_MODE_REPLACE, idOf(window),
-                        XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, 32, 1, &id);
-  }
+  const xcb_window_t id = idOf(parent);
+  xcb_change_property(qtConnection(), XCB_PROP_MODE_REPLACE, idOf(window),
+                      XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, 32, 1, &id);
   xcb_flush(qtConnection());
 }
 

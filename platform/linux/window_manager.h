@@ -34,7 +34,7 @@ bool isManaged(const Window* window);
 // Returns true if the server sends keys to a window, wherever the mouse is.
 bool anyWindowHasFocus();
 
-// Keeps a window above another one that fills the screen, or stops doing so if that is null.
+// Keeps a window above another one that fills the screen.
 void setWindowAbove(Window* window, const Window* parent);
 
 // Passes mouse input through the window and every frame around it, or stops doing so.

@@ -105,14 +105,20 @@ TEST(FilterCommand, SimulatesOnTwoHalfPlanes) {
   }
 }
 
-TEST(FilterCommand, TellsThatThereIsNoRoomWhileRowsAreWritten) {
+// Returns a square opaque picture that no format packs well.
+Image noisyImage(std::uint32_t side) {
   Image image = colourfulImage(false);
-  image.width = image.height = 600;
-  image.pixels.resize(std::size_t{600} * 600 * 4);
+  image.width = image.height = side;
+  image.pixels.resize(std::size_t{4} * side * side);
   std::mt19937 random(1);
   for (std::size_t i = 0; i < image.pixels.size(); ++i) {
     image.pixels[i] = i % 4 == 3 ? 255 : static_cast<std::uint8_t>(random());
   }
+  return image;
+}
+
+TEST(FilterCommand, TellsThatThereIsNoRoomWhileRowsAreWritten) {
+  const Image image = noisyImage(600);
   const TemporaryFolder folder;
   const std::string in = folder.write("in.png", encoded(image, ImageFormat::Png));
   for (const std::string name : {"out.png", "out.jpg"}) {
@@ -155,13 +161,7 @@ TEST(FilterCommand, TellsWhyAFileCannotBeRead) {
 TEST(FilterCommand, ReadsLongFilesPieceByPieceAsItReadsThemWhole) {
   constexpr std::uintmax_t piece = std::uintmax_t{1} << 16;
   const TemporaryFolder folder;
-  Image image = colourfulImage(false);
-  image.width = image.height = 300;
-  image.pixels.resize(std::size_t{300} * 300 * 4);
-  std::mt19937 random(1);
-  for (std::size_t i = 0; i < image.pixels.size(); ++i) {
-    image.pixels[i] = i % 4 == 3 ? 255 : static_cast<std::uint8_t>(random());
-  }
+  const Image image = noisyImage(300);
   for (const ImageFormat format : {ImageFormat::Jpeg, ImageFormat::Png}) {
     const std::string file = encoded(image, format);
     ASSERT_GT(file.size(), 2 * piece);

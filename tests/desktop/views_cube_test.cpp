@@ -188,6 +188,12 @@ TEST_F(CubeView, IsNotTurnedByMovesWithoutAButton) {
   EXPECT_TRUE(cubeIs(untransformed, {turnOf(40, 0)}));
 }
 
+TEST_F(CubeView, IsNotTurnedByMovesOutsideItsWindow) {
+  startWith(View::Cube);
+  drag(1, {{200, 200}, {240, 200}, {240, 460}, {300, 480}});
+  EXPECT_TRUE(cubeIs(untransformed, {turnOf(40, 0)}));
+}
+
 TEST_F(CubeView, IsLeftAsItWasTurnedByTheOtherViews) {
   startWith(View::Diagram, {}, 2, 60);
   const Picture diagram = shown();

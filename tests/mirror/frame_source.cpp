@@ -10,14 +10,12 @@
 //   solid PIXEL                    a picture of one colour
 //   empty                          a buffer without pixels
 //   broken                         a buffer whose rows lie outside its memory
-//   transform NUMBER               says from now on that pictures are turned or flipped; the
-//   numbers
-//                                  are PipeWire's
+//   transform NUMBER               says from now on that pictures are turned or flipped, by
+//                                  PipeWire's number
 //   buffers COUNT                  has that many from the next format on
-//   pace RATE COUNT                sends COUNT greys at RATE a second, each one brighter than the
-//   one
-//                                  before or the first again; then prints "sent" and the time of
-//                                  each in nanoseconds
+//   pace RATE COUNT                sends COUNT greys at RATE a second, each brighter than the last
+//                                  or the first again; then prints "sent" and the time of each in
+//                                  nanoseconds
 #include <fcntl.h>
 #include <pipewire/pipewire.h>
 #include <spa/param/video/format-utils.h>

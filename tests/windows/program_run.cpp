@@ -53,8 +53,8 @@ std::string inWindows1252(const std::wstring& text) {
 
 // Tells Wine how Direct3D draws in the programs that start from now on.
 void drawWith(const char* renderer) {
-  RegSetKeyValueA(HKEY_CURRENT_USER, "Software\\Wine\\AppDefaults\\Tintora.exe\\Direct3D",
-                  "renderer", REG_SZ, renderer, static_cast<DWORD>(std::strlen(renderer) + 1));
+  RegSetKeyValueA(HKEY_CURRENT_USER, direct3dKey, "renderer", REG_SZ, renderer,
+                  static_cast<DWORD>(std::strlen(renderer) + 1));
 }
 
 }  // namespace

@@ -54,6 +54,9 @@ Bounds clientBoundsOf(HWND window);
 Bounds boundsOf(const RECT& rectangle);
 Bounds screenBounds();
 
+// Wine's settings of Direct3D for the program, in the registry.
+constexpr const char* direct3dKey = "Software\\Wine\\AppDefaults\\Tintora.exe\\Direct3D";
+
 // Returns the record that all programs started by the tests write to.
 MagnifierRecord& magnifierRecord();
 

@@ -17,16 +17,15 @@ namespace {
 class DrawingStraight {
  public:
   DrawingStraight() {
-    EXPECT_EQ(RegSetKeyValueA(HKEY_CURRENT_USER, key, "OffscreenRenderingMode", REG_SZ, mode,
-                              sizeof mode),
+    EXPECT_EQ(RegSetKeyValueA(HKEY_CURRENT_USER, direct3dKey, "OffscreenRenderingMode", REG_SZ,
+                              mode, sizeof mode),
               ERROR_SUCCESS);
   }
-  ~DrawingStraight() { RegDeleteTreeA(HKEY_CURRENT_USER, key); }
+  ~DrawingStraight() { RegDeleteTreeA(HKEY_CURRENT_USER, direct3dKey); }
   DrawingStraight(const DrawingStraight&) = delete;
   DrawingStraight& operator=(const DrawingStraight&) = delete;
 
  private:
-  static constexpr const char* key = "Software\\Wine\\AppDefaults\\Tintora.exe\\Direct3D";
   static constexpr char mode[] = "backbuffer";
 };
 

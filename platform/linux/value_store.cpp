@@ -1,5 +1,6 @@
 #include "platform/value_store.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QSettings>
 #include <QString>
@@ -48,6 +49,9 @@ void writeValues(std::span<const StoredValue> values) {
   const QFileInfo file(settingsPath());
   // Opening a pipe would block.
   if (file.exists() && !file.isFile()) return;
+  // Qt would wait half a minute for the lock of a program that was killed while it saved. Nothing
+  // needs the lock, because the file is replaced as a whole.
+  QFile::remove(settingsPath() + ".lock");
   QSettings settings(settingsPath(), QSettings::IniFormat);
   if (settings.status() == QSettings::FormatError) settings.clear();
   for (const StoredValue& value : values) {

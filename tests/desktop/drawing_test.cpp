@@ -43,9 +43,9 @@ class Drawing : public ProgramTest {
     return areas;
   }
   // Waits until nothing more is drawn. On a busy machine, drawing after the start or after a new
-  // window comes late.
+  // window comes late, and a look at the background comes 300 ms after that.
   void comeToRest() {
-    constexpr std::chrono::milliseconds quiet{200};
+    constexpr std::chrono::milliseconds quiet{600};
     ASSERT_TRUE(eventually([&] {
       std::this_thread::sleep_for(quiet);
       return drawn().empty();

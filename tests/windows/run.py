@@ -209,17 +209,14 @@ def provide_prefix(wine, original, prefix, display_name):
         copy_prefix(original, prefix)
 
 
-def make_locales(folder):
-    """Makes locales with code pages other than Western Europe's. Returns the
-    folder in which Wine finds them."""
-    for locale in LOCALES:
-        target = folder / f"{locale}.UTF-8"
-        if not target.exists():
-            folder.mkdir(parents=True, exist_ok=True)
-            subprocess.run(["localedef", "-i", locale, "-f", "UTF-8", target],
-                           check=True, stdout=subprocess.DEVNULL,
-                           stderr=subprocess.DEVNULL)
-    return folder
+def make_locale(folder, locale):
+    """Makes a locale in the folder, unless it is there."""
+    target = folder / f"{locale}.UTF-8"
+    if not target.exists():
+        folder.mkdir(parents=True, exist_ok=True)
+        subprocess.run(["localedef", "-i", locale, "-f", "UTF-8", target],
+                       check=True, stdout=subprocess.DEVNULL,
+                       stderr=subprocess.DEVNULL)
 
 
 def windows_path(path):
@@ -262,10 +259,10 @@ def end_wine(environment):
 
 
 def run_tests(options, wine, environment, program):
+    share = options.share[0] if options.share else 0
     environment = dict(
         environment, TINTORA_PROGRAM=windows_path(program),
-        GTEST_TOTAL_SHARDS=str(options.shares),
-        GTEST_SHARD_INDEX=str(options.share[0] if options.share else 0),
+        GTEST_TOTAL_SHARDS=str(options.shares), GTEST_SHARD_INDEX=str(share),
         TINTORA_PLANTED_LIBRARY=windows_path(options.tests / "planted.dll"))
     if options.pictures:
         options.pictures.mkdir(parents=True, exist_ok=True)
@@ -285,14 +282,23 @@ def run_tests(options, wine, environment, program):
     result = run_program(options, wine, environment, name,
                          ["--gtest_filter=-" + ":".join(SPECIAL_TESTS.values())])
     result |= run_program(options, wine, environment, UNIT_TESTS, [])
-    # Wine takes the language from its first process, so it must start anew.
-    environment["LOCPATH"] = str(make_locales(options.work / "locales"))
-    for locale in LOCALES:
-        end_wine(environment)
-        result |= run_program(
-            options, wine, dict(environment, LC_ALL=f"{locale}.UTF-8"), name,
-            ["--gtest_filter=*AnyLanguage*"])
+    for locale in LOCALES[share::options.shares]:
+        result |= run_in_locale(options, wine, environment, locale)
     return result
+
+
+def run_in_locale(options, wine, environment, locale):
+    """Runs all tests that hold in every language, in one share: Wine takes the
+    language from its first process, so it must start anew, which takes longer
+    than these tests."""
+    folder = options.work / "locales"
+    make_locale(folder, locale)
+    end_wine(environment)
+    return run_program(
+        options, wine,
+        dict(environment, LOCPATH=str(folder), LC_ALL=f"{locale}.UTF-8",
+             GTEST_TOTAL_SHARDS="1", GTEST_SHARD_INDEX="0"),
+        "tintora_windows_tests.exe", ["--gtest_filter=*AnyLanguage*"])
 
 
 def run_shares(shares, arguments):

@@ -7,7 +7,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
+#include <utility>
 
 #include "platform/linux/compositing.h"
 #include "platform/linux/image_requests.h"
@@ -27,6 +29,7 @@ struct Backdrop {
   QRegion copied;                     // the part that was copied so far
   bool learns = false;                // reads the screen where no window is
   QRegion uncovered;                  // all the time since the screen was last looked at
+  QRegion unshaded;                   // likewise, and far from all windows
   bool windowsMoved = false;          // the last event moved or showed a window
   QRegion unlearned;                  // drawn or uncovered since it was learned
   xcb_gcontext_t context = XCB_NONE;  // paints with the tile
@@ -109,15 +112,19 @@ bool hasPaintedAnother(const QRegion& drawn) {
 }
 
 // Learns only what no window has covered since the last look, because a window that has just gone
-// may still be on the screen.
+// may still be on the screen, and so may its shadow.
 void learnWhatRests(const QRegion& drawn) {
   const QRegion uncovered = uncoveredRoot();
-  backdrop.unlearned = (backdrop.unlearned + drawn + (uncovered - learnedPart())) & uncovered;
+  const QRegion unshaded = unshadedRoot();
+  backdrop.unlearned += drawn + (uncovered - learnedPart()) + (unshaded - learnedWithoutShadows());
+  backdrop.unlearned &= uncovered;
   const QRegion resting = backdrop.unlearned & backdrop.uncovered;
-  learn(resting);
+  if (learn(resting, backdrop.unshaded)) changeAll();
   backdrop.unlearned -= resting;
   backdrop.uncovered = uncovered;
-  if (!backdrop.unlearned.isEmpty()) lookLater();
+  backdrop.unshaded = unshaded;
+  const bool isComplete = (unshaded - learnedWithoutShadows()).isEmpty();
+  if (!isComplete || !backdrop.unlearned.isEmpty()) lookLater();
 }
 
 // Requests nothing while windows cover the whole root, because all drawing is theirs. The drawing
@@ -126,6 +133,7 @@ void lookAtScreen() {
   if (!backdrop.isRead) return;
   if (uncoveredRoot().isEmpty()) {
     backdrop.uncovered = QRegion();
+    backdrop.unshaded = QRegion();
     return;
   }
   backdrop.drawn = false;
@@ -148,8 +156,9 @@ void takeInScreen(const QRegion& drawn) {
 }
 
 void noteCovered() {
-  if (backdrop.windowsMoved) backdrop.uncovered &= uncoveredRoot();
-  backdrop.windowsMoved = false;
+  if (!std::exchange(backdrop.windowsMoved, false)) return;
+  backdrop.uncovered &= uncoveredRoot();
+  backdrop.unshaded &= unshadedRoot();
 }
 
 bool movesWindows(const xcb_generic_event_t& event) {
@@ -165,22 +174,32 @@ bool movesWindows(const xcb_generic_event_t& event) {
   }
 }
 
-void paintTile(xcb_pixmap_t target, const QPoint& origin, const QRect& part) {
-  completeTile(part);
-  const std::uint32_t style =
-      backdrop.tile == XCB_NONE ? XCB_FILL_STYLE_SOLID : XCB_FILL_STYLE_TILED;
-  xcb_change_gc(x(), backdrop.context, XCB_GC_FILL_STYLE, &style);
-  if (backdrop.tile != XCB_NONE) {
-    const std::array<std::uint32_t, 3> tile{backdrop.tile, static_cast<std::uint32_t>(-origin.x()),
-                                            static_cast<std::uint32_t>(-origin.y())};
-    xcb_change_gc(x(), backdrop.context,
-                  XCB_GC_TILE | XCB_GC_TILE_STIPPLE_ORIGIN_X | XCB_GC_TILE_STIPPLE_ORIGIN_Y,
-                  tile.data());
-  }
+void fill(xcb_pixmap_t target, const QPoint& origin, const QRect& part) {
   const QRect place = part.translated(-origin);
   const xcb_rectangle_t rectangle{i16(place.x()), i16(place.y()), u16(place.width()),
                                   u16(place.height())};
   xcb_poly_fill_rectangle(x(), target, backdrop.context, 1, &rectangle);
+}
+
+void paintColour(std::uint32_t colour, xcb_pixmap_t target, const QPoint& origin,
+                 const QRect& part) {
+  const std::array<std::uint32_t, 2> solid{colour, XCB_FILL_STYLE_SOLID};
+  xcb_change_gc(x(), backdrop.context, XCB_GC_FOREGROUND | XCB_GC_FILL_STYLE, solid.data());
+  fill(target, origin, part);
+}
+
+void paintTile(xcb_pixmap_t target, const QPoint& origin, const QRect& part) {
+  completeTile(part);
+  constexpr std::uint32_t black = 0;
+  if (backdrop.tile == XCB_NONE) return paintColour(black, target, origin, part);
+  const std::array<std::uint32_t, 4> tiled{XCB_FILL_STYLE_TILED, backdrop.tile,
+                                           static_cast<std::uint32_t>(-origin.x()),
+                                           static_cast<std::uint32_t>(-origin.y())};
+  xcb_change_gc(
+      x(), backdrop.context,
+      XCB_GC_FILL_STYLE | XCB_GC_TILE | XCB_GC_TILE_STIPPLE_ORIGIN_X | XCB_GC_TILE_STIPPLE_ORIGIN_Y,
+      tiled.data());
+  fill(target, origin, part);
 }
 
 }  // namespace
@@ -192,7 +211,8 @@ void startBackdrop() {
   readBackdrop();
   windowStack.backgroundChanged = false;
   backdrop.uncovered = uncoveredRoot();
-  if (backdrop.learns) learn(backdrop.uncovered);
+  backdrop.unshaded = unshadedRoot();
+  if (backdrop.learns) learn(backdrop.uncovered, backdrop.unshaded);
   lookLater();
 }
 
@@ -233,9 +253,17 @@ void paintBackdrop(xcb_pixmap_t target, const QPoint& origin, const QRect& part)
     readBackdrop();
     completeTile(wholeRoot());
   }
-  const QRegion learned = backdrop.learns ? learnedPart() & part : QRegion();
+  const auto plain = backdrop.learns ? plainColour() : std::nullopt;
+  QRegion learned;
+  if (backdrop.learns) learned = (plain ? learnedWithoutShadows() : learnedPart()) & part;
   for (const QRect& rect : learned) copyArea(learnedPixels(), target, origin, rect);
-  for (const QRect& rect : QRegion(part) - learned) paintTile(target, origin, rect);
+  for (const QRect& rect : QRegion(part) - learned) {
+    if (plain) {
+      paintColour(*plain, target, origin, rect);
+    } else {
+      paintTile(target, origin, rect);
+    }
+  }
 }
 
 }  // namespace tintora::platform

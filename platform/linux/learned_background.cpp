@@ -4,13 +4,17 @@
 #include <xcb/xcbext.h>
 #include <xcb/xfixes.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "platform/linux/compositing.h"
+#include "platform/linux/image_requests.h"
 #include "platform/linux/window_stack.h"
 #include "platform/linux/x_server.h"
 
@@ -24,6 +28,8 @@ struct LearnedBackground {
   QSize size;
   xcb_gcontext_t reading = XCB_NONE;
   QRegion known;
+  QRegion withoutShadows;  // the part of it that was far from all windows when it was learned
+  std::optional<std::uint32_t> plain;
   // What was drawn on the screen: the server's region for it, and the request that reads it.
   xcb_xfixes_region_t drawn = XCB_NONE;
   std::optional<xcb_xfixes_fetch_region_cookie_t> request;
@@ -50,6 +56,98 @@ void makeRoom() {
   const std::array<std::uint32_t, 2> asShown{XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS, 0};
   xcb_create_gc(x(), learned.reading, xServer.screen->root,
                 XCB_GC_SUBWINDOW_MODE | XCB_GC_GRAPHICS_EXPOSURES, asShown.data());
+}
+
+// Returns lines across a region, which show it well enough and are read in a moment.
+std::vector<QRect> linesIn(const QRegion& region) {
+  constexpr int apart = 48;
+  std::vector<QRect> lines;
+  for (const QRect& rect : region) {
+    const int first = (rect.top() + apart - 1) / apart * apart;
+    for (int y = first; y <= rect.bottom(); y += apart) {
+      lines.emplace_back(rect.left(), y, rect.width(), 1);
+    }
+  }
+  return lines;
+}
+
+// Returns the colours along lines of the screen or of what is known, or nothing if the server
+// refuses.
+std::vector<std::uint32_t> coloursAlong(const std::vector<QRect>& lines, xcb_drawable_t source) {
+  if (lines.empty()) return {};
+  const QSize size(learned.size.width(), static_cast<int>(lines.size()));
+  const xcb_pixmap_t copy = xcb_generate_id(x());
+  xcb_create_pixmap(x(), xServer.screen->root_depth, copy, xServer.screen->root, u16(size.width()),
+                    u16(size.height()));
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    xcb_copy_area(x(), source, copy, learned.reading, i16(lines[i].x()), i16(lines[i].y()), 0,
+                  i16(static_cast<int>(i)), u16(lines[i].width()), 1);
+  }
+  const auto image = receiveImage(requestImage(copy, {QPoint(), size}), size);
+  xcb_free_pixmap(x(), copy);
+  if (!image) return {};
+  std::vector<std::uint32_t> colours;
+  const std::uint8_t* row = xcb_get_image_data(image.get());
+  for (const QRect& line : lines) {
+    const std::size_t before = colours.size();
+    const auto length = static_cast<std::size_t>(line.width());
+    colours.resize(before + length);
+    std::memcpy(colours.data() + before, row, 4 * length);
+    row += std::size_t{4} * static_cast<std::size_t>(size.width());
+  }
+  constexpr std::uint32_t withoutAlpha = 0xFFFFFF;
+  for (std::uint32_t& colour : colours) colour &= withoutAlpha;
+  return colours;
+}
+
+// Returns true if the screen shows another background than the one that is known. Then it was drawn
+// wherever it can be seen without shadows, and most of it is different, unlike where a window fades
+// away.
+bool showsAnother(const QRegion& drawn, const QRegion& unshaded) {
+  const QRegion comparable = learned.withoutShadows & unshaded;
+  if (comparable.isEmpty() || !(comparable - drawn).isEmpty()) return false;
+  const std::vector<QRect> lines = linesIn(comparable);
+  const std::vector<std::uint32_t> known = coloursAlong(lines, learned.pixels);
+  const std::vector<std::uint32_t> shown = coloursAlong(lines, xServer.screen->root);
+  if (known.size() != shown.size()) return false;
+  std::size_t different = 0;
+  for (std::size_t i = 0; i < known.size(); ++i) {
+    if (known[i] != shown[i]) ++different;
+  }
+  return 2 * different > known.size();
+}
+
+std::optional<std::uint32_t> findPlainColour() {
+  const auto sure = coloursAlong(linesIn(learned.withoutShadows), learned.pixels);
+  if (sure.empty()) return std::nullopt;
+  const std::uint32_t colour = sure[0];
+  const auto isSame = [&](std::uint32_t other) { return other == colour; };
+  if (!std::ranges::all_of(sure, isSame)) return std::nullopt;
+  const auto unsure = coloursAlong(linesIn(learned.known - learned.withoutShadows), learned.pixels);
+  const auto same = static_cast<std::size_t>(std::ranges::count_if(unsure, isSame));
+  return 2 * same >= unsure.size() ? std::optional(colour) : std::nullopt;
+}
+
+void copyFromScreen(const QRegion& part) {
+  for (const QRect& rect : part) {
+    xcb_copy_area(x(), xServer.screen->root, learned.pixels, learned.reading, i16(rect.x()),
+                  i16(rect.y()), i16(rect.x()), i16(rect.y()), u16(rect.width()),
+                  u16(rect.height()));
+  }
+}
+
+// Returns what is left of the root without all windows and a margin around each.
+QRegion rootWithoutWindows(int margin) {
+  QRegion rest(QRect(QPoint(), windowStack.rootSize));
+  for (const TopLevel* const topLevel : windowsSeen()) {
+    if (!topLevel->hasPixels || topLevel->window == overlayWindow()) continue;
+    if (margin == 0) {
+      rest -= topLevel->region();
+    } else {
+      rest -= topLevel->bounds.marginsAdded({margin, margin, margin, margin});
+    }
+  }
+  return rest;
 }
 
 }  // namespace
@@ -97,21 +195,26 @@ std::optional<QRegion> receivedScreenDamage() {
 }
 
 QRegion uncoveredRoot() {
-  QRegion uncovered(QRect(QPoint(), windowStack.rootSize));
-  for (const TopLevel* const topLevel : windowsSeen()) {
-    if (topLevel->hasPixels && topLevel->window != overlayWindow()) uncovered -= topLevel->region();
-  }
-  return uncovered;
+  return rootWithoutWindows(0);
 }
 
-void learn(const QRegion& part) {
+QRegion unshadedRoot() {
+  // Wider than the shadows of all desktops that we know, on screens of high resolution too.
+  constexpr int longestShadow = 120;
+  return rootWithoutWindows(longestShadow);
+}
+
+bool learn(const QRegion& part, const QRegion& unshaded) {
+  if (part.isEmpty()) return false;
   makeRoom();
-  for (const QRect& rect : part) {
-    xcb_copy_area(x(), xServer.screen->root, learned.pixels, learned.reading, i16(rect.x()),
-                  i16(rect.y()), i16(rect.x()), i16(rect.y()), u16(rect.width()),
-                  u16(rect.height()));
-  }
+  const QRegion sure = part & unshaded;
+  if (showsAnother(part, unshaded)) learned.withoutShadows = QRegion();
+  copyFromScreen(sure + (part - learned.withoutShadows));
   learned.known += part;
+  learned.withoutShadows += sure;
+  const auto before = learned.plain;
+  learned.plain = findPlainColour();
+  return learned.plain != before;
 }
 
 void forgetLearned() {
@@ -123,10 +226,20 @@ void forgetLearned() {
   learned.reading = XCB_NONE;
   learned.size = {};
   learned.known = QRegion();
+  learned.withoutShadows = QRegion();
+  learned.plain.reset();
 }
 
 const QRegion& learnedPart() {
   return learned.known;
+}
+
+const QRegion& learnedWithoutShadows() {
+  return learned.withoutShadows;
+}
+
+std::optional<std::uint32_t> plainColour() {
+  return learned.plain;
 }
 
 xcb_pixmap_t learnedPixels() {

@@ -5,6 +5,7 @@
 #include <xcb/xcb.h>
 
 #include <QRegion>
+#include <cstdint>
 #include <optional>
 
 namespace tintora::platform {
@@ -24,14 +25,26 @@ std::optional<QRegion> receivedScreenDamage();
 // Returns the part of the root that no window covers.
 QRegion uncoveredRoot();
 
-// Copies a part of the screen into what is known.
-void learn(const QRegion& part);
+// Returns the part of the root that is so far from all windows that no shadow of theirs reaches it.
+QRegion unshadedRoot();
+
+// Copies a part of the screen into what is known. The second region says where no shadow has been;
+// what was learned there is not replaced by what may have shadows. Returns true if the plain colour
+// has changed.
+bool learn(const QRegion& part, const QRegion& unshaded);
 
 // Forgets everything that was learned.
 void forgetLearned();
 
-// Return the part that is known so far, and the pixmap that holds it, which has the root's size.
+// Return the part that is known so far, and the part of it that was learned without shadows.
 const QRegion& learnedPart();
+const QRegion& learnedWithoutShadows();
+
+// Returns the background's colour if all of it seems to have the same: everywhere without shadows,
+// and in most other places.
+std::optional<std::uint32_t> plainColour();
+
+// Returns the pixmap that holds what is known. It has the root's size.
 xcb_pixmap_t learnedPixels();
 
 }  // namespace tintora::platform

@@ -21,6 +21,82 @@ class Background : public ProgramTest {
     xcb_clear_area(x().connection(), 0, x().root(), 0, 0, 0, 0);
     name(pixmap);
   }
+
+  // Starts a display on which a compositing manager paints a background of its own.
+  void useComposedDisplay(const std::vector<std::string>& options = {}) {
+    const auto composed =
+        std::make_shared<XDisplay>(std::vector<std::string>{}, Manager::None, "1280x800");
+    composed->startCompositor(options);
+    useDisplay(composed);
+  }
+  // Draws a picture on the screen, as a compositing manager does.
+  void drawOnScreen(const Picture& picture, const Area& place) const {
+    const xcb_pixmap_t pixmap = x().pixmapOf(picture);
+    const xcb_gcontext_t onScreen = xcb_generate_id(x().connection());
+    const std::uint32_t mode = XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS;
+    xcb_create_gc(x().connection(), onScreen, x().root(), XCB_GC_SUBWINDOW_MODE, &mode);
+    xcb_copy_area(x().connection(), pixmap, x().root(), onScreen, 0, 0, i16(place.x), i16(place.y),
+                  u16(place.width), u16(place.height));
+    xcb_free_gc(x().connection(), onScreen);
+    xcb_free_pixmap(x().connection(), pixmap);
+    x().sync();
+  }
+  // Succeeds once the program has slept for longer than it ever waits before it looks at the
+  // screen.
+  testing::AssertionResult comesToRest() {
+    constexpr int most = 2000;
+    constexpr int longEnough = 60;
+    const std::string status = "/proc/" + std::to_string(process().id()) + "/status";
+    std::string last;
+    int slept = 0;
+    for (int i = 0; i < most && slept < longEnough; ++i) {
+      const std::string now = readFile(status);
+      const bool sleeps = now.find("State:\tS") != std::string::npos;
+      slept = sleeps && now == last ? slept + 1 : 0;
+      last = now;
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    if (slept == longEnough) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "The program does not rest.";
+  }
+  void moveView(int left, int top) {
+    x().move(main(), left, top);
+    ASSERT_TRUE(eventually([&] { return view().x == left; }));
+    settle();
+  }
+  static Picture cut(const Picture& picture, const Area& part) {
+    Picture result = solid(part.width, part.height, 0);
+    for (int y = 0; y < part.height; ++y) {
+      for (int x = 0; x < part.width; ++x) {
+        result.pixels[static_cast<std::size_t>(y * part.width + x)] =
+            picture.at(part.x + x, part.y + y);
+      }
+    }
+    return result;
+  }
+  // Succeeds once a place within the view shows a picture in grey.
+  testing::AssertionResult greyIn(const Area& place, const Picture& original) const {
+    Picture seen;
+    const auto isRight = [&](std::size_t i) {
+      const Colour wanted = filtered(colourOf(original.pixels[i]), grey);
+      const Colour actual = colourOf(seen.pixels[i]);
+      for (std::size_t j = 0; j < 3; ++j) {
+        if (std::abs(actual[j] - std::round(wanted[j])) > 1) return false;
+      }
+      return true;
+    };
+    std::size_t first = 0;
+    const bool right = eventually([&] {
+      seen = x().read(place);
+      for (first = 0; first < seen.pixels.size() && isRight(first);) ++first;
+      return first == original.pixels.size();
+    });
+    if (right) return testing::AssertionSuccess();
+    saveScreen("background", x().screenArea());
+    const int pixel = static_cast<int>(first);
+    return testing::AssertionFailure() << "The pixel at " << place.x + pixel % place.width << ", "
+                                       << place.y + pixel / place.width << " is wrong.";
+  }
 };
 
 TEST_F(Background, ANamedPixmapIsSeen) {
@@ -127,8 +203,7 @@ TEST_F(Background, APixmapThatIsGoneIsNotTaken) {
 TEST_F(Background, AWindowThatComesAndGoesIsNotTakenForIt) {
   constexpr std::chrono::milliseconds pause{60};
   constexpr std::chrono::milliseconds longestPause{250};
-  useDisplay(std::make_shared<XDisplay>(std::vector<std::string>{}, Manager::None, "1280x800",
-                                        Compositor::Picom));
+  useComposedDisplay();
   storeValues({{"Selected", 4}, {"ColorSpace", 0}});
   start();
   x().move(main(), 700, 300);
@@ -138,17 +213,13 @@ TEST_F(Background, AWindowThatComesAndGoesIsNotTakenForIt) {
   const Picture background = x().read(place);
   Sheet& sheet = scene().addNoise(place, 1);
   ASSERT_TRUE(eventually([&] { return x().read(place).pixels != background.pixels; }));
-  const xcb_pixmap_t late = x().pixmapOf(x().read(place));
-  const xcb_gcontext_t onScreen = xcb_generate_id(x().connection());
-  const std::uint32_t mode = XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS;
-  xcb_create_gc(x().connection(), onScreen, x().root(), XCB_GC_SUBWINDOW_MODE, &mode);
+  const Picture late = x().read(place);
   {
     const auto held = display().holdCompositor(std::chrono::milliseconds(3500));
     for (int i = 0; i < 30; ++i) {
       const auto left = std::chrono::steady_clock::now();
       scene().move(sheet, 900, 20);
-      xcb_copy_area(x().connection(), late, x().root(), onScreen, 0, 0, 100, 100, 200, 150);
-      x().sync();
+      drawOnScreen(late, place);
       std::this_thread::sleep_for(pause);
       scene().move(sheet, place.x, place.y);
       const auto away = std::chrono::steady_clock::now() - left;
@@ -159,18 +230,57 @@ TEST_F(Background, AWindowThatComesAndGoesIsNotTakenForIt) {
     settle();
     scene().move(sheet, 900, 20);
   }
-  const auto shows = [&] {
-    const Picture seen = x().read(place);
-    for (std::size_t i = 0; i < seen.pixels.size(); ++i) {
-      const Colour wanted = filtered(colourOf(background.pixels[i]), grey);
-      const Colour actual = colourOf(seen.pixels[i]);
-      for (std::size_t j = 0; j < 3; ++j) {
-        if (std::abs(actual[j] - std::round(wanted[j])) > 1) return false;
-      }
-    }
-    return true;
-  };
-  EXPECT_TRUE(eventually(shows));
+  EXPECT_TRUE(greyIn(place, background));
+}
+
+// The shadow was on the screen when the program started, so the background without it is not known.
+TEST_F(Background, AShadowLeavesNoTrace) {
+  for (const std::string radius : {"12", "60"}) {
+    useComposedDisplay({"--shadow", "--shadow-radius", radius, "--shadow-opacity", "0.9"});
+    const Picture background = x().read(x().screenArea());
+    Scene sheets(display().name(), XCB_NONE);
+    Sheet& sheet = sheets.addNoise({300, 250, 200, 150}, 1);
+    constexpr Area besideIt{502, 300, 4, 4};
+    ASSERT_TRUE(eventually([&] { return x().read(besideIt).at(0, 0) != background.at(0, 0); }));
+    storeValues({{"Selected", 4}, {"ColorSpace", 0}});
+    start();
+    moveView(150, 120);
+    sheets.putBelow(main());
+    settle();
+    sheets.move(sheet, 1000, 600);
+    const Area seen = view();
+    Picture wanted = solid(seen.width, seen.height, background.at(0, 0));
+    EXPECT_TRUE(greyIn(seen, wanted)) << "The shadow's radius was " << radius << ".";
+    end();
+  }
+}
+
+// The background was seen before the shadow came. When another background is set later, it is
+// learned in the shadow too, because the one that was known is out of date.
+TEST_F(Background, AShadowIsNotTakenForAPartOfAPicture) {
+  useComposedDisplay();
+  const Picture background = noise(1280, 800, 1);
+  drawOnScreen(background, x().screenArea());
+  storeValues({{"Selected", 4}, {"ColorSpace", 0}});
+  start();
+  Sheet& sheet = scene().addNoise({100, 100, 120, 80}, 2);
+  constexpr Area besideIt{80, 100, 20, 80};
+  drawOnScreen(solid(besideIt.width, besideIt.height, 0x101010), besideIt);
+  EXPECT_TRUE(comesToRest());
+  moveView(40, 40);
+  scene().move(sheet, 1000, 600);
+  constexpr Area aroundIt{60, 60, 200, 200};
+  EXPECT_TRUE(greyIn(aroundIt, cut(background, aroundIt)));
+
+  const Picture other = noise(1280, 800, 3);
+  for (const Area& besideTheView : {Area{560, 0, 720, 800}, Area{0, 460, 560, 340}}) {
+    drawOnScreen(cut(other, besideTheView), besideTheView);
+  }
+  EXPECT_TRUE(comesToRest());
+  moveView(760, 380);
+  scene().move(sheet, 20, 20);
+  constexpr Area leftOfIt{960, 560, 40, 180};
+  EXPECT_TRUE(greyIn(leftOfIt, cut(other, leftOfIt)));
 }
 
 }  // namespace

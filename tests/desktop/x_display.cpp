@@ -134,10 +134,11 @@ std::future<void> XDisplay::holdCompositor(std::chrono::milliseconds duration) {
   return hold(*compositor_, duration);
 }
 
-void XDisplay::startCompositor() {
-  compositor_ = std::make_unique<Process>(
-      Launch{.command = {"picom", "--config", "/dev/null", "--backend", "xrender"},
-             .environment = environment()});
+void XDisplay::startCompositor(const std::vector<std::string>& options) {
+  Launch launch{.command = {"picom", "--config", "/dev/null", "--backend", "xrender"},
+                .environment = environment()};
+  launch.command.insert(launch.command.end(), options.begin(), options.end());
+  compositor_ = std::make_unique<Process>(launch);
   waitForCompositor();
 }
 

@@ -33,7 +33,7 @@ class XDisplay {
   // Starts a window manager, and returns when it shows windows.
   void startManager(Manager kind = Manager::Openbox);
   // Starts a compositing manager, and returns when it composes the screen.
-  void startCompositor();
+  void startCompositor(const std::vector<std::string>& options = {});
   void endCompositor();
   // Stops the window manager for a while. The future's destructor waits until it goes on.
   [[nodiscard]] std::future<void> holdManager(std::chrono::milliseconds duration);

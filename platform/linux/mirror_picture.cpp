@@ -29,12 +29,13 @@ struct MirrorPicture {
   QSize size;  // of the view
   PixelFilter filter{};
   ViewFrames frames;
-  QImage source;     // the last frame, blue first
-  QRect place;       // of the picture in the view
-  QString text;      // shown while there is no frame
-  QSize given;       // the client area that the main window got for the source's size
-  QRegion toScale;   // parts of the view: to be scaled and filtered
-  QRegion toFilter;  // to be filtered only
+  QImage source;          // the last frame, blue first
+  QRect place;            // of the picture in the view
+  QString text;           // shown while there is no frame
+  QSize given;            // the client area that the main window got for the source's size
+  bool unfitted = false;  // the main window has still to take it, because it was maximised
+  QRegion toScale;        // parts of the view: to be scaled and filtered
+  QRegion toFilter;       // to be filtered only
 };
 MirrorPicture picture;
 
@@ -68,7 +69,8 @@ void layOut() {
 
 void fitMainWindow() {
   Window* const window = picture.parent;
-  if (isMaximised(window)) return;
+  picture.unfitted = isMaximised(window);
+  if (picture.unfitted) return;
   const QSize frame = outerBounds(window).size() - window->window->size();
   // Keeps the size if the user has chosen it.
   const QSize client = boundsAskedFor(window).size() - frame;
@@ -176,6 +178,7 @@ void stopMirrorPicture() {
 }
 
 void setMirrorSize(const QSize& size) {
+  if (picture.unfitted && !picture.source.isNull()) fitMainWindow();
   const bool sameForm = picture.source.isNull() || size.isEmpty() || placeInView() == picture.place;
   if (size == picture.size && sameForm) return;
   picture.size = size;

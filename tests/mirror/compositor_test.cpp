@@ -112,7 +112,7 @@ TEST_F(MirrorCompositor, AWaylandWindowIsShown) {
   EXPECT_TRUE(eventually(
       [&] {
         picture = viewed();
-        return picture.width >= 500 && picture.width < 600 && holdsStripes(picture);
+        return picture.width == 500 && picture.height == 400 && holdsStripes(picture);
       },
       most))
       << picture.width << "x" << picture.height << ' '

@@ -224,17 +224,20 @@ TEST_F(MirrorPicture, FullScreenFillsTheMonitor) {
   EXPECT_TRUE(viewHas(picture, expected::greyscale()));
 }
 
-TEST_F(MirrorPicture, TheFirstFrameKeepsFullScreen) {
+TEST_F(MirrorPicture, AFirstFrameInFullScreenGivesTheWindowItsSizeLater) {
   startMirror();
   press(XK_f);
   const Area screen = x().screenArea();
   ASSERT_TRUE(eventually([&] { return view() == screen; }, most));
-  session().send("format BGRx 1280 500 0 0 0 0 0 0");
+  session().send("format BGRx 640 250 0 0 0 0 0 0");
   session().send("frame 1");
-  const Picture filled = scaledByArea(noise(1280, 500, 1), screen.width, screen.height);
+  const Picture picture = noise(640, 250, 1);
+  const Picture filled = scaledByArea(picture, screen.width, screen.height);
   const Area part{0, 0, screen.width, screen.height / 4};
   EXPECT_TRUE(partHas([&] { return part; }, partOf(filled, part), expected::greyscale(), 2));
   EXPECT_EQ(view(), screen);
+  press(XK_f);
+  EXPECT_TRUE(viewHas(picture, expected::greyscale()));
 }
 
 TEST_F(MirrorPicture, TheCopyHasTheSourcesFullSize) {

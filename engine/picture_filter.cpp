@@ -88,14 +88,71 @@ void filterLight(const PictureFilter& filter, ChannelOrder order, LightOf lightO
   }
 }
 
-template <typename Sample>
-void filterLight(const PictureFilter& filter, ChannelOrder order, Sample* samples,
-                 std::size_t pixels) {
+void filterLight16(const PictureFilter& filter, std::uint16_t* samples, std::size_t pixels) {
   const std::vector<double>& light = filter.steps.light;
-  const auto lightOf = [&](const Sample* pixel) {
-    return Values{light[pixel[order.red]], light[pixel[order.green]], light[pixel[order.blue]]};
+  const auto lightOf = [&](const std::uint16_t* pixel) {
+    return Values{light[pixel[0]], light[pixel[1]], light[pixel[2]]};
   };
-  filterLight(filter, order, lightOf, samples, pixels);
+  filterLight(filter, rgbaOrder, lightOf, samples, pixels);
+}
+
+EffectShares makeShares(const PictureFilter& filter, const ExactMatrix& effect) {
+  using Channel = ExactMatrix::Channel;
+  constexpr std::array<double Channel::*, 3> inputs{&Channel::red, &Channel::green, &Channel::blue};
+  const auto& [toBlue, toGreen, toRed] = effect.channels;
+  EffectShares shares{};
+  for (std::size_t input = 0; input < inputs.size(); ++input) {
+    const auto entry = inputs[input];
+    for (std::size_t step = 0; step < shares.channels[input].size(); ++step) {
+      const double light = filter.steps.light[step];
+      shares.channels[input][step] = {
+          DoublePair{toRed.*entry * light, toGreen.*entry * light},
+          DoublePair{toBlue.*entry * light, filter.division[input] * light}};
+    }
+  }
+  shares.offset = {DoublePair{toRed.offset, toGreen.offset}, DoublePair{toBlue.offset, 0.0}};
+  return shares;
+}
+
+// What is not a number compares false and becomes 0.
+inline DoublePair clampPair(DoublePair value) {
+  const DoublePair positive = value > 0.0 ? value : DoublePair{};
+  return positive < 1.0 ? positive : DoublePair{1.0, 1.0};
+}
+
+// Adds up products that were made before, in the order of the other functions.
+template <bool divides>
+void filterLight8(const PictureFilter& filter, std::uint8_t* bgra, std::size_t pixels) {
+  const EffectShares* const shares = filter.shares.data();
+  const std::uint16_t* const firstStep = filter.steps.firstStep.data();
+  const double* const thresholds = filter.steps.thresholds.data();
+  const auto intervals = static_cast<double>(filter.steps.firstStep.size() - 1);
+  const auto stepOf = [=](double light) {
+    const std::size_t step = firstStep[static_cast<std::int32_t>(light * intervals)];
+    return static_cast<std::uint8_t>(step + (light >= thresholds[step + 1] ? 1 : 0));
+  };
+  for (std::uint8_t* pixel = bgra; pixel != bgra + pixels * channels; pixel += channels) {
+    const auto share = [pixel](const EffectShares& of, std::size_t channel) -> const LightShare& {
+      return of.channels[channel][pixel[2 - channel]];
+    };
+    std::size_t side = 0;
+    if (divides) {
+      const double product = share(*shares, 0).blueAndSide[1] + share(*shares, 1).blueAndSide[1] +
+                             share(*shares, 2).blueAndSide[1];
+      side = product < 0.0 ? 1 : 0;
+    }
+    const EffectShares& effect = shares[side];
+    const LightShare& red = share(effect, 0);
+    const LightShare& green = share(effect, 1);
+    const LightShare& blue = share(effect, 2);
+    const DoublePair redAndGreen = clampPair(red.redAndGreen + green.redAndGreen +
+                                             blue.redAndGreen + effect.offset.redAndGreen);
+    const DoublePair blueAndSide = clampPair(red.blueAndSide + green.blueAndSide +
+                                             blue.blueAndSide + effect.offset.blueAndSide);
+    pixel[2] = stepOf(redAndGreen[0]);
+    pixel[1] = stepOf(redAndGreen[1]);
+    pixel[0] = stepOf(blueAndSide[0]);
+  }
 }
 
 void filterEncoded16(const PictureFilter& filter, std::uint16_t* samples, std::size_t pixels) {
@@ -118,7 +175,7 @@ void filterEncoded16(const PictureFilter& filter, std::uint16_t* samples, std::s
 PictureFilter makePictureFilter(const ColourTransform& transform, SampleDepth depth) {
   const bool linear = transform.light == Light::Linear;
   const double unit = linear ? 1.0 : static_cast<double>(mostStep(depth));
-  PictureFilter filter{depth, transform.light, transform.division, {}, {}};
+  PictureFilter filter{depth, transform.light, transform.division, {}, {}, {}};
   for (std::size_t side = 0; side < 2; ++side) {
     const ColourEffect& effect = transform.effects[side];
     for (std::size_t output = 0; output < 3; ++output) {
@@ -128,12 +185,19 @@ PictureFilter makePictureFilter(const ColourTransform& transform, SampleDepth de
     }
   }
   if (linear) filter.steps = makeLightSteps(depth);
+  if (linear && depth == SampleDepth::Bits8) {
+    const bool divides = filter.division != std::array<double, 3>{};
+    for (std::size_t side = 0; side < (divides ? 2U : 1U); ++side) {
+      filter.shares.push_back(makeShares(filter, filter.effects[side]));
+    }
+  }
   return filter;
 }
 
 void filterPicture(const PictureFilter& filter, std::uint8_t* bgra, std::size_t pixels) {
   if (filter.light == Light::Linear) {
-    filterLight(filter, bgraOrder, bgra, pixels);
+    const bool divides = filter.shares.size() > 1;
+    (divides ? &filterLight8<true> : &filterLight8<false>)(filter, bgra, pixels);
   } else {
     pixelKernels().front().filterExactly(filter.effects[0], bgra, bgra, pixels);
   }
@@ -141,7 +205,7 @@ void filterPicture(const PictureFilter& filter, std::uint8_t* bgra, std::size_t 
 
 void filterPicture(const PictureFilter& filter, std::uint16_t* rgba, std::size_t pixels) {
   if (filter.light == Light::Linear) {
-    filterLight(filter, rgbaOrder, rgba, pixels);
+    filterLight16(filter, rgba, pixels);
   } else {
     filterEncoded16(filter, rgba, pixels);
   }

@@ -22,6 +22,21 @@ struct LightSteps {
                                          // at most
 };
 
+// Two doubles in one register, which every processor of our kinds has.
+using DoublePair [[gnu::vector_size(16)]] = double;
+
+// What one step of one channel gives: to the light of the filtered pixel, and to the scalar product
+// that tells its effect.
+struct LightShare {
+  DoublePair redAndGreen, blueAndSide;
+};
+
+// All that an effect does to steps of 8 bits, in linear light.
+struct EffectShares {
+  std::array<std::array<LightShare, 256>, 3> channels;  // [red, green, blue][step]
+  LightShare offset;
+};
+
 // A colour transform made ready for samples of one depth.
 struct PictureFilter {
   SampleDepth depth;
@@ -29,6 +44,8 @@ struct PictureFilter {
   std::array<double, 3> division;      // as in ColourTransform
   std::array<ExactMatrix, 2> effects;  // offsets in the unit of the values that they work on
   LightSteps steps;                    // in linear light only
+  std::vector<EffectShares> shares;    // with 8 bits in linear light only; one where there is no
+                                       // division
 };
 
 PictureFilter makePictureFilter(const ColourTransform& transform, SampleDepth depth);

@@ -20,19 +20,19 @@ LightSteps makeLightSteps(SampleDepth depth) {
   const std::size_t most = mostStep(depth);
   const auto scale = static_cast<double>(most);
 
-  LightSteps steps;
+  const std::size_t intervals = std::bit_ceil(static_cast<std::size_t>(scale * steepest));
+  LightSteps steps{{}, static_cast<double>(intervals), {}, {}};
   for (std::size_t step = 0; step <= most; ++step) {
     steps.light.push_back(decodeSrgb(static_cast<double>(step) / scale));
-    steps.thresholds.push_back(decodeSrgb((static_cast<double>(step) - 0.5) / scale));
+    const double threshold = decodeSrgb((static_cast<double>(step) - 0.5) / scale);
+    steps.thresholds.push_back(threshold * steps.intervals);
   }
   steps.thresholds.front() = 0.0;
   steps.thresholds.push_back(std::numeric_limits<double>::infinity());
 
-  const std::size_t intervals = std::bit_ceil(static_cast<std::size_t>(scale * steepest));
   std::size_t step = 0;
   for (std::size_t i = 0; i <= intervals; ++i) {
-    const double start = static_cast<double>(i) / static_cast<double>(intervals);
-    while (steps.thresholds[step + 1] <= start) ++step;
+    while (steps.thresholds[step + 1] <= static_cast<double>(i)) ++step;
     steps.firstStep.push_back(static_cast<std::uint16_t>(step));
   }
   return steps;
@@ -44,11 +44,15 @@ double clampTo(double most, double value) {
   return value > 0.0 ? atMost : 0.0;
 }
 
+// `light` is in intervals.
+std::size_t stepAt(const std::uint16_t* firstStep, const double* thresholds, double light) {
+  const std::size_t step = firstStep[static_cast<std::int32_t>(light)];
+  return step + (light >= thresholds[step + 1] ? 1 : 0);
+}
+
 std::size_t stepOfLight(const LightSteps& steps, double light) {
-  const double clamped = clampTo(1.0, light);
-  const auto intervals = static_cast<double>(steps.firstStep.size() - 1);
-  const std::size_t step = steps.firstStep[static_cast<std::size_t>(clamped * intervals)];
-  return step + (clamped >= steps.thresholds[step + 1] ? 1 : 0);
+  return stepAt(steps.firstStep.data(), steps.thresholds.data(),
+                clampTo(1.0, light) * steps.intervals);
 }
 
 // The values of a pixel that the transform works on.
@@ -96,59 +100,61 @@ void filterLight16(const PictureFilter& filter, std::uint16_t* samples, std::siz
   filterLight(filter, rgbaOrder, lightOf, samples, pixels);
 }
 
+// Products with the intervals, a power of two, are exact.
 EffectShares makeShares(const PictureFilter& filter, const ExactMatrix& effect) {
   using Channel = ExactMatrix::Channel;
   constexpr std::array<double Channel::*, 3> inputs{&Channel::red, &Channel::green, &Channel::blue};
   const auto& [toBlue, toGreen, toRed] = effect.channels;
+  const double intervals = filter.steps.intervals;
   EffectShares shares{};
   for (std::size_t input = 0; input < inputs.size(); ++input) {
     const auto entry = inputs[input];
     for (std::size_t step = 0; step < shares.channels[input].size(); ++step) {
-      const double light = filter.steps.light[step];
+      const double light = filter.steps.light[step] * intervals;
       shares.channels[input][step] = {
           DoublePair{toRed.*entry * light, toGreen.*entry * light},
           DoublePair{toBlue.*entry * light, filter.division[input] * light}};
     }
   }
-  shares.offset = {DoublePair{toRed.offset, toGreen.offset}, DoublePair{toBlue.offset, 0.0}};
+  shares.offset = {DoublePair{toRed.offset, toGreen.offset} * intervals,
+                   DoublePair{toBlue.offset, 0.0} * intervals};
   return shares;
 }
 
-// What is not a number compares false and becomes 0.
-inline DoublePair clampPair(DoublePair value) {
-  const DoublePair positive = value > 0.0 ? value : DoublePair{};
-  return positive < 1.0 ? positive : DoublePair{1.0, 1.0};
+// Adds up in the order of `apply`.
+inline LightShare sumOfShares(const EffectShares& effect, const std::uint8_t* bgra) {
+  const LightShare& red = effect.channels[0][bgra[2]];
+  const LightShare& green = effect.channels[1][bgra[1]];
+  const LightShare& blue = effect.channels[2][bgra[0]];
+  return {red.redAndGreen + green.redAndGreen + blue.redAndGreen + effect.offset.redAndGreen,
+          red.blueAndSide + green.blueAndSide + blue.blueAndSide + effect.offset.blueAndSide};
 }
 
-// Adds up products that were made before, in the order of the other functions.
+// Both effects are computed where there is a division: pixels of a photograph change sides too
+// often for a branch to be foreseen.
 template <bool divides>
 void filterLight8(const PictureFilter& filter, std::uint8_t* bgra, std::size_t pixels) {
-  const EffectShares* const shares = filter.shares.data();
+  const EffectShares* const effects = filter.shares.data();
   const std::uint16_t* const firstStep = filter.steps.firstStep.data();
   const double* const thresholds = filter.steps.thresholds.data();
-  const auto intervals = static_cast<double>(filter.steps.firstStep.size() - 1);
+  const DoublePair most{filter.steps.intervals, filter.steps.intervals};
+  const auto clamped = [most](DoublePair value) {
+    const DoublePair positive = value > 0.0 ? value : DoublePair{};
+    return positive < most ? positive : most;
+  };
   const auto stepOf = [=](double light) {
-    const std::size_t step = firstStep[static_cast<std::int32_t>(light * intervals)];
-    return static_cast<std::uint8_t>(step + (light >= thresholds[step + 1] ? 1 : 0));
+    return static_cast<std::uint8_t>(stepAt(firstStep, thresholds, light));
   };
   for (std::uint8_t* pixel = bgra; pixel != bgra + pixels * channels; pixel += channels) {
-    const auto share = [pixel](const EffectShares& of, std::size_t channel) -> const LightShare& {
-      return of.channels[channel][pixel[2 - channel]];
-    };
-    std::size_t side = 0;
+    LightShare light = sumOfShares(effects[0], pixel);
     if (divides) {
-      const double product = share(*shares, 0).blueAndSide[1] + share(*shares, 1).blueAndSide[1] +
-                             share(*shares, 2).blueAndSide[1];
-      side = product < 0.0 ? 1 : 0;
+      const LightShare second = sumOfShares(effects[1], pixel);
+      const auto isSecond = DoublePair{light.blueAndSide[1], light.blueAndSide[1]} < 0.0;
+      light.redAndGreen = isSecond ? second.redAndGreen : light.redAndGreen;
+      light.blueAndSide = isSecond ? second.blueAndSide : light.blueAndSide;
     }
-    const EffectShares& effect = shares[side];
-    const LightShare& red = share(effect, 0);
-    const LightShare& green = share(effect, 1);
-    const LightShare& blue = share(effect, 2);
-    const DoublePair redAndGreen = clampPair(red.redAndGreen + green.redAndGreen +
-                                             blue.redAndGreen + effect.offset.redAndGreen);
-    const DoublePair blueAndSide = clampPair(red.blueAndSide + green.blueAndSide +
-                                             blue.blueAndSide + effect.offset.blueAndSide);
+    const DoublePair redAndGreen = clamped(light.redAndGreen);
+    const DoublePair blueAndSide = clamped(light.blueAndSide);
     pixel[2] = stepOf(redAndGreen[0]);
     pixel[1] = stepOf(redAndGreen[1]);
     pixel[0] = stepOf(blueAndSide[0]);

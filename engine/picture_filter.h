@@ -16,17 +16,19 @@ enum class SampleDepth { Bits8, Bits16 };
 
 // The way between steps and linear light, for one depth.
 struct LightSteps {
-  std::vector<double> light;       // of each step
-  std::vector<double> thresholds;  // [step]: the least light that rounds to it; one more at end
-  std::vector<std::uint16_t> firstStep;  // of equal intervals of light, each with one threshold
-                                         // at most
+  std::vector<double> light;             // of each step, 0..1
+  double intervals;                      // a power of two: equal parts of 0..1, each with one
+                                         // threshold at most
+  std::vector<double> thresholds;        // [step]: the least light that rounds to it, in intervals;
+                                         // one more at end
+  std::vector<std::uint16_t> firstStep;  // of each interval
 };
 
 // Two doubles in one register, which every processor of our kinds has.
 using DoublePair [[gnu::vector_size(16)]] = double;
 
-// What one step of one channel gives: to the light of the filtered pixel, and to the scalar product
-// that tells its effect.
+// What one step of one channel gives, in intervals of light: to the channels of the filtered pixel,
+// and to the scalar product that tells its effect.
 struct LightShare {
   DoublePair redAndGreen, blueAndSide;
 };

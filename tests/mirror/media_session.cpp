@@ -118,8 +118,14 @@ void MediaSession::startClient(const std::vector<std::string>& command) {
 }
 
 void MediaSession::startPortal() {
-  portal_ = start({TINTORA_STAND_IN_PORTAL, folder() + "/behaviour"}, "portal");
-  await("The portal", [&] { return portalCalls().starts_with("ready"); });
+  endPortal();
+  // While the bus still gives the portal's name to the one before, a new one ends at once.
+  await("The portal", [&] {
+    if (portal_ == nullptr || !portal_->isRunning()) {
+      portal_ = start({TINTORA_STAND_IN_PORTAL, folder() + "/behaviour"}, "portal");
+    }
+    return portalCalls().starts_with("ready");
+  });
 }
 
 void MediaSession::setBehaviour(const std::map<std::string, std::string>& values) {

@@ -65,6 +65,9 @@ TEST_F(MirrorPicture, AnotherMatrixShowsTheLastFrame) {
   session().send("part 0 0 10 10 2");
   replacePart(picture, noise(400, 300, 2), {0, 0, 10, 10});
   ASSERT_TRUE(viewHas(picture, expected::greyscale()));
+  session().send("part 200 100 10 10 3");
+  replacePart(picture, noise(400, 300, 3), {200, 100, 10, 10});
+  ASSERT_TRUE(viewHas(picture, expected::greyscale()));
   press(XK_i);
   EXPECT_TRUE(viewHas(picture, expected::inverted()));
   session().send("frame 2");

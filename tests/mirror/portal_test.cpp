@@ -2,8 +2,11 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <utility>
+#include <vector>
 
 #include "mirror_run.h"
 #include "platform/linux/mirror_texts.h"
@@ -80,6 +83,12 @@ class MirrorPortal : public MirrorTest {
     };
     ASSERT_TRUE(eventually(appears, most)) << readFile(errorsFile());
     EXPECT_TRUE(prints(text));
+    const auto isAlone = [&] {
+      return std::ranges::none_of(
+          x().numbers(x().root(), "_NET_CLIENT_LIST"),
+          [&](xcb_window_t window) { return window != dialog && x().isShown(window); });
+    };
+    EXPECT_TRUE(eventually(isAlone));
     saveScreen("mirror-dialog", x().screenArea());
     x().close(dialog);
     EXPECT_EQ(program.result(most), 1);

@@ -11,6 +11,7 @@
 
 #include "deep_folder.h"
 #include "program_run.h"
+#include "stored_values.h"
 
 namespace tintora::windows_test {
 namespace {
@@ -45,9 +46,10 @@ class Guide : public ProgramTest {
   static std::string page() { return programFolder() + "guide.html"; }
   static std::string note() { return programFolder() + "opened.txt"; }
 
-  // Chooses the guide in the menu and returns what the program then asked of the desktop.
-  const RecordedPage& openGuide() {
-    choose(55);
+  // Chooses the guide in the menu, whose numbers begin after the user's transforms. Returns what
+  // the program then asked of the desktop.
+  const RecordedPage& openGuide(int transforms = 0) {
+    choose(transforms + 55);
     EXPECT_TRUE(eventually([] { return magnifierRecord().pagesOpened == 1; }));
     return magnifierRecord().page;
   }
@@ -96,6 +98,28 @@ TEST_F(Guide, IsFoundInAFolderOfAnyName) {
   EXPECT_EQ(std::wstring(opened.path.data()), (folder / "guide.html").wstring());
   EXPECT_GT(opened.answer, highestFault);
   end();
+  fs::remove_all(folder);
+}
+
+// So are the user's transforms. run.py makes the share. Wine tells the program a path that lacks
+// the backslashes at its beginning, so the stand-in corrects it.
+TEST_F(Guide, IsFoundOnANetworkShare) {
+  const fs::path folder = L"\\\\server\\share\\Gr\u00f6\u00dfe";
+  fs::remove_all(folder);  // an interrupted run may have left it
+  ASSERT_TRUE(fs::create_directory(folder));
+  fs::copy(programPath(), folder / "Tintora.exe");
+  fs::copy(page(), folder / "guide.html");
+  std::ofstream(folder / "Tintora_custom.txt") << "From the network\n0 0 1 0\n0 1 0 0\n1 0 0 0\n";
+  storeValues({{"Selected", 0}});
+  start(Launch{.program = (folder / "Tintora.exe").wstring()});
+  EXPECT_EQ(title(), "From the network");
+  std::ranges::copy((folder / "Tintora.exe").wstring(), magnifierRecord().programPath.begin());
+  const RecordedPage& opened = openGuide(1);
+  EXPECT_EQ(std::wstring(opened.path.data()), (folder / "guide.html").wstring());
+  EXPECT_GT(opened.answer, highestFault);
+  choose(1 + 5);
+  end();
+  EXPECT_EQ(storedValues()["Selected"], 1U + 5U);
   fs::remove_all(folder);
 }
 

@@ -235,6 +235,8 @@ def install(options, prefix):
     folder = options.work / "program"
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir()
+    # Wine looks here for the network share server\share.
+    (prefix / "dosdevices/unc/server/share").mkdir(parents=True, exist_ok=True)
     program = folder / "Tintora.exe"
     subprocess.run([STRIP, "-o", program, options.program], check=True)
     shutil.copy(options.program.parent / "guide.html", folder)

@@ -133,6 +133,15 @@ TEST_F(Input, TheKeypadWithoutNumLockMovesAndSteps) {
   EXPECT_TRUE(titleBecomes(" Simulation - Protanope 100% severity"));
 }
 
+TEST_F(Input, AWheelTurnedSidewaysChangesNothing) {
+  begin();
+  x().moveMouse(view());
+  constexpr int right = 7;
+  for (int i = 0; i < 2; ++i) x().click(right);
+  turnWheel(false, 1);
+  EXPECT_TRUE(titleBecomes(" Simulation - Protanomalous 95% severity"));
+}
+
 // On keyboards with other letters, keys have the codes of the Latin letters in their position.
 TEST_F(Input, LettersOfAnotherScriptCountByTheirKeys) {
   useDisplay({}, Manager::Openbox);

@@ -14,6 +14,7 @@
 #include <QDir>
 #include <QFile>
 #include <QSaveFile>
+#include <QTimer>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -184,6 +185,14 @@ class Session : public QObject {
   }
 
   void askForProperties() {
+    // Without a message bus a call is never answered. Reports that later, because this object is
+    // still being created.
+    if (!bus_.isConnected()) {
+      QTimer::singleShot(0, this, [this] {
+        if (!over_) end(PortalEnd::NoPortal);
+      });
+      return;
+    }
     QDBusMessage call = callOf(desktopPath, "org.freedesktop.DBus.Properties", "GetAll");
     call << screenCast;
     send(call, [this](const QDBusPendingCall& answer) {

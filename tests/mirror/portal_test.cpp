@@ -280,6 +280,11 @@ TEST_F(MirrorPortal, WithoutOneADialogSaysSo) {
   expectDialog("This desktop offers no portal");
 }
 
+TEST_F(MirrorPortal, WithoutAMessageBusADialogSaysSo) {
+  expectDialog("This desktop offers no portal",
+               {{"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + folder() + "/none"}});
+}
+
 TEST_F(MirrorPortal, WithoutScreenCastsADialogSaysSo) {
   session().setBehaviour({{"types", "0"}});
   expectDialog("This desktop offers no portal");

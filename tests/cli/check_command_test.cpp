@@ -159,6 +159,9 @@ TEST(Check, ASuggestionPassesTheCheckItself) {
   EXPECT_EQ(suggestion["change_ciede2000"],
             Json::parse(change.output)["pairs"][0]["before"]["ciede2000"]);
   EXPECT_EQ(check(colours).status, 0);
+  const Json pair = checkJson(colours)["pairs"][0];
+  EXPECT_EQ(suggestion["before"], pair["before"]);
+  EXPECT_EQ(suggestion["after"], pair["after"]);
 }
 
 TEST(Check, CsvHasARowForEachPairAndViewer) {

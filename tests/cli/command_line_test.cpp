@@ -24,6 +24,7 @@ TEST(CommandLine, WrongArgumentsAreOneLineThatNamesTheValueAndStatusTwo) {
       {{"paint"}, "paint"},
       {{"matrix", "--colour"}, "--colour"},
       {{"matrix", "extra"}, "extra"},
+      {{"list", "matrix"}, "matrix"},
       {{"matrix", "--mode"}, "--mode"},
       {{"matrix", "--mode", "green"}, "\"green\""},
       {{"matrix", "--mode", "Protan"}, "\"Protan\""},

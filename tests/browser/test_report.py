@@ -218,16 +218,30 @@ class Report(unittest.TestCase):
             self.assertLessEqual(self.value(
                 "document.documentElement.scrollWidth"), width)
 
+    def test_the_figures_of_a_finding_stand_below_each_other(self):
+        self.show(700)
+        places = self.value("""[...document.querySelectorAll(".finding")].map(
+            (item) => [...item.querySelectorAll("li > :nth-child(3)")].map(
+                (text) => text.getBoundingClientRect().left))""")
+        self.assertTrue(places)
+        for finding in places:
+            self.assertGreater(len(finding), 1)
+            self.assertEqual(len(set(finding)), 1, finding)
+
     def test_on_paper_the_pictures_stand_and_the_controls_do_not(self):
         self.browser.call("Emulation.setEmulatedMedia", media="print")
         try:
             display = self.value(
                 "getComputedStyle(document.querySelector('.viewer')).display")
             grid = self.value("document.querySelectorAll('.grid img').length")
+            rows = self.value("""[...document.querySelectorAll(".strip")].map(
+                (strip) => new Set([...strip.children].map(
+                    (figure) => figure.getBoundingClientRect().top)).size)""")
         finally:
             self.browser.call("Emulation.setEmulatedMedia", media="")
         self.assertEqual(display, "none")
         self.assertEqual(grid, 7)
+        self.assertEqual(set(rows), {1})
         self.assertTrue(self.browser.pdf().startswith(b"%PDF-"))
 
     def test_without_scripts_everything_but_the_wipe_is_there(self):

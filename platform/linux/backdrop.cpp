@@ -28,8 +28,7 @@ struct Backdrop {
   bool ownsTile = false;              // the tile is a copy of what the server paints
   QRegion copied;                     // the part that was copied so far
   bool learns = false;                // reads the screen where no window is
-  QRegion uncovered;                  // all the time since the screen was last looked at
-  QRegion unshaded;                   // likewise, and far from all windows
+  RootParts rested;                   // all the time since the screen was last looked at
   bool windowsMoved = false;          // the last event moved or showed a window
   QRegion unlearned;                  // drawn or uncovered since it was learned
   xcb_gcontext_t context = XCB_NONE;  // paints with the tile
@@ -111,29 +110,24 @@ bool hasPaintedAnother(const QRegion& drawn) {
   return !onScreen || !copied || !std::ranges::equal(bytesOf(*onScreen), bytesOf(*copied));
 }
 
-// Learns only what no window has covered since the last look, because a window that has just gone
-// may still be on the screen, and so may its shadow.
+// Learns only what has rested since the last look, because a window that has just gone may still be
+// on the screen, and so may its shadow.
 void learnWhatRests(const QRegion& drawn) {
-  const QRegion uncovered = uncoveredRoot();
-  const QRegion unshaded = unshadedRoot();
-  backdrop.unlearned += drawn + (uncovered - learnedPart()) + (unshaded - learnedWithoutShadows());
-  backdrop.unlearned &= uncovered;
-  const QRegion resting = backdrop.unlearned & backdrop.uncovered;
-  if (learn(resting, backdrop.unshaded)) changeAll();
-  backdrop.unlearned -= resting;
-  backdrop.uncovered = uncovered;
-  backdrop.unshaded = unshaded;
-  const bool isComplete = (unshaded - learnedWithoutShadows()).isEmpty();
-  if (!isComplete || !backdrop.unlearned.isEmpty()) lookLater();
+  const RootParts now = rootParts();
+  backdrop.unlearned = (backdrop.unlearned + drawn + improvable(now)) & now.uncovered;
+  const QRegion part = backdrop.unlearned & learnable(backdrop.rested);
+  if (learn(part, backdrop.rested)) changeAll();
+  backdrop.unlearned -= part;
+  backdrop.rested = now;
+  if (!(backdrop.unlearned & learnable(now)).isEmpty()) lookLater();
 }
 
 // Requests nothing while windows cover the whole root, because all drawing is theirs. The drawing
 // stays noted until they move.
 void lookAtScreen() {
   if (!backdrop.isRead) return;
-  if (uncoveredRoot().isEmpty()) {
-    backdrop.uncovered = QRegion();
-    backdrop.unshaded = QRegion();
+  if (rootParts().uncovered.isEmpty()) {
+    backdrop.rested = {};
     return;
   }
   backdrop.drawn = false;
@@ -142,7 +136,7 @@ void lookAtScreen() {
 
 void takeInScreen(const QRegion& drawn) {
   if (!backdrop.isRead) return;
-  const QRegion drawnOnRoot = drawn & uncoveredRoot();
+  const QRegion drawnOnRoot = drawn & rootParts().uncovered;
   if (backdrop.learns) {
     learnWhatRests(drawnOnRoot);
     return;
@@ -157,8 +151,7 @@ void takeInScreen(const QRegion& drawn) {
 
 void noteCovered() {
   if (!std::exchange(backdrop.windowsMoved, false)) return;
-  backdrop.uncovered &= uncoveredRoot();
-  backdrop.unshaded &= unshadedRoot();
+  backdrop.rested = backdrop.rested & rootParts();
 }
 
 bool movesWindows(const xcb_generic_event_t& event) {
@@ -210,9 +203,8 @@ void startBackdrop() {
   QObject::connect(backdrop.look.get(), &QTimer::timeout, &lookAtScreen);
   readBackdrop();
   windowStack.backgroundChanged = false;
-  backdrop.uncovered = uncoveredRoot();
-  backdrop.unshaded = unshadedRoot();
-  if (backdrop.learns) learn(backdrop.uncovered, backdrop.unshaded);
+  backdrop.rested = rootParts();
+  if (backdrop.learns) learn(backdrop.rested.uncovered, backdrop.rested);
   lookLater();
 }
 

@@ -28,7 +28,8 @@ struct LearnedBackground {
   QSize size;
   xcb_gcontext_t reading = XCB_NONE;
   QRegion known;
-  QRegion withoutShadows;  // the part of it that was far from all windows when it was learned
+  QRegion withoutOwnShadows;  // the part of it that was far from the program's windows
+  QRegion withoutShadows;     // the part of that that was far from all windows
   std::optional<std::uint32_t> plain;
   // What was drawn on the screen: the server's region for it, and the request that reads it.
   xcb_xfixes_region_t drawn = XCB_NONE;
@@ -128,28 +129,6 @@ std::optional<std::uint32_t> findPlainColour() {
   return 2 * same >= unsure.size() ? std::optional(colour) : std::nullopt;
 }
 
-void copyFromScreen(const QRegion& part) {
-  for (const QRect& rect : part) {
-    xcb_copy_area(x(), xServer.screen->root, learned.pixels, learned.reading, i16(rect.x()),
-                  i16(rect.y()), i16(rect.x()), i16(rect.y()), u16(rect.width()),
-                  u16(rect.height()));
-  }
-}
-
-// Returns what is left of the root without all windows and a margin around each.
-QRegion rootWithoutWindows(int margin) {
-  QRegion rest(QRect(QPoint(), windowStack.rootSize));
-  for (const TopLevel* const topLevel : windowsSeen()) {
-    if (!topLevel->hasPixels || topLevel->window == overlayWindow()) continue;
-    if (margin == 0) {
-      rest -= topLevel->region();
-    } else {
-      rest -= topLevel->bounds.marginsAdded({margin, margin, margin, margin});
-    }
-  }
-  return rest;
-}
-
 }  // namespace
 
 void watchScreen(bool watch) {
@@ -194,24 +173,53 @@ std::optional<QRegion> receivedScreenDamage() {
   return reply ? regionOf(*reply) : QRegion();
 }
 
-QRegion uncoveredRoot() {
-  return rootWithoutWindows(0);
-}
-
-QRegion unshadedRoot() {
+RootParts rootParts() {
   // Wider than the shadows of all desktops that we know, on screens of high resolution too.
   constexpr int longestShadow = 120;
-  return rootWithoutWindows(longestShadow);
+  constexpr QMargins shadow(longestShadow, longestShadow, longestShadow, longestShadow);
+  QRegion covered;
+  QRegion nearOwn;
+  QRegion nearOthers;
+  for (const TopLevel* const topLevel : windowsSeen()) {
+    if (!topLevel->hasPixels || topLevel->window == overlayWindow()) continue;
+    covered += topLevel->region();
+    (isOfProgram(*topLevel) ? nearOwn : nearOthers) += topLevel->bounds.marginsAdded(shadow);
+  }
+  const QRegion root(QRect(QPoint(), windowStack.rootSize));
+  const QRegion uncovered = root - covered;
+  const QRegion ownFar = uncovered - nearOwn;
+  return {uncovered, ownFar, ownFar - nearOthers};
 }
 
-bool learn(const QRegion& part, const QRegion& unshaded) {
+RootParts operator&(const RootParts& a, const RootParts& b) {
+  return {a.uncovered & b.uncovered, a.ownFar & b.ownFar, a.unshaded & b.unshaded};
+}
+
+QRegion learnable(const RootParts& parts) {
+  return parts.unshaded + (parts.ownFar - learned.withoutShadows) +
+         (parts.uncovered - learned.withoutOwnShadows);
+}
+
+QRegion improvable(const RootParts& parts) {
+  return (parts.unshaded - learned.withoutShadows) + (parts.ownFar - learned.withoutOwnShadows) +
+         (parts.uncovered - learned.known);
+}
+
+bool learn(const QRegion& part, const RootParts& parts) {
   if (part.isEmpty()) return false;
   makeRoom();
-  const QRegion sure = part & unshaded;
-  if (showsAnother(part, unshaded)) learned.withoutShadows = QRegion();
-  copyFromScreen(sure + (part - learned.withoutShadows));
+  if (showsAnother(part, parts.unshaded)) {
+    learned.withoutOwnShadows = QRegion();
+    learned.withoutShadows = QRegion();
+  }
+  for (const QRect& rect : part) {
+    xcb_copy_area(x(), xServer.screen->root, learned.pixels, learned.reading, i16(rect.x()),
+                  i16(rect.y()), i16(rect.x()), i16(rect.y()), u16(rect.width()),
+                  u16(rect.height()));
+  }
   learned.known += part;
-  learned.withoutShadows += sure;
+  learned.withoutOwnShadows += part & parts.ownFar;
+  learned.withoutShadows += part & parts.unshaded;
   const auto before = learned.plain;
   learned.plain = findPlainColour();
   return learned.plain != before;
@@ -226,6 +234,7 @@ void forgetLearned() {
   learned.reading = XCB_NONE;
   learned.size = {};
   learned.known = QRegion();
+  learned.withoutOwnShadows = QRegion();
   learned.withoutShadows = QRegion();
   learned.plain.reset();
 }

@@ -22,16 +22,28 @@ void requestScreenDamage();
 // Returns what was drawn if the reply has come, or nothing. Never waits.
 std::optional<QRegion> receivedScreenDamage();
 
-// Returns the part of the root that no window covers.
-QRegion uncoveredRoot();
+// Parts of the root, each of which contains the next one.
+struct RootParts {
+  QRegion uncovered;  // by windows
+  QRegion ownFar;     // so far from the program's windows that no shadow of theirs reaches it
+  QRegion unshaded;   // likewise from all windows
+};
 
-// Returns the part of the root that is so far from all windows that no shadow of theirs reaches it.
-QRegion unshadedRoot();
+// Returns these parts as the windows are now.
+RootParts rootParts();
 
-// Copies a part of the screen into what is known. The second region says where no shadow has been;
-// what was learned there is not replaced by what may have shadows. Returns true if the plain colour
-// has changed.
-bool learn(const QRegion& part, const QRegion& unshaded);
+// Returns what belongs to the same parts at two times.
+RootParts operator&(const RootParts& a, const RootParts& b);
+
+// Returns where the screen is at least as free of shadows as it was when it was learned.
+QRegion learnable(const RootParts& parts);
+
+// Returns where the screen is freer of shadows than it was when it was learned, or not known.
+QRegion improvable(const RootParts& parts);
+
+// Copies a learnable part of the screen into what is known. Returns true if the plain colour has
+// changed.
+bool learn(const QRegion& part, const RootParts& parts);
 
 // Forgets everything that was learned.
 void forgetLearned();

@@ -283,5 +283,22 @@ TEST_F(Background, AShadowIsNotTakenForAPartOfAPicture) {
   EXPECT_TRUE(greyIn(leftOfIt, cut(other, leftOfIt)));
 }
 
+// Another window was near from the beginning, so the background there may have had its shadow.
+TEST_F(Background, AShadowOfTheMainWindowIsNotTakenForAPartOfAPicture) {
+  useComposedDisplay();
+  Scene sheets(display().name(), XCB_NONE);
+  sheets.addNoise({300, 100, 60, 60}, 2);
+  const Picture background = noise(1280, 800, 1);
+  drawOnScreen(background, x().screenArea());
+  storeValues({{"Selected", 4}, {"ColorSpace", 0}});
+  start();
+  const Area shadow{view().x - 20, 200, 20, 80};
+  ASSERT_LT(shadow.x, 400);
+  drawOnScreen(solid(shadow.width, shadow.height, 0x101010), shadow);
+  EXPECT_TRUE(comesToRest());
+  moveView(shadow.x - 60, 180);
+  EXPECT_TRUE(greyIn(shadow, cut(background, shadow)));
+}
+
 }  // namespace
 }  // namespace tintora::desktop_test

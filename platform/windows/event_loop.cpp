@@ -81,7 +81,7 @@ bool onFilesDropped(Window* window, HDROP drop) {
   return handle({.kind = EventKind::FilesDropped, .window = window});
 }
 
-bool onResolutionChanged(Window* window, const RECT& suggested) {
+bool onResolutionChanged(Window* window, const Rect& suggested) {
   takeSuggestedBounds(native(window), suggested);
   handle({.kind = EventKind::ScaleChanged, .window = window});
   return true;
@@ -134,7 +134,7 @@ bool handleMessage(Window* window, UINT message, WPARAM first, LPARAM second) {
       forgetPace();
       return handle({.kind = EventKind::ScreenChanged, .window = window});
     case WM_DPICHANGED:
-      return onResolutionChanged(window, *reinterpret_cast<const RECT*>(second));
+      return onResolutionChanged(window, fromNative(*reinterpret_cast<const RECT*>(second)));
     case WM_ENDSESSION:
       // The desktop may end the process as soon as this returns.
       return first != FALSE && handle({.kind = EventKind::SessionEnding, .window = window});

@@ -1,8 +1,8 @@
 #include "platform/windows/resolution.h"
 
-#include <cmath>
 #include <map>
 
+#include "platform/windows/handles.h"
 #include "platform/windows/scale.h"
 
 namespace tintora::platform {
@@ -17,27 +17,21 @@ struct SizeState {
 
 std::map<HWND, SizeState> sizes;
 
-LONG width(const RECT& bounds) {
-  return bounds.right - bounds.left;
-}
-LONG height(const RECT& bounds) {
-  return bounds.bottom - bounds.top;
-}
-
-RECT boundsOf(HWND window) {
+Rect boundsOf(HWND window) {
   RECT bounds{};
   GetWindowRect(window, &bounds);
-  return bounds;
+  return fromNative(bounds);
 }
 
-void setBounds(HWND window, const RECT& bounds) {
-  SetWindowPos(window, nullptr, bounds.left, bounds.top, width(bounds), height(bounds),
+void setBounds(HWND window, const Rect& bounds) {
+  SetWindowPos(window, nullptr, bounds.left, bounds.top, bounds.width(), bounds.height(),
                SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 // Returns true if the window's monitor is that of these bounds too.
-bool staysOnMonitor(HWND window, const RECT& bounds) {
-  return MonitorFromRect(&bounds, MONITOR_DEFAULTTONEAREST) ==
+bool staysOnMonitor(HWND window, const Rect& bounds) {
+  const RECT there = native(bounds);
+  return MonitorFromRect(&there, MONITOR_DEFAULTTONEAREST) ==
          MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST);
 }
 
@@ -48,12 +42,12 @@ bool isMovedByDesktop(HWND window) {
          (facts.flags & GUI_INMOVESIZE) != 0 && facts.hwndMoveSize == window;
 }
 
-RECT resized(const RECT& bounds, double factor, bool aboutCentre) {
-  const LONG newWidth = std::lround(width(bounds) * factor);
-  const LONG newHeight = std::lround(height(bounds) * factor);
-  const LONG left = aboutCentre ? bounds.left + (width(bounds) - newWidth) / 2 : bounds.left;
-  const LONG top = aboutCentre ? bounds.top + (height(bounds) - newHeight) / 2 : bounds.top;
-  return {left, top, left + newWidth, top + newHeight};
+Rect resized(const Rect& bounds, double factor, bool aboutCentre) {
+  const int width = scaled(bounds.width(), factor);
+  const int height = scaled(bounds.height(), factor);
+  const int left = aboutCentre ? bounds.left + (bounds.width() - width) / 2 : bounds.left;
+  const int top = aboutCentre ? bounds.top + (bounds.height() - height) / 2 : bounds.top;
+  return {left, top, left + width, top + height};
 }
 
 // Resizes the window if its size suits another resolution than its monitor's. A size that would put
@@ -64,7 +58,7 @@ void followResolution(HWND window, bool aboutCentre) {
   const double scale = scaleOf(window);
   const bool movable = IsZoomed(window) == 0 && IsIconic(window) == 0;
   if (size.held || size.placing || scale == size.scale || !movable) return;
-  const RECT bounds = resized(boundsOf(window), scale / size.scale, aboutCentre);
+  const Rect bounds = resized(boundsOf(window), scale / size.scale, aboutCentre);
   if (!staysOnMonitor(window, bounds)) return;
   size.scale = scale;
   setBounds(window, bounds);
@@ -86,21 +80,21 @@ void releaseSize(HWND window) {
   followResolution(window, true);
 }
 
-void placeWindow(HWND window, const RECT& bounds) {
-  const RECT before = boundsOf(window);
+void placeWindow(HWND window, const Rect& bounds) {
+  const Rect before = boundsOf(window);
   SizeState& size = sizes[window];
   const bool nested = size.placing;
   size.placing = true;
   setBounds(window, bounds);
   size.placing = nested;
-  if (width(bounds) != width(before) || height(bounds) != height(before)) {
+  if (bounds.width() != before.width() || bounds.height() != before.height()) {
     acceptSize(window);
   } else {
     followResolution(window, false);
   }
 }
 
-void takeSuggestedBounds(HWND window, const RECT& suggested) {
+void takeSuggestedBounds(HWND window, const Rect& suggested) {
   SizeState& size = sizes[window];
   const double scale = scaleOf(window);
   if (size.held || size.placing || scale == size.scale) return;

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include "platform/geometry.h"
+
 namespace tintora::platform {
 
 // Records that the window's present size suits the resolution of its monitor.
@@ -16,11 +18,11 @@ void releaseSize(HWND window);
 
 // Moves a window for the program. If it keeps its size and comes to another resolution, it is
 // resized afterwards.
-void placeWindow(HWND window, const RECT& bounds);
+void placeWindow(HWND window, const Rect& bounds);
 
 // Moves the window to the bounds that the desktop suggests for its new resolution, unless the size
 // suits that already or has to wait.
-void takeSuggestedBounds(HWND window, const RECT& suggested);
+void takeSuggestedBounds(HWND window, const Rect& suggested);
 
 // Returns true while the user moves or sizes the window by its frame or drags it by its picture.
 bool isBeingMoved(HWND window);

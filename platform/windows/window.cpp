@@ -144,7 +144,7 @@ void showWindow(Window* window, ShowState state) {
 }
 
 void setWindowBounds(Window* window, const Rect& bounds) {
-  placeWindow(native(window), native(bounds));
+  placeWindow(native(window), bounds);
 }
 
 Rect windowBounds(const Window* window) {

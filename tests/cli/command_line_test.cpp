@@ -59,6 +59,7 @@ TEST(CommandLine, WrongArgumentsAreOneLineThatNamesTheValueAndStatusTwo) {
       {{"filter", "a.png", "b.png", "--output-format", "gif"}, "\"gif\""},
       {{"filter", "-", "--output-dir", "d"}, "-: "},
       {{"filter", "x/a.png", "y/a.png", "--output-dir", "d"}, "a.png"},
+      {{"filter", "a.png", "b.png", "--max-pixels", "0"}, "--max-pixels"},
       {{"list", "everything"}, "everything"},
       {{"matrix", "--severity", "+-5"}, "\"+-5\""},
       {{"matrix", "--severity", "+"}, "\"+\""},

@@ -130,8 +130,8 @@ inline LightShare sumOfShares(const EffectShares& effect, const std::uint8_t* bg
           red.blueAndSide + green.blueAndSide + blue.blueAndSide + effect.offset.blueAndSide};
 }
 
-// Both effects are computed where there is a division: pixels of a photograph change sides too
-// often for a branch to be foreseen.
+// Computes both effects where there is a division: in a photograph the side changes too often for a
+// branch to be predicted.
 template <bool divides>
 void filterLight8(const PictureFilter& filter, std::uint8_t* bgra, std::size_t pixels) {
   const EffectShares* const effects = filter.shares.data();

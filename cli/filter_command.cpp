@@ -22,8 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view standardStream = "-";
-
 std::optional<ImageFormat> formatOf(const fs::path& output) {
   if (output == standardStream) return ImageFormat::Png;
   std::string extension = output.extension().string();

@@ -22,7 +22,6 @@ namespace tintora::cli {
 
 namespace {
 
-constexpr std::string_view standardStream = "-";
 constexpr const char* standardOutputName = "standard output";
 
 [[noreturn]] void throwUnreadable(const std::string& name, const std::string& why) {
@@ -191,7 +190,7 @@ InputFile::InputFile(const std::filesystem::path& path)
 }
 
 std::vector<std::uint8_t> readFileWhole(const std::filesystem::path& source, std::uint64_t limit) {
-  if (source == "-") return readAll(STDIN_FILENO, "standard input", limit);
+  if (source == standardStream) return readAll(STDIN_FILENO, "standard input", limit);
   const Descriptor file(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
   if (file.number < 0) throwUnreadable(source.string(), std::generic_category().message(errno));
   return readAll(file.number, source.string(), limit);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "cli/byte_stream.h"
@@ -12,6 +13,9 @@ namespace tintora::cli {
 
 // Every failure below is a std::runtime_error of one line that says what could not be read or
 // written, and why.
+
+// As a file's path, this is standard input or standard output.
+inline constexpr std::string_view standardStream = "-";
 
 // Returns the bytes of a file, or of standard input for "-". Throws if there are more than the
 // limit.

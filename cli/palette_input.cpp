@@ -27,7 +27,7 @@ std::string percentText(double share) {
 
 void requireFile(const std::string& argument) {
   std::error_code unknown;
-  if (argument == "-" || std::filesystem::exists(argument, unknown)) return;
+  if (argument == standardStream || std::filesystem::exists(argument, unknown)) return;
   throw UsageError("\"" + argument + "\" is neither a colour (#rgb, #rrggbb or a CSS name) nor a " +
                    "file");
 }
@@ -53,7 +53,7 @@ void addArgument(InputPalette& input, const std::string& argument) {
     return;
   }
   requireFile(argument);
-  addPaletteText(input, argument == "-" ? "standard input" : argument,
+  addPaletteText(input, argument == standardStream ? "standard input" : argument,
                  readFileWhole(argument, mostPaletteBytes));
 }
 

@@ -19,8 +19,6 @@ namespace tintora::cli {
 
 namespace {
 
-constexpr std::string_view standardStream = "-";
-
 std::span<const std::uint8_t> bytesOf(const std::string& text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }

@@ -177,10 +177,39 @@ void keepControlAbove() {
   }
 }
 
-void setHitTransparent(Window* window, bool transparent) {
-  window->hitTransparent = transparent;
+namespace {
+
+void letMouseThrough(Window* window) {
   shapeInput(window);
   coverOthers(window);
+}
+
+// Waits until the control window is on the screen, but not for ever. Otherwise the mouse would hit
+// what lies beneath for a moment, and a window manager whose focus follows the mouse would give it
+// the focus.
+void letMouseThroughLater(Window* window) {
+  constexpr int milliseconds = 20;
+  constexpr int most = 50;
+  auto* const timer = new QTimer(window->window.get());
+  timer->callOnTimeout(window->window.get(), [=, checks = 0]() mutable {
+    if (!controlWindow->window->isExposed() && ++checks < most) return;
+    letMouseThrough(window);
+    timer->deleteLater();
+  });
+  timer->start(milliseconds);
+}
+
+bool controlAppears() {
+  return controlWindow != nullptr && controlWindow->window->isVisible() &&
+         !controlWindow->window->isExposed();
+}
+
+}  // namespace
+
+void setHitTransparent(Window* window, bool transparent) {
+  window->hitTransparent = transparent;
+  if (transparent && controlAppears()) return letMouseThroughLater(window);
+  letMouseThrough(window);
 }
 
 void showWindow(Window* window, ShowState state) {

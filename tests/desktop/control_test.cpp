@@ -250,5 +250,27 @@ TEST_F(SlowManager, TheMainWindowHasTheFocusAfterFullScreen) {
   EXPECT_TRUE(eventually([&] { return x().focus() == main(); })) << x().focus();
 }
 
+class FocusFollowingMouse : public ProgramTest {};
+
+// The mouse must not pass through before the control window is there: it would hit what lies
+// beneath.
+TEST_F(FocusFollowingMouse, StaysWithTheControlWindow) {
+  useDisplay({}, Manager::I3FollowingMouse, "1280x800");
+  storeValues({{"Selected", 4}, {"ColorSpace", 0}});
+  start();
+  scene().add({.place = {0, 0, 1200, 700}, .picture = noise(1200, 700, 7), .managed = true});
+  x().restack(x().topLevelOf(main()), XCB_STACK_MODE_ABOVE);
+  const Area area = view();
+  x().moveMouse(area.x + area.width / 2, area.y + area.height / 2);
+  for (int i = 0; i < 3; ++i) {
+    press(XK_h);
+    EXPECT_TRUE(showing(control(), true));
+    EXPECT_TRUE(eventually([&] { return x().focus() == control(); })) << i;
+    settle();
+    x().press(XK_h);
+    EXPECT_TRUE(showing(control(), false)) << i;
+  }
+}
+
 }  // namespace
 }  // namespace tintora::desktop_test

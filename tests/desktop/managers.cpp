@@ -41,7 +41,6 @@ constexpr const char* openboxSettings = R"(<?xml version="1.0" encoding="UTF-8"?
 constexpr const char* i3Settings = R"i3(# i3 config file (v4)
 font pango:monospace 8
 floating_modifier Mod1
-focus_follows_mouse no
 for_window [class="^(?!tintora)"] floating enable
 )i3";
 
@@ -100,6 +99,10 @@ ManagerCommand commandOf(Manager manager, const std::string& folder) {
                    fluxboxSettings + ("session.styleOverlay: " +
                                       settings(folder, ".fluxbox/overlay", fluxboxStyle) + "\n"))}};
     case Manager::I3:
+      return {
+          {"i3", "-c",
+           settings(folder, "i3.config", std::string(i3Settings) + "focus_follows_mouse no\n")}};
+    case Manager::I3FollowingMouse:
       return {{"i3", "-c", settings(folder, "i3.config", i3Settings)}};
     case Manager::Twm:
       return {{"twm", "-f", settings(folder, "twmrc", twmSettings)}};

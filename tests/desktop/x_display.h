@@ -16,8 +16,19 @@ namespace tintora::desktop_test {
 
 // Fake is this folder's own: it composes the screen, has frames with invisible borders, and keeps
 // minimised windows mapped beneath a guard window. FakeLate frames windows some time after it shows
-// them, and composes nothing.
-enum class Manager { None, Openbox, Xfwm4, Icewm, Fluxbox, I3, Twm, Fake, FakeLate };
+// them, and composes nothing. In I3FollowingMouse the focus follows the mouse.
+enum class Manager {
+  None,
+  Openbox,
+  Xfwm4,
+  Icewm,
+  Fluxbox,
+  I3,
+  I3FollowingMouse,
+  Twm,
+  Fake,
+  FakeLate
+};
 
 // A compositing manager beside the window manager.
 enum class Compositor { None, Picom };

@@ -232,6 +232,14 @@ TEST(Report, HasATableOfEveryPair) {
   EXPECT_NE(table.find("<td class=\"number\">100.0<br>21.00</td>"), std::string::npos);
 }
 
+// The figures are those of tests/reference/colour_appearance.py, rounded.
+TEST(Report, SaysHowFarTheColoursOfAFindingAreApart) {
+  const std::string html =
+      report({"--algorithm", "brettel1997", "#ff7f0e", "#2ca02c", "-o", "-"}).output;
+  EXPECT_NE(html.find("difference 55.2</span>, <span class=\"number\">contrast 1.34</span>"),
+            std::string::npos);
+}
+
 TEST(Report, ReadsStandardInput) {
   const ToolRun palette = report({"-", "-o", "-"}, "#ff0000 #008000");
   EXPECT_EQ(palette.status, 0);

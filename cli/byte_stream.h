@@ -12,7 +12,7 @@
 
 namespace tintora::cli {
 
-// Tells whether these bytes stand in the data at an offset.
+// Returns true if the data holds these bytes at an offset.
 bool holdsAt(std::span<const std::uint8_t> data, std::size_t offset, std::string_view bytes);
 
 // An open file, closed at the end; -1 for none.

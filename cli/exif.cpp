@@ -21,7 +21,7 @@ bool isBigEndian(std::span<const std::uint8_t> exif) {
   return exif[0] == 'M';
 }
 
-// The place is within the data.
+// Returns the number of that many bytes at a place, which must be within the data.
 std::uint32_t numberAt(std::span<const std::uint8_t> exif, std::size_t at, std::size_t bytes) {
   std::uint32_t number = 0;
   for (std::size_t i = 0; i < bytes; ++i) {
@@ -72,7 +72,7 @@ void blankBytes(std::vector<std::uint8_t>& exif, const Directory& directory,
   const auto size = valueOf(exif, directory, sizeTag);
   if (!offset || !size) return;
   const std::size_t start = numberAt(exif, offset->at, offset->bytes);
-  // What stands before the directory's end would be something else.
+  // A thumbnail comes after the directory.
   if (start < directory.end() || start >= exif.size()) return;
   const std::size_t count =
       std::min<std::size_t>(numberAt(exif, size->at, size->bytes), exif.size() - start);

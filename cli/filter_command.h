@@ -42,9 +42,9 @@ void addFilterArguments(CLI::App& command, FilterRequest& request);
 // Returns the jobs for "INPUT OUTPUT", for "INPUT... FOLDER" where the folder exists or ends in a
 // slash, or for "INPUT..." with an output directory. The format follows the output's file name, and
 // is PNG on standard output, unless one is given; in a folder the name then follows the format.
-// Throws UsageError if an only output would have no known format, or if one would overwrite an
-// input or another output, or be binary data on a terminal, or if there is a quality for nothing
-// but PNG. In a folder whose names decide, the quality is for those that are JPEG.
+// Throws UsageError if the format of a single output is not known, if an output would overwrite an
+// input or another output or would be binary data on a terminal, or if a quality is given and all
+// outputs are PNG. Where names decide the format, the quality applies to the JPEG files.
 FilterPlan planFilterJobs(const FilterRequest& request);
 
 // Filters one image. Its output appears whole or not at all. Throws RunError.

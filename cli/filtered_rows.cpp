@@ -78,7 +78,8 @@ bool isOpaque(const PaletteEntry& entry) {
 
 // ---- Indexed rows
 
-// For each entry its place among the greys of the depth; none if one of them is not there.
+// Returns the place of each entry among the greys of the depth, or nothing if an entry is none of
+// them.
 std::optional<std::vector<std::uint8_t>> placesAmongGreys(const std::vector<PaletteEntry>& palette,
                                                           int bits) {
   const std::vector<PaletteEntry> greys = greyPalette(bits);
@@ -160,7 +161,7 @@ RowFilter planIndexed(const RowsHeader& header, const ColourStep& step, bool kee
 
 // ---- Greys that are no indices
 
-// All greys of a depth, as pixels, through the step.
+// Returns all greys of the samples' depth, filtered by the step.
 template <typename Sample>
 std::vector<Sample> filteredGreys(const ColourStep& step) {
   constexpr std::size_t count = std::size_t{1} << (8 * sizeof(Sample));
@@ -213,7 +214,7 @@ FilterRow lookUp(std::vector<Sample> pixels, bool hasAlpha, bool toGrey, std::si
   };
 }
 
-// Puts a row of colours of 16 bits through 8.
+// Returns a filter that rounds to 8 bits what another one gives with 16.
 FilterRow narrowing(FilterRow wide, std::size_t width) {
   return [=, wide = std::move(wide)](const std::uint8_t* row, std::uint8_t* filtered) {
     std::vector<std::uint16_t> rgba(width * rgbaChannels);
@@ -265,7 +266,7 @@ RowFilter planColours(const RowsHeader& header, const ColourStep& step, bool kee
   return plan;
 }
 
-// What of a layout may stay.
+// Tells which properties of a layout the filtered picture may keep.
 struct Keeping {
   bool palette;  // indices, and greys of fewer bits
   bool grey8;    // greys of 8 bits

@@ -83,8 +83,8 @@ Profile linearSrgb() {
   return Profile(cmsCreateRGBProfile(&white, &primaries, lines.data()));
 }
 
-// Returns the light of each channel, from the colours that have nothing in the other two. What
-// black gives is in all three, so two thirds of it are taken off each.
+// Returns the light of each channel, taken from the colours in which the other two are 0. Black's
+// light is part of all three, so two thirds of it are subtracted from each.
 ChannelLights lightsOf(cmsHTRANSFORM toLight) {
   const auto lightOf = [&](const std::array<std::uint8_t, 3>& rgb) {
     std::array<double, 3> light{};

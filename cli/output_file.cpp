@@ -112,12 +112,13 @@ int passOnPermissions(const struct stat& replaced, int file) {
   mode_t mode = replaced.st_mode & permissions;
   const bool keptOwner = ::fchown(file, replaced.st_uid, replaced.st_gid) == 0;
   if (!keptOwner && ::fchown(file, static_cast<uid_t>(-1), replaced.st_gid) != 0) {
-    // What the old group was allowed is not for the new one.
+    // The new group gets no more rights than all others: those of the old one were not meant for
+    // it.
     mode &= ~(ofOthers << 3) | (mode & ofOthers) << 3;
   }
   if (::fchmod(file, mode) == 0) return 0;
   const int error = errno;
-  // Some file systems let nobody change the permissions, which are the same for every file.
+  // Some file systems let nobody change permissions: all files there have the same.
   struct stat made {};
   const bool isRight = ::fstat(file, &made) == 0 && (made.st_mode & permissions) == mode;
   return isRight ? 0 : error;

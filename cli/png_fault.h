@@ -15,7 +15,7 @@ namespace tintora::cli {
 
 using FaultText = std::array<char, 200>;
 
-// libpng reports an error through this and must not be returned to.
+// Takes an error from libpng. Jumps, because libpng cannot go on if this returns.
 [[noreturn]] inline void pngFailed(png_structp png, png_const_charp text) {
   auto& fault = *static_cast<FaultText*>(png_get_error_ptr(png));
   fault.fill('\0');
@@ -26,9 +26,8 @@ using FaultText = std::array<char, 200>;
 // Warnings are about oddities that leave the picture as it is; damage to it arrives as an error.
 inline void pngWarned(png_structp /*png*/, png_const_charp /*text*/) {}
 
-// Runs a step that calls libpng, and returns whether it came to its end. On an error the step is
-// left by a jump that runs no destructors, so that it must not own anything: it works on objects of
-// its caller.
+// Runs a step that calls libpng. Returns true if it came to its end. An error ends the step by a
+// jump that runs no destructors, so the step must not own anything.
 template <typename Step>
 [[nodiscard]] bool completes(png_structp png, const Step& step) {
   static_assert(std::is_trivially_destructible_v<Step>);

@@ -1,4 +1,4 @@
-// The user's own matrices, read from a text file beside the program.
+// The user's own matrices, read from a text file.
 #pragma once
 
 #include <array>

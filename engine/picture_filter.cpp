@@ -38,7 +38,7 @@ LightSteps makeLightSteps(SampleDepth depth) {
   return steps;
 }
 
-// What is not a number compares false and becomes 0.
+// NaN compares false and becomes 0.
 double clampTo(double most, double value) {
   const double atMost = value < most ? value : most;
   return value > 0.0 ? atMost : 0.0;

@@ -14,7 +14,7 @@ namespace tintora {
 // How many bits a sample has; it counts the steps of 0..255 or 0..65535 that make up 0..1.
 enum class SampleDepth { Bits8, Bits16 };
 
-// The way between steps and linear light, for one depth.
+// Tables that convert steps of one depth to linear light and back.
 struct LightSteps {
   std::vector<double> light;             // of each step, 0..1
   double intervals;                      // a power of two: equal parts of 0..1, each with one
@@ -24,7 +24,7 @@ struct LightSteps {
   std::vector<std::uint16_t> firstStep;  // of each interval
 };
 
-// Two doubles in one register, which every processor of our kinds has.
+// Two doubles in one register. Every 64-bit processor of x86 and ARM has such registers.
 using DoublePair [[gnu::vector_size(16)]] = double;
 
 // What one step of one channel gives, in intervals of light: to the channels of the filtered pixel,
@@ -52,9 +52,9 @@ struct PictureFilter {
 
 PictureFilter makePictureFilter(const ColourTransform& transform, SampleDepth depth);
 
-// The linear light of an sRGB display that pixels of another colour space with 8 bits stand for, as
-// the sum of what their channels give: [channel][step] is R, G, B, the channels in the order R, G,
-// B.
+// Converts pixels of another colour space, of 8 bits, to linear light of an sRGB display. The entry
+// [channel][step] holds the R, G, B that one channel adds; a pixel's light is the sum of its three
+// entries. The channels are in the order R, G, B.
 using ChannelLights = std::array<std::array<std::array<double, 3>, 256>, 3>;
 
 // Filters pixels in place. Each channel becomes the nearest step to the result in double precision,

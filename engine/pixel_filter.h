@@ -40,12 +40,13 @@ struct PixelFilter {
 PixelFilter makePixelFilter(const EffectMatrix& matrix);
 
 // Filters pixels of 4 bytes in the order B, G, R, A at any alignment. Each channel is at most one
-// step from the clamped and rounded result in double precision (what is not a number becomes 0); A
+// step from the clamped and rounded result in double precision (NaN becomes 0); A
 // is kept. Source and destination are the same place or do not overlap.
 void filterPixels(const PixelFilter& filter, const std::uint8_t* source, std::uint8_t* destination,
                   std::size_t pixels);
 
-// The same for rows; strides in bytes from one row to the next, of any sign.
+// Filters the pixels of several rows like filterPixels. Strides are bytes from one row to the next,
+// of any sign.
 void filterRows(const PixelFilter& filter, const std::uint8_t* source, std::ptrdiff_t sourceStride,
                 std::uint8_t* destination, std::ptrdiff_t destinationStride, std::size_t width,
                 std::size_t height);

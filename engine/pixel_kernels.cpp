@@ -8,8 +8,8 @@ namespace tintora {
 
 namespace {
 
-// A channel in double precision, on 0..255, as the nearest step. What is not a number compares
-// false and becomes 0.
+// Returns the nearest step to a channel's value, which is on 0..255. NaN compares false and becomes
+// 0.
 int toStep(double value) {
   const double atMost = value < 255.0 ? value : 255.0;
   return static_cast<int>((value > 0.0 ? atMost : 0.0) + 0.5);

@@ -83,7 +83,7 @@ bool isAmong(int value, int last) {
   return value >= 0 && value <= last;
 }
 
-// What is not a number lies outside.
+// NaN counts as outside.
 bool isWithin(double value, double least, double most) {
   return value >= least && value <= most;
 }

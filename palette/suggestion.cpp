@@ -66,7 +66,7 @@ std::vector<LightnessChange> makeLightnessChanges(const CheckedPalette& palette,
   return changes;
 }
 
-// A grid over all that the display has.
+// Returns colours at equal distances over all that the display can show.
 const std::vector<Rgb8>& coloursOfDisplay() {
   static const std::vector<Rgb8> colours = [] {
     constexpr double lightnessStep = 2.0;
@@ -90,8 +90,7 @@ const std::vector<Rgb8>& coloursOfDisplay() {
   return colours;
 }
 
-// Returns true if the pair of the changed colour with this neighbour keeps the promises of
-// Suggestion.
+// Returns true if the changed colour and this neighbour stay apart, as Suggestion says.
 bool keepsApart(const CheckedPalette& palette, std::size_t changed, const Appearance& look,
                 std::size_t neighbour) {
   const Appearance& was = palette.looks[changed];
@@ -110,8 +109,7 @@ bool keepsApart(const CheckedPalette& palette, std::size_t changed, const Appear
   return true;
 }
 
-// Returns true if every pair of the changed colour keeps the promises of Suggestion. A pair that
-// the change separates does.
+// Returns true if the changed colour stays apart from every other one, as Suggestion says.
 bool isHarmless(const CheckedPalette& palette, std::size_t changed, const Appearance& look) {
   for (std::size_t i = 0; i < palette.looks.size(); ++i) {
     if (i != changed && !keepsApart(palette, changed, look, i)) return false;

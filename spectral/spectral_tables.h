@@ -32,8 +32,8 @@ inline constexpr DisplayPrimary redPrimary{1.0, 620.0, 10.0};
 inline constexpr DisplayPrimary greenPrimary{1.0, 549.0, 10.0};
 inline constexpr DisplayPrimary bluePrimary{1.0, 469.0, 10.0};
 
-// Write the CIE 1931 2-degree colour-matching functions into the curve. z-bar ends at 649 nm and
-// its routine writes no further, so that one wants a zeroed curve.
+// Write the CIE 1931 2-degree colour-matching functions into the curve. z-bar ends at 649 nm,
+// and fillCieZBar writes no further, so pass it a curve of zeros.
 void fillCieXBar(SpectralCurve& curve);
 void fillCieYBar(SpectralCurve& curve);
 void fillCieZBar(SpectralCurve& curve);
@@ -50,10 +50,10 @@ void fillPrereceptoralFilter(SpectralCurve& curve);
 // nm.
 void gaussianSpectrum(SpectralCurve& curve, double amplitude, double peak, double width);
 
-// The spectrum of a display primary.
+// Returns the spectrum of a display primary.
 SpectralCurve primarySpectrum(const DisplayPrimary& primary);
 
-// The sum of a(i) * b(i) over the whole grid.
+// Returns the sum of a(i) * b(i) over the whole grid.
 double spectralDot(const SpectralCurve& a, const SpectralCurve& b);
 
 // Multiplies the curve by the filter and divides it by its largest sample, unless that is 0 or

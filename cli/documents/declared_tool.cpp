@@ -17,7 +17,7 @@ DeclaredOption declaredOption(CLI::Option& option) {
   for (const std::string& name : option.get_lnames()) declared.names.push_back("--" + name);
   for (const std::string& name : option.get_snames()) declared.names.push_back("-" + name);
   if (declared.names.empty()) declared.names.push_back(option.get_name());
-  // What stands without dashes is called by its value alone.
+  // An argument without dashes has no name but that of its value.
   if (option.get_positional()) {
     declared.value = option.get_name();
   } else if (option.get_items_expected_max() > 0) {

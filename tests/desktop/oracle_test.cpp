@@ -111,7 +111,7 @@ class Oracle : public OnDesktop {
           last = std::move(now);
           return rests;
         },
-        2 * patience));
+        2 * conditionTimeout));
     return last;
   }
 

@@ -14,11 +14,11 @@ namespace tintora::desktop_test {
 
 // The limit for anything that should happen at once. A busy machine may take seconds; a test waits
 // this long only if it fails.
-inline constexpr std::chrono::milliseconds patience{20000};
+inline constexpr std::chrono::milliseconds conditionTimeout{20000};
 
 // Returns true if a condition becomes true in time.
 template <typename Condition>
-bool eventually(Condition condition, std::chrono::milliseconds most = patience) {
+bool eventually(Condition condition, std::chrono::milliseconds most = conditionTimeout) {
   constexpr std::chrono::milliseconds pause{4};
   const auto end = std::chrono::steady_clock::now() + most;
   while (!condition()) {
@@ -49,7 +49,7 @@ class Process {
   void signal(int number) const;
   // Returns its exit status, or the negative number of the signal that ended it; nothing if it
   // still runs.
-  std::optional<int> result(std::chrono::milliseconds most = patience);
+  std::optional<int> result(std::chrono::milliseconds most = conditionTimeout);
   // Returns the memory in use, in kilobytes.
   long memory() const;
   // Returns true if its first thread is waiting for an event.

@@ -142,7 +142,7 @@ void ProgramTest::end() {
 }
 
 void ProgramTest::expectNormalEnd() {
-  const auto result = process().result(2 * patience);
+  const auto result = process().result(2 * conditionTimeout);
   ASSERT_TRUE(result.has_value()) << "The program did not end.";
   const std::string errors = readFile(errorsFile());
   // LeakSanitizer crashes now and then on a thread that is just ending. It has then reported no

@@ -102,7 +102,7 @@ TEST_F(Settings, TheServersEndDoesNotLoseThem) {
   press(XK_g);
   ASSERT_TRUE(titleBecomes("Greyscale"));
   display().endServer();
-  ASSERT_TRUE(process().result(2 * patience).has_value());
+  ASSERT_TRUE(process().result(2 * conditionTimeout).has_value());
   EXPECT_EQ(storedValues()["Selected"], 4);
 }
 

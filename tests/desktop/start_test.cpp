@@ -36,7 +36,7 @@ class Start : public ProgramTest {
   // Runs a start that opens no window.
   Outcome run(const Launch& launch) const {
     Process process(launch);
-    const auto result = process.result(2 * patience);
+    const auto result = process.result(2 * conditionTimeout);
     return {result, readFile(launch.output), readFile(launch.errors)};
   }
   static void expectOneLine(const std::string& text, const std::string& word) {
@@ -66,7 +66,7 @@ class Start : public ProgramTest {
     xcb_send_event(x().connection(), 0, window, XCB_EVENT_MASK_NO_EVENT,
                    reinterpret_cast<const char*>(&close));
     x().sync();
-    EXPECT_EQ(process.result(2 * patience), 1);
+    EXPECT_EQ(process.result(2 * conditionTimeout), 1);
     expectOneLine(readFile(refused.errors), word);
   }
   void expectRefusal(const Launch& launch, const std::string& word) const {
@@ -318,7 +318,7 @@ TEST_F(Start, TheEndOfTheViewsConnectionIsSaidAndLosesNoSettings) {
   ASSERT_TRUE(titleBecomes("Greyscale"));
   xcb_kill_client(x().connection(), viewWindow());
   x().sync();
-  EXPECT_EQ(process().result(2 * patience), 1);
+  EXPECT_EQ(process().result(2 * conditionTimeout), 1);
   EXPECT_EQ(readFile(errorsFile()), "tintora: the connection to the X server broke (error 1).\n");
   EXPECT_EQ(storedValues()["Selected"], 4);
 }

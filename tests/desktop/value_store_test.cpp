@@ -78,9 +78,9 @@ class Saver {
 
   // Waits until the process has saved once. Returns false if it does not.
   bool hasSaved() const {
-    constexpr int patience = 20000;  // milliseconds
+    constexpr int conditionTimeout = 20000;  // milliseconds
     pollfd waiting{.fd = news_, .events = POLLIN, .revents = 0};
-    return poll(&waiting, 1, patience) == 1 && (waiting.revents & POLLIN) != 0;
+    return poll(&waiting, 1, conditionTimeout) == 1 && (waiting.revents & POLLIN) != 0;
   }
 
  private:

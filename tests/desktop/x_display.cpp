@@ -105,7 +105,7 @@ void XDisplay::startManager(Manager kind) {
   // Waits for a window to appear. Window managers name themselves on the root window, and even
   // redirect its windows, before they handle windows.
   const XClient client(name_);
-  const bool ready = eventually([&] { return showsWindows(client); }, 3 * patience);
+  const bool ready = eventually([&] { return showsWindows(client); }, 3 * conditionTimeout);
   if (!ready) throw std::runtime_error(manager.command[0] + " did not start.");
   if (manager.composites) waitForCompositor();
 }
@@ -150,7 +150,7 @@ void XDisplay::endCompositor() {
 
 void XDisplay::waitForCompositor() const {
   const XClient client(name_);
-  if (!eventually([&] { return blendsWindows(client); }, 3 * patience)) {
+  if (!eventually([&] { return blendsWindows(client); }, 3 * conditionTimeout)) {
     throw std::runtime_error("The compositing manager did not start.");
   }
 }

@@ -201,7 +201,7 @@ TEST_F(Sizing, OfTheColourSpaceWindowResizesTheRenderer) {
       EXPECT_EQ(colourSpaceView.height, 461);
       width += 100;
     }
-    // The same size again asks for nothing.
+    // Nothing is asked for again if the size is the same.
     co_yield happens(EventKind::Sized, colourSpaceWindow());
     expectCalls(joined({{"fitMagnifier magnifier 0,0,484,361"},
                         sourceSet("718,371,1210,740"),

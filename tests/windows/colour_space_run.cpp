@@ -35,10 +35,10 @@ void ColourSpaceTest::resize(const ClientSize& size) {
 Picture ColourSpaceTest::shown() {
   // The picture appears on the screen some time after the device drew it.
   constexpr DWORD pause = 60;
-  constexpr int patience = 1000;
+  constexpr int mostPasses = 1000;
   finishDrawing();
   Picture last = screenPicture(clientBoundsOf(windows().colourSpace));
-  for (int i = 0; i < patience; ++i) {
+  for (int i = 0; i < mostPasses; ++i) {
     Sleep(pause);
     finishDrawing();
     Picture next = screenPicture(clientBoundsOf(windows().colourSpace));

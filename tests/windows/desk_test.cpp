@@ -126,7 +126,7 @@ class Mouse : public UndrawnTest {
 TEST_F(Mouse, ADragGoesOnOutsideTheWindowAndEndsThere) {
   startApart();
   moveCursor(200, 200);
-  takeHold();
+  beginDrag();
   moveCursor(800, 500);
   EXPECT_TRUE(eventuallyAt({700, 400, 1000, 600}));
   letGo();
@@ -138,7 +138,7 @@ TEST_F(Mouse, ADragGoesOnOutsideTheWindowAndEndsThere) {
 TEST_F(Mouse, ADragEndsWhenTheDesktopTakesTheMouse) {
   startApart();
   moveCursor(200, 200);
-  takeHold();
+  beginDrag();
   send(windows().main, WM_CANCELMODE);
   moveCursor(220, 230);
   EXPECT_EQ(boundsOf(windows().main), (Bounds{100, 100, 400, 300}));
@@ -148,7 +148,7 @@ TEST_F(Mouse, IsTheFramesEvenIfTheControlWouldKeepIt) {
   magnifierRecord().habits.keepsMouse = true;
   startApart();
   moveCursor(200, 200);
-  takeHold();
+  beginDrag();
   moveCursor(230, 240);
   EXPECT_TRUE(eventuallyAt({130, 140, 430, 340}));
 }
@@ -218,7 +218,7 @@ TEST_P(Gestures, WorkOverAnyMagnifier) {
   turnWheel(false);
   EXPECT_EQ(title(), " Simulation - Deuteranomalous 95% severity");
   moveCursor(200, 200);
-  takeHold();
+  beginDrag();
   moveCursor(260, 250);
   EXPECT_TRUE(eventuallyAt({160, 150, 460, 350}));
   letGo();

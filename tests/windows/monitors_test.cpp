@@ -90,7 +90,7 @@ TEST_F(SecondMonitor, IsReachedByADrag) {
   startAt({100, 100, 400, 300});
   const std::uint64_t first = magnifierRecord().calls;
   moveCursor(200, 200);
-  takeHold();
+  beginDrag();
   for (const LONG place : {100, 0, -200, -500}) {
     moveCursor(place, place);
     EXPECT_TRUE(eventually([&] {

@@ -225,7 +225,7 @@ TEST_F(Dragged, TheViewIsDrawnAtEachStep) {
 
   const Bounds client = clientBoundsOf(windows().main);
   moveCursor(client.left + 50, client.top + 50);
-  takeHold();
+  beginDrag();
   const MagnifierRecord& record = magnifierRecord();
   for (const int sizingKey : {0, VK_LSHIFT}) {
     ask(HoldKey, static_cast<WPARAM>(sizingKey));

@@ -220,7 +220,7 @@ void ProgramTest::moveCursor(LONG x, LONG y) {
 
 // The program captures the mouse first and then reads where the drag begins. A mouse that moved in
 // between would begin the drag there.
-void ProgramTest::takeHold() {
+void ProgramTest::beginDrag() {
   mouse_event(MOUSEEVENTF_LEFTDOWN, 0, 0, 0, 0);
   ASSERT_TRUE(eventually([this] { return threadOf(windows_.main).hwndCapture == windows_.main; }));
   settle();

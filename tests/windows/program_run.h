@@ -99,7 +99,7 @@ class ProgramTest : public testing::Test {
   void moveCursor(LONG x, LONG y);
 
   // Presses the left button over the main window and waits until the program has begun its drag.
-  void takeHold();
+  void beginDrag();
 
   // Waits until the main window's title confirms a copy. Returns false if it never does.
   bool hasCopied() const;

@@ -228,7 +228,7 @@ TEST_F(OtherMonitor, LeavesADraggedWindowItsSizeUntilItIsReleased) {
   SetWindowPos(windows().main, nullptr, 100, 100, 400, 300, SWP_NOZORDER | SWP_NOACTIVATE);
   settle();
   moveCursor(150, 200);
-  takeHold();
+  beginDrag();
   for (const LONG x : {460, 480, 500, 520}) {
     moveCursor(x, 200);
     const Bounds expected{x - 50, 100, x + 350, 400};

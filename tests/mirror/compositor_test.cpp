@@ -39,8 +39,10 @@ class MirrorCompositor : public testing::Test {
       text += stripe;
     }
     text += "'; touch " + session_.folder() + "/drawn; sleep 600";
-    session_.startClient({"foot", "--config=/dev/null", "-o", "csd.preferred=none", "-o", "pad=0x0",
-                          "-o", "initial-window-size-pixels=500x400", "sh", "-c", text});
+    // The user of the session may not be allowed into the folder of the tests.
+    session_.startClient({"foot", "--config=/dev/null", "--working-directory=" + session_.folder(),
+                          "-o", "csd.preferred=none", "-o", "pad=0x0", "-o",
+                          "initial-window-size-pixels=500x400", "sh", "-c", text});
     ASSERT_TRUE(
         eventually([&] { return std::filesystem::exists(session_.folder() + "/drawn"); }, most))
         << readFile(session_.folder() + "/client.errors");

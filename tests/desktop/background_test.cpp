@@ -41,38 +41,13 @@ class Background : public ProgramTest {
     xcb_free_pixmap(x().connection(), pixmap);
     x().sync();
   }
-  // Succeeds once the program has slept for longer than it ever waits before it looks at the
+  // Returns true once the program has waited for longer than it ever does before it looks at the
   // screen.
-  testing::AssertionResult comesToRest() {
-    constexpr int most = 2000;
-    constexpr int longEnough = 60;
-    const std::string status = "/proc/" + std::to_string(process().id()) + "/status";
-    std::string last;
-    int slept = 0;
-    for (int i = 0; i < most && slept < longEnough; ++i) {
-      const std::string now = readFile(status);
-      const bool sleeps = now.find("State:\tS") != std::string::npos;
-      slept = sleeps && now == last ? slept + 1 : 0;
-      last = now;
-      std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    if (slept == longEnough) return testing::AssertionSuccess();
-    return testing::AssertionFailure() << "The program does not rest.";
-  }
+  bool comesToRest() { return process().rests(std::chrono::milliseconds(1200)); }
   void moveView(int left, int top) {
     x().move(main(), left, top);
     ASSERT_TRUE(eventually([&] { return view().x == left; }));
     settle();
-  }
-  static Picture cut(const Picture& picture, const Area& part) {
-    Picture result = solid(part.width, part.height, 0);
-    for (int y = 0; y < part.height; ++y) {
-      for (int x = 0; x < part.width; ++x) {
-        result.pixels[static_cast<std::size_t>(y * part.width + x)] =
-            picture.at(part.x + x, part.y + y);
-      }
-    }
-    return result;
   }
   // Succeeds once a place within the view shows a picture in grey.
   testing::AssertionResult greyIn(const Area& place, const Picture& original) const {
@@ -270,17 +245,17 @@ TEST_F(Background, AShadowIsNotTakenForAPartOfAPicture) {
   moveView(40, 40);
   scene().move(sheet, 1000, 600);
   constexpr Area aroundIt{60, 60, 200, 200};
-  EXPECT_TRUE(greyIn(aroundIt, cut(background, aroundIt)));
+  EXPECT_TRUE(greyIn(aroundIt, partOf(background, aroundIt)));
 
   const Picture other = noise(1280, 800, 3);
   for (const Area& besideTheView : {Area{560, 0, 720, 800}, Area{0, 460, 560, 340}}) {
-    drawOnScreen(cut(other, besideTheView), besideTheView);
+    drawOnScreen(partOf(other, besideTheView), besideTheView);
   }
   EXPECT_TRUE(comesToRest());
   moveView(760, 380);
   scene().move(sheet, 20, 20);
   constexpr Area leftOfIt{960, 560, 40, 180};
-  EXPECT_TRUE(greyIn(leftOfIt, cut(other, leftOfIt)));
+  EXPECT_TRUE(greyIn(leftOfIt, partOf(other, leftOfIt)));
 }
 
 // Another window was near from the beginning, so the background there may have had its shadow.
@@ -297,7 +272,7 @@ TEST_F(Background, AShadowOfTheMainWindowIsNotTakenForAPartOfAPicture) {
   drawOnScreen(solid(shadow.width, shadow.height, 0x101010), shadow);
   EXPECT_TRUE(comesToRest());
   moveView(shadow.x - 60, 180);
-  EXPECT_TRUE(greyIn(shadow, cut(background, shadow)));
+  EXPECT_TRUE(greyIn(shadow, partOf(background, shadow)));
 }
 
 }  // namespace

@@ -30,6 +30,17 @@ Picture solid(int width, int height, std::uint32_t pixel) {
           std::vector(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), pixel)};
 }
 
+Picture partOf(const Picture& picture, const Area& part) {
+  Picture result = solid(part.width, part.height, 0);
+  for (int y = 0; y < part.height; ++y) {
+    for (int x = 0; x < part.width; ++x) {
+      result.pixels[static_cast<std::size_t>(y * part.width + x)] =
+          picture.at(part.x + x, part.y + y);
+    }
+  }
+  return result;
+}
+
 Picture noise(int width, int height, std::uint32_t seed) {
   Picture picture = solid(width, height, 0);
   std::uint32_t state = seed * 2654435761U + 1;

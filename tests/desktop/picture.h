@@ -52,6 +52,9 @@ Colour colourOf(std::uint32_t pixel);
 
 Picture solid(int width, int height, std::uint32_t pixel);
 
+// Returns a part of a picture, which lies within it.
+Picture partOf(const Picture& picture, const Area& part);
+
 // Returns random colours; each seed gives another picture.
 Picture noise(int width, int height, std::uint32_t seed);
 

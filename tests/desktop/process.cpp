@@ -12,6 +12,7 @@
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 namespace tintora::desktop_test {
 
@@ -104,6 +105,22 @@ bool Process::isWaiting() const {
   std::string state;
   statisticsOf(id_) >> state;
   return state == "S";
+}
+
+bool Process::rests(std::chrono::milliseconds whole, std::chrono::milliseconds most) const {
+  const auto wakings = [&] {
+    const std::string text = readFile("/proc/" + std::to_string(id_) + "/status");
+    return text.substr(text.find("voluntary_ctxt_switches"));
+  };
+  std::string last = wakings();
+  auto since = std::chrono::steady_clock::now();
+  const auto hasRested = [&] {
+    const std::string now = wakings();
+    const bool woke = std::exchange(last, now) != now;
+    if (woke || !isWaiting()) since = std::chrono::steady_clock::now();
+    return std::chrono::steady_clock::now() - since > whole;
+  };
+  return eventually(hasRested, most);
 }
 
 double Process::processorSeconds() const {

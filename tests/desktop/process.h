@@ -54,6 +54,9 @@ class Process {
   long memory() const;
   // Returns true if its first thread is waiting for an event.
   bool isWaiting() const;
+  // Returns true once its first thread has waited that long without a pause.
+  bool rests(std::chrono::milliseconds whole,
+             std::chrono::milliseconds most = conditionTimeout) const;
   // Returns the processor time used, in seconds.
   double processorSeconds() const;
 

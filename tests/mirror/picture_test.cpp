@@ -8,20 +8,10 @@ namespace tintora::mirror_test {
 namespace {
 
 using desktop_test::noise;
+using desktop_test::partOf;
 using desktop_test::solid;
 
 class MirrorPicture : public MirrorTest {};
-
-Picture partOf(const Picture& picture, const Area& area) {
-  Picture part = solid(area.width, area.height, 0);
-  for (int y = 0; y < area.height; ++y) {
-    for (int x = 0; x < area.width; ++x) {
-      part.pixels[static_cast<std::size_t>(y * area.width + x)] =
-          picture.at(area.x + x, area.y + y);
-    }
-  }
-  return part;
-}
 
 // Replaces a part of a picture by the same part of another one.
 void replacePart(Picture& picture, const Picture& other, const Area& part) {

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <utility>
 #include <vector>
 
 #include "mirror_run.h"
@@ -32,26 +31,6 @@ void limitMemory(pid_t process, rlim_t more) {
 class MirrorPortal : public MirrorTest {
  protected:
   std::string token() const { return readFile(configFolder() + "/tintora/mirror.token"); }
-
-  // Succeeds once the program's first thread has slept for a while.
-  testing::AssertionResult rests() {
-    constexpr std::chrono::seconds whole{2};
-    const std::string status = "/proc/" + std::to_string(process().id()) + "/task/" +
-                               std::to_string(process().id()) + "/status";
-    const auto pauses = [&] {
-      const std::string text = readFile(status);
-      return text.substr(text.find("voluntary_ctxt_switches"));
-    };
-    std::string last = pauses();
-    auto since = std::chrono::steady_clock::now();
-    const auto hasRested = [&] {
-      const std::string now = pauses();
-      if (std::exchange(last, now) != now) since = std::chrono::steady_clock::now();
-      return std::chrono::steady_clock::now() - since > whole;
-    };
-    if (eventually(hasRested, most)) return testing::AssertionSuccess();
-    return testing::AssertionFailure() << "It keeps waking up.";
-  }
 
   // Checks that the view says this, and that standard error has its beginning.
   void expectMessage(const std::string& beginning, const std::string& text) {
@@ -246,7 +225,7 @@ TEST_F(MirrorPortal, APipeWireThatIsRestartedIsSaid) {
 TEST_F(MirrorPortal, AStreamWithoutFramesIsSaidAndShownOnceItHasThem) {
   startMirror();
   EXPECT_TRUE(viewSays(texts::noFrame));
-  EXPECT_TRUE(rests());
+  EXPECT_TRUE(process().rests(std::chrono::seconds(2), most));
   showNoise(320, 240, 1);
   EXPECT_EQ(readFile(errorsFile()), "");
 }

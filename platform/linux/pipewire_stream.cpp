@@ -36,7 +36,10 @@ struct Stream {
   spa_source* arrival = nullptr;  // wakes the event loop when a frame has come
   std::unique_ptr<QSocketNotifier> notifier;
   bool connected = false;
+  bool active = true;
   bool ending = false;
+  bool isReplacedSoon = false;
+  int replacements = 0;  // since there was a usable buffer
 };
 Stream stream;
 
@@ -116,10 +119,10 @@ bool isMarkedCorrupted(const spa_buffer& buffer) {
 // Returns true if the buffer has pixels. Some sources send buffers without any, for instance when
 // only the pointer has moved.
 bool hasPixels(const spa_buffer& buffer) {
-  if (buffer.n_datas == 0 || reception.format.size.isEmpty()) return false;
+  if (reception.format.size.isEmpty()) return false;
   const spa_data& data = buffer.datas[0];
   constexpr auto corrupted = static_cast<std::int32_t>(SPA_CHUNK_FLAG_CORRUPTED);
-  return data.data != nullptr && data.chunk->size != 0 && (data.chunk->flags & corrupted) == 0 &&
+  return data.chunk->size != 0 && (data.chunk->flags & corrupted) == 0 &&
          !isMarkedCorrupted(buffer) && strideOf(data).has_value();
 }
 
@@ -163,8 +166,15 @@ void onProcess(void* /*data*/) {
   }
 }
 
+// When a source changes its format, PipeWire 0.3 sometimes passes its buffers on before they have
+// memory, and leaves it at that: no frame would come any more. A new stream gets new buffers.
+void replaceStreamSoon();
+
 // Marks buffers whose memory is there.
 void onBufferAdded(void* /*data*/, pw_buffer* buffer) {
+  const spa_buffer& content = *buffer->buffer;
+  if (content.n_datas == 0 || content.datas[0].data == nullptr) return replaceStreamSoon();
+  stream.replacements = 0;
   const std::lock_guard lock(receptionLock);
   buffer->user_data = &reception;
 }
@@ -262,6 +272,25 @@ bool createStream() {
   return connectStream(stream.stream, stream.node);
 }
 
+void replaceStreamSoon() {
+  constexpr int mostReplacements = 10;
+  constexpr int milliseconds = 50;
+  if (stream.isReplacedSoon || stream.replacements == mostReplacements) return;
+  stream.isReplacedSoon = true;
+  QTimer::singleShot(milliseconds, stream.notifier.get(), [] {
+    if (stream.ending) return;
+    stream.isReplacedSoon = false;
+    ++stream.replacements;
+    // The old stream's end is not the source's.
+    stream.ending = true;
+    pw_stream_destroy(stream.stream);
+    stream.ending = false;
+    stream.connected = false;
+    if (!createStream()) return endLater(StreamEnd::Source);
+    pw_stream_set_active(stream.stream, stream.active);
+  });
+}
+
 void enterEventLoop() {
   pw_loop_enter(stream.loop);
   stream.arrival = pw_loop_add_event(stream.loop, &onArrival, nullptr);
@@ -298,6 +327,7 @@ QRegion takeNewestFrame(QImage& frame) {
 }
 
 void setStreamActive(bool active) {
+  stream.active = active;
   if (stream.stream != nullptr) pw_stream_set_active(stream.stream, active);
 }
 

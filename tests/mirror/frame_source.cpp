@@ -19,6 +19,7 @@
 #include <fcntl.h>
 #include <pipewire/pipewire.h>
 #include <spa/param/video/format-utils.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -27,6 +28,7 @@
 #include <cstring>
 #include <deque>
 #include <map>
+#include <set>
 #include <sstream>
 #include <string>
 #include <tuple>
@@ -52,7 +54,7 @@ struct Source {
   std::string unread;             // the incomplete line of commands
   std::deque<std::string> waits;  // commands that cannot run yet
   bool agreed = false;            // both sides agree on the format of the last command
-  bool hasRoom = false;           // the buffers are those of that format
+  std::set<pw_buffer*> suitable;  // the buffers that were made since then
   bool isFirst = true;            // the next frame is the first in its format
   std::string first;              // the command of the first frame, until another command comes
   std::uint64_t turns = 0;        // since the first frame was last sent
@@ -75,6 +77,11 @@ Source source;
 
 int stride() {
   return 4 * source.width + source.padding;
+}
+
+// Returns the bytes that a buffer needs for a picture.
+int frameSize() {
+  return source.offset + stride() * source.height;
 }
 
 void setTimer(spa_source* timer, std::int64_t nanoseconds) {
@@ -115,7 +122,7 @@ const spa_pod* buffers(spa_pod_builder& builder) {
   };
   number(SPA_PARAM_BUFFERS_buffers, source.buffers);
   number(SPA_PARAM_BUFFERS_blocks, 1);
-  number(SPA_PARAM_BUFFERS_size, source.offset + stride() * source.height);
+  number(SPA_PARAM_BUFFERS_size, frameSize());
   number(SPA_PARAM_BUFFERS_stride, stride());
   number(SPA_PARAM_BUFFERS_dataType, 1 << SPA_DATA_MemFd);
   return static_cast<const spa_pod*>(spa_pod_builder_pop(&builder, &object));
@@ -184,7 +191,7 @@ void setFormat(std::istringstream& words) {
   Builder builder;
   const spa_pod* parameters[] = {offeredFormat(builder.pods)};
   source.agreed = false;
-  source.hasRoom = false;
+  source.suitable.clear();
   pw_stream_update_params(source.stream, parameters, 1);
 }
 
@@ -215,14 +222,11 @@ void sendFrame(pw_buffer* buffer, const std::string& what, std::istringstream& w
   send(buffer, source.shown, part, Kind::Whole);
 }
 
-// Returns a buffer with room for a picture, or null. While both sides agree on a new format,
-// buffers of the old size may still come: those go back without pixels.
-pw_buffer* roomyBuffer() {
+// Returns a buffer for a picture, or null. While both sides agree on a new format, buffers of the
+// old one may still come: those go back without pixels.
+pw_buffer* suitableBuffer() {
   pw_buffer* const buffer = pw_stream_dequeue_buffer(source.stream);
-  if (buffer == nullptr) return nullptr;
-  const spa_data& data = buffer->buffer->datas[0];
-  const int needed = source.offset + stride() * source.height;
-  if (data.data != nullptr && data.maxsize >= static_cast<std::uint32_t>(needed)) return buffer;
+  if (buffer == nullptr || source.suitable.contains(buffer)) return buffer;
   send(buffer, {}, {}, Kind::Empty);
   return nullptr;
 }
@@ -250,12 +254,12 @@ bool run(const std::string& line) {
     return true;
   }
   const bool flows = pw_stream_get_state(source.stream, nullptr) == PW_STREAM_STATE_STREAMING;
-  if (!flows || !source.hasRoom) return false;
+  if (!flows || !source.agreed) return false;
   if (what == "lost") {
     if (source.lostIn == 0) source.lostIn = source.beginnings;
     if (source.lostIn == source.beginnings) return false;
   }
-  pw_buffer* const buffer = roomyBuffer();
+  pw_buffer* const buffer = suitableBuffer();
   if (buffer == nullptr) return false;
   sendFrame(buffer, what, words);
   return true;
@@ -309,7 +313,7 @@ void sendPaced(void* /*data*/, std::uint64_t /*turns*/) {
     return printPaced();
   }
   --source.toPace;
-  pw_buffer* const buffer = roomyBuffer();
+  pw_buffer* const buffer = suitableBuffer();
   if (buffer == nullptr) return;
   constexpr std::size_t greys = 200;
   const std::size_t grey = 20 + source.paced.size() % greys;
@@ -333,7 +337,6 @@ bool isWanted(const spa_pod& parameter) {
 void onParameterChanged(void* /*data*/, std::uint32_t id, const spa_pod* parameter) {
   if (id != SPA_PARAM_Format || parameter == nullptr) return;
   source.agreed = isWanted(*parameter);
-  source.hasRoom = false;
   Builder builder;
   const spa_pod* parameters[] = {
       buffers(builder.pods), fact(builder.pods, SPA_META_VideoCrop, sizeof(spa_meta_region)),
@@ -342,8 +345,28 @@ void onParameterChanged(void* /*data*/, std::uint32_t id, const spa_pod* paramet
   pw_stream_update_params(source.stream, parameters, 4);
 }
 
-void onBufferAdded(void* /*data*/, pw_buffer* /*buffer*/) {
-  source.hasRoom = source.agreed;
+// Gives a buffer its memory, as desktops do: PipeWire itself may still take the size of the last
+// format, and then makes no other buffers.
+void onBufferAdded(void* /*data*/, pw_buffer* buffer) {
+  spa_data& data = buffer->buffer->datas[0];
+  data.type = SPA_DATA_MemFd;
+  data.flags = SPA_DATA_FLAG_READWRITE;
+  data.mapoffset = 0;
+  data.maxsize = static_cast<std::uint32_t>(frameSize());
+  const int file = memfd_create("frame", MFD_CLOEXEC);
+  data.fd = file;
+  void* const bytes = ftruncate(file, data.maxsize) == 0
+                          ? mmap(nullptr, data.maxsize, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0)
+                          : MAP_FAILED;
+  data.data = bytes == MAP_FAILED ? nullptr : bytes;
+  if (source.agreed && data.data != nullptr) source.suitable.insert(buffer);
+}
+
+void onBufferRemoved(void* /*data*/, pw_buffer* buffer) {
+  source.suitable.erase(buffer);
+  const spa_data& data = buffer->buffer->datas[0];
+  if (data.data != nullptr) munmap(data.data, data.maxsize);
+  close(static_cast<int>(data.fd));
 }
 
 void onStateChanged(void* /*data*/, pw_stream_state /*before*/, pw_stream_state now,
@@ -367,6 +390,7 @@ int main(int count, char** arguments) {
   events.version = PW_VERSION_STREAM_EVENTS;
   events.param_changed = &onParameterChanged;
   events.add_buffer = &onBufferAdded;
+  events.remove_buffer = &onBufferRemoved;
   events.state_changed = &onStateChanged;
   source.stream = pw_stream_new_simple(
       loop, "frames",
@@ -376,8 +400,8 @@ int main(int count, char** arguments) {
   const spa_pod* parameters[] = {offeredFormat(builder.pods)};
   pw_stream_connect(
       source.stream, PW_DIRECTION_OUTPUT, PW_ID_ANY,
-      static_cast<pw_stream_flags>(PW_STREAM_FLAG_DRIVER | PW_STREAM_FLAG_MAP_BUFFERS), parameters,
-      1);
+      static_cast<pw_stream_flags>(PW_STREAM_FLAG_DRIVER | PW_STREAM_FLAG_ALLOC_BUFFERS),
+      parameters, 1);
   // Opened for writing too, so that reading does not end when the test closes its side.
   const int commands = open(arguments[1], O_RDWR | O_CLOEXEC | O_NONBLOCK);
   pw_loop_add_io(loop, commands, SPA_IO_IN, true, &onCommands, nullptr);

@@ -9,7 +9,9 @@ namespace {
 
 using desktop_test::noise;
 using desktop_test::partOf;
+using desktop_test::readFile;
 using desktop_test::solid;
+using desktop_test::writeFile;
 
 class MirrorPicture : public MirrorTest {};
 
@@ -44,6 +46,20 @@ TEST_F(MirrorPicture, EveryFormatIsShownWithItsRowsAndItsCrop) {
       EXPECT_TRUE(viewHas(crop.width > 0 ? partOf(whole, crop) : whole, expected::greyscale()))
           << command.str();
     }
+  }
+  end();
+}
+
+TEST_F(MirrorPicture, BuffersWithoutMemoryAreReplaced) {
+  const std::string left = folder() + "/bare-buffers";
+  preload(TINTORA_BARE_BUFFERS);
+  startMirror();
+  showNoise(400, 300, 1);
+  // The source has four; those of the new stream may be without memory too.
+  for (const int count : {4, 12}) {
+    writeFile(left, std::to_string(count));
+    showNoise(330 + count, 217, 2);
+    EXPECT_EQ(readFile(left), "0");
   }
   end();
 }

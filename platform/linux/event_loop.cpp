@@ -171,6 +171,7 @@ bool onMoved(Window* window) {
 bool onExposed(Window* window) {
   if (!window->window->isExposed()) return false;
   noteAppearance(window);
+  if (window->kind == WindowKind::Control) noteControlAppeared();
   paint(window);
   if (isDrawnByLoop(window->kind)) handedOver = true;
   dispatcher()->wakeUp();

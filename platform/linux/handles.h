@@ -36,7 +36,8 @@ struct Window {
   bool travels = false;           // still on its way to where it was last requested to be
   bool insists = false;           // asks once more if the window manager first shows it elsewhere
   bool hitTransparent = false;
-  bool leftHeld = false;  // the left button was pressed in it, and no release has arrived
+  QTimer untilControlAppears;  // then the window becomes hit-transparent
+  bool leftHeld = false;       // the left button was pressed in it, and no release has arrived
   // The window manager holds the keyboard while the window has the focus, as it does while the user
   // moves the window by keys.
   bool keyboardHeld = false;

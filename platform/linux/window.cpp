@@ -121,6 +121,16 @@ void hideWindow(Window* window) {
   if (passesFocus) returnFocus(window);
 }
 
+void letMouseThrough(Window* window) {
+  shapeInput(window);
+  coverOthers(window);
+}
+
+bool controlAppears() {
+  return controlWindow != nullptr && controlWindow->window->isVisible() &&
+         !controlWindow->window->isExposed();
+}
+
 }  // namespace
 
 // The end of a session may take the X server away, and then Qt ends the process. The functions
@@ -141,7 +151,11 @@ Window* createWindow(WindowKind kind, const std::string& title, const Rect& boun
   window->window->setFlags(at(windowKinds, kind));
   window->window->create();
   if (kind == WindowKind::Control) fixSize(window, onRoot(bounds).size());
-  if (kind == WindowKind::Main) mainWindow = window;
+  if (kind == WindowKind::Main) {
+    mainWindow = window;
+    window->untilControlAppears.setSingleShot(true);
+    window->untilControlAppears.callOnTimeout([window] { letMouseThrough(window); });
+  }
   if (kind == WindowKind::Control) controlWindow = window;
   // Keeps the window above the main one even if that fills the screen.
   if (kind == WindowKind::Control) window->window->setTransientParent(mainWindow->window.get());
@@ -177,39 +191,21 @@ void keepControlAbove() {
   }
 }
 
-namespace {
-
-void letMouseThrough(Window* window) {
-  shapeInput(window);
-  coverOthers(window);
-}
-
 // Waits until the control window is on the screen, but not for ever. Otherwise the mouse would hit
 // what lies beneath for a moment, and a window manager whose focus follows the mouse would give it
 // the focus.
-void letMouseThroughLater(Window* window) {
-  constexpr int milliseconds = 20;
-  constexpr int most = 50;
-  auto* const timer = new QTimer(window->window.get());
-  timer->callOnTimeout(window->window.get(), [=, checks = 0]() mutable {
-    if (!controlWindow->window->isExposed() && ++checks < most) return;
-    letMouseThrough(window);
-    timer->deleteLater();
-  });
-  timer->start(milliseconds);
-}
-
-bool controlAppears() {
-  return controlWindow != nullptr && controlWindow->window->isVisible() &&
-         !controlWindow->window->isExposed();
-}
-
-}  // namespace
-
 void setHitTransparent(Window* window, bool transparent) {
+  constexpr int milliseconds = 1000;
   window->hitTransparent = transparent;
-  if (transparent && controlAppears()) return letMouseThroughLater(window);
+  window->untilControlAppears.stop();
+  if (transparent && controlAppears()) return window->untilControlAppears.start(milliseconds);
   letMouseThrough(window);
+}
+
+void noteControlAppeared() {
+  if (mainWindow == nullptr || !mainWindow->untilControlAppears.isActive()) return;
+  mainWindow->untilControlAppears.stop();
+  letMouseThrough(mainWindow);
 }
 
 void showWindow(Window* window, ShowState state) {

@@ -24,6 +24,9 @@ void onMonitorsChanged();
 // Gives the focus to the control window if the main one fills the screen and would cover it.
 void keepControlAbove();
 
+// Lets the mouse through the main window if that waited until the control window is on the screen.
+void noteControlAppeared();
+
 // Requests the same outer bounds again if the window manager has changed the frame since.
 void allowForFrame(Window* window);
 

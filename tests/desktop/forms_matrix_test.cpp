@@ -205,7 +205,7 @@ TEST_P(Forms, HitTransparencyLetsClicksThroughAndGivesTheFocusBack) {
   lowerScene();
   const int before = scene().clicksIn(scene().at(0));
   x().moveMouse(view().x + 20, view().y + 20);
-  settle();
+  ASSERT_TRUE(eventually([&] { return x().underMouse() == scene().at(0).window; }));
   x().click(1);
   EXPECT_TRUE(eventually([&] { return scene().clicksIn(scene().at(0)) > before; }));
   x().tellManager(other.window, "_NET_ACTIVE_WINDOW", {2, 0, 0});

@@ -262,6 +262,12 @@ xcb_window_t XClient::focus() const {
   return reply ? reply->focus : xcb_window_t{XCB_NONE};
 }
 
+xcb_window_t XClient::underMouse() const {
+  const Received<xcb_query_pointer_reply_t> reply(
+      xcb_query_pointer_reply(x_, xcb_query_pointer(x_, root()), nullptr));
+  return reply ? reply->child : xcb_window_t{XCB_NONE};
+}
+
 void XClient::takeEvents(const std::function<void(const xcb_generic_event_t&)>& take) const {
   while (const Received<xcb_generic_event_t> event{xcb_poll_for_event(x_)}) take(*event);
 }

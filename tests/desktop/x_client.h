@@ -74,6 +74,8 @@ class XClient {
   void key(xcb_keysym_t symbol, bool down) const;
   void press(xcb_keysym_t symbol, const std::vector<xcb_keysym_t>& holding = {}) const;
   xcb_window_t focus() const;
+  // Returns the child of the root that would get a click.
+  xcb_window_t underMouse() const;
 
   // Handles the events that have arrived.
   void takeEvents(const std::function<void(const xcb_generic_event_t&)>& take) const;

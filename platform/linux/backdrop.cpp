@@ -32,7 +32,7 @@ struct Backdrop {
   bool windowsMoved = false;          // the last event moved or showed a window
   QRegion unlearned;                  // drawn or uncovered since it was learned
   xcb_gcontext_t context = XCB_NONE;  // paints with the tile
-  bool drawn = false;                 // something was drawn on the screen since the last look
+  std::optional<bool> covered;        // windows cover the whole root; unknown since they moved
   std::unique_ptr<QTimer> look;       // waits until changes of the screen have been drawn
 };
 Backdrop backdrop;
@@ -122,16 +122,8 @@ void learnWhatRests(const QRegion& drawn) {
   if (!(backdrop.unlearned & learnable(now)).isEmpty()) lookLater();
 }
 
-// Requests nothing while windows cover the whole root, because all drawing is theirs. The drawing
-// stays noted until they move.
 void lookAtScreen() {
-  if (!backdrop.isRead) return;
-  if (rootParts().uncovered.isEmpty()) {
-    backdrop.rested = {};
-    return;
-  }
-  backdrop.drawn = false;
-  requestScreenDamage();
+  if (backdrop.isRead) requestScreenDamage();
 }
 
 void takeInScreen(const QRegion& drawn) {
@@ -155,7 +147,9 @@ void noteCovered() {
 }
 
 bool movesWindows(const xcb_generic_event_t& event) {
-  switch (event.response_type & 0x7F) {
+  const int kind = event.response_type & 0x7F;
+  if (kind == xServer.shapeNotify) return true;
+  switch (kind) {
     case XCB_DESTROY_NOTIFY:
     case XCB_UNMAP_NOTIFY:
     case XCB_MAP_NOTIFY:
@@ -219,13 +213,20 @@ bool followBackdrop(const xcb_generic_event_t& event) {
   // The windows are listed as they were after the event before this one.
   if (backdrop.learns) noteCovered();
   backdrop.windowsMoved = moves;
-  backdrop.drawn |= drawn;
-  if (drawn || (backdrop.drawn && moves)) lookLater();
+  if (moves) backdrop.covered.reset();
+  if (drawn) lookLater();
   return drawn;
 }
 
+// Does not watch while windows cover the whole root, because all drawing is theirs, and watching
+// makes it slower. The server reports all of the screen as drawn when watching begins again.
 bool watchBackdrop() {
-  watchScreen(isOwnWindowShown() && (backdrop.learns || backdrop.ownsTile));
+  const bool wanted = isOwnWindowShown() && (backdrop.learns || backdrop.ownsTile);
+  if (wanted && !backdrop.covered) {
+    backdrop.covered = rootParts().uncovered.isEmpty();
+    if (*backdrop.covered) backdrop.rested = {};
+  }
+  watchScreen(wanted && !*backdrop.covered);
   const auto drawn = receivedScreenDamage();
   if (drawn) takeInScreen(*drawn);
   return drawn.has_value();

@@ -130,6 +130,22 @@ TEST_F(Background, AnUnnamedColourSetLaterIsFollowed) {
   }
 }
 
+TEST_F(Background, AColourSetDuringFullScreenIsSeenAfterwards) {
+  storeValues({{"Selected", 4}, {"ColorSpace", 0}});
+  start();
+  ASSERT_TRUE(viewShows(expected::greyscale()));
+  const Area before = view();
+  press(XK_f);
+  ASSERT_TRUE(eventually([&] { return view() == x().screenArea(); }));
+  ASSERT_TRUE(comesToRest());
+  constexpr std::uint32_t colour = 0x20A060;
+  setBackground(colour);
+  scene().setBackdrop(solid(1, 1, colour));
+  press(XK_f);
+  ASSERT_TRUE(eventually([&] { return view() == before; }));
+  EXPECT_TRUE(viewShows(expected::greyscale()));
+}
+
 // If the server reported that paint in the middle of an answer, the program would understand no
 // later answer.
 TEST_F(Background, ASettingIsFollowedWhileTheServerHasYetToPaintAWindow) {

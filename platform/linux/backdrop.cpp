@@ -32,7 +32,7 @@ struct Backdrop {
   bool windowsMoved = false;          // the last event moved or showed a window
   QRegion unlearned;                  // drawn or uncovered since it was learned
   xcb_gcontext_t context = XCB_NONE;  // paints with the tile
-  std::optional<bool> covered;        // windows cover the whole root; unknown since they moved
+  std::optional<bool> covered;        // windows cover the whole root; unknown since they changed
   std::unique_ptr<QTimer> look;       // waits until changes of the screen have been drawn
 };
 Backdrop backdrop;
@@ -147,9 +147,7 @@ void noteCovered() {
 }
 
 bool movesWindows(const xcb_generic_event_t& event) {
-  const int kind = event.response_type & 0x7F;
-  if (kind == xServer.shapeNotify) return true;
-  switch (kind) {
+  switch (event.response_type & 0x7F) {
     case XCB_DESTROY_NOTIFY:
     case XCB_UNMAP_NOTIFY:
     case XCB_MAP_NOTIFY:
@@ -159,6 +157,10 @@ bool movesWindows(const xcb_generic_event_t& event) {
     default:
       return false;
   }
+}
+
+bool reportsDrawing(const xcb_generic_event_t& event) {
+  return (event.response_type & 0x7F) == xServer.damageNotify;
 }
 
 void fill(xcb_pixmap_t target, const QPoint& origin, const QRect& part) {
@@ -213,7 +215,7 @@ bool followBackdrop(const xcb_generic_event_t& event) {
   // The windows are listed as they were after the event before this one.
   if (backdrop.learns) noteCovered();
   backdrop.windowsMoved = moves;
-  if (moves) backdrop.covered.reset();
+  if (!reportsDrawing(event)) backdrop.covered.reset();
   if (drawn) lookLater();
   return drawn;
 }

@@ -3,11 +3,13 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <filesystem>
 #include <stdexcept>
 #include <thread>
 
 #include "managers.h"
+#include "picture.h"
 #include "x_client.h"
 
 namespace tintora::desktop_test {
@@ -38,11 +40,15 @@ bool showsWindows(const XClient& client) {
   return shown;
 }
 
-// Returns true if a black, half translucent window makes a white one beneath it grey.
+// Returns true if a half translucent window is blended with the one beneath it. Both are gone from
+// the screen then.
 bool blendsWindows(const XClient& client) {
+  constexpr std::uint32_t beneath = 0xF01030;
+  constexpr std::uint32_t above = 0x30F010;
+  constexpr std::uint32_t blended = 0x908020;
   xcb_connection_t* const x = client.connection();
   std::vector<xcb_window_t> windows;
-  for (const std::uint32_t colour : {0xFFFFFFU, 0U}) {
+  for (const std::uint32_t colour : {beneath, above}) {
     const std::vector<std::uint32_t> looks{colour, 1};
     windows.push_back(xcb_generate_id(x));
     xcb_create_window(x, XCB_COPY_FROM_PARENT, windows.back(), client.root(), 0, 0, 50, 50, 0,
@@ -52,15 +58,17 @@ bool blendsWindows(const XClient& client) {
   client.setNumbers(windows[1], "_NET_WM_WINDOW_OPACITY", XCB_ATOM_CARDINAL, {0x80000000U});
   for (const xcb_window_t window : windows) xcb_map_window(x, window);
   constexpr std::chrono::milliseconds most{500};
-  constexpr std::uint32_t grey = 0x7F;
-  const bool blended = eventually(
-      [&] {
-        return (client.read({25, 25, 1, 1}).at(0, 0) & 0xFFU) - (grey - 1) <= 2;
-      },
-      most);
+  const auto shows = [&](std::uint32_t colour) {
+    const Colour seen = colourOf(client.read({25, 25, 1, 1}).at(0, 0));
+    const Colour wanted = colourOf(colour);
+    return std::abs(seen[0] - wanted[0]) <= 2 && std::abs(seen[1] - wanted[1]) <= 2 &&
+           std::abs(seen[2] - wanted[2]) <= 2;
+  };
+  const bool blends = eventually([&] { return shows(blended); }, most);
   for (const xcb_window_t window : windows) xcb_destroy_window(x, window);
   client.sync();
-  return blended;
+  const auto areGone = [&] { return !shows(blended) && !shows(above) && !shows(beneath); };
+  return eventually(areGone, most) && blends;
 }
 
 std::unique_ptr<XDisplay> shared;

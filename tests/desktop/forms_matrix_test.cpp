@@ -17,6 +17,8 @@ class Forms : public OnDesktop {
   void begin(bool withColourSpace = false) {
     storeValues({{"Selected", 4}, {"View", 703}, {"ColorSpace", withColourSpace ? 1 : 0}});
     start();
+    // A window manager may put the window into its frame later.
+    ASSERT_TRUE(eventually([&] { return x().topLevelOf(main()) != main(); }));
     const Area screen = x().screenArea();
     scene().addNoise({0, 0, screen.width, screen.height}, 7);
   }
@@ -34,21 +36,6 @@ class Forms : public OnDesktop {
                     {on ? 1U : 0U, x().atom(state), other.empty() ? 0U : x().atom(other), 2});
   }
 
-  // Returns the area of a window with the visible part of its frame: what the window manager says,
-  // else the whole frame.
-  Area outer(xcb_window_t window) const {
-    const auto frame = x().numbers(window, "_NET_FRAME_EXTENTS");
-    if (frame.size() != 4) return x().outerAreaOf(window);
-    const Area inner = x().areaOf(window);
-    const auto width = [&](std::size_t side) { return static_cast<int>(frame[side]); };
-    return {inner.x - width(0), inner.y - width(2), inner.width + width(0) + width(1),
-            inner.height + width(2) + width(3)};
-  }
-  testing::AssertionResult outerBecomes(xcb_window_t window, const Area& area) const {
-    if (eventually([&] { return outer(window) == area; })) return testing::AssertionSuccess();
-    return testing::AssertionFailure() << testing::PrintToString(outer(window)) << " instead of "
-                                       << testing::PrintToString(area);
-  }
   testing::AssertionResult fillsScreen() const {
     if (!eventually([&] { return view() == x().screenArea(); })) {
       return testing::AssertionFailure() << testing::PrintToString(view());
@@ -96,10 +83,6 @@ class Forms : public OnDesktop {
   void dragInside(int byX, int byY, int steps) {
     lowerScene();
     dragMouse(view().x + 60, view().y + 60, byX, byY, steps);
-  }
-  // Returns the control window's place in the middle of an area.
-  static Area controlPlace(const Area& area) {
-    return {area.x + area.width / 2 - 200, area.y + area.height / 2 - 60, 400, 120};
   }
   Area startPlace() const {
     const Area screen = x().screenArea();

@@ -42,6 +42,25 @@ void OnDesktop::SetUp() {
   useDisplay(display);
 }
 
+Area OnDesktop::outer(xcb_window_t window) const {
+  const auto frame = x().numbers(window, "_NET_FRAME_EXTENTS");
+  if (frame.size() != 4) return x().outerAreaOf(window);
+  const Area inner = x().areaOf(window);
+  const auto width = [&](std::size_t side) { return static_cast<int>(frame[side]); };
+  return {inner.x - width(0), inner.y - width(2), inner.width + width(0) + width(1),
+          inner.height + width(2) + width(3)};
+}
+
+testing::AssertionResult OnDesktop::outerBecomes(xcb_window_t window, const Area& area) const {
+  if (eventually([&] { return outer(window) == area; })) return testing::AssertionSuccess();
+  return testing::AssertionFailure()
+         << testing::PrintToString(outer(window)) << " instead of " << testing::PrintToString(area);
+}
+
+Area OnDesktop::controlPlace(const Area& area) {
+  return {area.x + area.width / 2 - 200, area.y + area.height / 2 - 60, 400, 120};
+}
+
 void OnDesktop::TearDownTestSuite() {
   displays.clear();
 }

@@ -22,6 +22,13 @@ class OnDesktop : public ProgramTest, public testing::WithParamInterface<Desktop
  protected:
   void SetUp() override;
   static void TearDownTestSuite();
+
+  // Returns the area of a window with the visible part of its frame: what the window manager says,
+  // else the whole frame.
+  Area outer(xcb_window_t window) const;
+  testing::AssertionResult outerBecomes(xcb_window_t window, const Area& area) const;
+  // Returns the control window's place in the middle of an area.
+  static Area controlPlace(const Area& area);
 };
 
 }  // namespace tintora::desktop_test

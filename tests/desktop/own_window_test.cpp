@@ -163,9 +163,9 @@ TEST_F(OwnWindow, EscBringsTheFrameBackAndDoesNothingElse) {
 }
 
 TEST_F(OwnWindow, AFramelessWindowMovesAndIsDragged) {
-  press(XK_space);
   const Area before = outer();
-  ASSERT_TRUE(eventually([&] { return view() == outer(); }));
+  press(XK_space);
+  ASSERT_TRUE(eventually([&] { return view() == before; }));
   press(XK_Right);
   EXPECT_TRUE(outerBecomes({before.x + 1, before.y, before.width, before.height}));
   dragMouse(view().x + 50, view().y + 50, 64, 32);

@@ -25,6 +25,7 @@ class Popups : public OnDesktop {
     press(XK_f);
     ASSERT_TRUE(eventually([&] { return view() == x().screenArea(); }));
     ASSERT_TRUE(showing(control(), true));
+    ASSERT_TRUE(outerBecomes(control(), controlPlace(x().screenArea())));
     // Window managers raise their windows above unmanaged ones.
     lower(scene().at(0));
   }

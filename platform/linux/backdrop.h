@@ -16,8 +16,8 @@ void stopBackdrop();
 // Handles an event of the server. Returns true if it was about the background.
 bool followBackdrop(const xcb_generic_event_t& event);
 
-// Follows what is drawn on the screen while the main window is shown. Returns true if the server
-// has reported what was drawn. Never waits for an answer.
+// Follows what is drawn on the screen while the main window is shown and windows leave a part of
+// the root free. Returns true if the server has reported what was drawn. Never waits for an answer.
 bool watchBackdrop();
 
 // Makes the next painting read the background again.

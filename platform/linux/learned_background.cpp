@@ -144,6 +144,7 @@ void watchScreen(bool watch) {
     xcb_damage_destroy(x(), learned.damage);
     learned.damage = XCB_NONE;
   }
+  xcb_flush(x());
 }
 
 bool followScreen(const xcb_generic_event_t& event) {

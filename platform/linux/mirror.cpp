@@ -74,11 +74,10 @@ void onStreamEnd(StreamEnd end) {
   state.keepsChoice = wasRestarted;
 }
 
-void onGranted(int connection, std::uint32_t node) {
-  if (!startStream(connection, node, {&onFrame, &onStreamEnd})) return giveUp(texts::noPipeWire);
-  // The source's first frame may get lost while the stream begins. If nothing moves there, no other
-  // one follows. Therefore asks for it a few times: every second turn continues the stream that the
-  // turn before has paused.
+// The source's first frame may get lost while the stream begins. If nothing moves there, no other
+// one follows. Therefore asks for it a few times: every second turn continues the stream that the
+// turn before has paused.
+void awaitFirstFrame() {
   constexpr int milliseconds = 500;
   constexpr int lastTurn = 10;
   state.silence = std::make_unique<QTimer>();
@@ -89,6 +88,12 @@ void onGranted(int connection, std::uint32_t node) {
     showText(texts::noFrame);
   });
   state.silence->start(milliseconds);
+}
+
+void onGranted(int connection, std::uint32_t node) {
+  const StreamEvents events{.frame = &onFrame, .renewed = &awaitFirstFrame, .ended = &onStreamEnd};
+  if (!startStream(connection, node, events)) return giveUp(texts::noPipeWire);
+  awaitFirstFrame();
 }
 
 void onPortalEnd(PortalEnd end) {

@@ -38,8 +38,9 @@ struct Stream {
   bool connected = false;
   bool active = true;
   bool ending = false;
+  int usableBuffers = 0;
   bool isReplacedSoon = false;
-  int replacements = 0;  // since there was a usable buffer
+  int replacements = 0;  // since a frame came
 };
 Stream stream;
 
@@ -166,26 +167,28 @@ void onProcess(void* /*data*/) {
   }
 }
 
-// When a source changes its format, PipeWire 0.3 sometimes passes its buffers on before they have
-// memory, and leaves it at that: no frame would come any more. A new stream gets new buffers.
+// When a source changes its format, PipeWire 0.3.65 sometimes passes its buffers on before they
+// have memory, and leaves it at that: no frame would come any more. A new stream gets new buffers.
 void replaceStreamSoon();
 
 // Marks buffers whose memory is there.
 void onBufferAdded(void* /*data*/, pw_buffer* buffer) {
   const spa_buffer& content = *buffer->buffer;
   if (content.n_datas == 0 || content.datas[0].data == nullptr) return replaceStreamSoon();
-  stream.replacements = 0;
+  ++stream.usableBuffers;
   const std::lock_guard lock(receptionLock);
   buffer->user_data = &reception;
 }
 
 // Returns when PipeWire's thread does not read the buffer any more.
 void onBufferRemoved(void* /*data*/, pw_buffer* buffer) {
+  if (buffer->user_data != nullptr) --stream.usableBuffers;
   const std::lock_guard lock(receptionLock);
   buffer->user_data = nullptr;
 }
 
 void onArrival(void* /*data*/, std::uint64_t /*count*/) {
+  stream.replacements = 0;
   stream.events.frame();
 }
 
@@ -272,23 +275,29 @@ bool createStream() {
   return connectStream(stream.stream, stream.node);
 }
 
+void replaceStream() {
+  stream.isReplacedSoon = false;
+  // The source may have changed its format once more meanwhile.
+  if (stream.ending || stream.usableBuffers > 0) return;
+  ++stream.replacements;
+  // The old stream's end is not the source's.
+  stream.ending = true;
+  pw_stream_destroy(stream.stream);
+  stream.ending = false;
+  stream.connected = false;
+  if (!createStream()) return endLater(StreamEnd::Source);
+  pw_stream_set_active(stream.stream, stream.active);
+  stream.events.renewed();
+}
+
+// Leaves PipeWire a moment in which the source's own buffers get their memory.
 void replaceStreamSoon() {
   constexpr int mostReplacements = 10;
   constexpr int milliseconds = 50;
-  if (stream.isReplacedSoon || stream.replacements == mostReplacements) return;
+  if (stream.isReplacedSoon) return;
+  if (stream.replacements == mostReplacements) return endLater(StreamEnd::Source);
   stream.isReplacedSoon = true;
-  QTimer::singleShot(milliseconds, stream.notifier.get(), [] {
-    if (stream.ending) return;
-    stream.isReplacedSoon = false;
-    ++stream.replacements;
-    // The old stream's end is not the source's.
-    stream.ending = true;
-    pw_stream_destroy(stream.stream);
-    stream.ending = false;
-    stream.connected = false;
-    if (!createStream()) return endLater(StreamEnd::Source);
-    pw_stream_set_active(stream.stream, stream.active);
-  });
+  QTimer::singleShot(milliseconds, stream.notifier.get(), &replaceStream);
 }
 
 void enterEventLoop() {

@@ -16,6 +16,7 @@ enum class StreamEnd {
 
 struct StreamEvents {
   void (*frame)();               // there is a frame that was not taken yet
+  void (*renewed)();             // the source begins anew, with a first frame
   void (*ended)(StreamEnd end);  // after the stream was stopped
 };
 

@@ -151,11 +151,9 @@ Window* createWindow(WindowKind kind, const std::string& title, const Rect& boun
   window->window->setFlags(at(windowKinds, kind));
   window->window->create();
   if (kind == WindowKind::Control) fixSize(window, onRoot(bounds).size());
-  if (kind == WindowKind::Main) {
-    mainWindow = window;
-    window->untilControlAppears.setSingleShot(true);
-    window->untilControlAppears.callOnTimeout([window] { letMouseThrough(window); });
-  }
+  window->untilControlAppears.setSingleShot(true);
+  window->untilControlAppears.callOnTimeout([window] { letMouseThrough(window); });
+  if (kind == WindowKind::Main) mainWindow = window;
   if (kind == WindowKind::Control) controlWindow = window;
   // Keeps the window above the main one even if that fills the screen.
   if (kind == WindowKind::Control) window->window->setTransientParent(mainWindow->window.get());

@@ -83,7 +83,7 @@ void setInputShape(xcb_window_t window, bool transparent) {
 }
 
 void onFrameChanged(Window* window) {
-  if (window->hitTransparent) shapeInput(window);
+  if (window->hitTransparent && !window->untilControlAppears.isActive()) shapeInput(window);
   allowForFrame(window);
 }
 

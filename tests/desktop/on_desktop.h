@@ -26,6 +26,7 @@ class OnDesktop : public ProgramTest, public testing::WithParamInterface<Desktop
   // Returns the area of a window with the visible part of its frame: what the window manager says,
   // else the whole frame.
   Area outer(xcb_window_t window) const;
+  // Succeeds once a window has this area, with the visible part of its frame.
   testing::AssertionResult outerBecomes(xcb_window_t window, const Area& area) const;
   // Returns the control window's place in the middle of an area.
   static Area controlPlace(const Area& area);

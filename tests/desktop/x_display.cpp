@@ -65,7 +65,8 @@ bool blendsWindows(const XClient& client) {
            std::abs(seen[2] - wanted[2]) <= 2;
   };
   const bool blends = eventually([&] { return shows(blended); }, most);
-  for (const xcb_window_t window : windows) xcb_destroy_window(x, window);
+  // In this order, so that what shows between is one of the colours too.
+  for (const xcb_window_t window : {windows[1], windows[0]}) xcb_destroy_window(x, window);
   client.sync();
   const auto areGone = [&] { return !shows(blended) && !shows(above) && !shows(beneath); };
   return eventually(areGone, most) && blends;

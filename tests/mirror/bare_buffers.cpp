@@ -22,8 +22,11 @@ bool hidesNext() {
 }
 
 void addBuffer(void* data, pw_buffer* buffer) {
-  if (hidesNext()) buffer->buffer->datas[0].data = nullptr;
+  void*& memory = buffer->buffer->datas[0].data;
+  void* const kept = memory;
+  if (hidesNext()) memory = nullptr;
   programs->add_buffer(data, buffer);
+  memory = kept;
 }
 
 }  // namespace

@@ -3,8 +3,8 @@
 //   format NAME WIDTH HEIGHT OFFSET PADDING CROP_X CROP_Y CROP_WIDTH CROP_HEIGHT
 //                                  the first two lengths need another format or size
 //   frame SEED                     another picture
-//   lost SEED                      another picture, but only once the reader has paused the stream
-//                                  and continued it: as if it had got lost before
+//   lost SEED [TIMES]              another picture, but only once the stream has begun anew, or so
+//                                  many times: as if it had got lost before
 //   part X Y WIDTH HEIGHT SEED     another picture in this part, which alone is reported as changed
 //   lie X Y WIDTH HEIGHT SEED      another picture everywhere; reports only this part as changed
 //   solid PIXEL                    a picture of one colour
@@ -231,6 +231,16 @@ pw_buffer* suitableBuffer() {
   return nullptr;
 }
 
+int timesLost(const std::string& line) {
+  std::istringstream words(line);
+  std::string what;
+  std::uint32_t seed = 0;
+  int times = 1;
+  words >> what >> seed;
+  if (!words.eof()) words >> times;
+  return times;
+}
+
 // Runs a command. Returns false if it must wait: for a reader, for agreement on the format, or for
 // a buffer.
 bool run(const std::string& line) {
@@ -257,7 +267,7 @@ bool run(const std::string& line) {
   if (!flows || !source.agreed) return false;
   if (what == "lost") {
     if (source.lostIn == 0) source.lostIn = source.beginnings;
-    if (source.lostIn == source.beginnings) return false;
+    if (source.beginnings < source.lostIn + timesLost(line)) return false;
   }
   pw_buffer* const buffer = suitableBuffer();
   if (buffer == nullptr) return false;

@@ -64,6 +64,28 @@ TEST_F(MirrorPicture, BuffersWithoutMemoryAreReplaced) {
   end();
 }
 
+// The stream begins three times at most without being asked: for the format, and anew.
+TEST_F(MirrorPicture, AFirstFrameThatANewStreamLosesIsAskedFor) {
+  const std::string left = folder() + "/bare-buffers";
+  preload(TINTORA_BARE_BUFFERS);
+  startMirror();
+  showNoise(400, 300, 1);
+  writeFile(left, "4");
+  session().send("format BGRx 333 217 0 0 0 0 0 0");
+  session().send("lost 2 4");
+  EXPECT_TRUE(viewHas(noise(333, 217, 2), expected::greyscale()));
+  EXPECT_EQ(readFile(left), "0");
+}
+
+TEST_F(MirrorPicture, TheUserIsToldWhenNoBufferHasMemory) {
+  preload(TINTORA_BARE_BUFFERS);
+  startMirror();
+  showNoise(400, 300, 1);
+  writeFile(folder() + "/bare-buffers", "1000");
+  session().send("format BGRx 333 217 0 0 0 0 0 0");
+  EXPECT_TRUE(prints("tintora: The desktop has stopped sending the picture."));
+}
+
 TEST_F(MirrorPicture, AnotherMatrixShowsTheLastFrame) {
   startMirror();
   Picture picture = showNoise(400, 300, 1);

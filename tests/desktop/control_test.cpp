@@ -263,6 +263,7 @@ TEST_F(FocusFollowingMouse, StaysWithTheControlWindow) {
   const Area area = view();
   x().moveMouse(area.x + area.width / 2, area.y + area.height / 2);
   for (int i = 0; i < 3; ++i) {
+    ASSERT_TRUE(eventually([&] { return x().focus() == main(); })) << i;
     press(XK_h);
     EXPECT_TRUE(showing(control(), true));
     EXPECT_TRUE(eventually([&] { return x().focus() == control(); })) << i;

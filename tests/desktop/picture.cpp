@@ -41,6 +41,13 @@ Picture partOf(const Picture& picture, const Area& part) {
   return result;
 }
 
+void replacePart(Picture& picture, const Picture& other, const Area& part) {
+  for (int y = part.y; y < part.bottom(); ++y) {
+    const auto start = static_cast<std::ptrdiff_t>(y) * picture.width + part.x;
+    std::copy_n(other.pixels.begin() + start, part.width, picture.pixels.begin() + start);
+  }
+}
+
 Picture noise(int width, int height, std::uint32_t seed) {
   Picture picture = solid(width, height, 0);
   std::uint32_t state = seed * 2654435761U + 1;

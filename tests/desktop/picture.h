@@ -55,6 +55,9 @@ Picture solid(int width, int height, std::uint32_t pixel);
 // Returns a part of a picture, which lies within it.
 Picture partOf(const Picture& picture, const Area& part);
 
+// Replaces a part of a picture by the same part of another one.
+void replacePart(Picture& picture, const Picture& other, const Area& part);
+
 // Returns random colours; each seed gives another picture.
 Picture noise(int width, int height, std::uint32_t seed);
 

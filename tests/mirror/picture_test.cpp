@@ -10,18 +10,25 @@ namespace {
 using desktop_test::noise;
 using desktop_test::partOf;
 using desktop_test::readFile;
+using desktop_test::replacePart;
 using desktop_test::solid;
 using desktop_test::writeFile;
 
 class MirrorPicture : public MirrorTest {};
 
-// Replaces a part of a picture by the same part of another one.
-void replacePart(Picture& picture, const Picture& other, const Area& part) {
-  for (int y = part.y; y < part.bottom(); ++y) {
-    const auto start = static_cast<std::ptrdiff_t>(y) * picture.width + part.x;
-    std::copy_n(other.pixels.begin() + start, part.width, picture.pixels.begin() + start);
+// PipeWire may pass buffers on before they have memory.
+class BareBuffers : public MirrorTest {
+ protected:
+  void SetUp() override {
+    MirrorTest::SetUp();
+    preload(TINTORA_BARE_BUFFERS);
+    startMirror();
+    showNoise(400, 300, 1);
   }
-}
+  // Says how many of the next buffers have no memory. The source has four.
+  void setBare(int count) const { writeFile(left(), std::to_string(count)); }
+  std::string left() const { return folder() + "/bare-buffers"; }
+};
 
 TEST_F(MirrorPicture, EveryFormatIsShownWithItsRowsAndItsCrop) {
   startMirror();
@@ -50,38 +57,27 @@ TEST_F(MirrorPicture, EveryFormatIsShownWithItsRowsAndItsCrop) {
   end();
 }
 
-TEST_F(MirrorPicture, BuffersWithoutMemoryAreReplaced) {
-  const std::string left = folder() + "/bare-buffers";
-  preload(TINTORA_BARE_BUFFERS);
-  startMirror();
-  showNoise(400, 300, 1);
-  // The source has four; those of the new stream may be without memory too.
+TEST_F(BareBuffers, AreReplaced) {
+  // Those of the first two new streams may be without memory too.
   for (const int count : {4, 12}) {
-    writeFile(left, std::to_string(count));
+    setBare(count);
     showNoise(330 + count, 217, 2);
-    EXPECT_EQ(readFile(left), "0");
+    EXPECT_EQ(readFile(left()), "0");
   }
   end();
 }
 
 // The stream begins three times at most without being asked: for the format, and anew.
-TEST_F(MirrorPicture, AFirstFrameThatANewStreamLosesIsAskedFor) {
-  const std::string left = folder() + "/bare-buffers";
-  preload(TINTORA_BARE_BUFFERS);
-  startMirror();
-  showNoise(400, 300, 1);
-  writeFile(left, "4");
+TEST_F(BareBuffers, AFirstFrameThatGetsLostAfterThemIsAskedFor) {
+  setBare(4);
   session().send("format BGRx 333 217 0 0 0 0 0 0");
-  session().send("lost 2 4");
+  session().send("lost 4 2");
   EXPECT_TRUE(viewHas(noise(333, 217, 2), expected::greyscale()));
-  EXPECT_EQ(readFile(left), "0");
+  EXPECT_EQ(readFile(left()), "0");
 }
 
-TEST_F(MirrorPicture, TheUserIsToldWhenNoBufferHasMemory) {
-  preload(TINTORA_BARE_BUFFERS);
-  startMirror();
-  showNoise(400, 300, 1);
-  writeFile(folder() + "/bare-buffers", "1000");
+TEST_F(BareBuffers, AreSaidIfThereAreNoOthers) {
+  setBare(1000);
   session().send("format BGRx 333 217 0 0 0 0 0 0");
   EXPECT_TRUE(prints("tintora: The desktop has stopped sending the picture."));
 }

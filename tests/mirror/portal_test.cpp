@@ -233,7 +233,7 @@ TEST_F(MirrorPortal, AStreamWithoutFramesIsSaidAndShownOnceItHasThem) {
 TEST_F(MirrorPortal, AFirstFrameThatGetsLostIsAskedForAgain) {
   startMirror();
   session().send("format BGRx 320 240 0 0 0 0 0 0");
-  session().send("lost 1");
+  session().send("lost 1 1");
   EXPECT_TRUE(viewHas(noise(320, 240, 1), expected::greyscale()));
   EXPECT_EQ(readFile(errorsFile()), "");
 }

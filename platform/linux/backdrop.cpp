@@ -159,10 +159,6 @@ bool movesWindows(const xcb_generic_event_t& event) {
   }
 }
 
-bool reportsDrawing(const xcb_generic_event_t& event) {
-  return (event.response_type & 0x7F) == xServer.damageNotify;
-}
-
 void fill(xcb_pixmap_t target, const QPoint& origin, const QRect& part) {
   const QRect place = part.translated(-origin);
   const xcb_rectangle_t rectangle{i16(place.x()), i16(place.y()), u16(place.width()),
@@ -215,7 +211,7 @@ bool followBackdrop(const xcb_generic_event_t& event) {
   // The windows are listed as they were after the event before this one.
   if (backdrop.learns) noteCovered();
   backdrop.windowsMoved = moves;
-  if (!reportsDrawing(event)) backdrop.covered.reset();
+  if (!reportsDamage(event)) backdrop.covered.reset();
   if (drawn) lookLater();
   return drawn;
 }

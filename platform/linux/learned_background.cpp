@@ -148,7 +148,7 @@ void watchScreen(bool watch) {
 }
 
 bool followScreen(const xcb_generic_event_t& event) {
-  if ((event.response_type & 0x7F) != xServer.damageNotify) return false;
+  if (!reportsDamage(event)) return false;
   const auto& damage = reinterpret_cast<const xcb_damage_notify_event_t&>(event);
   return damage.damage == learned.damage;
 }

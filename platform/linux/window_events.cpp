@@ -336,7 +336,7 @@ void forgetWindows() {
 
 void followEvent(const xcb_generic_event_t& event) {
   const std::uint8_t kind = event.response_type & 0x7F;
-  if (kind == xServer.damageNotify) return onDamaged(as<xcb_damage_notify_event_t>(event).drawable);
+  if (reportsDamage(event)) return onDamaged(as<xcb_damage_notify_event_t>(event).drawable);
   if (kind == xServer.shapeNotify) {
     return onShaped(as<xcb_shape_notify_event_t>(event).affected_window);
   }

@@ -69,6 +69,10 @@ inline xcb_connection_t* x() {
   return xServer.connection;
 }
 
+inline bool reportsDamage(const xcb_generic_event_t& event) {
+  return (event.response_type & 0x7F) == xServer.damageNotify;
+}
+
 // Convert numbers to the types of requests.
 inline std::int16_t i16(int value) {
   return static_cast<std::int16_t>(value);

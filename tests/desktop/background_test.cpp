@@ -246,6 +246,26 @@ TEST_F(Background, AShadowLeavesNoTrace) {
   }
 }
 
+// While windows cover the whole screen, the program does not follow what is drawn there.
+TEST_F(Background, WhatAWindowUncoversBesideTheViewIsSeenLater) {
+  useComposedDisplay();
+  Scene sheets(display().name(), XCB_NONE);
+  sheets.addNoise({0, 0, 640, 800}, 2);
+  Sheet& right = sheets.addNoise({640, 0, 640, 800}, 3);
+  storeValues({{"Selected", 4}, {"ColorSpace", 0}});
+  start();
+  sheets.putBelow(main());
+  moveView(40, 120);
+  ASSERT_TRUE(comesToRest());
+  sheets.move(right, 1280, 0);
+  const Picture background = noise(640, 800, 4);
+  drawOnScreen(background, {640, 0, 640, 800});
+  ASSERT_TRUE(comesToRest());
+  moveView(740, 120);
+  constexpr Area within{800, 200, 100, 100};
+  EXPECT_TRUE(greyIn(within, partOf(background, {160, 200, 100, 100})));
+}
+
 // The background was seen before the shadow came. When another background is set later, it is
 // learned in the shadow too, because the one that was known is out of date.
 TEST_F(Background, AShadowIsNotTakenForAPartOfAPicture) {

@@ -85,6 +85,21 @@ TEST_F(Control, KeyHLetsClicksThroughAndShowsTheControlWindow) {
   EXPECT_TRUE(eventually([&] { return scene().clicksIn(scene().at(0)) > before; }));
 }
 
+// The program lets the mouse through when the control window is exposed, or at the latest after a
+// second.
+TEST_F(Control, ClicksGoThroughAsSoonAsTheControlWindowIsThere) {
+  x().moveMouse(view().x + 30, view().y + 30);
+  press(XK_h);
+  ASSERT_TRUE(showing(control(), true));
+  const auto shown = std::chrono::steady_clock::now();
+  const auto goesThrough = [this] { return x().underMouse() == scene().at(0).window; };
+  ASSERT_TRUE(process().rests(std::chrono::milliseconds(200)));
+  if (std::chrono::steady_clock::now() - shown > std::chrono::milliseconds(900)) {
+    GTEST_SKIP() << "The machine is too busy.";
+  }
+  EXPECT_TRUE(goesThrough());
+}
+
 TEST_F(Control, KeyHEndsItFromEitherWindow) {
   for (const bool fromControl : {false, true}) {
     press(XK_h);

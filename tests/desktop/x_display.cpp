@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <stdexcept>
@@ -61,8 +62,8 @@ bool blendsWindows(const XClient& client) {
   const auto shows = [&](std::uint32_t colour) {
     const Colour seen = colourOf(client.read({25, 25, 1, 1}).at(0, 0));
     const Colour wanted = colourOf(colour);
-    return std::abs(seen[0] - wanted[0]) <= 2 && std::abs(seen[1] - wanted[1]) <= 2 &&
-           std::abs(seen[2] - wanted[2]) <= 2;
+    const auto isNear = [](double a, double b) { return std::abs(a - b) <= 2; };
+    return std::ranges::equal(seen, wanted, isNear);
   };
   const bool blends = eventually([&] { return shows(blended); }, most);
   // In this order, so that what shows between is one of the colours too.

@@ -20,7 +20,7 @@ class Endurance : public ProgramTest {
 };
 
 TEST_F(Endurance, LeavesNoObjectsBehind) {
-  constexpr int rounds = 100;
+  constexpr int rounds = 50;
   constexpr int untilSettled = 10;
   start("-st");
   for (int round = 0; round < untilSettled; ++round) goRound(round);

@@ -46,7 +46,7 @@ class Resizing : public ColourSpaceTest {
 
 TEST_F(Resizing, LeavesNothingBehindAndEverythingAsItWas) {
   constexpr int untilSettled = 10;
-  constexpr int times = 150;
+  constexpr int times = 75;
   constexpr ClientSize size{400, 400};
   const DrawingStraight quick;
   startWith(ColourSpaceView::CubeView, size, 2, 50);

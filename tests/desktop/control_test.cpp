@@ -89,15 +89,15 @@ TEST_F(Control, KeyHLetsClicksThroughAndShowsTheControlWindow) {
 // second.
 TEST_F(Control, ClicksGoThroughAsSoonAsTheControlWindowIsThere) {
   x().moveMouse(view().x + 30, view().y + 30);
+  const auto pressed = std::chrono::steady_clock::now();
   press(XK_h);
   ASSERT_TRUE(showing(control(), true));
-  const auto shown = std::chrono::steady_clock::now();
-  const auto goesThrough = [this] { return x().underMouse() == scene().at(0).window; };
   ASSERT_TRUE(process().rests(std::chrono::milliseconds(200)));
-  if (std::chrono::steady_clock::now() - shown > std::chrono::milliseconds(900)) {
+  const xcb_window_t hit = x().underMouse();
+  if (std::chrono::steady_clock::now() - pressed > std::chrono::milliseconds(1000)) {
     GTEST_SKIP() << "The machine is too busy.";
   }
-  EXPECT_TRUE(goesThrough());
+  EXPECT_EQ(hit, scene().at(0).window);
 }
 
 TEST_F(Control, KeyHEndsItFromEitherWindow) {

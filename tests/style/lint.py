@@ -2,7 +2,8 @@
 
 Sources that are built together are checked together, because reading the headers takes longest. What
 was found right is not checked again until a source, a header of this project that it includes, the
-rules or the compiler's options change.
+rules or the compiler's options change. The headers of other projects are read once for all sources
+that share them.
 """
 import argparse
 import hashlib
@@ -12,6 +13,9 @@ import re
 import shlex
 import subprocess
 import sys
+import tempfile
+import threading
+from collections import Counter
 from concurrent.futures import ThreadPoolExecutor
 from functools import lru_cache
 from pathlib import Path
@@ -19,6 +23,11 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parents[2]
 LEFT_OUT = re.compile(r"^  (-[a-z0-9.-]+),?$", re.MULTILINE)
 INCLUDE = re.compile(rb'^\s*#\s*include\s*"([^"]+)"', re.MULTILINE)
+# Read in advance where CMake precompiles no headers.
+STANDARD_HEADERS = ("algorithm", "array", "cmath", "filesystem", "fstream", "functional", "map",
+                    "optional", "span", "sstream", "string", "string_view", "vector")
+# Without the preprocessor of its own that clang-tidy runs over all headers for modules.
+NO_MODULES = ("-Xclang", "-fno-cxx-modules")
 
 
 @lru_cache(maxsize=None)
@@ -49,6 +58,15 @@ def sources_of(path):
 def rules_for(path):
     return [folder / ".clang-tidy" for folder in path.parents
             if folder.is_relative_to(ROOT) and (folder / ".clang-tidy").is_file()]
+
+
+def precompiled_by_cmake(entry):
+    """Returns the list of headers that CMake precompiles for an entry, or None."""
+    words = shlex.split(entry["command"])
+    for word, following in zip(words, words[1:]):
+        if word == "-include" and following.endswith("cmake_pch.hxx"):
+            return following
+    return None
 
 
 def options_of(entry):
@@ -95,12 +113,54 @@ def library_of(compiler):
     return [f"-isystem{folder}" for folder in folders if "c++" in folder]
 
 
-def command_for(entry, arguments):
+def language_for(entry, arguments):
+    """Returns the options that say what is compiled for, and how."""
     compiler = shlex.split(entry["command"])[0]
     target = [f"--target={arguments.target}", *library_of(compiler)] if arguments.target else []
+    return ["-Wno-unknown-warning-option", *NO_MODULES, *target]
+
+
+def command_for(entry, arguments):
     plugin = ["-load", str(arguments.plugin)] if arguments.plugin else []
     return ["clang-tidy", "--quiet", *plugin, f"--checks={checks_for(entry, arguments)}",
-            entry["file"], "--", "-Wno-unknown-warning-option", *target, *options_of(entry)]
+            entry["file"], "--", *language_for(entry, arguments), *options_of(entry)]
+
+
+class PrecompiledHeaders:
+    """Headers of other projects, precompiled in a folder when they are first asked for."""
+
+    def __init__(self, entries, arguments, folder):
+        self.arguments = arguments
+        self.folder = folder
+        self.uses = Counter(self.key_of(entry) for entry in entries)
+        self.locks = {key: threading.Lock() for key in self.uses}
+
+    @staticmethod
+    def key_of(entry):
+        """Returns what is precompiled and its options. Those of this project change nothing in it."""
+        options = [option for option in options_of(entry)
+                   if not option.startswith(("-I", "-DTINTORA_")) and not option.endswith("_EXPORTS")]
+        return precompiled_by_cmake(entry), *options
+
+    def options_for(self, entry):
+        """Returns the options that use the precompiled headers, if that is worth making them."""
+        key = self.key_of(entry)
+        if self.uses[key] < 3 or not any("++" in option for option in key[1:]):
+            return []
+        made = self.folder / f"headers_{list(self.uses).index(key)}.pch"
+        with self.locks[key]:
+            if not made.exists():
+                self.make(made, entry, key)
+        return ["-include-pch", str(made)]
+
+    def make(self, made, entry, key):
+        source, *options = key
+        if source is None:
+            source = made.with_suffix(".hxx")
+            source.write_text("".join(f"#include <{name}>\n" for name in STANDARD_HEADERS))
+        subprocess.run(["clang++", "-w", "-x", "c++-header", "-fpch-instantiate-templates",
+                        *language_for(entry, self.arguments), *options, source, "-o", made],
+                       cwd=entry["directory"], check=True)
 
 
 def stamp_of(entry, command, arguments):
@@ -111,13 +171,14 @@ def stamp_of(entry, command, arguments):
     return arguments.stamps / digest.hexdigest()
 
 
-def check(entry, arguments):
+def check(entry, headers, arguments):
     """Returns what clang-tidy finds in a file; nothing if all is well."""
     command = command_for(entry, arguments)
     stamp = stamp_of(entry, command, arguments)
     if stamp.exists():
         return ""
-    run = subprocess.run(command, cwd=entry["directory"], capture_output=True, text=True)
+    run = subprocess.run([*command, *headers.options_for(entry)], cwd=entry["directory"],
+                         capture_output=True, text=True)
     if run.returncode == 0:
         stamp.touch()
         return ""
@@ -137,7 +198,11 @@ def entries_of(arguments):
         if sources - seen:
             entries.append(entry)
             seen |= sources
-    return entries[arguments.share - 1::arguments.shares]
+    # Entries with the same headers share a share.
+    entries.sort(key=lambda entry: str(PrecompiledHeaders.key_of(entry)))
+    first, last = (len(entries) * share // arguments.shares
+                   for share in (arguments.share - 1, arguments.share))
+    return entries[first:last]
 
 
 def main():
@@ -160,8 +225,9 @@ def main():
     if not entries:
         sys.exit("There is nothing to check.")
     faulty = 0
-    with ThreadPoolExecutor(arguments.jobs) as pool:
-        for finding in pool.map(lambda entry: check(entry, arguments), entries):
+    with tempfile.TemporaryDirectory() as folder, ThreadPoolExecutor(arguments.jobs) as pool:
+        headers = PrecompiledHeaders(entries, arguments, Path(folder))
+        for finding in pool.map(lambda entry: check(entry, headers, arguments), entries):
             faulty += finding != ""
             print(finding, end="", flush=True)
     used = sum(os.times()[2:4])

@@ -291,7 +291,7 @@ TEST_F(FocusFollowingMouse, StaysWithTheControlWindow) {
   ASSERT_TRUE(eventually([&] { return x().focus() == beneath.window; }));
   // Has the window manager raise the main window, as a taskbar does: it would put the control
   // window beneath one that was raised without it.
-  x().tellManager(main(), "_NET_ACTIVE_WINDOW", {2, 0, 0});
+  x().activate(main());
   ASSERT_TRUE(eventually([&] { return x().focus() == main(); }));
   const Area area = view();
   x().moveMouse(area.x + area.width / 2, area.y + area.height / 2);

@@ -64,7 +64,7 @@ class Forms : public OnDesktop {
   }
   // Asks for the focus, and waits until a window manager that gives it has done so.
   testing::AssertionResult activate(xcb_window_t window) {
-    x().tellManager(window, "_NET_ACTIVE_WINDOW", {2, 0, 0});
+    x().activate(window);
     if (!supports("_NET_ACTIVE_WINDOW")) return testing::AssertionSuccess();
     return hasFocus(window);
   }
@@ -256,7 +256,7 @@ TEST_P(Forms, MinimisedItComesBack) {
   x().tellManager(main(), "WM_CHANGE_STATE", {iconic});
   ASSERT_TRUE(eventually([&] { return !x().isShown(main()) || hasState("_NET_WM_STATE_HIDDEN"); }));
   scene().draw(scene().at(0), noise(300, 200, 9), 500, 350);
-  x().tellManager(main(), "_NET_ACTIVE_WINDOW", {2, 0, 0});
+  x().activate(main());
   if (!x().isShown(main()) && !supports("_NET_ACTIVE_WINDOW")) {
     xcb_map_window(x().connection(), main());
     x().sync();

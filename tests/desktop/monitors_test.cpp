@@ -1,6 +1,5 @@
 // Two monitors side by side or one above the other, and monitors that change during the run.
 #include <array>
-#include <cstdlib>
 #include <utility>
 
 #include "program_run.h"
@@ -46,12 +45,12 @@ class MonitorTest : public ProgramTest {
     scene().addNoise({0, 0, screen.width, screen.height}, 3);
   }
   Area outer() const { return x().outerAreaOf(main()); }
-  // Moves the main window, and returns true once it is there, give or take its frame.
+  // Moves the main window's inside to the corner of a place, and returns true once it is there.
   bool moves(const Area& place) {
     x().move(main(), place.x, place.y);
     return eventually([&] {
-      const Area moved = outer();
-      return std::abs(moved.x - place.x) < 10 && std::abs(moved.y - place.y) < 40;
+      const Area inside = x().areaOf(main());
+      return inside.x == place.x && inside.y == place.y;
     });
   }
   testing::AssertionResult outerBecomes(const Area& area) const {

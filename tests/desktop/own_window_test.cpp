@@ -198,7 +198,7 @@ TEST_F(OwnWindow, IconifiedAndBroughtBackItShowsTheView) {
   x().tellManager(main(), "WM_CHANGE_STATE", {iconic});
   ASSERT_TRUE(showing(main(), false));
   scene().draw(scene().at(0), noise(400, 300, 9), 1100, 350);
-  x().tellManager(main(), "_NET_ACTIVE_WINDOW", {2, 0, 0});
+  x().activate(main());
   ASSERT_TRUE(showing(main(), true));
   EXPECT_TRUE(viewShows(grey));
 }
@@ -215,7 +215,7 @@ TEST_F(OwnWindow, IconifiedItLeavesOtherWindowsAlone) {
   x().tellManager(main(), "WM_CHANGE_STATE", {iconic});
   ASSERT_TRUE(showing(main(), false));
   EXPECT_TRUE(eventually([&] { return redirected() == 0U; })) << redirected();
-  x().tellManager(main(), "_NET_ACTIVE_WINDOW", {2, 0, 0});
+  x().activate(main());
   ASSERT_TRUE(showing(main(), true));
   EXPECT_TRUE(eventually([&] { return redirected() > 0U; }));
   EXPECT_TRUE(viewShows(grey));
@@ -224,7 +224,7 @@ TEST_F(OwnWindow, IconifiedItLeavesOtherWindowsAlone) {
 TEST_F(OwnWindow, ItStaysAboveOtherWindows) {
   Sheet& sheet =
       scene().add({.place = {1000, 300, 400, 300}, .picture = noise(400, 300, 3), .managed = true});
-  x().tellManager(sheet.window, "_NET_ACTIVE_WINDOW", {2, 0, 0});
+  x().activate(sheet.window);
   x().move(sheet.window, view().x + 80, view().y + 90);
   x().restack(sheet.window, XCB_STACK_MODE_ABOVE);
   ASSERT_TRUE(eventually([&] { return common(x().areaOf(sheet.window), view()).height > 0; }));

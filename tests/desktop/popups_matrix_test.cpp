@@ -134,7 +134,7 @@ TEST_P(Popups, TheyAreAsBeforeWhileItIsMinimised) {
   x().tellManager(main(), "WM_CHANGE_STATE", {iconic});
   EXPECT_TRUE(eventually([&] { return covers().empty(); }));
   EXPECT_TRUE(eventually([&] { return isUnfiltered(popup); }));
-  x().tellManager(main(), "_NET_ACTIVE_WINDOW", {2, 0, 0});
+  x().activate(main());
   xcb_map_window(x().connection(), main());
   x().sync();
   ASSERT_TRUE(eventually([&] { return isOnScreen(main()); }));

@@ -87,7 +87,7 @@ class Soak : public ProgramTest {
       static_cast<void>(entry);
       ++holdings.descriptors;
     }
-    x().tellManager(main(), "_NET_ACTIVE_WINDOW", {2, 0, 0});
+    x().activate(main());
     EXPECT_TRUE(showing(main(), true));
     settle();
     return holdings;

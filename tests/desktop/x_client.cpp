@@ -147,6 +147,11 @@ void XClient::resize(xcb_window_t window, int width, int height) const {
   configure(window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, {u32(width), u32(height)});
 }
 
+void XClient::activate(xcb_window_t window) const {
+  constexpr std::uint32_t fromPager = 2;
+  tellManager(window, "_NET_ACTIVE_WINDOW", {fromPager, XCB_CURRENT_TIME, XCB_NONE});
+}
+
 void XClient::close(xcb_window_t window) const {
   xcb_client_message_event_t event{};
   event.response_type = XCB_CLIENT_MESSAGE;

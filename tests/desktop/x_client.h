@@ -54,6 +54,8 @@ class XClient {
                  const std::vector<std::uint32_t>& values) const;
   void move(xcb_window_t window, int x, int y) const;
   void resize(xcb_window_t window, int width, int height) const;
+  // Asks the window manager to show, raise and focus a window, as a taskbar does.
+  void activate(xcb_window_t window) const;
   // Asks a window to close, as its close button does.
   void close(xcb_window_t window) const;
   // Puts a window directly below or above another, or below or above all.

@@ -77,8 +77,6 @@ def options_of(entry):
     for word, following in zip(words, words[1:] + [""]):
         if skip:
             skip -= 1
-        elif word == "-include" and following.endswith("cmake_pch.hxx"):
-            skip = 1
         elif word.startswith(("-I", "-D", "-std=")):
             kept.append(word)
         elif word == "-isystem":
@@ -131,9 +129,11 @@ class PrecompiledHeaders:
 
     def __init__(self, entries, arguments, folder):
         self.arguments = arguments
-        self.folder = folder
-        self.uses = Counter(self.key_of(entry) for entry in entries)
-        self.locks = {key: threading.Lock() for key in self.uses}
+        uses = Counter(self.key_of(entry) for entry in entries)
+        # Making them takes as long as they save for two units.
+        keys = [key for key, count in uses.items() if count > 2]
+        self.made = {key: folder / f"headers_{number}.pch" for number, key in enumerate(keys)}
+        self.locks = {key: threading.Lock() for key in keys}
 
     @staticmethod
     def key_of(entry):
@@ -145,16 +145,16 @@ class PrecompiledHeaders:
     def options_for(self, entry):
         """Returns the options that use the precompiled headers, if that is worth making them."""
         key = self.key_of(entry)
-        if self.uses[key] < 3 or not any("++" in option for option in key[1:]):
+        if key not in self.made:
             return []
-        made = self.folder / f"headers_{list(self.uses).index(key)}.pch"
         with self.locks[key]:
-            if not made.exists():
-                self.make(made, entry, key)
-        return ["-include-pch", str(made)]
+            if not self.made[key].exists():
+                self.make(entry, key)
+        return ["-include-pch", str(self.made[key])]
 
-    def make(self, made, entry, key):
+    def make(self, entry, key):
         source, *options = key
+        made = self.made[key]
         if source is None:
             source = made.with_suffix(".hxx")
             source.write_text("".join(f"#include <{name}>\n" for name in STANDARD_HEADERS))

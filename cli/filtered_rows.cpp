@@ -72,7 +72,7 @@ bool isGrey(const PaletteEntry& entry) {
   return entry.red == entry.green && entry.green == entry.blue;
 }
 
-bool isOpaque(const PaletteEntry& entry) {
+bool isOpaqueEntry(const PaletteEntry& entry) {
   return entry.alpha == 255;
 }
 
@@ -128,7 +128,7 @@ RowFilter planIndexed(const RowsHeader& header, const ColourStep& step, bool kee
   RowFilter plan{header, {}};
   RowsHeader& out = plan.header;
   out.palette = applied(step, header.palette);
-  const bool opaque = std::ranges::all_of(out.palette, isOpaque);
+  const bool opaque = std::ranges::all_of(out.palette, isOpaqueEntry);
   const bool grey = header.isGrey && opaque && std::ranges::all_of(out.palette, isGrey);
   const std::size_t bytes = rowBytes(header);
   if (grey && keepsPalette) {

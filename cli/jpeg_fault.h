@@ -22,9 +22,9 @@ inline constexpr std::string_view exifTag{"Exif\0\0", 6};
 inline constexpr std::size_t longestMarker = 65533;
 
 // A JFIF density, of pixels per inch or centimetre or only their ratio.
-inline constexpr int jfifRatio = 0;
-inline constexpr int jfifInch = 1;
-inline constexpr int jfifCentimetre = 2;
+inline constexpr UINT8 jfifRatio = 0;
+inline constexpr UINT8 jfifInch = 1;
+inline constexpr UINT8 jfifCentimetre = 2;
 
 struct JpegFault {
   std::jmp_buf jump{};

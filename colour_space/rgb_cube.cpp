@@ -32,8 +32,8 @@ constexpr std::array<std::uint16_t, 36> faces{0, 1, 2, 0, 2, 3, 4, 6, 5, 4, 7, 6
                                               3, 2, 6, 3, 6, 7, 1, 5, 6, 1, 6, 2, 4, 0, 3, 4, 3, 7};
 
 // The face without blue, the edges along blue, the face with full blue, and the grey axis.
-constexpr std::array<std::uint16_t, 26> edges{0, 1, 1, 2, 2, 3, 3, 0, 0, 4, 1, 5, 2,
-                                              6, 3, 7, 4, 5, 5, 6, 6, 7, 7, 4, 3, 5};
+constexpr std::array<std::uint16_t, 26> cubeEdges{0, 1, 1, 2, 2, 3, 3, 0, 0, 4, 1, 5, 2,
+                                                  6, 3, 7, 4, 5, 5, 6, 6, 7, 7, 4, 3, 5};
 
 void addCorners(SceneRole role, PrimitiveKind kind, std::span<const std::uint16_t> indices,
                 int primitives) {
@@ -64,7 +64,7 @@ Components clamped(const Components& colour) {
 
 void buildCube() {
   addCorners(SceneRole::SolidCube, PrimitiveKind::IndexedTriangles, faces, 12);
-  addCorners(SceneRole::WireFrame, PrimitiveKind::IndexedLines, edges, 13);
+  addCorners(SceneRole::WireFrame, PrimitiveKind::IndexedLines, cubeEdges, 13);
 }
 
 void refreshCube(const Matrix3x3& matrix) {

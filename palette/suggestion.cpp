@@ -73,13 +73,13 @@ const std::vector<Rgb8>& coloursOfDisplay() {
     constexpr double chromaStep = 4.0;
     constexpr double mostChroma = 136.0;
     constexpr double hueStep = 6.0;
-    constexpr double degree = std::numbers::pi / 180.0;
+    constexpr double oneDegree = std::numbers::pi / 180.0;
     std::vector<Rgb8> found;
     for (double lightness = 0.0; lightness <= mostLightness; lightness += lightnessStep) {
       for (double hue = 0.0; hue < 360.0; hue += hueStep) {
         for (double chroma = 0.0; chroma <= mostChroma; chroma += chromaStep) {
           const Colour colour = fromLab(
-              {lightness, chroma * std::cos(hue * degree), chroma * std::sin(hue * degree)});
+              {lightness, chroma * std::cos(hue * oneDegree), chroma * std::sin(hue * oneDegree)});
           if (!isDisplayable(colour)) break;
           found.push_back(roundColour(colour));
         }

@@ -35,8 +35,8 @@ std::vector<Window*> translated;
 bool painting = false;
 std::optional<QPoint> mousePlace;  // on the screen, while a mouse event is handled
 bool handedOver = false;           // since the loop last checked
-bool ended = false;
-int result = 0;
+bool loopEnded = false;
+int loopResult = 0;
 
 QAbstractEventDispatcher* dispatcher() {
   return QAbstractEventDispatcher::instance();
@@ -284,7 +284,7 @@ void tellSessionEnds() {
 }
 
 bool handOver(const Event& event) {
-  if (eventHandler == nullptr || ended) return false;
+  if (eventHandler == nullptr || loopEnded) return false;
   const bool handled = eventHandler(event);
   paintStaleWindows();
   takeTurn();
@@ -314,8 +314,8 @@ bool isControlDown() {
 
 bool handleNextEvent() {
   handedOver = false;
-  while (!handedOver && !ended) dispatcher()->processEvents(QEventLoop::WaitForMoreEvents);
-  return !ended;
+  while (!handedOver && !loopEnded) dispatcher()->processEvents(QEventLoop::WaitForMoreEvents);
+  return !loopEnded;
 }
 
 void handleWaitingEvents() {
@@ -326,13 +326,13 @@ void handleWaitingEvents() {
 }
 
 void quit(int exitResult) {
-  result = exitResult;
-  ended = true;
+  loopResult = exitResult;
+  loopEnded = true;
   dispatcher()->wakeUp();
 }
 
 int quitResult() {
-  return result;
+  return loopResult;
 }
 
 }  // namespace tintora::platform

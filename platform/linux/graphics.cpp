@@ -122,13 +122,13 @@ void prepareToDraw(const GraphicsDevice& device) {
   bindVertices(gl, *device.vertexBuffer);
 }
 
-struct Drawing {
-  GLenum mode;
+struct DrawMode {
+  GLenum primitive;
   int perPrimitive;  // vertices
   int more;          // vertices before the first primitive is complete
 };
 
-Drawing drawingOf(PrimitiveKind kind) {
+DrawMode drawModeOf(PrimitiveKind kind) {
   switch (kind) {
     case PrimitiveKind::IndexedLines:
     case PrimitiveKind::Lines:
@@ -142,8 +142,8 @@ Drawing drawingOf(PrimitiveKind kind) {
   return {GL_TRIANGLES, 3, 0};
 }
 
-int verticesOf(const Drawing& drawing, int primitives) {
-  return drawing.perPrimitive * primitives + drawing.more;
+int verticesOf(const DrawMode& drawMode, int primitives) {
+  return drawMode.perPrimitive * primitives + drawMode.more;
 }
 
 }  // namespace
@@ -237,16 +237,16 @@ void drawIndexed(GraphicsDevice* device, PrimitiveKind kind, int /*vertices*/, i
   if (device->gl == nullptr) return;
   prepareToDraw(*device);
   bindIndices(*device->gl, *device->indexBuffer);
-  const Drawing drawing = drawingOf(kind);
-  device->gl->glDrawElements(drawing.mode, verticesOf(drawing, primitives), GL_UNSIGNED_SHORT,
-                             nullptr);
+  const DrawMode drawMode = drawModeOf(kind);
+  device->gl->glDrawElements(drawMode.primitive, verticesOf(drawMode, primitives),
+                             GL_UNSIGNED_SHORT, nullptr);
 }
 
 void drawUnindexed(GraphicsDevice* device, PrimitiveKind kind, int primitives) {
   if (device->gl == nullptr) return;
   prepareToDraw(*device);
-  const Drawing drawing = drawingOf(kind);
-  device->gl->glDrawArrays(drawing.mode, 0, verticesOf(drawing, primitives));
+  const DrawMode drawMode = drawModeOf(kind);
+  device->gl->glDrawArrays(drawMode.primitive, 0, verticesOf(drawMode, primitives));
 }
 
 int drawText(GraphicsDevice* device, TextFont* font, const Rect& area, PackedColour colour,

@@ -28,7 +28,7 @@ struct Mirror {
   bool keepsChoice = false;         // then what was chosen before comes without a question
   std::unique_ptr<QTimer> silence;  // exists until the first frame comes
 };
-Mirror state;
+Mirror mirrorState;
 
 void choose(bool anew);
 
@@ -41,9 +41,9 @@ void tellTerminal(std::string_view text) {
 void offerChoice(const char* text) {
   stopStream();
   endPortalSession();
-  state.silence.reset();
-  state.offersChoice = true;
-  state.keepsChoice = false;
+  mirrorState.silence.reset();
+  mirrorState.offersChoice = true;
+  mirrorState.keepsChoice = false;
   showText(text);
   tellTerminal(text);
 }
@@ -53,7 +53,7 @@ void offerChoice(const char* text) {
 void giveUp(const char* text) {
   stopStream();
   endPortalSession();
-  state.silence.reset();
+  mirrorState.silence.reset();
   tellTerminal(text);
   for (QWindow* const window : QGuiApplication::topLevelWindows()) window->setVisible(false);
   auto* const box = new QMessageBox(QMessageBox::Critical, "Tintora", QString::fromUtf8(text),
@@ -64,14 +64,14 @@ void giveUp(const char* text) {
 }
 
 void onFrame() {
-  if (std::exchange(state.silence, nullptr)) setStreamActive(true);
+  if (std::exchange(mirrorState.silence, nullptr)) setStreamActive(true);
   showNewestFrame();
 }
 
 void onStreamEnd(StreamEnd end) {
   const bool wasRestarted = end == StreamEnd::PipeWire;
   offerChoice(wasRestarted ? texts::pipeWireGone : texts::streamEnded);
-  state.keepsChoice = wasRestarted;
+  mirrorState.keepsChoice = wasRestarted;
 }
 
 // The source's first frame may get lost while the stream begins. If nothing moves there, no other
@@ -80,14 +80,14 @@ void onStreamEnd(StreamEnd end) {
 void awaitFirstFrame() {
   constexpr int milliseconds = 500;
   constexpr int lastTurn = 10;
-  state.silence = std::make_unique<QTimer>();
-  state.silence->callOnTimeout([turns = 0]() mutable {
+  mirrorState.silence = std::make_unique<QTimer>();
+  mirrorState.silence->callOnTimeout([turns = 0]() mutable {
     setStreamActive(++turns % 2 == 0);
     if (turns < lastTurn) return;
-    state.silence->stop();
+    mirrorState.silence->stop();
     showText(texts::noFrame);
   });
-  state.silence->start(milliseconds);
+  mirrorState.silence->start(milliseconds);
 }
 
 void onGranted(int connection, std::uint32_t node) {
@@ -112,9 +112,9 @@ void onPortalEnd(PortalEnd end) {
 }
 
 void choose(bool anew) {
-  state.offersChoice = false;
+  mirrorState.offersChoice = false;
   showText(texts::choosing);
-  askPortal(state.parent->window->winId(), anew, {&onGranted, &onPortalEnd});
+  askPortal(mirrorState.parent->window->winId(), anew, {&onGranted, &onPortalEnd});
 }
 
 // Receives the clicks and keys that the view has asked for, before the program does.
@@ -122,9 +122,9 @@ class ChoiceFilter : public QObject {
  public:
   using QObject::QObject;
   bool eventFilter(QObject* /*watched*/, QEvent* event) override {
-    if (!state.offersChoice || !isAnswer(*event)) return false;
+    if (!mirrorState.offersChoice || !isAnswer(*event)) return false;
     if (event->type() == QEvent::MouseButtonRelease || event->type() == QEvent::KeyPress) {
-      choose(!state.keepsChoice);
+      choose(!mirrorState.keepsChoice);
     }
     return true;
   }
@@ -146,18 +146,18 @@ class ChoiceFilter : public QObject {
 };
 
 void start(Window* parent, xcb_window_t window) {
-  state.parent = parent;
+  mirrorState.parent = parent;
   startMirrorPicture(parent, window);
   parent->window->installEventFilter(new ChoiceFilter(parent->window.get()));
   showText(texts::choosing);
   // Runs when the main window is shown, so that the portal's dialog appears in front of it.
-  QTimer::singleShot(0, parent->window.get(), [] { choose(state.askAnew); });
+  QTimer::singleShot(0, parent->window.get(), [] { choose(mirrorState.askAnew); });
 }
 
 void stop() {
   stopStream();
   endPortalSession();
-  state = {};
+  mirrorState = {};
   stopMirrorPicture();
 }
 
@@ -174,7 +174,7 @@ const ViewSource mirror{.start = &start,
 
 void useMirror(bool askAnew) {
   viewSource = &mirror;
-  state.askAnew = askAnew;
+  mirrorState.askAnew = askAnew;
 }
 
 }  // namespace tintora::platform

@@ -37,48 +37,48 @@ struct MirrorPicture {
   QRegion toScale;        // parts of the view: to be scaled and filtered
   QRegion toFilter;       // to be filtered only
 };
-MirrorPicture picture;
+MirrorPicture mirrored;
 
-QRect wholeView() {
-  return {QPoint(), picture.size};
+QRect clientArea() {
+  return {QPoint(), mirrored.size};
 }
 
 bool isScaled() {
-  return picture.place.size() != picture.source.size();
+  return mirrored.place.size() != mirrored.source.size();
 }
 
 // Returns the picture's place in the view. Only full screen enlarges a picture.
 QRect placeInView() {
-  const QSize source = picture.source.size();
-  const bool fits = source.boundedTo(picture.size) == source;
-  const bool fills = picture.parent->form == WindowForm::FullScreen;
+  const QSize source = mirrored.source.size();
+  const bool fits = source.boundedTo(mirrored.size) == source;
+  const bool fills = mirrored.parent->form == WindowForm::FullScreen;
   const QSize size = fits && !fills ? source
-                                    : source.scaled(picture.size, Qt::KeepAspectRatio)
+                                    : source.scaled(mirrored.size, Qt::KeepAspectRatio)
                                           .expandedTo(QSize(1, 1))
-                                          .boundedTo(picture.size);
-  return {QPoint((picture.size.width() - size.width()) / 2,
-                 (picture.size.height() - size.height()) / 2),
+                                          .boundedTo(mirrored.size);
+  return {QPoint((mirrored.size.width() - size.width()) / 2,
+                 (mirrored.size.height() - size.height()) / 2),
           size};
 }
 
 void layOut() {
-  if (picture.size.isEmpty()) return;
-  if (!picture.source.isNull()) picture.place = placeInView();
-  picture.toScale = wholeView();
+  if (mirrored.size.isEmpty()) return;
+  if (!mirrored.source.isNull()) mirrored.place = placeInView();
+  mirrored.toScale = clientArea();
 }
 
 void fitMainWindow() {
-  Window* const window = picture.parent;
-  picture.unfitted = isMaximised(window);
-  if (picture.unfitted) return;
+  Window* const window = mirrored.parent;
+  mirrored.unfitted = isMaximised(window);
+  if (mirrored.unfitted) return;
   const QSize frame = outerBounds(window).size() - window->window->size();
   // Keeps the size if the user has chosen it.
   const QSize client = boundsAskedFor(window).size() - frame;
-  if (!picture.given.isEmpty() && client != picture.given) return;
+  if (!mirrored.given.isEmpty() && client != mirrored.given) return;
   const QRect room = window->window->screen()->availableGeometry();
   const QSize most = room.size() - frame;
   constexpr QSize least(200, 100);  // leaves a title bar to drag the window by
-  const QSize source = picture.source.size();
+  const QSize source = mirrored.source.size();
   const QSize fitting = source.boundedTo(most) == source ? source.expandedTo(least)
                                                          : source.scaled(most, Qt::KeepAspectRatio);
   QRect outer(boundsAskedFor(window).topLeft(), fitting + frame);
@@ -86,7 +86,7 @@ void fitMainWindow() {
   outer.moveBottom(std::min(outer.bottom(), room.bottom()));
   outer.moveLeft(std::max(outer.left(), room.left()));
   outer.moveTop(std::max(outer.top(), room.top()));
-  picture.given = fitting;
+  mirrored.given = fitting;
   setWindowBounds(window, fromRoot(outer));
 }
 
@@ -102,14 +102,14 @@ bool noteExposures(xcb_generic_event_t* (*poll)(xcb_connection_t*)) {
   while (const Received<xcb_generic_event_t> event{poll(x())}) {
     if ((event->response_type & 0x7F) != XCB_EXPOSE) continue;
     const auto& exposed = reinterpret_cast<const xcb_expose_event_t&>(*event);
-    picture.toFilter += QRect(exposed.x, exposed.y, exposed.width, exposed.height);
+    mirrored.toFilter += QRect(exposed.x, exposed.y, exposed.width, exposed.height);
     any = true;
   }
   return any;
 }
 
 void clearPart(const QRect& part) {
-  const ViewFrames& frames = picture.frames;
+  const ViewFrames& frames = mirrored.frames;
   for (int y = part.top(); y <= part.bottom(); ++y) {
     std::memset(frames.filtered.bytes + frames.offset({part.left(), y}), 0,
                 std::size_t{4} * static_cast<std::size_t>(part.width()));
@@ -117,29 +117,29 @@ void clearPart(const QRect& part) {
 }
 
 void scalePart(const QRect& part) {
-  const QImage& source = std::as_const(picture.source);
-  const ViewFrames& frames = picture.frames;
-  scaleByArea({source.constBits(), source.bytesPerLine(), source.size()}, picture.place.size(),
-              part.translated(-picture.place.topLeft()),
+  const QImage& source = std::as_const(mirrored.source);
+  const ViewFrames& frames = mirrored.frames;
+  scaleByArea({source.constBits(), source.bytesPerLine(), source.size()}, mirrored.place.size(),
+              part.translated(-mirrored.place.topLeft()),
               frames.unfiltered.bytes + frames.offset(part.topLeft()), frames.stride());
 }
 
 // Filters a part of the view. A picture at its own size is read from the frame without scaling.
 void filterPart(const QRect& part) {
-  const QImage& source = std::as_const(picture.source);
-  const ViewFrames& frames = picture.frames;
-  const QPoint inPicture = part.topLeft() - picture.place.topLeft();
+  const QImage& source = std::as_const(mirrored.source);
+  const ViewFrames& frames = mirrored.frames;
+  const QPoint inPicture = part.topLeft() - mirrored.place.topLeft();
   const std::uint8_t* const from =
       isScaled() ? frames.unfiltered.bytes + frames.offset(part.topLeft())
                  : source.constBits() + inPicture.y() * source.bytesPerLine() + 4L * inPicture.x();
-  filterRows(picture.filter, from, isScaled() ? frames.stride() : source.bytesPerLine(),
+  filterRows(mirrored.filter, from, isScaled() ? frames.stride() : source.bytesPerLine(),
              frames.filtered.bytes + frames.offset(part.topLeft()), frames.stride(),
              static_cast<std::size_t>(part.width()), static_cast<std::size_t>(part.height()));
 }
 
 void drawText() {
-  const ViewFrames& frames = picture.frames;
-  QImage image(frames.filtered.bytes, picture.size.width(), picture.size.height(),
+  const ViewFrames& frames = mirrored.frames;
+  QImage image(frames.filtered.bytes, mirrored.size.width(), mirrored.size.height(),
                static_cast<qsizetype>(frames.stride()), QImage::Format_RGB32);
   const QPalette colours = QGuiApplication::palette();
   image.fill(colours.color(QPalette::Window));
@@ -147,83 +147,84 @@ void drawText() {
   painter.setPen(colours.color(QPalette::WindowText));
   painter.setFont(QGuiApplication::font());
   constexpr int margin = 12;
-  painter.drawText(wholeView().adjusted(margin, margin, -margin, -margin),
-                   Qt::AlignCenter | Qt::TextWordWrap, picture.text);
+  painter.drawText(clientArea().adjusted(margin, margin, -margin, -margin),
+                   Qt::AlignCenter | Qt::TextWordWrap, mirrored.text);
 }
 
 void show(const QRegion& region) {
   for (const QRect& part : inParts(region))
-    showFiltered(picture.frames, picture.window, part, part.topLeft());
+    showFiltered(mirrored.frames, mirrored.window, part, part.topLeft());
 }
 
 void drawPicture(const QRegion& toScale, const QRegion& toFilter) {
-  for (const QRect& part : toScale - picture.place) clearPart(part);
+  for (const QRect& part : toScale - mirrored.place) clearPart(part);
   if (isScaled()) {
-    for (const QRect& part : toScale& picture.place) scalePart(part);
+    for (const QRect& part : toScale& mirrored.place) scalePart(part);
   }
-  for (const QRect& part : inParts((toScale + toFilter) & picture.place)) filterPart(part);
+  for (const QRect& part : inParts((toScale + toFilter) & mirrored.place)) filterPart(part);
 }
 
 }  // namespace
 
 void startMirrorPicture(Window* parent, xcb_window_t window) {
-  picture.parent = parent;
-  picture.window = window;
+  mirrored.parent = parent;
+  mirrored.window = window;
 }
 
 void stopMirrorPicture() {
-  releaseFrames(picture.frames);
-  xcb_destroy_window(x(), picture.window);
-  picture = {};
+  releaseFrames(mirrored.frames);
+  xcb_destroy_window(x(), mirrored.window);
+  mirrored = {};
 }
 
 void setMirrorSize(const QSize& size) {
-  if (picture.unfitted && !picture.source.isNull()) fitMainWindow();
-  const bool sameForm = picture.source.isNull() || size.isEmpty() || placeInView() == picture.place;
-  if (size == picture.size && sameForm) return;
-  picture.size = size;
+  if (mirrored.unfitted && !mirrored.source.isNull()) fitMainWindow();
+  const bool sameForm =
+      mirrored.source.isNull() || size.isEmpty() || placeInView() == mirrored.place;
+  if (size == mirrored.size && sameForm) return;
+  mirrored.size = size;
   if (size.isEmpty()) return;
-  makeRoom(picture.frames, size, xServer.sharing);
+  makeRoom(mirrored.frames, size, xServer.sharing);
   layOut();
 }
 
 void setMirrorFilter(const PixelFilter& filter) {
-  picture.filter = filter;
-  picture.toFilter = wholeView();
+  mirrored.filter = filter;
+  mirrored.toFilter = clientArea();
 }
 
 void showNewestFrame() {
-  const QSize before = picture.source.size();
-  const QRegion changed = takeNewestFrame(picture.source);
+  const QSize before = mirrored.source.size();
+  const QRegion changed = takeNewestFrame(mirrored.source);
   if (changed.isEmpty()) return;
-  const QSize size = picture.source.size();
+  const QSize size = mirrored.source.size();
   if (size != before) {
     fitMainWindow();
     layOut();
   }
-  if (picture.size.isEmpty()) return;
+  if (mirrored.size.isEmpty()) return;
   for (const QRect& part : simplified(changed)) {
-    picture.toScale +=
-        scaledPart(part, size, picture.place.size()).translated(picture.place.topLeft());
+    mirrored.toScale +=
+        scaledPart(part, size, mirrored.place.size()).translated(mirrored.place.topLeft());
   }
 }
 
 void showText(std::string_view text) {
-  picture.source = QImage();
-  picture.text = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-  picture.toScale = wholeView();
+  mirrored.source = QImage();
+  mirrored.text = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+  mirrored.toScale = clientArea();
 }
 
 void updateMirror() {
-  if (picture.window == XCB_NONE) return;
+  if (mirrored.window == XCB_NONE) return;
   noteExposures(&xcb_poll_for_event);
-  if (picture.size.isEmpty()) return;
-  const QRegion toScale = std::exchange(picture.toScale, {}) & wholeView();
-  const QRegion toFilter = std::exchange(picture.toFilter, {}) & wholeView();
+  if (mirrored.size.isEmpty()) return;
+  const QRegion toScale = std::exchange(mirrored.toScale, {}) & clientArea();
+  const QRegion toFilter = std::exchange(mirrored.toFilter, {}) & clientArea();
   if (toScale.isEmpty() && toFilter.isEmpty()) return;
   // The server may still be reading the pixels that were shown before.
   waitForXServer();
-  if (picture.source.isNull()) {
+  if (mirrored.source.isNull()) {
     drawText();
   } else {
     drawPicture(toScale, toFilter);
@@ -241,10 +242,10 @@ void finishMirror() {
 }
 
 QImage filteredPicture() {
-  const QImage& source = std::as_const(picture.source);
+  const QImage& source = std::as_const(mirrored.source);
   if (source.isNull()) return {};
   QImage filtered(source.size(), QImage::Format_RGB32);
-  filterRows(picture.filter, source.constBits(), source.bytesPerLine(), filtered.bits(),
+  filterRows(mirrored.filter, source.constBits(), source.bytesPerLine(), filtered.bits(),
              filtered.bytesPerLine(), static_cast<std::size_t>(source.width()),
              static_cast<std::size_t>(source.height()));
   return filtered;

@@ -26,7 +26,7 @@ bool listsMonitors() {
   return version && (version->major_version > 1 || version->minor_version >= 5);
 }
 
-QRect wholeRoot() {
+QRect rootArea() {
   xcb_connection_t* const x = xServer.connection;
   const Received<xcb_get_geometry_reply_t> root(
       xcb_get_geometry_reply(x, xcb_get_geometry(x, xServer.screen->root), nullptr));
@@ -35,11 +35,11 @@ QRect wholeRoot() {
 
 QRect readPrimary() {
   static const bool listed = listsMonitors();
-  if (!listed) return wholeRoot();
+  if (!listed) return rootArea();
   xcb_connection_t* const x = xServer.connection;
   const Received<xcb_randr_get_monitors_reply_t> reply(
       xcb_randr_get_monitors_reply(x, xcb_randr_get_monitors(x, xServer.screen->root, 1), nullptr));
-  if (!reply) return wholeRoot();
+  if (!reply) return rootArea();
   QRect first;
   auto monitors = xcb_randr_get_monitors_monitors_iterator(reply.get());
   for (; monitors.rem != 0; xcb_randr_monitor_info_next(&monitors)) {
@@ -49,7 +49,7 @@ QRect readPrimary() {
     if (monitor.primary != 0) return area;
     if (first.isNull()) first = area;
   }
-  return first.isNull() ? wholeRoot() : first;
+  return first.isNull() ? rootArea() : first;
 }
 
 // Follows RandR's events and the root's, which Qt selects on its own connection.

@@ -12,26 +12,26 @@ constexpr std::size_t channels = 4;
 constexpr int wholeWeight = 256;  // the weight of a whole pixel; sums of rows fit 16 bits
 
 // The source pixels that one result pixel covers.
-struct Cover {
+struct Coverage {
   int first;
   std::span<const std::uint16_t> weights;  // their sum is wholeWeight
 };
 
-// The covers of pixels first..last of a line that is scaled from one length to another. In the unit
-// used here, a source pixel is as long as the result has pixels.
-class Covers {
+// The coverages of pixels first..last of a line that is scaled from one length to another. In the
+// unit used here, a source pixel is as long as the result has pixels.
+class Coverages {
  public:
-  Covers(std::int64_t from, std::int64_t to, int first, int last) {
+  Coverages(std::int64_t from, std::int64_t to, int first, int last) {
     for (std::int64_t i = first; i <= last; ++i) add(i * from, (i + 1) * from, from, to);
   }
   std::size_t count() const { return starts_.size(); }
-  Cover operator[](std::size_t i) const {
+  Coverage operator[](std::size_t i) const {
     const std::size_t end = i + 1 < offsets_.size() ? offsets_[i + 1] : weights_.size();
     return {starts_[i], std::span(weights_).subspan(offsets_[i], end - offsets_[i])};
   }
   int firstOfAll() const { return starts_.front(); }
   int endOfAll() const {
-    const Cover last = (*this)[count() - 1];
+    const Coverage last = (*this)[count() - 1];
     return last.first + static_cast<int>(last.weights.size());
   }
 
@@ -62,7 +62,8 @@ void addRow(std::span<std::uint16_t> sums, const std::uint8_t* row, std::uint16_
   }
 }
 
-void takeMeans(const Covers& columns, const std::vector<std::uint16_t>& sums, std::uint8_t* row) {
+void takeMeans(const Coverages& columns, const std::vector<std::uint16_t>& sums,
+               std::uint8_t* row) {
   const int left = columns.firstOfAll();
   for (std::size_t i = 0; i < columns.count(); ++i) {
     const auto [first, weights] = columns[i];
@@ -84,8 +85,8 @@ void takeMeans(const Covers& columns, const std::vector<std::uint16_t>& sums, st
 void scaleByArea(const PixelRows& source, const QSize& size, const QRect& part,
                  std::uint8_t* destination, std::ptrdiff_t destinationStride) {
   if (part.isEmpty()) return;
-  const Covers columns(source.size.width(), size.width(), part.left(), part.right());
-  const Covers rows(source.size.height(), size.height(), part.top(), part.bottom());
+  const Coverages columns(source.size.width(), size.width(), part.left(), part.right());
+  const Coverages rows(source.size.height(), size.height(), part.top(), part.bottom());
   const int left = columns.firstOfAll();
   std::vector<std::uint16_t> sums(channels * static_cast<std::size_t>(columns.endOfAll() - left));
   for (std::size_t y = 0; y < rows.count(); ++y) {

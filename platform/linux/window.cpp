@@ -54,11 +54,11 @@ bool fillsScreen(const Window* window) {
 // Moves the window first, because a window manager fills the monitor that the window is on.
 void moveToPrimaryMonitor(Window* window) {
   const QRect outer = boundsAskedFor(window);
-  const QRect& primary = primaryMonitor();
-  if (primary.contains(outer.center())) return;
+  const QRect& monitor = primaryMonitor();
+  if (monitor.contains(outer.center())) return;
   const QPoint place =
-      primary.topLeft() +
-      QPoint(primary.width() - outer.width(), primary.height() - outer.height()) / 2;
+      monitor.topLeft() +
+      QPoint(monitor.width() - outer.width(), monitor.height() - outer.height()) / 2;
   askForBounds(window, {place, outer.size()});
 }
 

@@ -12,6 +12,7 @@
 #include "platform/windows/handles.h"
 #include "platform/windows/scale.h"
 #include "platform/windows/system_library.h"
+#include "platform/windows/table.h"
 
 namespace tintora::platform {
 
@@ -45,11 +46,6 @@ constexpr std::array renderStates{
     RenderState{D3DRS_CULLMODE, D3DCULL_NONE},
     RenderState{D3DRS_ZENABLE, D3DZB_TRUE},
 };
-
-template <typename Value, std::size_t size, typename Index>
-const Value& at(const std::array<Value, size>& table, Index index) {
-  return table[static_cast<std::size_t>(index)];
-}
 
 using CreateDirect3d = decltype(Direct3DCreate9);
 

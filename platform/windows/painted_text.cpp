@@ -46,7 +46,7 @@ struct SamplerState {
 };
 
 // Blends the line over the picture by the line's alpha.
-constexpr std::array renderStates{
+constexpr std::array textRenderStates{
     RenderState{D3DRS_ALPHABLENDENABLE, TRUE},
     RenderState{D3DRS_SRCBLEND, D3DBLEND_SRCALPHA},
     RenderState{D3DRS_DESTBLEND, D3DBLEND_INVSRCALPHA},
@@ -75,7 +75,7 @@ constexpr std::array samplerStates{
 
 // Sets all states for drawing a line, and the vertex stream, which drawing from memory resets.
 void setStates(IDirect3DDevice9* device) {
-  for (const auto& [state, value] : renderStates) device->SetRenderState(state, value);
+  for (const auto& [state, value] : textRenderStates) device->SetRenderState(state, value);
   for (const auto& [stage, state, value] : stageStates) {
     device->SetTextureStageState(stage, state, value);
   }

@@ -11,6 +11,7 @@
 #include "platform/windows/handles.h"
 #include "platform/windows/resolution.h"
 #include "platform/windows/scale.h"
+#include "platform/windows/table.h"
 #include "platform/windows/text.h"
 
 namespace tintora::platform {
@@ -59,11 +60,6 @@ constexpr int iconResource = 101;
 
 // The style bits that the window forms differ in. The others are left alone.
 constexpr DWORD formBits = WS_OVERLAPPEDWINDOW | WS_POPUP | WS_BORDER | WS_MAXIMIZE;
-
-template <typename Value, std::size_t size, typename Index>
-const Value& at(const std::array<Value, size>& table, Index index) {
-  return table[static_cast<std::size_t>(index)];
-}
 
 // Makes a layered window opaque. It shows nothing before that, and again after each change of its
 // style.

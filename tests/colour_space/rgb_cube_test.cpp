@@ -156,10 +156,10 @@ TEST_F(RgbCube, FrameStaysUntransformed) {
 
 TEST_F(RgbCube, RowAboveOneMovesWhiteOutsideTheFrameWithItsColourClamped) {
   show(Matrix3x3{1.5, 0.25, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 1.0});
-  const ColourVertex& white = verticesOf(SceneRole::SolidCube).at(5);
-  EXPECT_FLOAT_EQ(white.x, -2.5F);
-  EXPECT_FLOAT_EQ(white.y, 1.0F);
-  EXPECT_EQ(white.colour, 0xFFFFFFFFU);
+  const ColourVertex& whiteCorner = verticesOf(SceneRole::SolidCube).at(5);
+  EXPECT_FLOAT_EQ(whiteCorner.x, -2.5F);
+  EXPECT_FLOAT_EQ(whiteCorner.y, 1.0F);
+  EXPECT_EQ(whiteCorner.colour, 0xFFFFFFFFU);
 }
 
 TEST_F(RgbCube, NegativeEntriesMoveCornersBeyondTheFrameWithTheirColoursAtZero) {

@@ -21,7 +21,7 @@ const std::string fullScreenText = "Full screen mode, press F to exit";
 const std::string hitTransparentText = "Hit Transparent, Press H to exit";
 
 // On a screen of 1600 x 900, with the window away from its middle.
-void place() {
+void placeWindow() {
   mainWindow().bounds = placed;
 }
 
@@ -44,7 +44,7 @@ class FullScreenOnASmallScreen : public ShellTest {
 
 TEST_F(FullScreenOnASmallScreen, IsHitTransparentAtOnceWhenEnteredByKey) {
   play([]() -> Script {
-    place();
+    placeWindow();
     co_yield keyDown('F');
     expectCalls(joined({{"setWindowForm main full screen", "setHitTransparent main true"},
                         coversScreen,
@@ -59,7 +59,7 @@ TEST_F(FullScreenOnASmallScreen, IsHitTransparentAtOnceWhenEnteredByKey) {
 
 TEST_F(FullScreenOnASmallScreen, IsHitTransparentWithTheControlWindowWhenEnteredByCommand) {
   play([]() -> Script {
-    place();
+    placeWindow();
     co_yield command(54);
     expectCalls(joined({{"setWindowForm main full screen"}, coversScreen, showsControl}));
     EXPECT_TRUE(shellState.fullScreen);
@@ -72,7 +72,7 @@ TEST_F(FullScreenOnASmallScreen, IsHitTransparentWithTheControlWindowWhenEntered
 // The control window stays where it is, with a new name.
 TEST_F(FullScreenOnASmallScreen, LeavesAVisibleControlWindowAlone) {
   play([]() -> Script {
-    place();
+    placeWindow();
     co_yield keyDown('H');
     controlWindow().bounds = {1, 2, 401, 122};
     co_yield keyDown('F');
@@ -96,7 +96,7 @@ TEST_F(FullScreenOnASmallScreen, EndsWithAFrameAtTheFormerPlace) {
       forgetEverything();
       nullDesktop().screen = {1600, 900};
       play([enter, leave]() -> Script {
-        place();
+        placeWindow();
         co_yield enter();
         co_yield leave();
         expectCalls(leaves);
@@ -114,7 +114,7 @@ TEST_F(FullScreenOnASmallScreen, EndsWithAFrameAtTheFormerPlace) {
 
 TEST_F(FullScreenOnASmallScreen, EndsWhenTheControlWindowIsClosed) {
   play([]() -> Script {
-    place();
+    placeWindow();
     co_yield keyDown('F');
     co_yield happens(EventKind::Closing, controlWindow());
     expectCalls(joined({{"showWindow control hidden", "setHitTransparent main false"},

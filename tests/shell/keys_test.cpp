@@ -24,7 +24,7 @@ using Mode = TransformMode;
 const Store storedSituation{
     {"Selected", 2}, {"ScrollPc", 60}, {"Filter", 103}, {"Swap", 202}, {"View", 703}};
 
-const Calls copied{
+const Calls copyCalls{
     "showCursor false",     "handleWaitingEvents", "captureClientArea main",
     "putOnClipboard main",  "deletePicture",       "setTitle main Image Copied To Clipboard",
     "startTimer main 3000", "showCursor true",     "handleWaitingEvents"};
@@ -126,7 +126,7 @@ const std::vector<KeyRow> keyRows{
      [](Settings& s) { s.Daltonize = true; }},
     {"B", 66, changed(otherEffect("Brightness +0%")), mode(Mode::Brightness)},
     {.name = "C", .key = 67, .calls = viewShown, .view = 704},
-    {.name = "Ctrl C", .key = 67, .calls = copied, .control = true},
+    {.name = "Ctrl C", .key = 67, .calls = copyCalls, .control = true},
     {.name = "Shift C", .key = 67, .calls = viewShown, .view = 704, .shift = true},
     {"D", 68, changed(simulated(2, " Simulation - Deuteranomalous 60% severity"))},
     {.name = "E", .key = 69, .calls = viewShown, .view = 702},
@@ -138,7 +138,7 @@ const std::vector<KeyRow> keyRows{
      mode(Mode::CircadianLightBlock)},
     {"N", 78, changed(otherEffect("Saturation 100%")), mode(Mode::Saturation)},
     {"O", 79, changed(otherEffect("Contrast 100%")), mode(Mode::Contrast)},
-    {.name = "Ctrl O", .key = 79, .calls = copied, .control = true},
+    {.name = "Ctrl O", .key = 79, .calls = copyCalls, .control = true},
     {.name = "Shift O",
      .key = 79,
      .calls = changed(otherEffect("Contrast 100%")),

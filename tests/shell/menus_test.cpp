@@ -29,7 +29,7 @@ struct Item {
 Item item(int command, const char* text) {
   return {Kind::Item, command, false, text};
 }
-Item relative(int command, const char* text) {
+Item relativeItem(int command, const char* text) {
   return {Kind::Item, command, true, text};
 }
 Item label(const char* text) {
@@ -70,28 +70,28 @@ const Items alternativeTransforms{
 const Items otherColourEffects{
     submenu(&ShellMenus::colourSwap, "Colour Swap"),
     submenu(&ShellMenus::colourFilter, "Colour Filter"),
-    relative(5, "Invert\tI"),
-    relative(4, "Greyscale\tG"),
-    relative(6, "Brightness\tB"),
-    relative(7, "Contrast\tO"),
-    relative(8, "Saturation\tN"),
-    relative(9, "Circadian Light Block\tL"),
+    relativeItem(5, "Invert\tI"),
+    relativeItem(4, "Greyscale\tG"),
+    relativeItem(6, "Brightness\tB"),
+    relativeItem(7, "Contrast\tO"),
+    relativeItem(8, "Saturation\tN"),
+    relativeItem(9, "Circadian Light Block\tL"),
 };
 
 // The author line below the version is any label.
-const Items help{
+const Items helpItems{
     item(705, "Quick Help\tF1"),
-    relative(55, "User Guide (Website)"),
+    relativeItem(55, "User Guide (Website)"),
     separator(),
     label("Tintora Version 1.1.4 64-bit"),
 };
 
 const Items viewOptions{
-    relative(53, "Hit Transparent\tH"),
-    relative(54, "Full Screen\tF"),
-    relative(50, "Toggle Colour Transform\tTab"),
-    relative(51, "Toggle Window Frame\tSpace"),
-    relative(52, "Copy to Clipboard (single monitor setup only)\tCtrl C"),
+    relativeItem(53, "Hit Transparent\tH"),
+    relativeItem(54, "Full Screen\tF"),
+    relativeItem(50, "Toggle Colour Transform\tTab"),
+    relativeItem(51, "Toggle Window Frame\tSpace"),
+    relativeItem(52, "Copy to Clipboard (single monitor setup only)\tCtrl C"),
 };
 
 const Items colourSpace{
@@ -113,10 +113,10 @@ const Items customSection{
 
 const Items builtInSection{
     label("Colour Vision Deficiency Type and Severity:\tKey"),
-    relative(1, "Protan: Long-wave deficient, 2.6% males, 0.04% females\tP"),
-    relative(2, "Deutan: Medium-wave deficient, 6.2% males, 0.36% females\tD"),
+    relativeItem(1, "Protan: Long-wave deficient, 2.6% males, 0.04% females\tP"),
+    relativeItem(2, "Deutan: Medium-wave deficient, 6.2% males, 0.36% females\tD"),
     onlyWith(Item::When::Tritan,
-             relative(3, "Tritan: Short-wave deficient, 0.001% males, 0.03% females\tT")),
+             relativeItem(3, "Tritan: Short-wave deficient, 0.001% males, 0.03% females\tT")),
     label("Severity\tmouse-wheel, +-"),
     separator(),
     label("For Colour Normal Viewers:\tKey"),
@@ -215,7 +215,7 @@ TEST_F(Menus, HoldTheirItemsInOrder) {
       expectItems("colour space", menus.colourSpace, colourSpace, count);
       expectItems("spare", menus.spare, {}, count);
 
-      Items withAuthor = help;
+      Items withAuthor = helpItems;
       const MenuEntry& author = menus.help->entries.back();
       EXPECT_FALSE(author.text.empty());
       withAuthor.push_back(label(author.text.c_str()));

@@ -1,4 +1,5 @@
-// The simulation algorithms that are one matrix for each type and severity.
+// The types of deficiency, and the simulation algorithms that are one matrix for each type and
+// severity.
 #pragma once
 
 #include <array>
@@ -6,6 +7,8 @@
 #include "engine/cvd_transforms.h"
 
 namespace tintora {
+
+constexpr std::array<CvdType, 3> cvdTypes{CvdType::Protan, CvdType::Deutan, CvdType::Tritan};
 
 constexpr std::array<SimulationAlgorithm, 5> algorithms{
     SimulationAlgorithm::Judd1948, SimulationAlgorithm::Yang2008, SimulationAlgorithm::Machado2009,

@@ -26,7 +26,7 @@ void expectSameEffectAsRows(const ColourEffect& effect,
 }
 
 // The rounding error of a few operations on values near 1.
-constexpr double rounding = 3e-16;
+constexpr double nearOneTolerance = 3e-16;
 
 TEST(ColourEffect, LeavesTheScreenAsItIsByDefault) {
   expectSameEffectAsRows({}, {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}});
@@ -70,7 +70,7 @@ TEST(Contrast, DrawsEveryChannelTowardsMidGrey) {
     const double c = percent / 100.0;
     const double o = 0.5 - c / 2.0;
     expectSameEffectAsRows(contrastEffect(c), {{{c, 0, 0, o}, {0, c, 0, o}, {0, 0, c, o}}},
-                           rounding);
+                           nearOneTolerance);
   }
 }
 
@@ -90,7 +90,8 @@ TEST(Saturation, MixesTheColourWithItsGrey) {
     const double g = 0.587 - 0.587 * s;
     const double b = 0.114 - 0.114 * s;
     expectSameEffectAsRows(saturationEffect(s),
-                           {{{r + s, g, b, 0}, {r, g + s, b, 0}, {r, g, b + s, 0}}}, rounding);
+                           {{{r + s, g, b, 0}, {r, g + s, b, 0}, {r, g, b + s, 0}}},
+                           nearOneTolerance);
   }
 }
 
@@ -158,7 +159,7 @@ TEST(ColourFilter, DimsTheBlockedChannelsByItsStrength) {
 TEST(ColourFilter, PassesPartOfAChannelForAFractionalFactor) {
   // 0.25 + 0.75 * 0.6, 0.5 + 0.5 * 0.6, 0.75 + 0.25 * 0.6
   expectSameEffectAsRows(filterEffect({0.25, 0.5, 0.75}, 0.4),
-                         {{{0.7, 0, 0, 0}, {0, 0.8, 0, 0}, {0, 0, 0.9, 0}}}, rounding);
+                         {{{0.7, 0, 0, 0}, {0, 0.8, 0, 0}, {0, 0, 0.9, 0}}}, nearOneTolerance);
 }
 
 TEST(ColourFilter, YellowAtFourTenthsScalesBlueBySixTenths) {
@@ -204,7 +205,7 @@ TEST(CircadianLightBlock, RemovesBlueAndDimsTheRest) {
     const auto red = static_cast<double>((1.0L - k) * 0.1L + k);
     const auto green = static_cast<double>((1.0L - k) * 0.065L + k * 0.65L);
     expectSameEffectAsRows(circadianEffect(percent / 100.0),
-                           {{{red, 0, 0, 0}, {0, green, 0, 0}, {0, 0, 0, 0}}}, rounding);
+                           {{{red, 0, 0, 0}, {0, green, 0, 0}, {0, 0, 0, 0}}}, nearOneTolerance);
   }
 }
 
@@ -214,7 +215,7 @@ TEST(CircadianLightBlock, AtZeroIsADimRedAmber) {
 
 TEST(CircadianLightBlock, AtOnePassesRedAnd65PercentOfGreen) {
   expectSameEffectAsRows(circadianEffect(1.0), {{{1, 0, 0, 0}, {0, 0.65, 0, 0}, {0, 0, 0, 0}}},
-                         rounding);
+                         nearOneTolerance);
 }
 
 TEST(ColourEffects, AreNotClampedOutsideTheirRanges) {

@@ -9,6 +9,7 @@
 #include <random>
 #include <string>
 
+#include "algorithms.h"
 #include "engine/brettel_1997.h"
 #include "engine/cvd_transforms.h"
 #include "engine/srgb.h"
@@ -17,8 +18,6 @@ namespace tintora {
 namespace {
 
 using Vector = std::array<double, 3>;
-
-constexpr std::array<CvdType, 3> types{CvdType::Protan, CvdType::Deutan, CvdType::Tritan};
 
 // Computes cone responses from linear R, G, B by the published numbers, independently of the
 // engine.
@@ -91,7 +90,7 @@ TEST(Brettel1997, KeepsTheTwoRemainingConesAndLandsOnTheHalfPlaneOfItsSide) {
       {CvdType::Deutan, 1, {{{0.13287, 0.11284, 0.94220}, {0.84394, 0.91558, 0.00197}}}},
       {CvdType::Tritan, 2, {{{0.05699, 0.16987, 0.58640}, {0.16161, 0.06100, 0.00001}}}},
   }};
-  const Vector white = coneResponses({1.0, 1.0, 1.0});
+  const Vector whiteCones = coneResponses({1.0, 1.0, 1.0});
   std::mt19937 random(1997);
   for (const auto& [type, missing, anchors] : cases) {
     Vector axis{};
@@ -114,9 +113,10 @@ TEST(Brettel1997, KeepsTheTwoRemainingConesAndLandsOnTheHalfPlaneOfItsSide) {
         const Vector anchor{0.15514 * xyz[0] + 0.54312 * xyz[1] - 0.03286 * xyz[2],
                             -0.15514 * xyz[0] + 0.45684 * xyz[1] + 0.03286 * xyz[2],
                             0.01608 * xyz[2]};
-        if (volume(white, axis, anchor) * volume(white, axis, before) <= 0.0) continue;
+        if (volume(whiteCones, axis, anchor) * volume(whiteCones, axis, before) <= 0.0) continue;
         side = k;
-        ASSERT_NEAR(volume(white, anchor, after), 0.0, 1e-12) << "type " << static_cast<int>(type);
+        ASSERT_NEAR(volume(whiteCones, anchor, after), 0.0, 1e-12)
+            << "type " << static_cast<int>(type);
       }
       ASSERT_LT(side, 2U);
       ++met[side];
@@ -128,12 +128,12 @@ TEST(Brettel1997, KeepsTheTwoRemainingConesAndLandsOnTheHalfPlaneOfItsSide) {
 
 TEST(Brettel1997, LeavesGreysAlwaysAndColoursAtSeverityZero) {
   std::mt19937 random(1);
-  for (const CvdType type : types) {
-    for (const double grey : {0.0, 0.2, 0.5, 1.0}) {
+  for (const CvdType type : cvdTypes) {
+    for (const double level : {0.0, 0.2, 0.5, 1.0}) {
       const ColourTransform simulation =
           makeSimulation({type, 1.0, SimulationAlgorithm::Brettel1997});
-      for (const double shown : transformColour(simulation, {grey, grey, grey})) {
-        EXPECT_NEAR(shown, grey, 1e-6);
+      for (const double shown : transformColour(simulation, {level, level, level})) {
+        EXPECT_NEAR(shown, level, 1e-6);
       }
     }
     const ColourTransform none = makeSimulation({type, 0.0, SimulationAlgorithm::Brettel1997});
@@ -145,7 +145,7 @@ TEST(Brettel1997, LeavesGreysAlwaysAndColoursAtSeverityZero) {
 
 TEST(Brettel1997, SeverityInterpolatesInLinearLight) {
   std::mt19937 random(2);
-  for (const CvdType type : types) {
+  for (const CvdType type : cvdTypes) {
     const HalfPlanes full = simulateOnHalfPlanes(type, 1.0);
     const HalfPlanes part = simulateOnHalfPlanes(type, 0.3);
     for (int i = 0; i < 50; ++i) {
@@ -165,7 +165,7 @@ TEST(ColourSimulation, MatrixAlgorithmsApplyTheModelsMatrixInEitherLight) {
        {SimulationAlgorithm::Judd1948, SimulationAlgorithm::Yang2008,
         SimulationAlgorithm::Machado2009, SimulationAlgorithm::Vienot1997Approximated,
         SimulationAlgorithm::Vienot1999}) {
-    for (const CvdType type : types) {
+    for (const CvdType type : cvdTypes) {
       initialiseModelContext(modelContext);
       const Matrix3x3 matrix = computeSimulationMatrix(type, 0.6, algorithm, false, false);
       EXPECT_EQ(simulationMatrix(type, 0.6, algorithm), matrix);
@@ -201,7 +201,7 @@ TEST(ColourSimulation, TheInverseUndoesWhatASimulationBelowFullSeverityDoes) {
   std::mt19937 random(4);
   for (const SimulationAlgorithm algorithm :
        {SimulationAlgorithm::Machado2009, SimulationAlgorithm::Brettel1997}) {
-    for (const CvdType type : types) {
+    for (const CvdType type : cvdTypes) {
       const ColourSimulation simulation{type, 0.4, algorithm, Light::Linear};
       for (int i = 0; i < 50; ++i) {
         Vector colour = randomColour(random);

@@ -28,8 +28,8 @@ bool isRead(const std::string& line) {
 
 TEST(CustomTransform, StartsAsTheIdentity) {
   const CustomTransform entry;
-  constexpr Rows identity{{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
-  EXPECT_EQ(entry.rows, identity);
+  constexpr Rows unchanged{{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}}};
+  EXPECT_EQ(entry.rows, unchanged);
   EXPECT_FALSE(entry.adjustable);
   EXPECT_EQ(entry.name, "");
 }
@@ -208,9 +208,9 @@ TEST(CustomFile, AFieldMayBeHexadecimal) {
 
 // With a sign, the words are numbers.
 TEST(CustomFile, AFieldMayBeASignedInfinityOrNotANumber) {
-  for (const char* infinity : {"-inf", "-INF", "-infinity", "-Infinitys"}) {
-    const float value = firstRow(std::string(infinity) + " 0 0 0")[0];
-    EXPECT_TRUE(std::isinf(value) && value < 0.0F) << infinity;
+  for (const char* text : {"-inf", "-INF", "-infinity", "-Infinitys"}) {
+    const float value = firstRow(std::string(text) + " 0 0 0")[0];
+    EXPECT_TRUE(std::isinf(value) && value < 0.0F) << text;
   }
   EXPECT_TRUE(std::isinf(firstRow("+inf 0 0 0")[0]));
   for (const char* number : {"+nan", "-nan", "-NaN"}) {

@@ -21,8 +21,6 @@ namespace {
 using Algorithm = SimulationAlgorithm;
 using CvdTransforms = EngineTest;
 
-constexpr std::array<CvdType, 3> cvdTypes{CvdType::Protan, CvdType::Deutan, CvdType::Tritan};
-
 Matrix3x3 simulation(CvdType type, double severity, Algorithm algorithm) {
   return computeSimulationMatrix(type, severity, algorithm, false, false);
 }

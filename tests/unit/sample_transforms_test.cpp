@@ -17,7 +17,7 @@ namespace tintora {
 namespace {
 
 using Colour = std::array<double, 3>;
-using Rows = std::array<std::array<double, 3>, 3>;
+using Matrix = std::array<std::array<double, 3>, 3>;
 
 constexpr Colour black{0, 0, 0};
 constexpr Colour white{1, 1, 1};
@@ -30,10 +30,10 @@ constexpr std::array<Colour, 8> colours{{{1, 0, 0},
                                          {0.6, 0.1, 0.8},
                                          {0.9, 0.5, 0.3},
                                          {0.3, 0.3, 0.3}}};
-constexpr Rows identity{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
+constexpr Matrix identity{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
 
 // Four decimals in the file.
-constexpr double rounding = 1e-4;
+constexpr double fileTolerance = 1e-4;
 
 std::string textOf(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
@@ -69,12 +69,12 @@ double luminance(const Colour& colour) {
   return 0.2126 * colour[0] + 0.7152 * colour[1] + 0.0722 * colour[2];
 }
 
-void expectColour(const Colour& actual, const Colour& expected, double tolerance = rounding) {
+void expectColour(const Colour& actual, const Colour& expected, double tolerance = fileTolerance) {
   for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(actual[i], expected[i], tolerance) << i;
 }
 
-Rows product(const Rows& a, const Rows& b) {
-  Rows result{};
+Matrix product(const Matrix& a, const Matrix& b) {
+  Matrix result{};
   for (std::size_t i = 0; i < 3; ++i) {
     for (std::size_t j = 0; j < 3; ++j) {
       for (std::size_t k = 0; k < 3; ++k) result[i][j] += a[i][k] * b[k][j];
@@ -83,8 +83,8 @@ Rows product(const Rows& a, const Rows& b) {
   return result;
 }
 
-Rows inverse(const Rows& m) {
-  Rows result{};
+Matrix inverse(const Matrix& m) {
+  Matrix result{};
   double determinant = 0;
   for (std::size_t i = 0; i < 3; ++i) {
     for (std::size_t j = 0; j < 3; ++j) {
@@ -102,28 +102,28 @@ Rows inverse(const Rows& m) {
 }
 
 // identity + redistribution * (identity - simulation)
-Rows correction(const Rows& redistribution, const Rows& simulation) {
-  Rows lost = identity;
+Matrix correction(const Matrix& redistribution, const Matrix& simulation) {
+  Matrix lost = identity;
   for (std::size_t i = 0; i < 3; ++i) {
     for (std::size_t j = 0; j < 3; ++j) lost[i][j] -= simulation[i][j];
   }
-  Rows result = product(redistribution, lost);
+  Matrix result = product(redistribution, lost);
   for (std::size_t i = 0; i < 3; ++i) result[i][i] += 1;
   return result;
 }
 
 // The dichromat of Vienot, Brettel and Mollon 1999, with their matrix from RGB to LMS.
-Rows dichromat(const Rows& projection) {
-  constexpr Rows toCones{
+Matrix dichromat(const Matrix& projection) {
+  constexpr Matrix toCones{
       {{17.8824, 43.5161, 4.11935}, {3.45565, 27.1554, 3.86714}, {0.0299566, 0.184309, 1.46709}}};
   return product(inverse(toCones), product(projection, toCones));
 }
 
-void expectRows(const CustomTransform& entry, const Rows& expected) {
+void expectRows(const CustomTransform& entry, const Matrix& expected) {
   EXPECT_TRUE(entry.adjustable);
   for (std::size_t i = 0; i < 3; ++i) {
     for (std::size_t j = 0; j < 3; ++j) {
-      EXPECT_NEAR(entry.rows[i][j], expected[i][j], rounding) << entry.name << i << j;
+      EXPECT_NEAR(entry.rows[i][j], expected[i][j], fileTolerance) << entry.name << i << j;
     }
     EXPECT_EQ(entry.rows[i][3], 0.0F);
   }
@@ -146,7 +146,7 @@ TEST(SampleTransforms, AchromatopsiaLeavesTheLuminance) {
 }
 
 TEST(SampleTransforms, DaltonizeMovesTheLostRedAndGreenAsPublishedIn2005) {
-  constexpr Rows redistribution{{{0, 0, 0}, {0.7, 1, 0}, {0.7, 0, 1}}};
+  constexpr Matrix redistribution{{{0, 0, 0}, {0.7, 1, 0}, {0.7, 0, 1}}};
   expectRows(
       sample("Daltonize protan (Fidaner, Lin and Ozguven 2005)"),
       correction(redistribution, dichromat({{{0, 2.02344, -2.52581}, {0, 1, 0}, {0, 0, 1}}})));
@@ -156,8 +156,8 @@ TEST(SampleTransforms, DaltonizeMovesTheLostRedAndGreenAsPublishedIn2005) {
 }
 
 // The last three lines of the published table: tritan at full severity.
-Rows publishedTritanopia() {
-  Rows rows{};
+Matrix publishedTritanopia() {
+  Matrix rows{};
   for (const CsvRow& row : readCsv("machado_2009.csv")) {
     if (row.at(0) != "tritan" || row.at(1) != "1.0") continue;
     for (std::size_t i = 0; i < 3; ++i) rows.at(std::stoul(row.at(2)))[i] = csvNumber(row, 3 + i);

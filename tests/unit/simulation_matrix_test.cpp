@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "algorithms.h"
 #include "csv_table.h"
 #include "display_recorder.h"
 #include "matrix_expectations.h"
@@ -17,8 +18,6 @@
 
 namespace tintora {
 namespace {
-
-constexpr std::array<CvdType, 3> cvdTypes{CvdType::Protan, CvdType::Deutan, CvdType::Tritan};
 
 // The terms of the photopigment template reach 1e7 and cancel. In double precision only eight
 // digits would remain, too few for these limits. The opponent rows nearly cancel again.

@@ -24,8 +24,8 @@ extern HGLOBAL(WINAPI* __imp_GlobalAlloc)(UINT, SIZE_T);
 namespace tintora::windows_test {
 namespace {
 
-constexpr int width = 13;
-constexpr int height = 3;
+constexpr int blockWidth = 13;
+constexpr int blockHeight = 3;
 
 struct Block {
   BITMAPINFOHEADER header{};
@@ -43,9 +43,9 @@ class ClipboardBlock : public testing::Test {
 
   // Puts a bitmap of zeros on the clipboard.
   bool put(int bitsPerPixel) {
-    const std::vector<std::uint8_t> bits(64 * height);
+    const std::vector<std::uint8_t> bits(64 * blockHeight);
     const HBITMAP bitmap =
-        CreateBitmap(width, height, 1, static_cast<UINT>(bitsPerPixel), bits.data());
+        CreateBitmap(blockWidth, blockHeight, 1, static_cast<UINT>(bitsPerPixel), bits.data());
     platform::Picture* const picture = platform::fromNative(bitmap);
     const bool handedOver = platform::putOnClipboard(platform::fromNative(window_), picture);
     platform::deletePicture(picture);
@@ -90,13 +90,13 @@ TEST_P(Depths, HaveTheirColourTable) {
   const DepthRow& row = GetParam();
   ASSERT_TRUE(put(row.bitsPerPixel));
   const Block block = held();
-  const int stride = (row.bitCount * width + 31) / 32 * 4;
+  const int stride = (row.bitCount * blockWidth + 31) / 32 * 4;
   EXPECT_EQ(block.header.biSize, 40U);
-  EXPECT_EQ(block.header.biWidth, width);
-  EXPECT_EQ(block.header.biHeight, height);
+  EXPECT_EQ(block.header.biWidth, blockWidth);
+  EXPECT_EQ(block.header.biHeight, blockHeight);
   EXPECT_EQ(block.header.biBitCount, row.bitCount);
-  EXPECT_EQ(block.header.biSizeImage, static_cast<DWORD>(stride * height));
-  EXPECT_EQ(block.bytes, 40 + row.tableBytes + static_cast<std::size_t>(stride * height));
+  EXPECT_EQ(block.header.biSizeImage, static_cast<DWORD>(stride * blockHeight));
+  EXPECT_EQ(block.bytes, 40 + row.tableBytes + static_cast<std::size_t>(stride * blockHeight));
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, Depths,
@@ -127,7 +127,7 @@ TEST_F(ClipboardBlock, HasItsSizeIfTheDesktopDoesNotSay) {
   originalGetDibits = silent.original<decltype(GetDIBits)>();
   ASSERT_TRUE(put(32));
   // 13 pixels of 24 bits take 39 bytes, and rows are padded to a multiple of 4.
-  EXPECT_EQ(held().bytes, 40U + 40U * height);
+  EXPECT_EQ(held().bytes, 40U + 40U * blockHeight);
 }
 
 TEST_F(ClipboardBlock, IsNotHandedOverWithoutPixels) {

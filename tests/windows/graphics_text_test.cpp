@@ -24,7 +24,7 @@ using platform::Size;
 using platform::TextFontForm;
 
 constexpr Size surfaceSize{440, 60};
-constexpr PackedColour white = 0xFFFFFFFF;
+constexpr PackedColour opaqueWhite = 0xFFFFFFFF;
 
 // The same fonts as in the views.
 constexpr TextFontForm titleForm{"Microsoft Sans Serif", 16, true};
@@ -134,35 +134,35 @@ TEST_P(BothWays, StaysInItsArea) {
 
 INSTANTIATE_TEST_SUITE_P(
     Of, BothWays,
-    testing::Values(TextRow{"Title",
-                            titleForm,
-                            {12, 10, 412, 60},
-                            white,
-                            "Simulation - Deuteranomalous 60% severity"},
-                    TextRow{"Shadow", titleForm, {13, 11, 412, 60}, 0xFF000000, "Daltonize"},
-                    TextRow{"Label", labelForm, {200, 20, 300, 60}, 0xFFB4B4B4, "700nm"},
-                    TextRow{"Yellow",
-                            titleForm,
-                            {16, 12, 416, 60},
-                            0xFFFFFF00,
-                            "Right-Click for the application menu with more options"},
-                    TextRow{"WindowsText",
-                            titleForm,
-                            {12, 10, 412, 60},
-                            white,
-                            "Vi\xE9not & Brettel, \xC4\xD6\xDC \x80"},
-                    TextRow{"Blanks", titleForm, {12, 10, 412, 60}, white, "  two  and  two"},
-                    TextRow{"CutOnTheRight", titleForm, {12, 10, 52, 60}, white, "Simulation"},
-                    TextRow{"CutBelow", titleForm, {12, 10, 412, 18}, white, "Simulation"},
-                    TextRow{"CutByTheWindow", titleForm, {400, 10, 800, 60}, white, "Simulation"},
-                    TextRow{"Beyond", labelForm, {-10, 50, 90, 100}, white, "440 450 460"},
-                    TextRow{
-                        "HalfTransparent", titleForm, {12, 10, 412, 60}, 0x80FF8000, "Simulation"}),
+    testing::Values(
+        TextRow{"Title",
+                titleForm,
+                {12, 10, 412, 60},
+                opaqueWhite,
+                "Simulation - Deuteranomalous 60% severity"},
+        TextRow{"Shadow", titleForm, {13, 11, 412, 60}, 0xFF000000, "Daltonize"},
+        TextRow{"Label", labelForm, {200, 20, 300, 60}, 0xFFB4B4B4, "700nm"},
+        TextRow{"Yellow",
+                titleForm,
+                {16, 12, 416, 60},
+                0xFFFFFF00,
+                "Right-Click for the application menu with more options"},
+        TextRow{"WindowsText",
+                titleForm,
+                {12, 10, 412, 60},
+                opaqueWhite,
+                "Vi\xE9not & Brettel, \xC4\xD6\xDC \x80"},
+        TextRow{"Blanks", titleForm, {12, 10, 412, 60}, opaqueWhite, "  two  and  two"},
+        TextRow{"CutOnTheRight", titleForm, {12, 10, 52, 60}, opaqueWhite, "Simulation"},
+        TextRow{"CutBelow", titleForm, {12, 10, 412, 18}, opaqueWhite, "Simulation"},
+        TextRow{"CutByTheWindow", titleForm, {400, 10, 800, 60}, opaqueWhite, "Simulation"},
+        TextRow{"Beyond", labelForm, {-10, 50, 90, 100}, opaqueWhite, "440 450 460"},
+        TextRow{"HalfTransparent", titleForm, {12, 10, 412, 60}, 0x80FF8000, "Simulation"}),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(GraphicsText, IsCutOffWithoutMoving) {
-  const Drawn whole = drawnByDesktop(titleForm, {12, 10, 412, 60}, white, "Simulation");
-  const Drawn cut = drawnByDesktop(titleForm, {12, 10, 40, 21}, white, "Simulation");
+  const Drawn whole = drawnByDesktop(titleForm, {12, 10, 412, 60}, opaqueWhite, "Simulation");
+  const Drawn cut = drawnByDesktop(titleForm, {12, 10, 40, 21}, opaqueWhite, "Simulation");
   for (int y = 0; y < surfaceSize.height; ++y) {
     for (int x = 0; x < surfaceSize.width; ++x) {
       const bool inside = x < 40 && y < 21;
@@ -174,19 +174,20 @@ TEST_F(GraphicsText, IsCutOffWithoutMoving) {
 
 TEST_F(GraphicsText, IsNothingInAnEmptyArea) {
   for (const Rect& area : {Rect{10, 10, 10, 50}, Rect{10, 10, 50, 10}, Rect{50, 10, 20, 50}}) {
-    const Drawn drawn = drawnByDesktop(titleForm, area, white, "Simulation");
+    const Drawn drawn = drawnByDesktop(titleForm, area, opaqueWhite, "Simulation");
     EXPECT_EQ(inkOf(drawn.picture).bounds.right, 0);
     EXPECT_EQ(drawn.height, 16);
   }
 }
 
 TEST_F(GraphicsText, MayBeEmpty) {
-  const Drawn drawn = drawnByDesktop(titleForm, {12, 10, 412, 60}, white, "");
+  const Drawn drawn = drawnByDesktop(titleForm, {12, 10, 412, 60}, opaqueWhite, "");
   EXPECT_EQ(inkOf(drawn.picture).bounds.right, 0);
 }
 
 TEST_F(GraphicsText, MayBeLongerThanAnyTexture) {
-  const Drawn drawn = drawnByDesktop(titleForm, {12, 10, 412, 60}, white, std::string(5000, 'W'));
+  const Drawn drawn =
+      drawnByDesktop(titleForm, {12, 10, 412, 60}, opaqueWhite, std::string(5000, 'W'));
   EXPECT_EQ(inkOf(drawn.picture).bounds.right, 412);
 }
 
@@ -243,7 +244,7 @@ TEST_F(GraphicsText, LeavesTheDeviceAsItWas) {
   native()->SetSamplerState(0, D3DSAMP_MAGFILTER, D3DTEXF_LINEAR);
   platform::PaintedFont* const font = platform::createPaintedFont(native(), titleForm);
   const std::vector<std::uint64_t> before = statesOf(native());
-  surface().drawn([&] { drawPaintedText(font, {12, 10, 412, 60}, white, "Simulation"); });
+  surface().drawn([&] { drawPaintedText(font, {12, 10, 412, 60}, opaqueWhite, "Simulation"); });
   EXPECT_EQ(statesOf(native()), before);
   platform::releasePaintedFont(font);
   EXPECT_EQ(statesOf(native()), before);
@@ -259,7 +260,7 @@ TEST_F(GraphicsText, KeepsAFewOfItsLines) {
   const ULONG atFirst = holdersOf(native());
   const auto draw = [&](int number) {
     surface().drawn([&] {
-      drawPaintedText(font, {12, 10, 412, 60}, white, "line " + std::to_string(number));
+      drawPaintedText(font, {12, 10, 412, 60}, opaqueWhite, "line " + std::to_string(number));
     });
   };
   draw(0);
@@ -287,7 +288,9 @@ HRESULT WINAPI refuseTexture(IDirect3DDevice9* /*device*/, UINT /*width*/, UINT 
 TEST_F(GraphicsText, IsNothingWhileThereIsNoTextureForIt) {
   platform::PaintedFont* const font = platform::createPaintedFont(native(), titleForm);
   int height = 0;
-  const auto draw = [&] { height = drawPaintedText(font, {12, 10, 412, 60}, white, "Simulation"); };
+  const auto draw = [&] {
+    height = drawPaintedText(font, {12, 10, 412, 60}, opaqueWhite, "Simulation");
+  };
   {
     const ReplacedPointer refused = replaceCall(native(), createTexture, refuseTexture);
     EXPECT_EQ(inkOf(surface().drawn(draw)).bounds.right, 0);

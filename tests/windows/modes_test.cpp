@@ -24,7 +24,7 @@ void PrintTo(const ModeRow& row, std::ostream* out) {
   *out << row.title;
 }
 
-constexpr double severity = 0.6;
+constexpr double startSeverity = 0.6;
 
 ModeRow key(const char* name, int code, const char* title, const ColourEffect& effect,
             const char* arguments = "") {
@@ -35,23 +35,24 @@ ModeRow command(const char* name, int code, const char* title, const ColourEffec
   return {name, false, code, title, effect, arguments};
 }
 
-const ColourEffect deutan = effectOf(juddDeutan(severity));
+const ColourEffect deutan = effectOf(juddDeutan(startSeverity));
 const char* const deutanTitle = " Simulation - Deuteranomalous 60% severity";
 
 const std::array modeRows{
-    key("P", 'P', " Simulation - Protanomalous 60% severity", effectOf(juddProtan(severity))),
+    key("P", 'P', " Simulation - Protanomalous 60% severity", effectOf(juddProtan(startSeverity))),
     key("D", 'D', deutanTitle, deutan),
-    key("T", 'T', " Simulation - Tritanomalous 60% severity", effectOf(juddTritan(severity)), "-t"),
+    key("T", 'T', " Simulation - Tritanomalous 60% severity", effectOf(juddTritan(startSeverity)),
+        "-t"),
     key("TWithoutTheLetter", 'T', deutanTitle, deutan),
     key("A", 'A', " Daltonize - Deuteranomalous 60% severity",
-        effectOf(daltonized(juddDeutan(severity)))),
+        effectOf(daltonized(juddDeutan(startSeverity)))),
     key("S", 'S', deutanTitle, deutan),
     key("G", 'G', "Greyscale", greyscale()),
     key("I", 'I', "Invert ", inverted()),
     key("B", 'B', "Brightness +0%", identityEffect),
     key("O", 'O', "Contrast 100%", identityEffect),
     key("N", 'N', "Saturation 100%", identityEffect),
-    key("L", 'L', "Circadian Light Block, Brightness 60%", circadian(severity)),
+    key("L", 'L', "Circadian Light Block, Brightness 60%", circadian(startSeverity)),
     key("Tab", VK_TAB, "Transform off, press Tab to turn transform back on", identityEffect),
     key("PageUp", VK_PRIOR, " Simulation - Deuteranomalous 65% severity",
         effectOf(juddDeutan(0.65))),
@@ -67,35 +68,35 @@ const std::array modeRows{
         effectOf(juddDeutan(0.55))),
     key("AnyOther", 'Q', deutanTitle, deutan),
     command("Protan", 1, " Simulation - Protanomalous 60% severity",
-            effectOf(juddProtan(severity))),
+            effectOf(juddProtan(startSeverity))),
     command("Deutan", 2, deutanTitle, deutan),
-    command("Tritan", 3, " Simulation - Tritanomalous 60% severity", effectOf(juddTritan(severity)),
-            "-t"),
+    command("Tritan", 3, " Simulation - Tritanomalous 60% severity",
+            effectOf(juddTritan(startSeverity)), "-t"),
     command("TritanWithoutTheLetter", 3, deutanTitle, deutan),
     command("Greyscale", 4, "Greyscale", greyscale()),
     command("Invert", 5, "Invert ", inverted()),
     command("Brightness", 6, "Brightness +0%", identityEffect),
     command("Contrast", 7, "Contrast 100%", identityEffect),
     command("Saturation", 8, "Saturation 100%", identityEffect),
-    command("Circadian", 9, "Circadian Light Block, Brightness 60%", circadian(severity)),
+    command("Circadian", 9, "Circadian Light Block, Brightness 60%", circadian(startSeverity)),
     command("NoCommand", 10, deutanTitle, deutan),
     command("Toggle", 50, "Transform off, press Tab to turn transform back on", identityEffect),
-    command("Red", 100, "60% Red Filter", filtered({1, 0, 0}, severity)),
-    command("Green", 101, "60% Green Filter", filtered({0, 1, 0}, severity)),
-    command("Blue", 102, "60% Blue Filter", filtered({0, 0, 1}, severity)),
-    command("Yellow", 103, "60% Yellow Filter", filtered({1, 1, 0}, severity)),
-    command("Magenta", 104, "60% Magenta Filter", filtered({1, 0, 1}, severity)),
-    command("Cyan", 105, "60% Cyan Filter", filtered({0, 1, 1}, severity)),
+    command("Red", 100, "60% Red Filter", filtered({1, 0, 0}, startSeverity)),
+    command("Green", 101, "60% Green Filter", filtered({0, 1, 0}, startSeverity)),
+    command("Blue", 102, "60% Blue Filter", filtered({0, 0, 1}, startSeverity)),
+    command("Yellow", 103, "60% Yellow Filter", filtered({1, 1, 0}, startSeverity)),
+    command("Magenta", 104, "60% Magenta Filter", filtered({1, 0, 1}, startSeverity)),
+    command("Cyan", 105, "60% Cyan Filter", filtered({0, 1, 1}, startSeverity)),
     command("FullRed", 106, "Red Filter", filtered({1, 0, 0}, 1)),
-    command("UnnamedFilter", 107, "60% None Filter", filtered({1, 1, 1}, severity)),
-    command("SwapRedAndBlue", 200, "Swap 60% Red and Blue", swapped(0, 2, severity)),
-    command("SwapRedAndGreen", 201, "Swap 60% Red and Green", swapped(0, 1, severity)),
-    command("SwapGreenAndBlue", 202, "Swap 60% Green and Blue", swapped(1, 2, severity)),
+    command("UnnamedFilter", 107, "60% None Filter", filtered({1, 1, 1}, startSeverity)),
+    command("SwapRedAndBlue", 200, "Swap 60% Red and Blue", swapped(0, 2, startSeverity)),
+    command("SwapRedAndGreen", 201, "Swap 60% Red and Green", swapped(0, 1, startSeverity)),
+    command("SwapGreenAndBlue", 202, "Swap 60% Green and Blue", swapped(1, 2, startSeverity)),
     command("Simulation", 775, deutanTitle, deutan),
     command("Daltonize", 776, " Daltonize - Deuteranomalous 60% severity",
-            effectOf(daltonized(juddDeutan(severity)))),
+            effectOf(daltonized(juddDeutan(startSeverity)))),
     command("Inverse", 777, " Inverse Transform - Deuteranomalous 60% severity",
-            effectOf(inverse(juddDeutan(severity)))),
+            effectOf(inverse(juddDeutan(startSeverity)))),
 };
 
 // Each row starts from a deutan simulation at 60 %.

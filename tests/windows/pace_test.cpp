@@ -20,8 +20,8 @@ struct Work {
 
 // The test screen shows 60 pictures a second, and fewer on a busy machine. Waiting for a number of
 // pictures works on any machine.
-constexpr double mostPaints = 75;
-constexpr std::uint64_t somePaints = 60;
+constexpr double mostPaintsPerSecond = 75;
+constexpr std::uint64_t measuredPaints = 60;
 constexpr std::uint64_t fewPaints = 20;
 // A loop that never waits uses a whole processor, even if it paints little.
 constexpr double mostWork = 0.2;
@@ -38,7 +38,7 @@ class Pace : public ProgramTest {
   // Measures the idle program until it has painted some times; the name is for the output. The
   // clock starts before the counts are read and stops after, so a delayed test counts too few,
   // never too many.
-  Work workOf(const char* name, std::uint64_t atLeast = somePaints) {
+  Work workOf(const char* name, std::uint64_t atLeast = measuredPaints) {
     const MagnifierRecord& record = magnifierRecord();
     const double processor = processorTime();
     const ULONGLONG begin = GetTickCount64();
@@ -60,7 +60,7 @@ class Pace : public ProgramTest {
 
   void expectPaced(const char* name) {
     const Work work = workOf(name);
-    EXPECT_LE(work.paintsPerSecond, mostPaints) << name;
+    EXPECT_LE(work.paintsPerSecond, mostPaintsPerSecond) << name;
     EXPECT_LE(work.processorShare, mostWork) << name;
   }
 
@@ -80,7 +80,7 @@ class Pace : public ProgramTest {
 TEST_F(Pace, IsTheScreensWhenNothingHappens) {
   startWith(false);
   const Work work = workOf("Idle");
-  EXPECT_LE(work.paintsPerSecond, mostPaints);
+  EXPECT_LE(work.paintsPerSecond, mostPaintsPerSecond);
   EXPECT_LE(work.processorShare, mostWork);
   // On a busy machine, a loop that never waits gets less than a whole processor, so count how often
   // it looks for messages as well.
@@ -90,7 +90,7 @@ TEST_F(Pace, IsTheScreensWhenNothingHappens) {
 TEST_F(Pace, IsTheScreensWithTheColourSpaceWindow) {
   startWith(true);
   const Work work = workOf("Idle with the colour space window");
-  EXPECT_LE(work.paintsPerSecond, mostPaints);
+  EXPECT_LE(work.paintsPerSecond, mostPaintsPerSecond);
   EXPECT_LE(work.processorShare, mostWork);
   EXPECT_EQ(work.titles, 0U);
 }
@@ -99,7 +99,7 @@ TEST_F(Pace, IsTheScreensWhileHitTransparent) {
   startWith(false);
   press('H');
   const Work work = workOf("Hit-transparent");
-  EXPECT_LE(work.paintsPerSecond, mostPaints);
+  EXPECT_LE(work.paintsPerSecond, mostPaintsPerSecond);
   EXPECT_LE(work.processorShare, mostWork);
   EXPECT_EQ(work.titles, 0U);
 }

@@ -15,7 +15,7 @@ namespace {
 
 using namespace expected;
 
-constexpr Bounds beneath{100, 50, 1100, 750};
+constexpr Bounds backdropPlace{100, 50, 1100, 750};
 constexpr const char* firstTitle = " Simulation - Protanope 100% severity";
 
 // Runs the program over a known picture, without the colour space window.
@@ -38,7 +38,7 @@ class OverAPicture : public UndrawnTest {
   const Backdrop& backdrop() const { return backdrop_; }
 
  private:
-  Backdrop backdrop_{beneath};
+  Backdrop backdrop_{backdropPlace};
 };
 
 struct EffectRow {

@@ -21,14 +21,15 @@ namespace {
 
 // Libraries that the program or the desktop loads at run time, except those that Wine's own
 // libraries need to load.
-constexpr std::array names{"magnification.dll", "d3d9.dll",     "d3dx9_43.dll", "uxtheme.dll",
-                           "dwmapi.dll",        "comctl32.dll", "msimg32.dll",  "winmm.dll",
-                           "propsys.dll",       "winspool.drv", "wtsapi32.dll", "urlmon.dll",
-                           "cryptbase.dll",     "profapi.dll",  "winhttp.dll",  "textshaping.dll"};
+constexpr std::array libraries{
+    "magnification.dll", "d3d9.dll",     "d3dx9_43.dll", "uxtheme.dll",
+    "dwmapi.dll",        "comctl32.dll", "msimg32.dll",  "winmm.dll",
+    "propsys.dll",       "winspool.drv", "wtsapi32.dll", "urlmon.dll",
+    "cryptbase.dll",     "profapi.dll",  "winhttp.dll",  "textshaping.dll"};
 
 // Has Wine take the first library that it finds, as Windows does. By default its own go first.
 void preferFoundLibraries() {
-  for (const std::string_view name : names) {
+  for (const std::string_view name : libraries) {
     const bool isUsual = name.ends_with(".dll");
     setLibraryOrder(std::string(isUsual ? name.substr(0, name.size() - 4) : name),
                     "native,builtin");
@@ -98,13 +99,13 @@ TEST_F(Planted, LibrariesNoteThatTheyWereLoaded) {
 }
 
 TEST_F(Planted, LibrariesBesideTheProgramAreNotLoaded) {
-  for (const char* name : names) plant(programFolder(), name);
+  for (const char* name : libraries) plant(programFolder(), name);
   run(programFolder());
   EXPECT_EQ(noted(), "");
 }
 
 TEST_F(Planted, LibrariesInTheCurrentFolderAreNotLoaded) {
-  for (const char* name : names) plant(elsewhere(), name);
+  for (const char* name : libraries) plant(elsewhere(), name);
   for (const std::string& name : importedLibraries(programPath())) plant(elsewhere(), name);
   run(elsewhere());
   EXPECT_EQ(noted(), "");

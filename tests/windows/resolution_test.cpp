@@ -123,7 +123,6 @@ struct LabelRow {
 TEST_P(Resolution, SizesTheColourSpaceWindowsText) {
   constexpr std::array labels{LabelRow{1, -22, -5}, LabelRow{4, 4, -10}, LabelRow{5, 4, -10}};
   constexpr int labelWidth = 22;
-  constexpr Colour lightGrey{180, 180, 180};
   const WithoutLibraries without(d3dxLibraries());
   startWith(HelpView, {680, 680});
   const Picture help = shown();

@@ -12,6 +12,9 @@ struct SeenPoint {
   int y = 0;
 };
 
+// The colour of the spectral locus and of the wavelengths beside it.
+inline constexpr Colour lightGrey{180, 180, 180};
+
 SeenPoint seen(const Picture& picture, double x, double y);
 SeenPoint seenChromaticity(const Picture& picture, double x, double y);
 

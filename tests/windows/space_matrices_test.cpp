@@ -13,7 +13,7 @@
 namespace tintora::windows_test {
 namespace {
 
-constexpr int rounds = 2000;
+constexpr int inputCount = 2000;
 
 class SpaceMatrices : public testing::Test {
  protected:
@@ -67,7 +67,7 @@ void expectAlike(const Matrix4x4& actual, const D3DXMATRIX& expected, double tol
 }
 
 TEST_F(SpaceMatrices, Multiply) {
-  for (int i = 0; i < rounds; ++i) {
+  for (int i = 0; i < inputCount; ++i) {
     const Matrix4x4 a = randomMatrix();
     const Matrix4x4 b = randomMatrix();
     const D3DXMATRIX first = native(a);
@@ -80,7 +80,7 @@ TEST_F(SpaceMatrices, Multiply) {
 
 // The error of an inverse grows with how much the inverse magnifies.
 TEST_F(SpaceMatrices, Invert) {
-  for (int i = 0; i < rounds; ++i) {
+  for (int i = 0; i < inputCount; ++i) {
     const Matrix4x4 m = randomMatrix();
     const D3DXMATRIX matrix = native(m);
     D3DXMATRIX expected;
@@ -94,7 +94,7 @@ TEST_F(SpaceMatrices, Invert) {
 }
 
 TEST_F(SpaceMatrices, InvertTheCamera) {
-  for (int i = 0; i < rounds; ++i) {
+  for (int i = 0; i < inputCount; ++i) {
     const Matrix4x4 m =
         multiply(scaling(random(0.5F, 1.0F)), multiply(rotationAbout(randomAxis(), randomAngle()),
                                                        translation({0.0F, 0.0F, random(4, 6)})));
@@ -116,7 +116,7 @@ TEST_F(SpaceMatrices, RefuseToInvertWhatHasNoInverse) {
 }
 
 TEST_F(SpaceMatrices, ScaleAndMove) {
-  for (int i = 0; i < rounds; ++i) {
+  for (int i = 0; i < inputCount; ++i) {
     const float factor = random(-3, 3);
     const Vector3 by = randomVector();
     D3DXMATRIX expected;
@@ -128,7 +128,7 @@ TEST_F(SpaceMatrices, ScaleAndMove) {
 }
 
 TEST_F(SpaceMatrices, Rotate) {
-  for (int i = 0; i < rounds; ++i) {
+  for (int i = 0; i < inputCount; ++i) {
     const float angle = randomAngle();
     D3DXMATRIX expected;
     D3DXMatrixRotationX(&expected, angle);
@@ -152,7 +152,7 @@ TEST_F(SpaceMatrices, LookAtAPoint) {
   D3DXMATRIX expected;
   D3DXMatrixLookAtLH(&expected, &home, &origin, &upwards);
   expectAlike(lookAt({0.0F, 0.0F, -5.5F}, {}, {0.0F, 1.0F, 0.0F}), expected, 0.0);
-  for (int i = 0; i < rounds; ++i) {
+  for (int i = 0; i < inputCount; ++i) {
     const Vector3 eye{random(-3, 3), random(-3, 3), random(-9, -5)};
     const Vector3 at{random(-1, 1), random(-1, 1), random(-1, 1)};
     const Vector3 up{random(-0.2F, 0.2F), random(0.8F, 1.2F), random(-0.2F, 0.2F)};
@@ -165,7 +165,7 @@ TEST_F(SpaceMatrices, LookAtAPoint) {
 }
 
 TEST_F(SpaceMatrices, ProjectInPerspective) {
-  for (int i = 0; i < rounds; ++i) {
+  for (int i = 0; i < inputCount; ++i) {
     const float fieldOfView = random(0.1F, 2.5F);
     const float aspect = random(0.1F, 10.0F);
     const float nearPlane = random(0.1F, 2.0F);
@@ -177,7 +177,7 @@ TEST_F(SpaceMatrices, ProjectInPerspective) {
 }
 
 TEST_F(SpaceMatrices, TransformVectors) {
-  for (int i = 0; i < rounds; ++i) {
+  for (int i = 0; i < inputCount; ++i) {
     const Matrix4x4 m = randomMatrix();
     const Vector4 v{random(-3, 3), random(-3, 3), random(-3, 3), random(-1, 1)};
     const D3DXMATRIX matrix = native(m);
@@ -194,7 +194,7 @@ TEST_F(SpaceMatrices, TransformVectors) {
 }
 
 TEST_F(SpaceMatrices, TransformPoints) {
-  for (int i = 0; i < rounds; ++i) {
+  for (int i = 0; i < inputCount; ++i) {
     // The matrices of a camera and a projection, as used to place the labels.
     const Matrix4x4 m =
         multiply(multiply(rotationAbout(randomAxis(), randomAngle()), translation({0, 0, 9})),

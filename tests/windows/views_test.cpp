@@ -49,7 +49,6 @@ std::vector<SeenPoint> placesOf(const Picture& picture, const Colour& colour) {
 constexpr Colour red{255, 0, 0};
 constexpr Colour green{0, 255, 0};
 constexpr Colour blue{0, 0, 255};
-constexpr Colour lightGrey{180, 180, 180};
 
 using FlatViewsTest = ColourSpaceTest;
 class FlatViews : public ColourSpaceTest, public testing::WithParamInterface<ClientSize> {};

@@ -11,4 +11,4 @@ set_tests_properties(
 add_test(style.lint_of_windows nice python3 -B ../tests/style/lint.py --build windows --plugin
          linux/tests/style/libtintora_own_code_only.so --target x86_64-w64-mingw32 --only
          ../platform/windows --only ../tests/windows)
-set_tests_properties(style.lint_of_windows PROPERTIES TIMEOUT 3600 COST 90)
+set_tests_properties(style.lint_of_windows PROPERTIES TIMEOUT 3600 COST 79)

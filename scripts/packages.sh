@@ -34,10 +34,10 @@ display_packages=(xvfb openbox x11-xserver-utils libgl1 libgl1-mesa-dri)
 
 # install_packages NAME...: installs those that are missing. Needs no rights if none is missing.
 install_packages() {
-  local missing=() name as_root=()
+  local missing=() name states as_root=()
+  states=$(dpkg-query -W -f=' ${Package}=${db:Status-Status} ' "$@" 2>/dev/null || true)
   for name in "$@"; do
-    [ "$(dpkg-query -W -f='${db:Status-Status}' "$name" 2>/dev/null)" = installed ] ||
-      missing+=("$name")
+    [[ $states = *" $name=installed "* ]] || missing+=("$name")
   done
   [ ${#missing[@]} -gt 0 ] || return 0
   [ "$(id -u)" -eq 0 ] || as_root=(sudo)
@@ -69,9 +69,14 @@ CMAKE_BUILD_PARALLEL_LEVEL=$(nproc)
 
 # build PRESET [TARGET...]: configures and builds.
 build() {
+  configure "$1"
+  compile "$@"
+}
+
+# compile PRESET [TARGET...]: builds what is configured.
+compile() {
   local preset=$1
   shift
   echo "Building $preset"
-  configure "$preset"
   logged "$preset" cmake --build --preset "$preset" ${1+--target "$@"}
 }

@@ -42,13 +42,17 @@ class Drawing : public ProgramTest {
     });
     return areas;
   }
-  // Waits until nothing more is drawn. On a busy machine, drawing after the start or after a new
-  // window comes late, and a look at the background comes 300 ms after that.
+  // Waits until nothing more is drawn. After the start or after a new window, the program looks at
+  // the background 300 ms later, and once more 300 ms after that if it has changed. A busy machine
+  // delays both, so waits for two answers of the program with enough time before each.
   void comeToRest() {
-    constexpr std::chrono::milliseconds quiet{600};
+    constexpr std::chrono::milliseconds enough{400};
+    int quiet = 0;
+    settle();
     ASSERT_TRUE(eventually([&] {
-      std::this_thread::sleep_for(quiet);
-      return drawn().empty();
+      std::this_thread::sleep_for(enough);
+      quiet = drawn().empty() ? quiet + 1 : 0;
+      return quiet == 2;
     }));
   }
   static int pixels(const std::vector<Area>& areas) {

@@ -42,19 +42,15 @@ class Drawing : public ProgramTest {
     });
     return areas;
   }
-  // Waits until nothing more is drawn. After the start or after a new window, the program looks at
-  // the background 300 ms later, and once more 300 ms after that if it has changed. A busy machine
-  // delays both, so waits for two answers of the program with enough time before each. Paints what
-  // the server has asked for late, because painting it during a test would be a change.
+  // Waits until nothing more is drawn. On a busy machine, drawing after the start or after a new
+  // window comes late, and a look at the background comes 300 ms after that. Paints what the server
+  // has asked for late, because painting it during a test would be a change.
   void comeToRest() {
-    constexpr std::chrono::milliseconds enough{400};
-    int quiet = 0;
-    settle();
+    constexpr std::chrono::milliseconds quiet{600};
     ASSERT_TRUE(eventually([&] {
-      std::this_thread::sleep_for(enough);
+      std::this_thread::sleep_for(quiet);
       scene().takeEvents();
-      quiet = drawn().empty() ? quiet + 1 : 0;
-      return quiet == 2;
+      return drawn().empty();
     }));
   }
   static int pixels(const std::vector<Area>& areas) {

@@ -31,7 +31,7 @@ std::optional<std::size_t> startNext(Batch& batch) {
   return batch.next++;
 }
 
-// `failure` is empty for a step that came through.
+// Counts a step as done and says why it failed; `failure` is empty for one that came through.
 void finish(Batch& batch, const std::string& failure) {
   const std::lock_guard lock(batch.mutex);
   ++batch.done;

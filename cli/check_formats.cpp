@@ -58,7 +58,7 @@ Json findingJson(const CheckedInput& checked, const Finding& finding) {
   return json;
 }
 
-// A field of a CSV file, in quotes if it needs them.
+// Returns the text as a field of a CSV file, in quotes if it needs them.
 std::string csvField(const std::string& text) {
   if (text.find_first_of("\",\r\n") == std::string::npos) return text;
   std::string quoted = "\"";

@@ -28,7 +28,7 @@ bool standardOutputShowsColours() {
   return value("COLORTERM") == "truecolor" || value("COLORTERM") == "24bit";
 }
 
-// The characters of a UTF-8 text.
+// Counts the characters of a UTF-8 text.
 std::size_t lengthOf(std::string_view text) {
   return static_cast<std::size_t>(std::ranges::count_if(
       text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
@@ -61,7 +61,7 @@ Rgb8 colourAt(const Table& table, std::size_t place) {
   return table.checked.input.palette.colours[place].rgb;
 }
 
-// Swatch, "#rrggbb" and the name.
+// Returns the swatch, "#rrggbb" and the name of a colour.
 std::string described(const Table& table, std::size_t place) {
   const PaletteColour& colour = table.checked.input.palette.colours[place];
   return swatch(table, colour.rgb) + hexText(colour.rgb) +
@@ -91,7 +91,7 @@ void appendColours(Table& table) {
   }
 }
 
-// One row of the pair table: a colour of the pair, then a figure for each viewer.
+// Appends one row of the pair table: a colour of the pair, then a figure for each viewer.
 template <typename Figure>
 void appendRow(Table& table, const CheckedPair& pair, std::size_t place, const std::string& measure,
                const Finding* finding, Figure figure) {

@@ -45,7 +45,7 @@ void declareFilter(CLI::App& command, Request& request) {
   addFilterArguments(command, request.filter);
 }
 
-// Every image is tried; the status tells whether all came through.
+// Tries every image; the status tells whether all came through.
 int runFilter(const Request& request) {
   const FilterPlan plan = planFilterJobs(request.filter);
   applyOptions(request.transform);
@@ -75,7 +75,7 @@ int runCurves(const Request& request) {
   return 0;
 }
 
-// Options of a transform may stand before a command, but some commands have none.
+// Refuses options of a transform, which may stand before any command, for one that has none.
 void refuseTransformOptions(const Request& request, const std::string& command) {
   if (request.transform.given.empty()) return;
   throw UsageError(*request.transform.given.begin() + ": is not taken before " + command);

@@ -7,8 +7,8 @@ namespace tintora::cli {
 
 struct TransformOptions;
 
-// CSV, one row per nanometre from 360 to 760. Throws UsageError for a mode that simulates no
-// observer.
+// Returns the curves as CSV, one row per nanometre from 360 to 760. Throws UsageError for a mode
+// that simulates no observer.
 std::string formatCurves(const TransformOptions& options);
 
 }  // namespace tintora::cli

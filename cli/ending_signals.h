@@ -16,9 +16,9 @@ struct TemporaryFiles {
 
 TemporaryFiles& temporaryFiles();
 
-// From now on, a signal that asks the tool to end (SIGHUP, SIGINT, SIGTERM) removes its temporary
-// files first. Signals that the tool was started to ignore stay ignored. Must be called before any
-// thread is started, because threads inherit which signals they leave to others.
+// Makes signals that ask the tool to end (SIGHUP, SIGINT, SIGTERM) remove its temporary files
+// first. Signals that the tool was started to ignore stay ignored. Must be called before any thread
+// is started, because threads inherit which signals they leave to others.
 void removeTemporaryFilesAtSignals();
 
 }  // namespace tintora::cli

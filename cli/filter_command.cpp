@@ -48,7 +48,7 @@ bool isFolder(const fs::path& path) {
   return !path.has_filename() || fs::is_directory(path, unknown);
 }
 
-// The input's name in the folder; its extension follows a format that is given.
+// Returns the input's name in the folder; its extension follows a format that is given.
 fs::path outputIn(const fs::path& folder, const fs::path& input,
                   std::optional<ImageFormat> format) {
   fs::path name = input.filename();
@@ -58,7 +58,7 @@ fs::path outputIn(const fs::path& folder, const fs::path& input,
   return folder / name;
 }
 
-// Otherwise the quality would be ignored.
+// Refuses a quality for PNG, because it would be ignored.
 void refuseQualityOfPng(const FilterRequest& request, std::optional<ImageFormat> format) {
   if (request.quality && format == ImageFormat::Png) {
     throw UsageError("--quality: is for JPEG, and the output is PNG; see --output-format");

@@ -41,7 +41,8 @@ auto writing(const Step& step) {
   return telling<ImageWriteError>("there is not enough memory to write the image", step);
 }
 
-// A file that is large for its pixels could not be packed well because they hardly repeat.
+// Guesses what the pixels are like: a file that is large for them could not be packed well because
+// they hardly repeat.
 PngContent contentOf(bool isJpeg, std::optional<std::uint64_t> fileBytes,
                      const RowsHeader& header) {
   constexpr std::uint64_t drawingsShare = 5;

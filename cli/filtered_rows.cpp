@@ -92,7 +92,7 @@ std::optional<std::vector<std::uint8_t>> placesAmongGreys(const std::vector<Pale
   return places;
 }
 
-// What each byte of packed indices becomes when every index moves to its new place.
+// Returns what each byte of packed indices becomes when every index moves to its new place.
 std::array<std::uint8_t, 256> movedBytes(const std::vector<std::uint8_t>& places, int bits) {
   std::array<std::uint8_t, 256> moved{};
   for (unsigned value = 0; value < moved.size(); ++value) {
@@ -194,7 +194,7 @@ void putSample(std::uint8_t* row, std::size_t i, Sample sample) {
   std::memcpy(row + i * sizeof(Sample), &sample, sizeof(Sample));
 }
 
-// Greys, with alpha or without, to greys or to colours of the same depth.
+// Returns a filter from greys, with alpha or without, to greys or to colours of the same depth.
 template <typename Sample>
 FilterRow lookUp(std::vector<Sample> pixels, bool hasAlpha, bool toGrey, std::size_t width) {
   constexpr auto opaque = static_cast<Sample>(~Sample{0});

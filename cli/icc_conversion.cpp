@@ -34,7 +34,7 @@ struct FreeCurve {
   void operator()(cmsToneCurve* curve) const { cmsFreeToneCurve(curve); }
 };
 
-// Greys of the sRGB transfer function (IEC 61966-2-1), as Little CMS writes it.
+// Makes a profile for greys of the sRGB transfer function (IEC 61966-2-1), as Little CMS writes it.
 Profile srgbGreys() {
   constexpr std::array<cmsFloat64Number, 5> parameters{2.4, 1.0 / 1.055, 0.055 / 1.055, 1.0 / 12.92,
                                                        0.04045};
@@ -57,7 +57,7 @@ struct SrgbConversion {
 
 namespace {
 
-// Some colours from all over the cube, or all greys.
+// Returns some colours from all over the cube, or all greys.
 std::vector<std::uint16_t> sampleColours(bool grey) {
   std::vector<std::uint16_t> samples;
   const auto add = [&](unsigned red, unsigned green, unsigned blue) {
@@ -73,7 +73,7 @@ std::vector<std::uint16_t> sampleColours(bool grey) {
   return samples;
 }
 
-// A display with the primaries of sRGB that is given linear light.
+// Makes a profile of a display with the primaries of sRGB that is given linear light.
 Profile linearSrgb() {
   const cmsCIExyY white{0.3127, 0.3290, 1.0};
   const cmsCIExyYTRIPLE primaries{{0.64, 0.33, 1.0}, {0.30, 0.60, 1.0}, {0.15, 0.06, 1.0}};

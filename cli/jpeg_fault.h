@@ -39,14 +39,14 @@ template <typename Codec>
   std::longjmp(fault.jump, 1);  // NOLINT(cert-err52-cpp)
 }
 
-// libjpeg reports an error through this and must not be returned to.
+// Takes an error from libjpeg. Jumps, because libjpeg must not be returned to.
 [[noreturn]] inline void jpegFailed(j_common_ptr codec) {
   auto& fault = *static_cast<JpegFault*>(codec->client_data);
   codec->err->format_message(codec, fault.text.data());
   std::longjmp(fault.jump, 1);  // NOLINT(cert-err52-cpp)
 }
 
-// libjpeg only warns about damage, and fills in missing pixels. Such a picture must be refused. The
+// Refuses a damaged picture: libjpeg only warns about damage, and fills in missing pixels. The
 // warnings listed here are harmless: every viewer shows the same pixels.
 inline void jpegWarned(j_common_ptr codec, int level) {
   if (level >= 0) return;
@@ -62,7 +62,7 @@ inline void jpegWarned(j_common_ptr codec, int level) {
   }
 }
 
-// Those of the library that would print are among the replaced ones.
+// Fills in the handlers. Those of the library that would print are among the replaced ones.
 inline jpeg_error_mgr* handlersInto(jpeg_error_mgr& handlers) {
   jpeg_std_error(&handlers);
   handlers.error_exit = jpegFailed;
@@ -71,8 +71,8 @@ inline jpeg_error_mgr* handlersInto(jpeg_error_mgr& handlers) {
 }
 
 // Runs a step that calls libjpeg, and returns whether it came to its end. On an error the step is
-// left by a jump that runs no destructors, so that it must not own anything: it works on objects of
-// its caller.
+// left by a jump that runs no destructors, so it must not own anything: it works on objects of its
+// caller.
 template <typename Step>
 [[nodiscard]] bool completes(JpegFault& fault, const Step& step) {
   static_assert(std::is_trivially_destructible_v<Step>);

@@ -13,7 +13,7 @@ namespace tintora::cli {
 namespace {
 
 // Progressive files have some ten scans. Each costs a pass over the whole picture however few its
-// bytes, so that a small file of many scans could keep us busy for hours.
+// bytes, so a small file of many scans could keep us busy for hours.
 constexpr int mostScans = 100;
 
 // The manager comes first: libjpeg hands out its address, which then is that of the whole.

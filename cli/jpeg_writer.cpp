@@ -48,7 +48,7 @@ void putFilled(j_compress_ptr codec, std::size_t filled) {
   startDestination(codec);
 }
 
-// The library asks for more room only when all of it is filled.
+// Writes the whole buffer: the library asks for more room only when all of it is filled.
 boolean emptyDestination(j_compress_ptr codec) {
   putFilled(codec, reinterpret_cast<JpegDestination*>(codec->dest)->buffer.size());
   return TRUE;

@@ -14,7 +14,7 @@ namespace tintora::cli {
 
 namespace {
 
-// Neither JSON nor SVG has a way to write these.
+// Refuses infinities and NaN, which neither JSON nor SVG has a way to write.
 void refuseNonFinite(std::string_view format) {
   for (std::size_t input = 0; input < effectMatrix.size(); ++input) {
     for (std::size_t output = 0; output < effectMatrix[input].size(); ++output) {
@@ -74,7 +74,7 @@ std::string formatJson(const std::string& title, Light light, bool simulated) {
   return json.dump(2) + '\n';
 }
 
-// Text for an XML element; what XML cannot hold at all becomes a blank.
+// Escapes text for an XML element; what XML cannot hold at all becomes a blank.
 std::string escapeXml(std::string_view text) {
   std::string escaped;
   for (const char c : text) {

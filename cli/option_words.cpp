@@ -12,8 +12,8 @@ constexpr const char* noteName = "words";
 
 }  // namespace
 
-// CLI11 keeps validators with their option. One that is not active checks nothing and is not shown
-// in the help, so its description holds the words.
+// Puts the words into the description of a validator, which CLI11 keeps with its option. One that
+// is not active checks nothing and is not shown in the help.
 void noteWords(CLI::Option& option, const std::vector<std::string>& words) {
   const auto accept = [](std::string& /*argument*/) { return std::string(); };
   option.check(CLI::Validator(accept, joined(words, " "), noteName).active(false));

@@ -74,7 +74,7 @@ void writeDirectly(const std::filesystem::path& target, std::span<const std::uin
   if (error != 0) throwUnwritable(target.string(), error);
 }
 
-// The path that the links lead to, whether there is a file or not yet.
+// Returns the path that the links lead to, whether there is a file or not yet.
 std::filesystem::path followLinks(std::filesystem::path target) {
   constexpr int mostLinks = 40;
   for (int links = 0; links < mostLinks; ++links) {
@@ -144,7 +144,7 @@ int renameTemporary(OutputFile& output) {
   return 0;
 }
 
-// A file without a name, which is gone when it is closed.
+// Opens a file without a name, which is gone when it is closed.
 void openSpool(OutputFile& output) {
   std::error_code missing;
   const std::filesystem::path folder = std::filesystem::temp_directory_path(missing);

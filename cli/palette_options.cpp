@@ -43,7 +43,7 @@ std::string_view nameIn(std::span<const NamedValue<Value>> table, Value value) {
   return std::ranges::find(table, value, &NamedValue<Value>::value)->name;
 }
 
-// The values of a list with commas, each once and in that order.
+// Returns the values of a list with commas, each once and in that order.
 template <typename Parse>
 auto parseList(std::string_view text, Parse parse) {
   std::vector<decltype(parse(text))> values;

@@ -28,7 +28,7 @@ struct AlgorithmLabel {
   std::string_view label;
 };
 
-// Every simulation algorithm, oldest first.
+// Returns every simulation algorithm, oldest first.
 std::span<const AlgorithmLabel> algorithmLabels();
 
 std::string_view labelOf(SimulationAlgorithm algorithm);

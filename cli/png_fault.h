@@ -23,7 +23,7 @@ using FaultText = std::array<char, 200>;
   png_longjmp(png, 1);
 }
 
-// Warnings are about oddities that leave the picture as it is; damage to it arrives as an error.
+// Ignores warnings: oddities that leave the picture as it is; damage to it arrives as an error.
 inline void pngWarned(png_structp /*png*/, png_const_charp /*text*/) {}
 
 // Runs a step that calls libpng. Returns true if it came to its end. An error ends the step by a

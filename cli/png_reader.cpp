@@ -41,7 +41,7 @@ void takeBytes(png_structp png, png_bytep destination, std::size_t count) {
   }
 }
 
-// The width and height stand at a fixed place, and libpng has no clear words for one that is zero.
+// Checks width and height at their fixed place: libpng has no clear words for one that is zero.
 void checkHasPixels(ByteSource& source) {
   constexpr std::size_t widthOffset = 16;
   constexpr std::size_t heightOffset = 20;

@@ -107,8 +107,8 @@ WrittenPalette paletteOf(const RowsHeader& header) {
   return palette;
 }
 
-// The EXIF data is written by ourselves: libpng writes what it is given both before and after the
-// pixels.
+// Writes the EXIF data as a plain chunk: libpng writes what it is given as EXIF data both before
+// and after the pixels.
 void writeExif(const PngWriter& writer, std::span<const std::uint8_t> exif) {
   if (exif.empty()) return;
   png_write_chunk(writer.png, reinterpret_cast<png_const_bytep>("eXIf"), exif.data(), exif.size());

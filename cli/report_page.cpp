@@ -31,7 +31,7 @@ std::string altText(const std::string& name, const std::string& label) {
   return label == "original" ? name + ", original" : name + " as seen with " + label;
 }
 
-// What the script makes work.
+// Returns the wipe between the original and a simulation, hidden until the script makes it work.
 std::string viewerPart(const ReportSection& section, const std::string& id) {
   const ReportPicture& picture = *section.picture;
   constexpr std::uint32_t leastWidth = 320;
@@ -72,7 +72,7 @@ std::string picturesPart(const ReportSection& section) {
   return html + "</div>\n";
 }
 
-// Rows of small pictures, the original first.
+// Returns rows of small pictures, the original first in each.
 std::string stripsPart(const ReportSection& section, const std::string& heading,
                        const std::vector<PictureRow>& rows) {
   const ReportPicture& picture = *section.picture;

@@ -27,7 +27,7 @@ struct Report {
 
 std::string formatReport(const Report& report);
 
-// Text for the content of an element or an attribute in double quotes.
+// Escapes text for the content of an element or an attribute in double quotes.
 std::string escapeHtml(std::string_view text);
 
 }  // namespace tintora::cli

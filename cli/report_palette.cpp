@@ -16,7 +16,7 @@ std::string swatch(Rgb8 rgb) {
   return "<span class=\"swatch\" style=\"background:" + hexText(rgb) + "\"></span>";
 }
 
-// Both colours side by side, without a gap.
+// Returns both colours side by side, without a gap.
 std::string pairSwatch(Rgb8 first, Rgb8 second) {
   return "<span class=\"pair\">" + swatch(first) + swatch(second) + "</span>";
 }
@@ -26,7 +26,7 @@ std::string nameOf(const PaletteColour& colour) {
   return colour.name.empty() ? code : escapeHtml(colour.name) + " " + code;
 }
 
-// A table in a frame that scrolls sideways, and that keys can scroll too.
+// Returns a table in a frame that scrolls sideways, and that keys can scroll too.
 std::string table(const std::string& label, const std::string& head, const std::string& body) {
   return "<div class=\"scroll\" role=\"region\" tabindex=\"0\" aria-label=\"" + escapeHtml(label) +
          "\">\n<table>\n<thead><tr>" + head + "</tr></thead>\n<tbody>\n" + body +

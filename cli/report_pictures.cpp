@@ -87,7 +87,7 @@ void appendPixel(std::vector<std::uint8_t>& pixels, const Sum& sum, double area)
   pixels.push_back(static_cast<std::uint8_t>(std::lround(std::min(alpha / area, 1.0) * brightest)));
 }
 
-// The colours alone; what a file says about them beside is done with.
+// Copies the pixels alone: nothing else that the file says goes into the page.
 Image plainCopy(const Image& picture) {
   Image copy;
   copy.width = picture.width;
@@ -97,8 +97,8 @@ Image plainCopy(const Image& picture) {
   return copy;
 }
 
-// The smaller of PNG, which keeps drawings small and exact, and JPEG, which keeps photographs
-// small.
+// Returns a data address with the smaller of PNG, which keeps drawings small and exact, and JPEG,
+// which keeps photographs small.
 std::string addressOf(const Image& picture) {
   const std::vector<std::uint8_t> png = encodeImage(picture, ImageFormat::Png);
   if (!picture.hasAlpha) {

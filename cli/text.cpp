@@ -34,7 +34,7 @@ void appendUtf8(std::string& text, char32_t codePoint) {
   }
 }
 
-// The length of the UTF-8 sequence at the front of the text; none where there is no valid one.
+// Returns the length of the valid UTF-8 sequence at the front of the text; none if there is none.
 std::optional<std::size_t> sequenceLength(std::string_view text) {
   const auto at = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
   const std::uint8_t lead = at(0);
@@ -51,7 +51,7 @@ std::optional<std::size_t> sequenceLength(std::string_view text) {
   return length;
 }
 
-// The code point of a valid sequence.
+// Returns the code point of a valid sequence.
 char32_t codePointOf(std::string_view sequence) {
   const auto lead = static_cast<std::uint8_t>(sequence[0]);
   if (sequence.size() == 1) return lead;
@@ -62,7 +62,7 @@ char32_t codePointOf(std::string_view sequence) {
   return codePoint;
 }
 
-// From U+1100 on characters may be two columns wide.
+// Returns the most columns that a character may take: two from U+1100 on.
 std::size_t mostColumnsOf(std::string_view sequence) {
   constexpr char32_t firstWide = 0x1100;
   return codePointOf(sequence) < firstWide ? 1 : 2;

@@ -8,16 +8,16 @@
 
 namespace tintora::cli {
 
-// The shortest decimal that reads back to the same float or double; "inf", "-inf" and "nan" as
-// such.
+// Returns the shortest decimal that reads back to the same float or double; "inf", "-inf" and "nan"
+// as such.
 std::string shortest(float value);
 std::string shortest(double value);
 
 // Returns the texts in one, with something between them.
 std::string joined(const std::vector<std::string>& texts, std::string_view between);
 
-// The program's single-byte text as UTF-8. Text that is valid UTF-8 already is a name from a file
-// in that encoding and stays; anything else is Windows-1252.
+// Returns the program's single-byte text as UTF-8. Text that is valid UTF-8 already is a name from
+// a file in that encoding and stays; anything else is Windows-1252.
 std::string toUtf8(std::string_view text);
 
 // Returns text from elsewhere, such as the name of a file, in a form that is safe on a terminal:

@@ -106,7 +106,7 @@ std::string_view nameOf(TransformMode mode) {
   return std::ranges::find(modes, mode, &NamedValue<TransformMode>::value)->name;
 }
 
-// The entry of a table that bears the name, by what nameOf makes of it.
+// Returns the entry of a table that bears the name, by what nameOf makes of it.
 template <typename Table, typename NameOf>
 const auto& choose(std::string_view option, std::string text, const Table& table, NameOf nameOf) {
   for (const auto& [other, ours] : otherSpellings) {
@@ -158,8 +158,8 @@ void addFlag(CLI::App& command, TransformOptions& options, const std::string& na
   command.add_flag_callback(name, set, description);
 }
 
-// An option of another mode, and a light or use that the algorithm does not have, would otherwise
-// be ignored.
+// Refuses an option of another mode, and a light or use that the algorithm does not have: they
+// would otherwise be ignored.
 void checkCombination(const TransformOptions& options) {
   const TransformMode mode = options.settings.Selected;
   for (const ModeOption& option : modeOptions) {

@@ -16,7 +16,7 @@
 
 namespace tintora::cli {
 
-// Something went wrong in the doing: one line, exit status 1.
+// What the command line asks for could not be done: one line, exit status 1.
 struct RunError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
@@ -47,7 +47,7 @@ std::span<const NamedValue<SimulationAlgorithm>> algorithmNames();
 std::span<const NamedValue<ColourSwap>> swapNames();
 std::span<const NamedValue<Light>> lightNames();
 
-// The name of a colour filter as an option: its colour word in lower case.
+// Returns the name of a colour filter as an option: its colour word in lower case.
 std::string colourFilterOption(const ColourFilter& filter);
 
 // Returns an argument that is a whole number between two bounds. Anything else is refused with an

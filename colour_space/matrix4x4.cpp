@@ -107,7 +107,7 @@ Matrix4x4 rotationZ(float angle) {
   return rotationAbout({0.0F, 0.0F, 1.0F}, angle);
 }
 
-// cos I + (1 - cos) n n' + sin [n], transposed for row vectors.
+// Returns cos I + (1 - cos) n n' + sin [n], transposed for row vectors.
 Matrix4x4 rotationAbout(const Vector3& axis, float angle) {
   const Direction n = unit(direction(axis));
   const double sine = std::sin(static_cast<double>(angle));

@@ -47,7 +47,7 @@ void addCorners(SceneRole role, PrimitiveKind kind, std::span<const std::uint16_
   object.primitiveCount = primitives;
 }
 
-// Red grows towards -x, green towards +y, blue towards +z.
+// Returns the colour of a corner: red grows towards -x, green towards +y, blue towards +z.
 Components colourAt(const ColourVertex& corner) {
   constexpr double half = 255.0 / 2.0;
   return {(1.0 - static_cast<double>(corner.x)) * half,

@@ -41,7 +41,8 @@ void checkAlgorithmItem() {
   transformDisplay.checkMenuItem(TransformMenu::AlternativeTransforms, positions[algorithm], true);
 }
 
-// If both flags are set, Daltonize wins here and in the matrix, but Inversion wins in the title.
+// Returns the position of the item to check. If both flags are set, Daltonize wins here and in the
+// matrix, but Inversion wins in the title.
 int viewerItemPosition(const TransformSettings& settings) {
   const ViewerItemPositions& items = transformDisplay.positions;
   if (!isDeficiency(settings.Selected)) {
@@ -142,8 +143,8 @@ void applyCustomTransform(std::uint32_t index) {
   const double strength = entry.adjustable ? settings.severity : 1.0;
   transformDisplay.showTitle(entry.name);
 
-  // identity + (file value - identity) * strength. At strength 0 the identity is shown even if the
-  // file's value is infinite.
+  // Returns identity + (file value - identity) * strength. At strength 0 the identity is shown even
+  // if the file's value is infinite.
   const auto blend = [strength](double identity, float value) {
     return strength == 0.0 ? identity : identity + (value - identity) * strength;
   };

@@ -29,7 +29,7 @@ Matrix3x3 matrixForUse(const Matrix3x3& simulation, SimulationUse use) {
 ColourTransform makeSimulation(const ColourSimulation& simulation, SimulationUse use) {
   ColourTransform transform;
   if (simulation.algorithm == SimulationAlgorithm::Brettel1997) {
-    // A projection along the missing cone's axis moves no colour across the division, so that its
+    // A projection along the missing cone's axis moves no colour across the division, so its
     // inverse has the same one.
     const HalfPlanes halfPlanes = simulateOnHalfPlanes(simulation.type, simulation.severity);
     transform.light = Light::Linear;

@@ -10,7 +10,7 @@ double dot(const double* a, const Colour& b) {
   return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
 }
 
-// Not std::clamp, which keeps NaN.
+// Clamps to 0..1, but not by std::clamp, which keeps NaN.
 double clampToUnit(double value) {
   if (!(value > 0.0)) return 0.0;
   return value < 1.0 ? value : 1.0;

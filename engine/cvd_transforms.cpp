@@ -85,7 +85,7 @@ std::optional<std::size_t> typeIndex(CvdType type) {
   return index;
 }
 
-// identity + severity * change
+// Returns identity + severity * change.
 Matrix3x3 weightedChange(const Matrix3x3& change, double severity) {
   Matrix3x3 matrix = identity3x3;
   for (std::size_t i = 0; i < matrix.size(); ++i) matrix[i] += severity * change[i];

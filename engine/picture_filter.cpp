@@ -38,13 +38,13 @@ LightSteps makeLightSteps(SampleDepth depth) {
   return steps;
 }
 
-// NaN compares false and becomes 0.
+// Clamps to 0..`most`. NaN compares false and becomes 0.
 double clampTo(double most, double value) {
   const double atMost = value < most ? value : most;
   return value > 0.0 ? atMost : 0.0;
 }
 
-// `light` is in intervals.
+// Returns the step of `light`, which is in intervals.
 std::size_t stepAt(const std::uint16_t* firstStep, const double* thresholds, double light) {
   const std::size_t step = firstStep[static_cast<std::int32_t>(light)];
   return step + (light >= thresholds[step + 1] ? 1 : 0);
@@ -78,7 +78,7 @@ constexpr ChannelOrder bgraOrder{2, 1, 0};
 constexpr ChannelOrder rgbaOrder{0, 1, 2};
 constexpr std::size_t channels = 4;
 
-// `lightOf` returns the linear light that a pixel stands for.
+// Filters pixels in place. `lightOf` returns the linear light that a pixel stands for.
 template <typename Sample, typename LightOf>
 void filterLight(const PictureFilter& filter, ChannelOrder order, LightOf lightOf, Sample* samples,
                  std::size_t pixels) {
@@ -100,7 +100,7 @@ void filterLight16(const PictureFilter& filter, std::uint16_t* samples, std::siz
   filterLight(filter, rgbaOrder, lightOf, samples, pixels);
 }
 
-// Products with the intervals, a power of two, are exact.
+// Makes the shares of an effect. Products with the intervals, a power of two, are exact.
 EffectShares makeShares(const PictureFilter& filter, const ExactMatrix& effect) {
   using Channel = ExactMatrix::Channel;
   constexpr std::array<double Channel::*, 3> inputs{&Channel::red, &Channel::green, &Channel::blue};

@@ -54,7 +54,7 @@ std::optional<FixedPointMatrix> toFixedPoint(const ExactMatrix& exact, int fract
   return matrix;
 }
 
-// The finest fixed point that holds the matrix: first the coefficients, then the offsets.
+// Returns the finest fixed point that holds the matrix: first the coefficients, then the offsets.
 std::optional<FixedPointMatrix> finestFixedPoint(const ExactMatrix& exact) {
   for (int fractionBits = mostFractionBits; fractionBits >= fewestFractionBits; --fractionBits) {
     for (int unitBits = 1; unitBits <= mostOffsetUnitBits; ++unitBits) {

@@ -36,7 +36,7 @@ struct PixelFilter {
   std::optional<FixedPointMatrix> fixedPoint;  // when every channel then comes out within one step
 };
 
-// Any float may stand in the matrix, infinities and NaN included.
+// Makes the filter of a matrix, in which any float may stand, infinities and NaN included.
 PixelFilter makePixelFilter(const EffectMatrix& matrix);
 
 // Filters pixels of 4 bytes in the order B, G, R, A at any alignment. Each channel is at most one

@@ -27,14 +27,14 @@ struct PixelKernel {
 inline constexpr std::size_t bytesPerPixel = 4;
 inline constexpr std::size_t mostPixelsAtOnce = 16;
 
-// For any processor.
+// Runs on any processor.
 void filterBlocksPortably(const FixedPointMatrix& matrix, const std::uint8_t* source,
                           std::uint8_t* destination, std::size_t blocks, bool streaming);
 FilterExactly filterExactlyPortably;
 inline constexpr PixelKernel portableKernel{"portable", 1, &filterBlocksPortably,
                                             &filterExactlyPortably};
 
-// Those that run on this processor, the fastest first and the portable one last.
+// Returns the kernels that run on this processor, the fastest first and the portable one last.
 std::span<const PixelKernel> pixelKernels();
 
 // Filters any number of pixels with one kernel.

@@ -8,7 +8,7 @@ namespace tintora {
 
 namespace {
 
-// One output channel of eight pixels, from the shifted inputs.
+// Returns one output channel of eight pixels, from the shifted inputs.
 uint8x8_t filteredChannel(const FixedPointMatrix::Channel& channel, std::int32_t offset,
                           int16x8_t blue, int16x8_t green, int16x8_t red) {
   int32x4_t low = vdupq_n_s32(offset);
@@ -26,7 +26,8 @@ int16x8_t shifted(uint8x8_t channel, int16x8_t shift) {
   return vshlq_s16(vreinterpretq_s16_u16(vmovl_u8(channel)), shift);
 }
 
-// The processor loads the four channels apart, and narrowing with saturation clamps.
+// Filters eight pixels at once: the processor loads the four channels apart, and narrowing with
+// saturation clamps.
 void filterBlocksNeon(const FixedPointMatrix& matrix, const std::uint8_t* source,
                       std::uint8_t* destination, std::size_t blocks, bool /*streaming*/) {
   constexpr std::size_t blockBytes = 8 * bytesPerPixel;

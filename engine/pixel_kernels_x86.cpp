@@ -13,7 +13,7 @@ namespace {
 // halves; blue and green, red and alpha are laid side by side, packed with saturation, which
 // clamps, and put in order.
 
-// SSE2 belongs to every x86-64 processor; it has neither byte shuffles nor blends.
+// Uses SSE2, which belongs to every x86-64 processor; it has neither byte shuffles nor blends.
 void filterBlocksSse2(const FixedPointMatrix& matrix, const std::uint8_t* source,
                       std::uint8_t* destination, std::size_t blocks, bool streaming) {
   const auto pairs = [](std::int16_t low, std::int16_t high) {
@@ -177,7 +177,7 @@ __m128i load16(const std::array<char, 16>& bytes) {
   if (streaming) _mm_sfence();
 }
 
-// One output channel of four pixels.
+// Returns one output channel of four pixels.
 [[gnu::target("avx2")]] inline __m128i exactChannel(const ExactMatrix::Channel& c, __m256d red,
                                                     __m256d green, __m256d blue) {
   const __m256d redGreen = _mm256_add_pd(_mm256_mul_pd(red, _mm256_set1_pd(c.red)),

@@ -9,7 +9,7 @@ enum class Light {
   Linear,   // proportional to the light that the display gives
 };
 
-// IEC 61966-2-1 (sRGB), the piecewise function. Maps a channel of 0..1 to 0..1, strictly rising.
+// Maps a channel of 0..1 to 0..1, strictly rising: IEC 61966-2-1 (sRGB), the piecewise function.
 double decodeSrgb(double encoded);
 double encodeSrgb(double linear);
 

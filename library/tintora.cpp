@@ -83,7 +83,7 @@ bool isAmong(int value, int last) {
   return value >= 0 && value <= last;
 }
 
-// NaN counts as outside.
+// Returns true if the value is within the bounds. NaN counts as outside.
 bool isWithin(double value, double least, double most) {
   return value >= least && value <= most;
 }

@@ -48,7 +48,7 @@ Triple linearOf(const Colour& colour) {
 
 constexpr double degree = std::numbers::pi / 180.0;
 
-// In degrees, 0..360; 0 without chroma.
+// Returns the angle in degrees, 0..360; 0 without chroma.
 double hueAngle(double a, double b) {
   if (a == 0.0 && b == 0.0) return 0.0;
   const double angle = std::atan2(b, a) / degree;
@@ -60,14 +60,14 @@ double power7(double x) {
   return cube * cube * x;
 }
 
-// sqrt(C^7 / (C^7 + 25^7))
+// Returns sqrt(C^7 / (C^7 + 25^7)).
 double chromaShare(double chroma) {
   constexpr double limit = 6103515625.0;
   const double c7 = power7(chroma);
   return std::sqrt(c7 / (c7 + limit));
 }
 
-// The way from the first hue to the second, -180..180; 0 if either colour has no chroma.
+// Returns the way from the first hue to the second, -180..180; 0 if either colour has no chroma.
 double hueDifference(double first, double second, double chromaProduct) {
   if (chromaProduct == 0.0) return 0.0;
   const double difference = second - first;
@@ -75,7 +75,7 @@ double hueDifference(double first, double second, double chromaProduct) {
   return difference < -180.0 ? difference + 360.0 : difference;
 }
 
-// The hue halfway; the sum if either colour has no chroma.
+// Returns the hue halfway; the sum if either colour has no chroma.
 double meanHue(double first, double second, double chromaProduct) {
   const double sum = first + second;
   if (chromaProduct == 0.0) return sum;

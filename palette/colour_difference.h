@@ -12,7 +12,8 @@ struct Lab {
   double b = 0.0;
 };
 
-// CIE 15 on the tristimulus values of IEC 61966-2-1 (sRGB). Display white is (100, 0, 0).
+// Returns the place of a colour in CIELAB: CIE 15 on the tristimulus values of IEC 61966-2-1
+// (sRGB). Display white is (100, 0, 0).
 Lab toLab(const Colour& colour);
 
 // Returns the colour of a place in CIELAB. Channels outside 0..1 are colours that the display does

@@ -83,8 +83,8 @@ std::vector<Bin> filledBins(std::span<const std::uint8_t> pixels) {
   return bins;
 }
 
-// The heaviest bin, then again and again the one that counts most times its squared distance from
-// those chosen, until what is left is near to one of them.
+// Chooses the heaviest bin, then again and again the one that counts most times its squared
+// distance from those chosen, until what is left is near to one of them.
 std::vector<Lab> firstCentres(const std::vector<Bin>& bins, std::size_t most) {
   constexpr double near = 10.0;
   std::vector<Lab> centres;
@@ -133,7 +133,7 @@ void moveCentres(const std::vector<Bin>& bins, std::vector<Lab>& centres) {
   }
 }
 
-// The colour that most pixels of the bin have.
+// Returns the colour that most pixels of the bin have.
 Rgb8 commonest(std::size_t bin, const std::array<std::uint64_t, coloursInBin>& counts) {
   const auto place = static_cast<std::size_t>(std::ranges::max_element(counts) - counts.begin());
   const auto channel = [&](unsigned position) {

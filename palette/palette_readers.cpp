@@ -107,7 +107,7 @@ bool isWordCharacter(char c) {
          static_cast<unsigned char>(c) >= 0x80U;
 }
 
-// The variable of "--name: ...", "$name: ..." or "@name: ..." with its sign; else empty.
+// Returns the variable of "--name: ...", "$name: ..." or "@name: ..." with its sign; else nothing.
 std::string_view variableName(std::string_view declaration) {
   declaration = trim(declaration);
   if (!declaration.starts_with("--") && !declaration.starts_with('$') &&

@@ -31,11 +31,11 @@ std::optional<Rgb8> parseColour(std::string_view text);
 // more than mostPaletteColours.
 PaletteText readPalette(std::string_view text);
 
-// A GIMP palette (.gpl): a first line "GIMP Palette", then lines of red, green and blue (0..255)
-// and perhaps a name.
+// Reads a GIMP palette (.gpl): a first line "GIMP Palette", then lines of red, green and blue
+// (0..255) and perhaps a name.
 PaletteText readGimpPalette(std::string_view text);
 
-// A JSON array of colours: texts as parseColour reads them, [red, green, blue] of 0..255, or
+// Reads a JSON array of colours: texts as parseColour reads them, [red, green, blue] of 0..255, or
 // objects with a member "hex", "color", "colour" or "value" that is one of these, and perhaps a
 // "name".
 PaletteText readJsonPalette(std::string_view text);

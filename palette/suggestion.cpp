@@ -37,7 +37,7 @@ bool isDisplayable(const Colour& colour) {
                              [](double channel) { return channel >= 0.0 && channel <= 1.0; });
 }
 
-// The colour of this lightness and hue with as much of the chroma as the display has.
+// Returns the colour of this lightness and hue with as much of the chroma as the display has.
 Colour withinDisplay(const Lab& lab) {
   if (const Colour colour = fromLab(lab); isDisplayable(colour)) return colour;
   constexpr int halvings = 20;

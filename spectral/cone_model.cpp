@@ -12,7 +12,7 @@ double powerOfTen(double exponent) {
   return std::exp(exponent * std::numbers::ln10);
 }
 
-// The log10 of every wavelength of the grid: the axis on which a template keeps its shape.
+// Returns the log10 of every wavelength of the grid: the axis on which a template keeps its shape.
 const SpectralCurve& logWavelengths() {
   static const SpectralCurve axis = [] {
     SpectralCurve curve;
@@ -24,8 +24,8 @@ const SpectralCurve& logWavelengths() {
   return axis;
 }
 
-// The polynomial of the template in the square of x, the log10 of a wavelength in nm. Its terms
-// reach 1e7 and cancel to about 0, which double precision would answer with an error of 5e-9.
+// Computes the polynomial of the template in the square of x, the log10 of a wavelength in nm. Its
+// terms reach 1e7 and cancel to about 0, which double precision would answer with an error of 5e-9.
 long double logAbsorbance(long double x2) {
   constexpr std::array<long double, 8> coefficients{-188862.9708L, 90228.96671L, -2483.531554L,
                                                     -6675.007924L, 1813.525992L, -215.1778885L,

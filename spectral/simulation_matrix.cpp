@@ -8,7 +8,7 @@ ModelContext modelContext;
 
 namespace {
 
-// The responses of three curves to three primaries, each row divided by its sum.
+// Returns the responses of three curves to three primaries, each row divided by its sum.
 Matrix3x3 integrateRows(const std::array<const SpectralCurve*, 3>& curves,
                         const std::array<const SpectralCurve*, 3>& primaries) {
   Matrix3x3 matrix;

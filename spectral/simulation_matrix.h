@@ -52,12 +52,12 @@ void integrateConeMatrix(ConeModel& model, const SpectralCurve& red, const Spect
 void integrateOpponentMatrix(ConeModel& model, const SpectralCurve& red, const SpectralCurve& green,
                              const SpectralCurve& blue);
 
-// The colour that gives the normal observer the anomalous observer's cone responses: LMS to RGB of
-// the one times RGB to LMS of the other, stored as the normal observer's simulation result.
+// Finds the colour that gives the normal observer the anomalous observer's cone responses: LMS to
+// RGB of the one times RGB to LMS of the other, stored as the normal observer's simulation result.
 void composeAnomalousMatrix(ConeModel& normal, const ConeModel& anomalous);
 
-// Yang, Ro, Wong & Lee 2008: rebuilds both observers for the context's type and severity and
-// returns the simulation matrix.
+// Rebuilds both observers for the context's type and severity and returns the simulation matrix
+// of Yang, Ro, Wong & Lee 2008.
 Matrix3x3 deriveSpectralMatrix(ModelContext& context);
 
 }  // namespace tintora

@@ -11,7 +11,7 @@ struct SpectralGrid {
   static constexpr int firstWavelength = 360;  // nm
   static constexpr std::size_t samples = 401;  // 1 nm apart, to 760 nm
 
-  // The wavelength of a sample in nm.
+  // Returns the wavelength of a sample in nm.
   static constexpr double wavelength(std::size_t sample) {
     return static_cast<double>(firstWavelength) + static_cast<double>(sample);
   }

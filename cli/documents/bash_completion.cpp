@@ -14,7 +14,7 @@ std::vector<std::string> dashedNames(const DeclaredCommand& command, bool onlyWi
   return names;
 }
 
-// What the script does to complete the value of an option.
+// Returns what the script does to complete the value of an option.
 std::string bashAction(const DeclaredOption& option) {
   switch (valueKind(option)) {
     case ValueKind::Word:
@@ -32,8 +32,8 @@ std::string bashAction(const DeclaredOption& option) {
   return ":";
 }
 
-// The cases of one command, its name empty before there is one: values of options, options, and
-// what stands without dashes. Stars are outside the quotes.
+// Appends the cases of one command, its name empty before there is one: values of options, options,
+// and what stands without dashes. Stars are outside the quotes.
 void appendCases(std::string& script, const DeclaredCommand& command, const std::string& name,
                  const std::string& plainAction) {
   for (const DeclaredOption& option : command.options) {

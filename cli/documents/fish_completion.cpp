@@ -33,7 +33,7 @@ std::string fishAction(const DeclaredOption& option) {
   return "";
 }
 
-// The options of one command; of the tool itself if the name is empty.
+// Appends the options of one command; of the tool itself if the name is empty.
 void appendOptions(std::string& script, const DeclaredCommand& command, const std::string& name) {
   const std::string start = "complete -c tintora-cli -n '__tintora_cli_is \"" + name + "\"'";
   for (const DeclaredOption& option : command.options) {

@@ -22,7 +22,7 @@ constexpr ExitStatus exitStatuses[] = {
     {exitFindings, "There are findings (check only)."},
 };
 
-// Text that is typed as it stands: a plain hyphen would come out as a typographic one.
+// Escapes text that is typed as it stands: a plain hyphen would come out as a typographic one.
 std::string typed(std::string_view text) {
   std::string escaped;
   for (const char c : text) {
@@ -58,7 +58,7 @@ std::string inLines(const std::vector<std::string>& words) {
   return text;
 }
 
-// Running text after other words; what begins with a hyphen is an option.
+// Returns running text after other words; what begins with a hyphen is an option.
 std::string prose(std::string_view text, std::vector<std::string> words = {}) {
   std::istringstream stream{std::string(text)};
   for (std::string word; stream >> word;) words.push_back(word.front() == '-' ? typed(word) : word);

@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "live_view_display.h"
@@ -34,7 +35,7 @@ std::uint32_t inverted(std::uint32_t colour) {
 // Runs the program in full screen, inverting a picture that the measurement draws.
 class View {
  public:
-  View(Screen& screen, const std::string& program) : screen_(screen), program_(program) {
+  View(Screen& screen, std::string program) : screen_(screen), program_(std::move(program)) {
     createPicture();
     tintora_ = std::make_unique<Process>(program_, "", screen_.display());
     main_ = wait([&] { return screen_.windowTitled("Invert "); });

@@ -14,8 +14,8 @@ build_packages=("${compiler_packages[@]}" "${tool_packages[@]}" "${desktop_packa
 # What the quick tests need besides.
 quick_test_packages=(libgtest-dev)
 
-# clang-tidy, and what its plugin is built with.
-lint_packages=(clang-tidy libclang-14-dev llvm-14-dev)
+# clang-tidy, what its plugin is built with, and what the benchmarks include.
+lint_packages=(clang-tidy libclang-14-dev llvm-14-dev libbenchmark-dev)
 
 # What all tests need besides: clang for formatting, lint and fuzzing; the cross-compiler and Wine
 # for the Windows program, and languages to run it in; another processor's compiler and emulator;
@@ -63,9 +63,9 @@ configure() {
   logged "$1-configure" cmake --preset "$1"
 }
 
-# Ninja compiles two more at a time, which displace each other in the caches: that takes longer.
-export CMAKE_BUILD_PARALLEL_LEVEL
-CMAKE_BUILD_PARALLEL_LEVEL=$(nproc)
+# By default Ninja compiles more at a time than there are processors. They compete for the caches, and
+# the build takes longer.
+export CMAKE_BUILD_PARALLEL_LEVEL=${CMAKE_BUILD_PARALLEL_LEVEL:-$(nproc)}
 
 # build PRESET [TARGET...]: configures and builds.
 build() {

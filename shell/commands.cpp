@@ -146,7 +146,8 @@ void chooseSwap(int command) {
 // The positions that this handler marks, in the order of the commands. The last three are not those
 // of the chosen items. That is intended and does not last: applying the transform marks the right
 // one at once.
-constexpr std::array<int, 5> handlerMarks{1, 4, 2, 3, 5};
+constexpr std::array handlerMarks{1, 4, 2, 3, 5};
+static_assert(handlerMarks.size() == std::tuple_size_v<AlgorithmPositions>);
 constexpr int algorithmPositionsCleared = 5;
 
 void chooseAlgorithm(int command) {

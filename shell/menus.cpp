@@ -71,7 +71,8 @@ constexpr std::array colourSwapItems{
 
 constexpr MenuItem algorithmItem(SimulationAlgorithm algorithm, const char* text) {
   const auto number = static_cast<std::size_t>(algorithm);
-  return item(command_ids::of(algorithm), text, &transformDisplay.algorithmPositions[number]);
+  // Does not compile for an algorithm that has no position.
+  return item(command_ids::of(algorithm), text, &transformDisplay.algorithmPositions.at(number));
 }
 
 constexpr std::array alternativeTransformItems{

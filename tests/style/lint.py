@@ -130,7 +130,7 @@ class PrecompiledHeaders:
     def __init__(self, entries, arguments, folder):
         self.arguments = arguments
         uses = Counter(self.key_of(entry) for entry in entries)
-        # Making them takes as long as they save for two units.
+        # Precompiling takes as long as it saves for two compilations.
         keys = [key for key, count in uses.items() if count > 2]
         self.made = {key: folder / f"headers_{number}.pch" for number, key in enumerate(keys)}
         self.locks = {key: threading.Lock() for key in keys}
@@ -143,7 +143,7 @@ class PrecompiledHeaders:
         return precompiled_by_cmake(entry), *options
 
     def options_for(self, entry):
-        """Returns the options that use the precompiled headers, if that is worth making them."""
+        """Returns the options that use the precompiled headers; none where precompiling does not pay."""
         key = self.key_of(entry)
         if key not in self.made:
             return []

@@ -10,8 +10,9 @@ namespace {
 // 0.9999 and are not corrected.
 constexpr std::array<double, 3> greyWeights{0.2989, 0.587, 0.114};
 
-ColourEffect diagonalEffect(double red, double green, double blue, double added = 0.0) {
-  return {{red, 0.0, 0.0, 0.0, green, 0.0, 0.0, 0.0, blue}, {added, added, added}};
+ColourEffect diagonalEffect(double red, double green, double blue, double equalOffset = 0.0) {
+  return {{red, 0.0, 0.0, 0.0, green, 0.0, 0.0, 0.0, blue},
+          {equalOffset, equalOffset, equalOffset}};
 }
 
 ColourEffect mixChannels(std::size_t first, std::size_t second, double strength) {

@@ -39,7 +39,7 @@ struct MirrorPicture {
 };
 MirrorPicture mirrored;
 
-QRect clientArea() {
+QRect mirrorArea() {
   return {QPoint(), mirrored.size};
 }
 
@@ -64,7 +64,7 @@ QRect placeInView() {
 void layOut() {
   if (mirrored.size.isEmpty()) return;
   if (!mirrored.source.isNull()) mirrored.place = placeInView();
-  mirrored.toScale = clientArea();
+  mirrored.toScale = mirrorArea();
 }
 
 void fitMainWindow() {
@@ -147,7 +147,7 @@ void drawText() {
   painter.setPen(colours.color(QPalette::WindowText));
   painter.setFont(QGuiApplication::font());
   constexpr int margin = 12;
-  painter.drawText(clientArea().adjusted(margin, margin, -margin, -margin),
+  painter.drawText(mirrorArea().adjusted(margin, margin, -margin, -margin),
                    Qt::AlignCenter | Qt::TextWordWrap, mirrored.text);
 }
 
@@ -190,7 +190,7 @@ void setMirrorSize(const QSize& size) {
 
 void setMirrorFilter(const PixelFilter& filter) {
   mirrored.filter = filter;
-  mirrored.toFilter = clientArea();
+  mirrored.toFilter = mirrorArea();
 }
 
 void showNewestFrame() {
@@ -212,15 +212,15 @@ void showNewestFrame() {
 void showText(std::string_view text) {
   mirrored.source = QImage();
   mirrored.text = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-  mirrored.toScale = clientArea();
+  mirrored.toScale = mirrorArea();
 }
 
 void updateMirror() {
   if (mirrored.window == XCB_NONE) return;
   noteExposures(&xcb_poll_for_event);
   if (mirrored.size.isEmpty()) return;
-  const QRegion toScale = std::exchange(mirrored.toScale, {}) & clientArea();
-  const QRegion toFilter = std::exchange(mirrored.toFilter, {}) & clientArea();
+  const QRegion toScale = std::exchange(mirrored.toScale, {}) & mirrorArea();
+  const QRegion toFilter = std::exchange(mirrored.toFilter, {}) & mirrorArea();
   if (toScale.isEmpty() && toFilter.isEmpty()) return;
   // The server may still be reading the pixels that were shown before.
   waitForXServer();

@@ -45,12 +45,13 @@ class MonitorTest : public ProgramTest {
     scene().addNoise({0, 0, screen.width, screen.height}, 3);
   }
   Area outer() const { return x().outerAreaOf(main()); }
-  // Moves the main window's inside to the corner of a place, and returns true once it is there.
+  // Moves the main window's client area to the corner of a place, and returns true once it is
+  // there.
   bool moves(const Area& place) {
     x().move(main(), place.x, place.y);
     return eventually([&] {
-      const Area inside = x().areaOf(main());
-      return inside.x == place.x && inside.y == place.y;
+      const Area client = x().areaOf(main());
+      return client.x == place.x && client.y == place.y;
     });
   }
   testing::AssertionResult outerBecomes(const Area& area) const {

@@ -2,7 +2,6 @@
 #include <windows.h>
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cstring>
 #include <ostream>
 #include <string>

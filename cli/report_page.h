@@ -3,7 +3,6 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "cli/check_command.h"
@@ -26,8 +25,5 @@ struct Report {
 };
 
 std::string formatReport(const Report& report);
-
-// Escapes text for the content of an element or an attribute in double quotes.
-std::string escapeHtml(std::string_view text);
 
 }  // namespace tintora::cli

@@ -1,7 +1,6 @@
 #include "cli/report_palette.h"
 
 #include "cli/check_formats.h"
-#include "cli/report_page.h"
 #include "cli/text.h"
 
 namespace tintora::cli {

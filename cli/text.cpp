@@ -125,6 +125,29 @@ std::string printable(std::string_view text) {
   return safe;
 }
 
+std::string escapeHtml(std::string_view text) {
+  std::string escaped;
+  for (const char c : text) {
+    switch (c) {
+      case '&':
+        escaped += "&amp;";
+        break;
+      case '<':
+        escaped += "&lt;";
+        break;
+      case '>':
+        escaped += "&gt;";
+        break;
+      case '"':
+        escaped += "&quot;";
+        break;
+      default:
+        escaped += c;
+    }
+  }
+  return escaped;
+}
+
 std::string leadingColumns(std::string_view text, std::size_t columns) {
   std::string leading;
   while (!text.empty()) {

@@ -24,14 +24,18 @@ const SpectralCurve& logWavelengths() {
   return axis;
 }
 
+// Of the template, by rising powers.
+constexpr std::array<long double, 8> templateCoefficients{
+    -188862.9708L, 90228.96671L,  -2483.531554L, -6675.007924L,
+    1813.525992L,  -215.1778885L, 12.48755862L,  -0.289541501L};
+
 // Computes the polynomial of the template in the square of x, the log10 of a wavelength in nm. Its
 // terms reach 1e7 and cancel to about 0, which double precision would answer with an error of 5e-9.
 long double logAbsorbance(long double x2) {
-  constexpr std::array<long double, 8> coefficients{-188862.9708L, 90228.96671L, -2483.531554L,
-                                                    -6675.007924L, 1813.525992L, -215.1778885L,
-                                                    12.48755862L,  -0.289541501L};
   long double sum = 0.0L;
-  for (std::size_t i = coefficients.size(); i-- > 0;) sum = sum * x2 + coefficients[i];
+  for (std::size_t i = templateCoefficients.size(); i-- > 0;) {
+    sum = sum * x2 + templateCoefficients[i];
+  }
   return sum;
 }
 

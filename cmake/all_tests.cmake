@@ -12,6 +12,6 @@ set(lint nice python3 -B ../tests/style/lint.py --plugin
          linux/tests/style/libtintora_own_code_only.so --build)
 add_test(style.lint_of_windows ${lint} windows --target x86_64-w64-mingw32 --only ../platform/windows
          --only ../tests/windows)
-set_tests_properties(style.lint_of_windows PROPERTIES TIMEOUT 3600 COST 79)
+set_tests_properties(style.lint_of_windows PROPERTIES TIMEOUT 3600 COST 81)
 add_test(style.lint_of_benchmarks ${lint} bench --only ../bench)
 add_test(style.lint_of_fuzz_targets ${lint} fuzz --only ../tests/fuzz)

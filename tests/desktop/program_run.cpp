@@ -52,6 +52,7 @@ bool isMenu(const XClient& x, xcb_window_t window) {
 ProgramTest::~ProgramTest() = default;
 
 void ProgramTest::SetUp() {
+  display().checkServer();
   client_ = std::make_unique<XClient>(display().name());
   setBackground(backgroundColour);
   x().moveMouse(1, 1);

@@ -83,6 +83,7 @@ XDisplay::XDisplay(const std::vector<std::string>& options, Manager manager,
   if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("No pipe could be made.");
   Launch launch{.command = {"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0",
                             size + "x24", "-nolisten", "tcp", "-noreset"},
+                .errors = serverLog(),
                 .inherited = ends[1]};
   launch.command.insert(launch.command.end(), options.begin(), options.end());
   server_ = std::make_unique<Process>(launch);
@@ -93,6 +94,13 @@ XDisplay::XDisplay(const std::vector<std::string>& options, Manager manager,
   name_ = ":" + number;
   if (manager != Manager::None) startManager(manager);
   if (compositor == Compositor::Picom) startCompositor();
+}
+
+void XDisplay::checkServer() {
+  const std::optional<int> result = server_->result(std::chrono::milliseconds{0});
+  if (!result) return;
+  throw std::runtime_error("The X server ended with " + std::to_string(*result) + ":\n" +
+                           readFile(serverLog()));
 }
 
 std::map<std::string, std::optional<std::string>> XDisplay::environment() const {

@@ -51,12 +51,15 @@ class XDisplay {
   // Stops the compositing manager likewise.
   [[nodiscard]] std::future<void> holdCompositor(std::chrono::milliseconds duration);
   void endServer() { server_->signal(SIGTERM); }
+  // Throws std::runtime_error with the server's last words if it has ended.
+  void checkServer();
   // Stops the server for a while. The future's destructor waits until it goes on.
   [[nodiscard]] std::future<void> holdServer(std::chrono::milliseconds duration);
 
  private:
   std::map<std::string, std::optional<std::string>> environment() const;
   void waitForCompositor() const;
+  std::string serverLog() const { return folder_.path() + "/server.log"; }
 
   TemporaryFolder folder_;
   std::string name_;

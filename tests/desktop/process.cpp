@@ -65,6 +65,7 @@ Process::~Process() {
   // A program that is killed does not write down which of its lines ran.
   if (std::getenv("TINTORA_COVERAGE") != nullptr) {
     signal(SIGTERM);
+    signal(SIGCONT);
     if (result()) return;
   }
   // Ends the processes that it started, too.

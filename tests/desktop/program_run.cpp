@@ -59,6 +59,11 @@ void ProgramTest::SetUp() {
 }
 
 void ProgramTest::TearDown() {
+  if (process_ && process_->isRunning()) {
+    // Xvfb 21.1.7 crashes on a request to share memory if its sender is gone.
+    process_->signal(SIGSTOP);
+    display().waitForServer();
+  }
   process_.reset();
   scene_.reset();
   if (!client_ || xcb_connection_has_error(x().connection()) != 0) return;

@@ -96,6 +96,10 @@ XDisplay::XDisplay(const std::vector<std::string>& options, Manager manager,
   if (compositor == Compositor::Picom) startCompositor();
 }
 
+void XDisplay::waitForServer() {
+  eventually([this] { return !server_->isRunning() || server_->isWaiting(); });
+}
+
 void XDisplay::checkServer() {
   const std::optional<int> result = server_->result(std::chrono::milliseconds{0});
   if (!result) return;

@@ -51,6 +51,8 @@ class XDisplay {
   // Stops the compositing manager likewise.
   [[nodiscard]] std::future<void> holdCompositor(std::chrono::milliseconds duration);
   void endServer() { server_->signal(SIGTERM); }
+  // Waits until the server has handled what it was sent, or has ended.
+  void waitForServer();
   // Throws std::runtime_error with the server's last words if it has ended.
   void checkServer();
   // Stops the server for a while. The future's destructor waits until it goes on.

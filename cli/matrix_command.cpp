@@ -75,20 +75,10 @@ std::string formatJson(const std::string& title, Light light, bool simulated) {
 }
 
 // Escapes text for an XML element; what XML cannot hold at all becomes a blank.
-std::string escapeXml(std::string_view text) {
-  std::string escaped;
-  for (const char c : text) {
-    if (c == '&') {
-      escaped += "&amp;";
-    } else if (c == '<') {
-      escaped += "&lt;";
-    } else if (c == '>') {
-      escaped += "&gt;";
-    } else {
-      escaped += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
-    }
-  }
-  return escaped;
+std::string escapeXml(std::string text) {
+  std::ranges::replace_if(
+      text, [](unsigned char c) { return c < ' '; }, ' ');
+  return escapeMarkup(text);
 }
 
 std::string formatSvg(const std::string& title, Light light) {

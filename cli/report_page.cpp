@@ -23,7 +23,7 @@ std::string findingsText(const PaletteCheck& check) {
 
 std::string image(const ShownPicture& picture, const std::string& alt, std::uint32_t width,
                   std::uint32_t height, const std::string& attributes) {
-  return "<img src=\"" + picture.address + "\" alt=\"" + escapeHtml(alt) + "\" width=\"" +
+  return "<img src=\"" + picture.address + "\" alt=\"" + escapeMarkup(alt) + "\" width=\"" +
          std::to_string(width) + "\" height=\"" + std::to_string(height) + "\"" + attributes + ">";
 }
 
@@ -41,7 +41,7 @@ std::string viewerPart(const ReportSection& section, const std::string& id) {
   const std::size_t chosen = picture.seen.size() > 3 ? 3 : picture.seen.size() - 1;
   for (std::size_t i = 0; i < picture.seen.size(); ++i) {
     html += "<label><input type=\"radio\" name=\"" + id + "-seen\" value=\"" + std::to_string(i) +
-            "\"" + (i == chosen ? " checked" : "") + "> " + escapeHtml(picture.seen[i].label) +
+            "\"" + (i == chosen ? " checked" : "") + "> " + escapeMarkup(picture.seen[i].label) +
             "</label>\n";
   }
   const std::string size = "width=\"" + std::to_string(picture.width) + "\" height=\"" +
@@ -61,8 +61,8 @@ std::string picturesPart(const ReportSection& section) {
   const auto figure = [&](const ShownPicture& shown, const std::string& key) {
     return "<figure>" +
            image(shown, altText(section.name, shown.label), picture.width, picture.height,
-                 " data-seen=\"" + key + "\" data-label=\"" + escapeHtml(shown.label) + "\"") +
-           "<figcaption>" + escapeHtml(shown.label) + "</figcaption></figure>\n";
+                 " data-seen=\"" + key + "\" data-label=\"" + escapeMarkup(shown.label) + "\"") +
+           "<figcaption>" + escapeMarkup(shown.label) + "</figcaption></figure>\n";
   };
   std::string html = "<h3>Original and simulations</h3>\n<div class=\"grid\">\n" +
                      figure(picture.original, "original");
@@ -80,7 +80,7 @@ std::string stripsPart(const ReportSection& section, const std::string& heading,
     const std::string label = shown.label == "original" ? shown.label : type + " " + shown.label;
     return "<figure>" +
            image(shown, altText(section.name, label), picture.width, picture.height, "") +
-           "<figcaption>" + escapeHtml(shown.label) + "</figcaption></figure>\n";
+           "<figcaption>" + escapeMarkup(shown.label) + "</figcaption></figure>\n";
   };
   std::string html = "<h3>" + heading + "</h3>\n";
   for (const PictureRow& row : rows) {
@@ -95,7 +95,7 @@ std::string stripsPart(const ReportSection& section, const std::string& heading,
 std::string sectionPart(const ReportSection& section, const Report& report, std::size_t number) {
   const std::string id = sectionId(number);
   std::string html = "<section id=\"" + id + "\" aria-labelledby=\"" + id + "-name\">\n<h2 id=\"" +
-                     id + "-name\">" + escapeHtml(section.name) + "</h2>\n";
+                     id + "-name\">" + escapeMarkup(section.name) + "</h2>\n";
   if (section.picture) {
     html += viewerPart(section, id) + picturesPart(section) +
             stripsPart(section, "Severity steps", section.picture->severities) +
@@ -108,7 +108,7 @@ std::string sectionPart(const ReportSection& section, const Report& report, std:
 
 std::string introduction(const Report& report) {
   const CheckLimits& limits = report.options.limits;
-  return "<p>Simulated with " + escapeHtml(labelOf(report.options.algorithm)) + " in " +
+  return "<p>Simulated with " + escapeMarkup(labelOf(report.options.algorithm)) + " in " +
          std::string(lightName(lightOf(report.options))) +
          " light. Differences between colours are CIEDE2000: two colours count as told apart "
          "from " +
@@ -120,7 +120,7 @@ std::string contents(const Report& report) {
   std::string html = "<nav aria-label=\"Contents\">\n<ul>\n";
   for (std::size_t i = 0; i < report.sections.size(); ++i) {
     const ReportSection& section = report.sections[i];
-    html += "<li><a href=\"#" + sectionId(i) + "\">" + escapeHtml(section.name) +
+    html += "<li><a href=\"#" + sectionId(i) + "\">" + escapeMarkup(section.name) +
             "</a>: " + findingsText(section.checked.check) + "</li>\n";
   }
   return html + "</ul>\n</nav>\n";
@@ -129,7 +129,7 @@ std::string contents(const Report& report) {
 }  // namespace
 
 std::string formatReport(const Report& report) {
-  const std::string title = escapeHtml(report.title);
+  const std::string title = escapeMarkup(report.title);
   std::string html =
       "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
       "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"

@@ -22,14 +22,14 @@ std::string pairSwatch(Rgb8 first, Rgb8 second) {
 
 std::string nameOf(const PaletteColour& colour) {
   const std::string code = "<code>" + hexText(colour.rgb) + "</code>";
-  return colour.name.empty() ? code : escapeHtml(colour.name) + " " + code;
+  return colour.name.empty() ? code : escapeMarkup(colour.name) + " " + code;
 }
 
 // Returns a table in a frame that scrolls sideways, and that keys can scroll too.
 std::string table(const std::string& label, const std::string& head, const std::string& body) {
-  return "<div class=\"scroll\" role=\"region\" tabindex=\"0\" aria-label=\"" + escapeHtml(label) +
-         "\">\n<table>\n<thead><tr>" + head + "</tr></thead>\n<tbody>\n" + body +
-         "</tbody>\n</table>\n</div>\n";
+  return "<div class=\"scroll\" role=\"region\" tabindex=\"0\" aria-label=\"" +
+         escapeMarkup(label) + "\">\n<table>\n<thead><tr>" + head + "</tr></thead>\n<tbody>\n" +
+         body + "</tbody>\n</table>\n</div>\n";
 }
 
 std::string viewerHeads(const CheckedInput& checked) {
@@ -142,7 +142,8 @@ std::string palettePart(const CheckedInput& checked, const std::string& heading,
                         const CheckLimits& limits) {
   std::string html = "<h3>" + heading + "</h3>\n" + coloursTable(checked, heading);
   for (const std::string& colour : checked.input.leftOut) {
-    html += "<p>Left out, because it is translucent: <code>" + escapeHtml(colour) + "</code></p>\n";
+    html +=
+        "<p>Left out, because it is translucent: <code>" + escapeMarkup(colour) + "</code></p>\n";
   }
   if (checked.check.pairs.empty()) return html;
   html += "<h3>Findings</h3>\n";

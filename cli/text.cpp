@@ -125,7 +125,7 @@ std::string printable(std::string_view text) {
   return safe;
 }
 
-std::string escapeHtml(std::string_view text) {
+std::string escapeMarkup(std::string_view text) {
   std::string escaped;
   for (const char c : text) {
     switch (c) {

@@ -24,8 +24,8 @@ std::string toUtf8(std::string_view text);
 // control characters and bytes that are not UTF-8 become question marks, line feeds blanks.
 std::string printable(std::string_view text);
 
-// Escapes text for the content of an HTML element or an attribute in double quotes.
-std::string escapeHtml(std::string_view text);
+// Escapes text for the content of an HTML or XML element, or an attribute in double quotes.
+std::string escapeMarkup(std::string_view text);
 
 // Returns the longest prefix of a UTF-8 text that fits into this many columns of a terminal.
 std::string leadingColumns(std::string_view text, std::size_t columns);

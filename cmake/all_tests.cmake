@@ -15,3 +15,5 @@ add_test(style.lint_of_windows ${lint} windows --target x86_64-w64-mingw32 --onl
 set_tests_properties(style.lint_of_windows PROPERTIES TIMEOUT 3600 COST 81)
 add_test(style.lint_of_benchmarks ${lint} bench --only ../bench)
 add_test(style.lint_of_fuzz_targets ${lint} fuzz --only ../tests/fuzz)
+add_test(style.lint_of_arm ${lint} arm64 --target aarch64-linux-gnu ../engine/pixel_kernels_neon.cpp)
+add_test(style.lint_of_sanitized ${lint} linux-sanitize ../tests/desktop/keep_libraries.cpp)
